@@ -1,0 +1,52 @@
+# What every target of this project is built with, and the helper that makes a floor.
+
+set(CMAKE_CXX_STANDARD 20)
+set(CMAKE_CXX_STANDARD_REQUIRED ON)
+set(CMAKE_CXX_EXTENSIONS OFF)
+set(CMAKE_EXPORT_COMPILE_COMMANDS ON)
+set(CMAKE_POSITION_INDEPENDENT_CODE ON)
+set(THREADS_PREFER_PTHREAD_FLAG ON)
+
+if(NOT CMAKE_BUILD_TYPE AND NOT CMAKE_CONFIGURATION_TYPES)
+  set(CMAKE_BUILD_TYPE RelWithDebInfo CACHE STRING "Build type" FORCE)
+endif()
+
+find_program(ORLIX_CCACHE ccache)
+if(ORLIX_CCACHE AND NOT CMAKE_CXX_COMPILER_LAUNCHER)
+  set(CMAKE_CXX_COMPILER_LAUNCHER ${ORLIX_CCACHE})
+endif()
+
+find_package(Threads REQUIRED)
+find_package(OpenSSL 3 REQUIRED)
+find_package(CURL REQUIRED)
+find_package(SQLite3 REQUIRED)
+find_package(fmt REQUIRED)
+find_package(Boost 1.81 REQUIRED COMPONENTS json)
+
+# Warnings are errors, in every target of ours.
+add_library(orlix_warnings INTERFACE)
+target_compile_options(orlix_warnings INTERFACE
+  -Wall -Wextra -Wpedantic -Wconversion -Wshadow -Werror)
+
+if(ORLIX_SANITIZE)
+  add_compile_options(-fsanitize=${ORLIX_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer -g)
+  add_link_options(-fsanitize=${ORLIX_SANITIZE})
+endif()
+
+# orlix_floor(<name> [DEPENDS <targets>...] [PRIVATE <targets>...])
+#
+# A floor of the library: every source in the current folder becomes the static library
+# orlix_<name>. It links only the floors named in DEPENDS, so an include that points up fails to
+# link; the test `IncludesPointDown` reads the includes themselves.
+function(orlix_floor name)
+  cmake_parse_arguments(FLOOR "" "" "DEPENDS;PRIVATE" ${ARGN})
+  file(GLOB sources CONFIGURE_DEPENDS ${CMAKE_CURRENT_SOURCE_DIR}/*.cpp ${CMAKE_CURRENT_SOURCE_DIR}/*.h)
+  if(name STREQUAL "platform")
+    file(GLOB ui CONFIGURE_DEPENDS ${CMAKE_CURRENT_SOURCE_DIR}/ui/*.cpp ${CMAKE_CURRENT_SOURCE_DIR}/ui/*.h)
+    list(APPEND sources ${ui})
+  endif()
+  add_library(orlix_${name} STATIC ${sources})
+  set_target_properties(orlix_${name} PROPERTIES LINKER_LANGUAGE CXX)
+  target_include_directories(orlix_${name} PUBLIC $<BUILD_INTERFACE:${PROJECT_SOURCE_DIR}>)
+  target_link_libraries(orlix_${name} PUBLIC ${FLOOR_DEPENDS} PRIVATE orlix_warnings ${FLOOR_PRIVATE})
+endfunction()

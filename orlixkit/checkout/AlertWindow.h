@@ -1,0 +1,22 @@
+#pragma once
+
+#include <memory>
+
+#include "orlixkit/platform/ui/AlertController.h"
+#include "orlixkit/platform/ui/Application.h"
+
+namespace orlix {
+
+/// Shows alerts over whatever is on top, finding the application's active window by itself.
+class AlertWindow {
+ public:
+  /// Any thread. Without a window the alert is dropped, with a log line.
+  static void show(const std::shared_ptr<AlertController>& alert, bool animated = true);
+
+  /// Main thread. None when nothing is on screen.
+  static std::shared_ptr<Window> ox_activeApplicationWindow();
+  static std::shared_ptr<ViewController> ox_topViewControllerFrom(
+      const std::shared_ptr<ViewController>& controller);
+};
+
+}  // namespace orlix

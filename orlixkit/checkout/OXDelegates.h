@@ -1,0 +1,31 @@
+#pragma once
+
+#include <string>
+
+namespace orlix {
+
+/// What the host application hears: exactly one of these for each flow that ends by a return to the
+/// host, on the main thread, after every screen of the library is gone.
+class OXOrlixDelegate {
+ public:
+  virtual ~OXOrlixDelegate() = default;
+  virtual void orlixPaymentSucceededWithTransactionReference(const std::string& reference) = 0;
+  virtual void orlixPaymentFailedWithTransactionReference(const std::string& reference) = 0;
+  /// 2: the purchase was refused. 4: the code is unknown, or asks for what the in-app checkout does
+  /// not offer. 6: the card takes no part in 3-D Secure. 7: both host and code fix an amount.
+  virtual void orlixError(int code) = 0;
+  virtual void orlixUserDidCancel() = 0;
+  virtual void orlixUserRegistered() = 0;
+  virtual void orlixUserCompletedWallet() = 0;
+  /// Defined for completeness; no flow makes it.
+  virtual void orlixInvalidCode() = 0;
+};
+
+/// Hears that a card has been authenticated by 3-D Secure.
+class OX3DSecureOrlixDelegate {
+ public:
+  virtual ~OX3DSecureOrlixDelegate() = default;
+  virtual void auth3DsValidated() = 0;
+};
+
+}  // namespace orlix

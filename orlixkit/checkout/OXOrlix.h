@@ -1,0 +1,131 @@
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <optional>
+#include <string>
+
+#include "orlixkit/checkout/OXDelegates.h"
+#include "orlixkit/checkout/OXTransitioningDelegate.h"
+#include "orlixkit/platform/ui/ViewController.h"
+#include "orlixkit/protocol/OMVello.h"
+
+namespace orlix {
+
+/// 0 selects the live server, any other value (1 by convention) the test server.
+using OXSystem = std::int64_t;
+inline constexpr OXSystem kLiveSystem = 0;
+inline constexpr OXSystem kTestSystem = 1;
+
+/// The customer, as the host application knows him. A change of customer wipes the wallet's
+/// credentials on this device.
+struct CustomerId {
+  std::string value;
+};
+
+/// A mobile number to suggest when the device is enrolled.
+struct PreMSISDN {
+  std::string value;
+};
+
+/// A checkout with its arguments by name.
+struct CheckoutRequest {
+  std::string code;
+  double amount = 0;  ///< in currency units; 0 or less leaves the amount to code and user
+  std::string apiKey;
+  OXSystem system = kLiveSystem;
+  std::shared_ptr<ViewController> controller;
+  std::shared_ptr<OXOrlixDelegate> delegate;
+  std::optional<PreMSISDN> preMSISDN;
+  std::optional<CustomerId> customerId;
+};
+
+/// A pre-registration or a visit to the wallet.
+struct WalletRequestArguments {
+  std::string apiKey;
+  OXSystem system = kLiveSystem;
+  std::shared_ptr<ViewController> controller;
+  std::shared_ptr<OXOrlixDelegate> delegate;
+  std::optional<PreMSISDN> preMSISDN;
+  std::optional<CustomerId> customerId;
+};
+
+/// Empty public type, kept for hosts that name it.
+class OXSettings {};
+
+/// The one class that a host application talks to. Make one per flow, keep it until the delegate
+/// has heard the outcome. Main thread only.
+class OXOrlix : public OMVelloDelegate, public std::enable_shared_from_this<OXOrlix> {
+ public:
+  static std::shared_ptr<OXOrlix> make();
+
+  void checkout(const CheckoutRequest& request);
+  void preRegister(const WalletRequestArguments& request);
+  void walletManagement(const WalletRequestArguments& request);
+
+  using Controller = std::shared_ptr<ViewController>;
+  using Delegate = std::shared_ptr<OXOrlixDelegate>;
+  void checkoutWithCode(const std::string& code, double amount, const std::string& apiKey,
+                        OXSystem system, Controller controller, Delegate delegate);
+  void checkoutWithCode(const std::string& code, double amount, const std::string& apiKey,
+                        OXSystem system, Controller controller, Delegate delegate,
+                        std::optional<CustomerId> customerId);
+  void checkoutWithCode(const std::string& code, double amount, const std::string& apiKey,
+                        OXSystem system, Controller controller, Delegate delegate,
+                        std::optional<PreMSISDN> preMSISDN);
+  void checkoutWithCode(const std::string& code, double amount, const std::string& apiKey,
+                        OXSystem system, Controller controller, Delegate delegate,
+                        std::optional<PreMSISDN> preMSISDN, std::optional<CustomerId> customerId);
+  void preRegister(const std::string& apiKey, OXSystem system, Controller controller,
+                   Delegate delegate);
+  void preRegister(const std::string& apiKey, OXSystem system, Controller controller,
+                   Delegate delegate, std::optional<CustomerId> customerId);
+  void preRegister(const std::string& apiKey, OXSystem system, Controller controller,
+                   Delegate delegate, std::optional<PreMSISDN> preMSISDN);
+  void preRegister(const std::string& apiKey, OXSystem system, Controller controller,
+                   Delegate delegate, std::optional<PreMSISDN> preMSISDN,
+                   std::optional<CustomerId> customerId);
+  void WalletManagement(const std::string& apiKey, OXSystem system, Controller controller,
+                        Delegate delegate);
+  void WalletManagement(const std::string& apiKey, OXSystem system, Controller controller,
+                        Delegate delegate, std::optional<CustomerId> customerId);
+  void WalletManagement(const std::string& apiKey, OXSystem system, Controller controller,
+                        Delegate delegate, std::optional<PreMSISDN> preMSISDN);
+  void WalletManagement(const std::string& apiKey, OXSystem system, Controller controller,
+                        Delegate delegate, std::optional<PreMSISDN> preMSISDN,
+                        std::optional<CustomerId> customerId);
+
+  /// "+" and the digits of a South African or international number (E.164); an empty text stays
+  /// empty.
+  static std::string getSuggestedMSISDN(const std::string& number);
+  static std::string getLibVelloApiVersion();
+  /// Makes this device unknown to the wallet, and says so in an alert.
+  void reset();
+  /// The same without a word.
+  void deregisterUser();
+  void saveCustomerId(const std::string& customerId);
+  void checkCustomerId(const std::optional<CustomerId>& customerId);
+
+  void showLoadingDialogFromController(const Controller& controller);
+  void showScreen(const std::string& identifier, const Controller& fromController);
+  static void hideLoadingDialog(const Controller& controller);
+
+  /// The first screen of the session's flow. `waiting`: the waiting screen, none after a retry.
+  static void loadCodeInfo(const Controller& waiting);
+  static void loadCards();
+  static void loadWallet();
+
+  /// Registers the brand's fonts, once per process.
+  static void load();
+  static void loadFontWithName(const std::string& name);
+  static void printFonts();
+
+  void velloNotActivated() override;
+  void velloSessionEstablished() override;
+
+ private:
+  std::shared_ptr<OXTransitioningDelegate> transitioningDelegate_;
+  Controller waitingController_;
+};
+
+}  // namespace orlix

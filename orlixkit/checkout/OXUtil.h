@@ -1,0 +1,57 @@
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <optional>
+#include <string>
+
+#include "orlixkit/platform/Bytes.h"
+#include "orlixkit/platform/ui/AlertController.h"
+#include "orlixkit/platform/ui/View.h"
+#include "orlixkit/platform/ui/ViewController.h"
+#include "orlixkit/protocol/Location.h"
+#include "orlixkit/records/CardOption.h"
+
+namespace orlix {
+
+/// What every screen of the library shares: the names of stored values, the server's address, the
+/// last used card, the standard alerts and the look. Main thread, unless stated otherwise.
+class OXUtil {
+ public:
+  /// "live" or "test", a point, and the item. Any thread.
+  static std::string storageKeyForItem(const std::string& item);
+  /// Base address of the chosen server, without a trailing slash. Any thread.
+  static std::string velloUrl();
+  /// Any thread.
+  static std::string deviceModel();
+
+  /// An alert with one button "Ok".
+  static void showAlertWithTitle(const std::string& title, const std::string& message);
+  /// The "Connection problem" alert: "Retry" runs `retry`, "Cancel" dismisses the progress
+  /// indicator and runs `cancel`, if any. Both are dropped once the session that was current at the
+  /// call is over. Any thread.
+  static void showNetworkErrorRetryObject(Task retry, Task cancel = {});
+  static void showController(const std::shared_ptr<ViewController>& controller,
+                             const std::shared_ptr<ViewController>& from);
+
+  static void setLastUsedCardId(std::int64_t cardId);
+  static std::int64_t getLastUsedCardid();
+  static std::optional<CardOption> getLastUsedCard();
+  /// Name of the image resource of a card brand.
+  static std::string imageForCardType(const std::optional<std::string>& cardType);
+  static Location getLocation();
+
+  static void checkOrientationHeight(ViewController& controller, bool isSecureScreen = false);
+  static void styleButtonsForView(const std::shared_ptr<View>& view);
+  static void styleButton(Button& button);
+  static void styleAlertController(AlertController& alert);
+  static void addOrlixLogoToNavigationItem(ViewController& controller);
+  static Color primaryColor();
+  static Color primaryDarkColor();
+  static Color accentColor();
+  static std::string regularFont();
+  static std::string boldFont();
+  static std::string lightFont();
+};
+
+}  // namespace orlix

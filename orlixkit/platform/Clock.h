@@ -1,0 +1,52 @@
+#pragma once
+
+#include <chrono>
+#include <memory>
+
+namespace orlix {
+
+using Duration = std::chrono::nanoseconds;
+/// A point on the clock that never jumps. Deadlines are taken on it, so that setting the calendar
+/// clock neither cuts a wait short nor stretches it.
+using SteadyTime = std::chrono::time_point<std::chrono::steady_clock, Duration>;
+using CalendarTime = std::chrono::time_point<std::chrono::system_clock, Duration>;
+
+/// A condition variable with its own lock, to wait on from a background task.
+class Condition {
+ public:
+  virtual ~Condition() = default;
+
+  virtual void lock() = 0;
+  virtual void unlock() = 0;
+
+  /// Called with the lock held; releases it while waiting and holds it again on return.
+  /// True after a signal (or, now and then, for no reason: test what you wait for again); false
+  /// when the deadline has passed or the host is shutting down.
+  virtual bool waitUntil(SteadyTime deadline) = 0;
+
+  /// Wakes every waiter. The lock may be held or not.
+  virtual void signal() = 0;
+};
+
+/// Time, and every way in which the library lets it pass.
+///
+/// Thread: every operation may be called from any thread.
+/// After the host's shutdown `sleep` and `waitUntil` return false at once.
+class Clock {
+ public:
+  virtual ~Clock() = default;
+
+  virtual SteadyTime steadyNow() const = 0;
+  virtual CalendarTime now() const = 0;
+
+  /// Offset of the device's local time from UTC at `at`, positive to the east.
+  virtual std::chrono::seconds utcOffset(CalendarTime at) const = 0;
+
+  /// Blocks the calling thread. False when the host's shutdown cut it short.
+  virtual bool sleep(Duration duration) = 0;
+
+  /// The condition must not outlive the clock's host.
+  virtual std::unique_ptr<Condition> newCondition() = 0;
+};
+
+}  // namespace orlix

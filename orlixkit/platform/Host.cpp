@@ -1,0 +1,79 @@
+#include "orlixkit/platform/Host.h"
+
+#include <stdexcept>
+
+namespace orlix {
+
+namespace {
+
+std::shared_ptr<Host>& installed() {
+  static std::shared_ptr<Host> host;
+  return host;
+}
+
+void require(bool present, const std::string& port) {
+  if (!present) {
+    throw std::invalid_argument("Host: the port " + port + " is missing");
+  }
+}
+
+}  // namespace
+
+Host::Host(Ports ports, Deployment deployment)
+    : ports_(std::move(ports)), deployment_(std::move(deployment)) {
+  require(ports_.log != nullptr, "log");
+  require(ports_.clock != nullptr, "clock");
+  require(ports_.mainQueue != nullptr, "mainQueue");
+  require(ports_.backgroundQueues != nullptr, "backgroundQueues");
+  require(ports_.urlConnections != nullptr, "urlConnections");
+  require(ports_.userDefaults != nullptr, "userDefaults");
+  require(ports_.device != nullptr, "device");
+  require(ports_.bundle != nullptr, "bundle");
+}
+
+Host::~Host() { shutdown(); }
+
+void Host::install(std::shared_ptr<Host> host) {
+  if (installed()) {
+    throw std::logic_error("Host::install: a host is installed already");
+  }
+  installed() = std::move(host);
+}
+
+void Host::uninstall() {
+  if (!installed()) {
+    return;
+  }
+  installed()->shutdown();
+  // Released only after the slot is empty: what dies with the host may still write to its log.
+  const std::shared_ptr<Host> last = installed();
+  last->application_.clear();
+  last->shared_.clear();
+  installed().reset();
+}
+
+Host& Host::current() {
+  if (!installed()) {
+    throw std::logic_error("Host::current: no host is installed; call Host::install first");
+  }
+  return *installed();
+}
+
+void Host::shutdown() {
+  if (shutDown_) {
+    return;
+  }
+  shutDown_ = true;
+  // The main queue first, so that what the woken background tasks report goes nowhere.
+  ports_.mainQueue->close();
+  ports_.urlConnections->close();
+  ports_.backgroundQueues->close();
+}
+
+void log(std::string_view line) {
+  if (installed()) {
+    installed()->ports().log->write(line);
+  }
+}
+
+}  // namespace orlix

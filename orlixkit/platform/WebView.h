@@ -1,0 +1,52 @@
+#pragma once
+
+#include <functional>
+#include <memory>
+#include <optional>
+#include <string>
+
+namespace orlix {
+
+class WebViewDelegate {
+ public:
+  virtual ~WebViewDelegate() = default;
+  /// A page has been loaded and stands in the view. Also called for every further page.
+  virtual void didFinishNavigation() = 0;
+  /// The page could not be loaded; the view shows what it showed before.
+  virtual void didFailNavigation(const std::string& description) = 0;
+  /// The process behind the page has died; the view is empty.
+  virtual void webContentProcessDidTerminate() = 0;
+};
+
+/// What a script gave: a text (numbers and other values in their text form), or why it failed.
+struct ScriptResult {
+  std::optional<std::string> value;
+  std::string error;
+};
+
+/// A view that shows web pages. It keeps nothing beyond its own life: no disk cache, no cookies. It
+/// reaches no local file, lets no script open a window, and loads https addresses only (and
+/// loopback ones). It trusts what the transport trusts.
+///
+/// Main thread only, callbacks included. No callback after release or `stopLoading`, but for the
+/// script results still owed, which then carry an error.
+class WebView {
+ public:
+  virtual ~WebView() = default;
+  virtual void setNavigationDelegate(std::weak_ptr<WebViewDelegate> delegate) = 0;
+  /// `html` as a page without base address.
+  virtual void loadHtmlString(const std::string& html) = 0;
+  virtual void loadRequest(const std::string& address) = 0;
+  virtual void stopLoading() = 0;
+  virtual void evaluateJavaScript(const std::string& script,
+                                  std::function<void(const ScriptResult&)> completion) = 0;
+};
+
+class WebViews {
+ public:
+  virtual ~WebViews() = default;
+  /// None where the host's interface cannot show web pages (a run without a display toolkit).
+  virtual std::shared_ptr<WebView> newWebView() = 0;
+};
+
+}  // namespace orlix

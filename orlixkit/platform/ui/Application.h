@@ -1,0 +1,97 @@
+#pragma once
+
+#include <memory>
+#include <optional>
+#include <vector>
+
+#include "orlixkit/platform/Bytes.h"
+#include "orlixkit/platform/ui/Geometry.h"
+#include "orlixkit/platform/ui/ProgressIndicator.h"
+#include "orlixkit/platform/ui/Storyboard.h"
+#include "orlixkit/platform/ui/ViewController.h"
+
+namespace orlix {
+
+class Window {
+ public:
+  std::shared_ptr<ViewController> rootViewController;
+  bool key = false;
+  bool hidden = false;
+  double alpha = 1;
+  bool normalLevel = true;
+};
+
+enum class SceneState { foregroundActive, foregroundInactive, background, unattached };
+
+/// One connected scene of the application. Only window scenes have windows.
+struct Scene {
+  bool isWindowScene = true;
+  SceneState state = SceneState::foregroundActive;
+  std::vector<std::shared_ptr<Window>> windows;
+};
+
+enum class Orientation { portrait, landscape };
+enum class Transition { presentation, dismissal, progress };
+
+/// Watches the user interface from outside: the shell that draws it, the script that reports it.
+class UiObserver {
+ public:
+  virtual ~UiObserver() = default;
+  /// A controller (screen or alert) has appeared / has gone.
+  virtual void didPresent(const std::shared_ptr<ViewController>&) {}
+  virtual void didDismiss(const std::shared_ptr<ViewController>&) {}
+  virtual void progressChanged(const ProgressIndicator&) {}
+  /// Plays an animation and calls `done` on the main thread when it has ended. False: this observer
+  /// plays none, and `done` is left to the caller. `controller` is none for the progress indicator.
+  virtual bool animate(const std::shared_ptr<ViewController>&, Transition, const Task&) {
+    return false;
+  }
+};
+
+/// The application's user interface: its scenes and windows, the screen's size and orientation, the
+/// progress indicator and the storyboard. The host application fills in what it shows; the library
+/// reads it. Main thread only.
+class Application {
+ public:
+  Application();
+  ~Application();
+
+  /// In the order in which they connected.
+  std::vector<Scene> connectedScenes;
+  /// What older platforms know: the key window, and the window of the application's delegate.
+  std::shared_ptr<Window> keyWindow;
+  std::shared_ptr<Window> delegateWindow;
+  /// Major version of the platform; scenes exist from 13 on.
+  int platformVersion = 17;
+
+  /// None when there is no main screen (its size then counts as 0 by 0).
+  std::optional<Size> mainScreen = Size{375, 667};
+  Size mainScreenSize() const { return mainScreen.value_or(Size{}); }
+  Orientation statusBarOrientation = Orientation::portrait;
+
+  /// Puts one window with this root controller on the screen, as the key window of a new scene.
+  void showMainWindow(const std::shared_ptr<ViewController>& root);
+
+  ProgressIndicator& progressIndicator() { return progressIndicator_; }
+  Storyboard& storyboard() { return storyboard_; }
+
+  /// Not owned; none to stop.
+  void setObserver(UiObserver* observer) { observer_ = observer; }
+
+  void didPresent(const std::shared_ptr<ViewController>& controller);
+  void didDismiss(const std::shared_ptr<ViewController>& controller);
+  void progressChanged();
+  /// Lets the observer play the animation, then runs `done` on the main queue. Never at once: what
+  /// is animated ends after the caller has returned.
+  void animate(const std::shared_ptr<ViewController>& controller, Transition transition, Task done);
+
+  /// Releases every window, and with it all that is presented.
+  void clear();
+
+ private:
+  ProgressIndicator progressIndicator_;
+  Storyboard storyboard_;
+  UiObserver* observer_ = nullptr;
+};
+
+}  // namespace orlix

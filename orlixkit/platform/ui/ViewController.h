@@ -1,0 +1,150 @@
+#pragma once
+
+#include <map>
+#include <memory>
+#include <stdexcept>
+#include <string>
+#include <vector>
+
+#include "orlixkit/platform/Bytes.h"
+#include "orlixkit/platform/ui/View.h"
+
+namespace orlix {
+
+class NavigationController;
+class PresentationController;
+class TabBarController;
+class TransitioningDelegate;
+class ViewController;
+
+enum class ModalPresentationStyle { fullScreen, custom };
+
+/// Supplies the presentation of a controller that is presented in the custom style.
+class TransitioningDelegate {
+ public:
+  virtual ~TransitioningDelegate() = default;
+  virtual std::shared_ptr<PresentationController> presentationControllerFor(
+      const std::shared_ptr<ViewController>& presented,
+      const std::shared_ptr<ViewController>& presenting,
+      const std::shared_ptr<ViewController>& source) = 0;
+};
+
+/// One screen: what it shows (outlets) and what a user can do on it (actions), both reached by name
+/// from a shell, a script or a test; and its place among the screens that present one another.
+///
+/// Main thread only. Presented controllers are held by the one that presents them; work in flight
+/// keeps its controller alive by `shared_from_this`.
+class ViewController : public std::enable_shared_from_this<ViewController> {
+ public:
+  ViewController();
+  virtual ~ViewController();
+  ViewController(const ViewController&) = delete;
+  ViewController& operator=(const ViewController&) = delete;
+
+  /// Storyboard identifier or, for a screen that a segue opened, the segue's name. Empty for
+  /// controllers that come from elsewhere (the host's own, alerts).
+  const std::string& identifier() const { return identifier_; }
+  void setIdentifier(std::string identifier) { identifier_ = std::move(identifier); }
+
+  const std::shared_ptr<View>& view() const { return view_; }
+  void loadViewIfNeeded();
+  bool isViewLoaded() const { return loaded_; }
+
+  virtual void viewDidLoad() {}
+  virtual void viewWillAppear() {}
+  virtual void viewDidAppear() {}
+  virtual void viewWillDisappear() {}
+  virtual bool shouldAutorotate() const { return true; }
+
+  /// Names in the order of their registration.
+  const std::vector<std::string>& outletNames() const { return outletNames_; }
+  const std::vector<std::string>& actionNames() const { return actionNames_; }
+  /// None when there is no outlet of this name.
+  std::shared_ptr<View> outletNamed(const std::string& name) const;
+  bool hasAction(const std::string& name) const { return actions_.contains(name); }
+  /// Throws std::out_of_range for an unknown name.
+  void performAction(const std::string& name);
+
+  std::shared_ptr<ViewController> presentedViewController() const { return presented_; }
+  std::shared_ptr<ViewController> presentingViewController() const { return presenting_.lock(); }
+  bool isBeingDismissed() const { return beingDismissed_; }
+  bool hasAppeared() const { return appeared_; }
+  const std::shared_ptr<PresentationController>& presentationController() const {
+    return presentationController_;
+  }
+
+  ModalPresentationStyle modalPresentationStyle = ModalPresentationStyle::fullScreen;
+  /// Not owned.
+  std::weak_ptr<TransitioningDelegate> transitioningDelegate;
+
+  /// Shows `controller` over this one. Refused with a log line when this controller presents
+  /// another one already; while that one is on its way out, the new one waits until it is gone.
+  void present(const std::shared_ptr<ViewController>& controller, bool animated,
+               Task completion = {});
+
+  /// Takes away what this controller presents, with all that stands on it. Without anything
+  /// presented `completion` runs at once; while a dismissal is under way it joins that one.
+  void dismiss(bool animated, Task completion = {});
+
+  /// Makes the segue's destination from the storyboard and presents it, animated.
+  void performSegue(const std::string& name);
+  virtual void prepareForSegue(const std::string& name,
+                               const std::shared_ptr<ViewController>& destination);
+
+  std::shared_ptr<NavigationController> navigationController() const;
+  std::shared_ptr<TabBarController> tabBarController() const;
+  /// The container that holds this controller, none for most.
+  std::weak_ptr<ViewController> parent;
+
+  /// Whom a container shows; the controller itself when it is none.
+  virtual std::shared_ptr<ViewController> visibleChild() { return nullptr; }
+
+ protected:
+  /// Makes the view of that outlet, adds it to this screen's view and registers it.
+  template <class T>
+  std::shared_ptr<T> outlet(const std::string& name);
+  /// The same, inside another outlet.
+  template <class T>
+  std::shared_ptr<T> outlet(const std::string& name, const std::shared_ptr<View>& inside);
+  void action(const std::string& name, Task operation);
+
+ private:
+  friend class Window;
+  void registerOutlet(const std::string& name, const std::shared_ptr<View>& view);
+  void begin(const std::shared_ptr<ViewController>& controller, bool animated, Task completion);
+  void finishPresentation(const std::shared_ptr<ViewController>& controller);
+  void finishDismissal(const std::shared_ptr<ViewController>& controller);
+  void appear();
+  void disappear();
+
+  std::string identifier_;
+  std::shared_ptr<View> view_;
+  bool loaded_ = false;
+  bool appeared_ = false;
+  bool beingDismissed_ = false;
+  std::vector<std::string> outletNames_;
+  std::map<std::string, std::shared_ptr<View>> outlets_;
+  std::vector<std::string> actionNames_;
+  std::map<std::string, Task> actions_;
+  std::shared_ptr<ViewController> presented_;
+  std::weak_ptr<ViewController> presenting_;
+  std::shared_ptr<PresentationController> presentationController_;
+  Task presentationCompletion_;             ///< of `presented_`, while it is on its way in
+  std::vector<Task> dismissalCompletions_;  ///< of `presented_`, while it is on its way out
+};
+
+template <class T>
+std::shared_ptr<T> ViewController::outlet(const std::string& name) {
+  return outlet<T>(name, view_);
+}
+
+template <class T>
+std::shared_ptr<T> ViewController::outlet(const std::string& name,
+                                          const std::shared_ptr<View>& inside) {
+  auto made = std::make_shared<T>();
+  inside->addSubview(made);
+  registerOutlet(name, made);
+  return made;
+}
+
+}  // namespace orlix
