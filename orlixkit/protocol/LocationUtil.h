@@ -1,0 +1,39 @@
+#pragma once
+
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "orlixkit/platform/LocationManager.h"
+
+namespace orlix {
+
+/// Keeps the host's position source running while a screen wants it and remembers the last fix,
+/// also after a stop. A host without a position source never has one.
+///
+/// Main thread only.
+class LocationUtil : public LocationManagerDelegate {
+ public:
+  static LocationUtil& sharedLocationUtil();
+
+  LocationUtil() = default;
+  ~LocationUtil() override;
+  LocationUtil(const LocationUtil&) = delete;
+  LocationUtil& operator=(const LocationUtil&) = delete;
+
+  void startLocationDetection();
+  void stopLocationDetection();
+  const std::optional<LocationFix>& location() const { return location_; }
+
+  void didUpdateLocations(const std::vector<LocationFix>& fixes) override;
+  /// The older form of the same callback.
+  void didUpdateToLocation(const LocationFix& newLocation, const LocationFix& oldLocation);
+  void didFailWithError(const std::string& description) override;
+
+ private:
+  std::shared_ptr<LocationManager> manager_;
+  std::optional<LocationFix> location_;
+};
+
+}  // namespace orlix

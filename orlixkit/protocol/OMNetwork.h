@@ -1,0 +1,31 @@
+#pragma once
+
+#include <cstddef>
+#include <string>
+#include <vector>
+
+#include "orlixkit/platform/Bytes.h"
+#include "orlixkit/protocol/NetworkInterface.h"
+
+namespace orlix {
+
+/// The transport: one HTTPS POST at a time over the host's connections, with the pinned
+/// certificates added to the system's roots and a limit of 60 seconds.
+///
+/// Thread: any but the main thread, also from several at once; each call blocks its thread. At the
+/// host's shutdown a call returns at once with what had arrived and no body.
+class OMNetwork : public NetworkInterface {
+ public:
+  /// An answer that grows beyond this many bytes ends as a failed exchange. The largest honest
+  /// answer, a list of ten thousand cards, has some three million.
+  static constexpr std::size_t longestAnswer = std::size_t{16} << 20U;
+
+  NetworkResult post(const std::string& url, const std::optional<SecretBytes>& payload,
+                     const DataStore& dataStore) override;
+
+  /// The certificates (DER) that are trusted besides the system's roots: the bundle's resources
+  /// "certificateroot" and "certificatewildcard" of type "cer", as far as they are there.
+  static std::vector<Bytes> pinnedCertificates();
+};
+
+}  // namespace orlix

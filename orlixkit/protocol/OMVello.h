@@ -1,0 +1,91 @@
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <mutex>
+#include <optional>
+#include <string>
+
+#include "orlixkit/platform/Bytes.h"
+#include "orlixkit/protocol/KCVelloConnection.h"
+
+namespace orlix {
+
+/// Hears how a start ends. Both on the main thread.
+class OMVelloDelegate {
+ public:
+  virtual ~OMVelloDelegate() = default;
+  virtual void velloNotActivated() = 0;
+  virtual void velloSessionEstablished() = 0;
+};
+
+/// What the session driver needs from the floors above it.
+class OMVelloEnvironment {
+ public:
+  virtual ~OMVelloEnvironment() = default;
+  /// Base address of the system that `OMVello::system` names. Any thread.
+  virtual std::string velloUrl() = 0;
+  /// Any thread.
+  virtual std::string storageKeyForItem(const std::string& item) = 0;
+  /// Any thread.
+  virtual std::string deviceModel() = 0;
+  /// Main thread, and so are the three below.
+  virtual void showAlertWithTitle(const std::string& title,
+                                  const std::optional<std::string>& message) = 0;
+  /// Both tasks are for the main thread.
+  virtual void showNetworkErrorRetry(Task retry, Task cancel) = 0;
+  virtual void showTemsAndConditionChangeScreen() = 0;
+  virtual void returnUserDidCancel() = 0;
+};
+
+/// The session driver: owner of the protocol client. A start makes a new client, opens its session
+/// off the main thread and turns the outcome into the user's next step. A start that a later one
+/// has superseded reports nothing any more and leaves `connection` alone.
+class OMVello {
+ public:
+  static OMVello& sharedOMVello();
+
+  /// To be set once, before the first start.
+  void setEnvironment(std::shared_ptr<OMVelloEnvironment> environment);
+
+  /// Starts a session and returns at once. Main thread. The delegate is kept until the next start;
+  /// it may be none. Throws std::logic_error when no environment has been set.
+  void initSessionWithLibKey(const std::string& libKey, std::int64_t system,
+                             std::shared_ptr<OMVelloDelegate> delegate);
+  /// Runs the present start (again) in the background. Any thread.
+  void tryInitSession();
+  /// Makes a new client and opens its session; blocks. Any but the main thread.
+  void performInitSession();
+  /// Offset of local time from UTC, such as "+02:00".
+  std::string getTimeZone();
+  /// The user gave up. Main thread.
+  void cancel();
+  /// Tells the delegate, on the main queue. Any thread.
+  void velloSessionEstablished();
+
+  /// 0 live, any other value test. Any thread.
+  std::int64_t system() const;
+  /// The client of the present start; of the former one until the new one has been made; none
+  /// before the first start. Any thread.
+  std::shared_ptr<KCVelloConnection> connection() const;
+
+ private:
+  struct Start;
+
+  void tryStart(const std::shared_ptr<Start>& start);
+  void perform(const std::shared_ptr<Start>& start);
+  std::shared_ptr<KCVelloConnection> newConnection(Start& start);
+  bool adopt(const std::shared_ptr<Start>& start, std::shared_ptr<KCVelloConnection> connection);
+  void report(const std::shared_ptr<Start>& start, Task onMain);
+  void reportEstablished(const std::shared_ptr<Start>& start);
+  void offerRetry(const std::shared_ptr<Start>& start);
+  std::shared_ptr<Start> presentStart() const;
+  std::shared_ptr<OMVelloEnvironment> environment() const;
+
+  mutable std::mutex lock_;
+  std::shared_ptr<OMVelloEnvironment> environment_;
+  std::shared_ptr<Start> start_;
+  std::shared_ptr<KCVelloConnection> connection_;
+};
+
+}  // namespace orlix

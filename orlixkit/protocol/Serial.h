@@ -1,0 +1,21 @@
+#pragma once
+
+#include <optional>
+#include <string>
+
+namespace orlix {
+
+/// Identity of the device. Each field is possibly absent; on this platform only `phoneId`, the
+/// vendor identifier, is set, and `uid`, a random one, when there would be nothing else.
+struct Serial {
+  std::optional<std::string> imei;
+  std::optional<std::string> imsi;
+  std::optional<std::string> uid;
+  std::optional<std::string> wifiMac;
+  std::optional<std::string> phoneId;
+
+  /// The serial text, such as "[p:4F5B…]"; empty when no field is set.
+  std::string buildSerial() const;
+};
+
+}  // namespace orlix
