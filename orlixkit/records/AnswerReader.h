@@ -1,0 +1,108 @@
+#pragma once
+
+#include <cstdint>
+#include <initializer_list>
+#include <memory>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "orlixkit/platform/Secret.h"
+#include "orlixkit/records/JsonObject.h"
+
+namespace orlix {
+
+enum class Case { exact, ignored };
+
+/// Reads the fields of a decoded answer. How a value of one JSON type is read as another is decided
+/// here and nowhere else:
+///
+/// | Value            | as integer                          | as boolean      | as text        |
+/// |------------------|-------------------------------------|-----------------|----------------|
+/// | missing key      | 0                                   | false           | none           |
+/// | null             | fails                               | fails           | none           |
+/// | true, false      | 1, 0                                | itself          | its JSON text  |
+/// | number           | cut towards zero, to the range's end | is not 0        | its JSON text  |
+/// | text             | its leading digits                  | its first sign  | itself         |
+/// | object, array    | fails                               | fails           | its JSON text  |
+///
+/// Leading digits: after white space and a sign; 0 when there are none; to the range's end. First
+/// sign: after white space, a sign and zeros one of Y, y, T, t and 1 to 9 makes it true.
+///
+/// "Fails" throws std::invalid_argument; requests turn it into NetworkException.
+/// Thread: any. The answer must outlive the reader.
+class AnswerReader {
+ public:
+  explicit AnswerReader(const JsonDictionary& dictionary) : dictionary_(dictionary) {}
+  explicit AnswerReader(const JsonObject& answer) : dictionary_(answer.dictionary()) {}
+  explicit AnswerReader(JsonObject&&) = delete;
+
+  /// Whether the key exists; null counts as existing.
+  bool has(std::string_view key) const;
+  std::optional<std::string> text(std::string_view key) const;
+  bool boolean(std::string_view key) const;
+  std::int64_t integer(std::string_view key) const;
+  /// As `text`, for keys and other secrets.
+  std::optional<SecretString> secretText(std::string_view key) const;
+  /// A copy of the value as it stands; none when the key is missing.
+  std::shared_ptr<const JsonValue> value(std::string_view key) const;
+  /// The object under the key, none when the key is missing. Fails on any other value.
+  const JsonDictionary* dictionary(std::string_view key) const;
+  /// The objects in the array under the key, none when the key is missing. Fails on any other value
+  /// and on any other element.
+  std::vector<const JsonDictionary*> dictionaries(std::string_view key) const;
+
+  /// Value and presence of a field. A missing key takes the field back to its zero value.
+  void read(std::string_view key, std::optional<std::string>& field, bool& hasField) const;
+  void read(std::string_view key, bool& field, bool& hasField) const;
+  void read(std::string_view key, std::int64_t& field, bool& hasField) const;
+  void read(std::string_view key, std::shared_ptr<const JsonValue>& field, bool& hasField) const;
+
+  /// Sets the field to the number, counted from 1, of the first of `texts` that the value equals,
+  /// and says whether there was one; otherwise the field stays. A value that is no text equals
+  /// none.
+  template <class Enum>
+  bool readEnum(std::string_view key, Enum& field, std::initializer_list<std::string_view> texts,
+                Case letters) const {
+    const std::int32_t number = match(key, texts, letters);
+    if (number != 0) {
+      field = static_cast<Enum>(number);
+    }
+    return number != 0;
+  }
+
+  /// A nested record: when the key exists, the record is made if there is none and filled.
+  template <class Record>
+  void readRecord(std::string_view key, std::optional<Record>& field, bool& hasField) const {
+    if (const JsonDictionary* nested = dictionary(key)) {
+      if (!field) {
+        field.emplace();
+      }
+      if constexpr (requires { field->parseFromDictionary(*nested); }) {
+        field->parseFromDictionary(*nested);
+      } else {
+        field->parseFromData(*nested);
+      }
+      hasField = true;
+    }
+  }
+
+  /// Appends a record for each object of the array under the key.
+  template <class Record>
+  void appendRecords(std::string_view key, std::vector<Record>& records) const {
+    const std::vector<const JsonDictionary*> elements = dictionaries(key);
+    records.reserve(records.size() + elements.size());
+    for (const JsonDictionary* element : elements) {
+      records.emplace_back().parseFromData(*element);
+    }
+  }
+
+ private:
+  std::int32_t match(std::string_view key, std::initializer_list<std::string_view> texts,
+                     Case letters) const;
+
+  const JsonDictionary& dictionary_;
+};
+
+}  // namespace orlix

@@ -1,0 +1,22 @@
+#pragma once
+
+#include <optional>
+#include <string>
+
+#include "orlixkit/records/Location.h"
+
+namespace orlix {
+
+/// The details of a card that the user wants to add.
+struct CardInfoResponse {
+  std::optional<std::string> cardNumber;  ///< PAN
+  std::optional<std::string> account;
+  std::optional<std::string> expiryDateMonth;
+  std::optional<std::string> expiryDateYear;
+  std::optional<std::string> dateOfBirth;
+  std::optional<std::string> linkedMsisdn;
+  std::optional<std::string> cardHolderName;
+  std::optional<Location> location;
+};
+
+}  // namespace orlix

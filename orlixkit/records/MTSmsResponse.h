@@ -1,0 +1,25 @@
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <string>
+
+#include "orlixkit/platform/Bytes.h"
+
+namespace orlix {
+
+/// The numbers are those that callers of the activation compare with; there is no 1.
+enum class SmsResponseStatus : std::int32_t { notSet = 0, success = 2, other = 3 };
+
+/// Answer to a step of the activation by SMS.
+struct MTSmsResponse {
+  SmsResponseStatus status = SmsResponseStatus::notSet;
+  bool hasStatus = false;                 ///< always true once parsed
+  std::optional<std::string> newSsToken;  ///< only on success
+  bool hasNewSsToken = false;
+
+  /// Throws NetworkException when the data is no JSON object.
+  MTSmsResponse& parseFromData(ByteView data);
+};
+
+}  // namespace orlix

@@ -1,0 +1,15 @@
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <string>
+
+namespace orlix {
+
+/// The result of a card holder's authentication, to be handed to the server.
+struct VelloSecureCodeData {
+  std::int64_t secureCodeId = 0;
+  std::optional<std::string> PaRes;
+};
+
+}  // namespace orlix

@@ -1,0 +1,28 @@
+#pragma once
+
+#include <memory>
+#include <optional>
+#include <string>
+
+#include "orlixkit/platform/Bytes.h"
+#include "orlixkit/platform/Secret.h"
+
+namespace orlix {
+
+/// The one record that is kept on the device.
+///
+/// Its archive is a JSON object with the class name of the root and its two texts:
+/// {"root":"PersistableObject","ssToken":"…","uid":"…"}; the archive of nothing is {"root":null}.
+struct PersistableObject {
+  std::optional<std::string> ssToken = "";  ///< long-lived wallet token; empty: never activated
+  std::optional<std::string> uid = "";
+
+  /// None is archived as an archive of nothing, an absent text by leaving its key out.
+  static SecretBytes archive(const PersistableObject* root);
+
+  /// The archived root; none for an archive of nothing. Throws std::invalid_argument when the bytes
+  /// are no archive, its root is of another class, or one of the texts is missing.
+  static std::shared_ptr<PersistableObject> unarchive(ByteView archive);
+};
+
+}  // namespace orlix
