@@ -1,0 +1,26 @@
+#pragma once
+
+#include <string>
+#include <string_view>
+
+#include "orlixkit/records/MTSecureCodeURLResponse.h"
+
+namespace orlix {
+
+/// The page exchange of 3-D Secure: the form that sends the browser to the issuer, and the page on
+/// which the issuer sends it back.
+class IssuerPage {
+ public:
+  /// The page to load: the server's own, when it sent one, else a form that posts PaReq, TermUrl
+  /// and MD to the issuer by itself. `base`: the wallet server's base address, for the TermUrl.
+  static std::string pageFor(const MTSecureCodeURLResponse& info, const std::string& base);
+
+  /// True for the markup of the wallet server's termination page.
+  static bool isTerminationPage(std::string_view markup);
+
+  /// The PaRes: the first double-quoted value of the termination page's markup. Empty when there is
+  /// no complete quoted value; the server then refuses the purchase.
+  static std::string parsePaRes(std::string_view markup);
+};
+
+}  // namespace orlix

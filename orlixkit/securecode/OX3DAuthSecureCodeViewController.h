@@ -1,0 +1,18 @@
+#pragma once
+
+#include <string>
+
+#include "orlixkit/securecode/OXSecureCodeViewController.h"
+
+namespace orlix {
+
+/// Authenticates a card on its issuer's page without paying for the checkout; the payment screen
+/// goes on with the card afterwards.
+class OX3DAuthSecureCodeViewController : public OXSecureCodeViewController {
+ protected:
+  PageRequest pageRequest() const override;
+  PurchaseCall purchaseCall() const override;
+  void succeeded(const std::string& reference) override;
+};
+
+}  // namespace orlix
