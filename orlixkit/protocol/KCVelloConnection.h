@@ -2,17 +2,19 @@
 
 #include <cstdint>
 #include <memory>
+#include <mutex>
 #include <optional>
 #include <string>
 
 #include "orlixkit/platform/Secret.h"
 #include "orlixkit/protocol/NetworkInterface.h"
 #include "orlixkit/protocol/Platform.h"
-#include "orlixkit/protocol/RequestBody.h"
+#include "orlixkit/protocol/RequestFailure.h"
 #include "orlixkit/protocol/RequestTurn.h"
 #include "orlixkit/protocol/Serial.h"
 #include "orlixkit/records/CardInfoResponse.h"
 #include "orlixkit/records/Failures.h"
+#include "orlixkit/records/JsonFields.h"
 #include "orlixkit/records/MTApiResponse.h"
 #include "orlixkit/records/MTBinInfo.h"
 #include "orlixkit/records/MTCardList.h"
@@ -29,6 +31,8 @@
 #include "orlixkit/security/StorageInterface.h"
 
 namespace orlix {
+
+class AnswerReader;
 
 /// The client of the wallet server: one operation per request, each a POST of a JSON object to a
 /// path under the server's base address. Opens the session when there is none and renews it when
@@ -55,7 +59,7 @@ class KCVelloConnection {
   /// Version of the protocol, "3.1".
   static std::string getApiVersion();
   /// JSON text of the fields; "{}" when they cannot be written.
-  static std::string toJSONFrom(const RequestBody& fields);
+  static std::string toJSONFrom(const JsonFields& fields);
   // Nothing reads these two, so that their unit is nobody's business; hosts may ask for them.
   std::int32_t getSmsTimeout() const { return 300000; }
   std::int32_t getReceiptTimeout() const { return 300000; }
@@ -109,18 +113,40 @@ class KCVelloConnection {
   const Serial& serial() const { return serial_; }
 
  private:
-  // Those with an underscore expect the caller to have taken the turn.
+  // The operations with an underscore expect the caller to have taken the turn.
   void _establishSession();
-  std::optional<SecretBytes> _send(const std::string& path, const RequestBody& fields);
-  std::optional<SecretBytes> _sendPurchaseAMT(const std::string& path, RequestBody& fields,
+  void keepSession(const AnswerReader& answer);
+  void judgeSession(const AnswerReader& answer);
+  /// Opens a session when there is neither token.
+  void _ensureSession();
+  /// The body of the answer; none when it was cut off after its header.
+  std::optional<SecretBytes> _send(const std::string& path, const JsonFields& fields);
+  std::optional<SecretBytes> _sendPurchaseAMT(const std::string& path, JsonFields& fields,
                                               const SecretString& pin);
-  MTPinResponse _purchase(const PurchaseRequest& request, RequestBody builder,
+  MTPinResponse _purchase(const PurchaseRequest& request, JsonFields builder,
                           const SecretString* pin, const std::string& url);
-  RequestBody _pinData(const SecretString& pin) const;
+  JsonFields _pinData(const SecretString& pin) const;
   std::string withNode(const std::string& path) const { return path + node_; }
 
+  /// Sends, and parses the answer into a new record.
   template <class Record>
-  Record request(const std::string& path, const RequestBody& fields);
+  Record _request(const std::string& path, const JsonFields& fields) {
+    return withNetworkException([&] {
+      const std::optional<SecretBytes> answer = _send(path, fields);
+      Record record;
+      record.parseFromData(bytesOf(answer));
+      return record;
+    });
+  }
+  template <class Record>
+  Record request(const std::string& path, const JsonFields& fields) {
+    const std::lock_guard turn(turn_);
+    return _request<Record>(path, fields);
+  }
+  /// An absent body reads as an empty one, which the parsers refuse.
+  static ByteView bytesOf(const std::optional<SecretBytes>& answer) {
+    return answer ? answer->reveal() : ByteView();
+  }
 
   std::shared_ptr<StorageInterface> storageInterface_;
   std::shared_ptr<NetworkInterface> network_;

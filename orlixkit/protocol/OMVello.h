@@ -45,6 +45,11 @@ class OMVello {
  public:
   static OMVello& sharedOMVello();
 
+  OMVello();
+  ~OMVello();
+  OMVello(const OMVello&) = delete;
+  OMVello& operator=(const OMVello&) = delete;
+
   /// To be set once, before the first start.
   void setEnvironment(std::shared_ptr<OMVelloEnvironment> environment);
 
@@ -74,10 +79,15 @@ class OMVello {
 
   void tryStart(const std::shared_ptr<Start>& start);
   void perform(const std::shared_ptr<Start>& start);
-  std::shared_ptr<KCVelloConnection> newConnection(Start& start);
-  bool adopt(const std::shared_ptr<Start>& start, std::shared_ptr<KCVelloConnection> connection);
+  std::shared_ptr<KCVelloConnection> newConnection(const Start& start);
+  Serial serialFor(const Start& start) const;
+  bool adopt(const std::shared_ptr<Start>& start, std::shared_ptr<KCVelloConnection>& client);
+  void establish(const std::shared_ptr<Start>& start,
+                 const std::shared_ptr<KCVelloConnection>& client);
   void report(const std::shared_ptr<Start>& start, Task onMain);
   void reportEstablished(const std::shared_ptr<Start>& start);
+  void showNotice(const std::shared_ptr<Start>& start, const std::optional<std::string>& message,
+                  bool stopConnection);
   void offerRetry(const std::shared_ptr<Start>& start);
   std::shared_ptr<Start> presentStart() const;
   std::shared_ptr<OMVelloEnvironment> environment() const;

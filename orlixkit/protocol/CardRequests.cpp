@@ -1,0 +1,85 @@
+#include <stdexcept>
+
+#include "orlixkit/protocol/KCVelloConnection.h"
+
+// The requests of KCVelloConnection that look after the wallet's cards.
+
+namespace orlix {
+
+namespace {
+
+constexpr std::size_t binCharacters = 9;
+
+void fill(std::optional<std::string>& field) {
+  if (!field) {
+    field = "";
+  }
+}
+
+/// The first characters of a UTF-8 text. Throws std::out_of_range when there are fewer.
+std::string firstCharacters(const std::string& text, std::size_t count) {
+  std::size_t found = 0;
+  for (std::size_t at = 0; at < text.size(); ++at) {
+    const bool beginsCharacter = (static_cast<unsigned char>(text[at]) & 0xC0U) != 0x80U;
+    if (beginsCharacter && found++ == count) {
+      return text.substr(0, at);
+    }
+  }
+  if (found < count) {
+    throw std::out_of_range("the card number has fewer than 9 characters");
+  }
+  return text;
+}
+
+}  // namespace
+
+MTCardList KCVelloConnection::getCardList() {
+  return request<MTCardList>(withNode("/card/list/"), {});
+}
+
+MTCardResponse KCVelloConnection::linkCard(CardInfoResponse& card) {
+  fill(card.account);
+  fill(card.dateOfBirth);
+  if (!card.expiryDateMonth) {
+    // The month decides for both: without it a year is dropped, and with it a missing year is not
+    // made up, so that the request fails here and not at the issuer.
+    card.expiryDateMonth = "";
+    card.expiryDateYear = "";
+  }
+  fill(card.linkedMsisdn);
+  const std::string locationInfo = card.location ? card.location->buildLocation() : "";
+  fill(card.cardHolderName);
+
+  JsonFields body;
+  body.setRequired("cardNumber", card.cardNumber);
+  body.setRequired("account", card.account);
+  body.setRequired("dateOfBirth", card.dateOfBirth);
+  body.setRequired("expiryMonth", card.expiryDateMonth);
+  body.setRequired("expiryYear", card.expiryDateYear);
+  body.setRequired("linkedMsisdn", card.linkedMsisdn);
+  body.setRequired("cardHolderName", card.cardHolderName);
+  body.set("locationInfo", locationInfo);
+  return request<MTCardResponse>(withNode("/card/link/"), body);
+}
+
+MTCardResponse KCVelloConnection::delinkCard(std::int64_t cardId) {
+  return request<MTCardResponse>(withNode("/card/delink/"), {{"cardId", cardId}});
+}
+
+MTCardValidateResponse KCVelloConnection::validateCard(bool validate, std::int64_t cardId,
+                                                       const std::string& inputValue) {
+  return request<MTCardValidateResponse>(
+      withNode("/card/validate/"),
+      {{"validate", validate}, {"cardId", cardId}, {"inputValue", inputValue}});
+}
+
+MTBinInfo KCVelloConnection::getBinInfo(const std::string& cardNumber) {
+  return request<MTBinInfo>(withNode("/card/bin/"),
+                            {{"bin", firstCharacters(cardNumber, binCharacters)}});
+}
+
+MTApiResponse KCVelloConnection::updateTC() {
+  return request<MTApiResponse>("/profile/updateTC", {});
+}
+
+}  // namespace orlix

@@ -1,0 +1,80 @@
+#include "orlixkit/protocol/LocationUtil.h"
+
+#include <fmt/chrono.h>
+#include <fmt/format.h>
+
+#include "orlixkit/platform/Host.h"
+
+namespace orlix {
+
+namespace {
+
+constexpr double nearestTenMetres = 10.0;
+constexpr double distanceFilterInMetres = 5.0;
+
+void logFix(std::string_view method, const LocationFix& fix) {
+  const auto seconds = std::chrono::floor<std::chrono::seconds>(fix.timestamp);
+  log(fmt::format(
+      "Location update {} method. Timestamp: {:%Y-%m-%d %H:%M:%S} +0000, Accuracy: {:f}", method,
+      fmt::gmtime(std::chrono::system_clock::to_time_t(seconds)), fix.horizontalAccuracy));
+}
+
+}  // namespace
+
+LocationUtil& LocationUtil::sharedLocationUtil() { return Host::current().shared<LocationUtil>(); }
+
+LocationUtil::~LocationUtil() {
+  if (manager_) {
+    manager_->stopUpdatingLocation();
+    manager_->setDelegate(nullptr);
+  }
+}
+
+void LocationUtil::startLocationDetection() {
+  log("Starting location updates");
+  if (!manager_) {
+    manager_ = Host::current().ports().locationManager;
+    if (!manager_) {
+      return;
+    }
+    manager_->setDelegate(this);
+    manager_->setDesiredAccuracy(nearestTenMetres);
+    manager_->setDistanceFilter(distanceFilterInMetres);
+    manager_->setPurpose("Your location is used to help prevent fraud.");
+    manager_->requestWhenInUseAuthorization();
+  }
+  manager_->startUpdatingLocation();
+}
+
+void LocationUtil::stopLocationDetection() {
+  log("Stop location updates.");
+  if (manager_) {
+    manager_->stopUpdatingLocation();
+  }
+}
+
+void LocationUtil::didUpdateLocations(const std::vector<LocationFix>& fixes) {
+  if (fixes.empty()) {
+    return;  // no news: the fix that is there stays
+  }
+  // The newest fix wins whatever its accuracy or age: as a fraud signal a rough position is better
+  // than none.
+  location_ = fixes.back();
+  logFix("iOS6", *location_);
+}
+
+void LocationUtil::didUpdateToLocation(const LocationFix& newLocation,
+                                       const LocationFix& /*oldLocation*/) {
+  location_ = newLocation;
+  logFix("iOS5", *location_);
+}
+
+void LocationUtil::didFailWithError(const std::string& description) {
+  log("Location error: " + description);
+  // The last good fix is kept, and sent with later purchases.
+  if (manager_) {
+    manager_->stopUpdatingLocation();
+  }
+}
+
+}  // namespace orlix

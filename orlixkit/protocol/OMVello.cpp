@@ -1,0 +1,239 @@
+#include "orlixkit/protocol/OMVello.h"
+
+#include <chrono>
+#include <stdexcept>
+
+#include <fmt/format.h>
+
+#include "orlixkit/platform/Host.h"
+#include "orlixkit/protocol/OMNetwork.h"
+#include "orlixkit/security/OMStorage.h"
+
+namespace orlix {
+
+namespace {
+
+const std::string callingNode = "TALU";
+
+}  // namespace
+
+/// What one start was asked for. Compared by address: only the present start may report.
+struct OMVello::Start {
+  std::optional<std::string> libKey;
+  std::int64_t system = 0;
+  std::shared_ptr<OMVelloDelegate> delegate;
+  Serial serial;
+  /// Client of the last attempt. Guarded by the driver's lock.
+  std::shared_ptr<KCVelloConnection> client;
+};
+
+// Tasks hold `this`: the driver lives in the host, whose queues are closed before it goes.
+OMVello::OMVello() : start_(std::make_shared<Start>()) {}
+
+OMVello::~OMVello() = default;
+
+OMVello& OMVello::sharedOMVello() { return Host::current().shared<OMVello>(); }
+
+void OMVello::setEnvironment(std::shared_ptr<OMVelloEnvironment> environment) {
+  const std::lock_guard held(lock_);
+  environment_ = std::move(environment);
+}
+
+void OMVello::initSessionWithLibKey(const std::string& libKey, std::int64_t system,
+                                    std::shared_ptr<OMVelloDelegate> delegate) {
+  log("OMVello - initSession");
+  auto start = std::make_shared<Start>();
+  start->libKey = libKey;
+  start->system = system;
+  start->delegate = std::move(delegate);
+  start->serial.phoneId = Host::current().ports().device->vendorIdentifier();
+  {
+    const std::lock_guard held(lock_);
+    if (!environment_) {
+      throw std::logic_error("OMVello: setEnvironment has to come before the first start");
+    }
+    start_ = start;
+  }
+  tryStart(start);
+}
+
+void OMVello::tryInitSession() { tryStart(presentStart()); }
+
+void OMVello::performInitSession() { perform(presentStart()); }
+
+void OMVello::tryStart(const std::shared_ptr<Start>& start) {
+  Host::current().ports().backgroundQueues->global(QualityOfService::userInitiated,
+                                                   [this, start] { perform(start); });
+}
+
+void OMVello::perform(const std::shared_ptr<Start>& start) {
+  log("API version: " + KCVelloConnection::getApiVersion());
+  std::shared_ptr<KCVelloConnection> client;
+  try {
+    client = newConnection(*start);
+  } catch (...) {
+    log("Exception caught");
+  }
+  if (!adopt(start, client)) {
+    return;
+  }
+  log("establishSession");
+  establish(start, client);
+}
+
+std::shared_ptr<KCVelloConnection> OMVello::newConnection(const Start& start) {
+  const std::shared_ptr<OMVelloEnvironment> upper = environment();
+  if (!upper) {
+    throw std::logic_error("OMVello: no environment has been set");
+  }
+  const std::string url = upper->velloUrl();
+  const Device& device = *Host::current().ports().device;
+  Platform platform;
+  platform.os = "IOS";
+  platform.osVersion = device.systemVersion();
+  platform.node = callingNode;
+  platform.libKey = start.libKey;
+  platform.appVersion = device.bundleShortVersion();
+  platform.device = upper->deviceModel();
+  const std::string timeZone = getTimeZone();
+  const std::string appVersion = fmt::format("iPhone {} {}", callingNode, *platform.appVersion);
+  return std::make_shared<KCVelloConnection>(
+      url, callingNode, serialFor(start),
+      std::make_shared<OMStorage>(upper->storageKeyForItem("data")), std::make_shared<OMNetwork>(),
+      appVersion, std::move(platform), timeZone);
+}
+
+/// A random identifier that an attempt had to make serves the attempts after it as well.
+Serial OMVello::serialFor(const Start& start) const {
+  const std::lock_guard held(lock_);
+  return start.client ? start.client->serial() : start.serial;
+}
+
+/// Puts the client in place. One that could not be made becomes the former one; when there is none
+/// either, the start counts as successful. False when the start has been superseded.
+bool OMVello::adopt(const std::shared_ptr<Start>& start,
+                    std::shared_ptr<KCVelloConnection>& client) {
+  const std::lock_guard held(lock_);
+  if (start != start_) {
+    return false;
+  }
+  if (client) {
+    start->client = client;
+    connection_ = client;
+  } else {
+    client = connection_;
+  }
+  return true;
+}
+
+void OMVello::establish(const std::shared_ptr<Start>& start,
+                        const std::shared_ptr<KCVelloConnection>& client) {
+  try {
+    if (client) {
+      client->establishSession();
+    }
+    reportEstablished(start);
+  } catch (const SMSException&) {
+    log("SMSException caught - Need to start activation flow");
+    report(start, [start] {
+      if (start->delegate) {
+        start->delegate->velloNotActivated();
+      }
+    });
+  } catch (const NetworkException&) {
+    log("NetworkException caught");
+    offerRetry(start);
+  } catch (const AppOutOfDateException& outOfDate) {
+    showNotice(start, outOfDate.message, outOfDate.stopConnection);
+  } catch (const TcOutOfDateException&) {
+    report(start, [upper = environment()] { upper->showTemsAndConditionChangeScreen(); });
+    // At once, without waiting for the user's consent: the flow goes on behind the terms.
+    reportEstablished(start);
+  } catch (...) {
+    offerRetry(start);
+  }
+}
+
+/// On the main queue, and only while the start is the present one. Alerts go this way too, so that
+/// none can slip in after a new start.
+void OMVello::report(const std::shared_ptr<Start>& start, Task onMain) {
+  Host::current().ports().mainQueue->async([this, start, onMain = std::move(onMain)] {
+    if (start == presentStart()) {
+      onMain();
+    }
+  });
+}
+
+void OMVello::reportEstablished(const std::shared_ptr<Start>& start) {
+  report(start, [start] {
+    if (start->delegate) {
+      start->delegate->velloSessionEstablished();
+    }
+  });
+}
+
+void OMVello::showNotice(const std::shared_ptr<Start>& start,
+                         const std::optional<std::string>& message, bool stopConnection) {
+  report(start, [this, start, upper = environment(), message, stopConnection] {
+    if (stopConnection) {
+      // The start ends here, without a word to the delegate: a refused library has no next step.
+      upper->showAlertWithTitle("Error", message);
+      return;
+    }
+    upper->showAlertWithTitle("Warning", message);
+    reportEstablished(start);  // queued from here, so that the alert keeps its place before it
+  });
+}
+
+void OMVello::offerRetry(const std::shared_ptr<Start>& start) {
+  const auto whilePresent = [this, start](Task task) {
+    return [this, start, task = std::move(task)] {
+      if (start == presentStart()) {
+        task();
+      }
+    };
+  };
+  report(start, [upper = environment(), retry = whilePresent([this, start] { tryStart(start); }),
+                 giveUp = whilePresent([this] { cancel(); })] {
+    upper->showNetworkErrorRetry(retry, giveUp);
+  });
+}
+
+std::string OMVello::getTimeZone() {
+  const Clock& clock = *Host::current().ports().clock;
+  const auto offset =
+      std::chrono::duration_cast<std::chrono::minutes>(clock.utcOffset(clock.now())).count();
+  const auto minutes = offset < 0 ? -offset : offset;
+  const std::string timeZone =
+      fmt::format("{}{:02}:{:02}", offset < 0 ? '-' : '+', minutes / 60, minutes % 60);
+  log("TimeZone:" + timeZone);
+  return timeZone;
+}
+
+void OMVello::cancel() {
+  log("Canceling the process");
+  if (const std::shared_ptr<OMVelloEnvironment> upper = environment()) {
+    upper->returnUserDidCancel();
+  }
+}
+
+void OMVello::velloSessionEstablished() { reportEstablished(presentStart()); }
+
+std::int64_t OMVello::system() const { return presentStart()->system; }
+
+std::shared_ptr<KCVelloConnection> OMVello::connection() const {
+  const std::lock_guard held(lock_);
+  return connection_;
+}
+
+std::shared_ptr<OMVello::Start> OMVello::presentStart() const {
+  const std::lock_guard held(lock_);
+  return start_;
+}
+
+std::shared_ptr<OMVelloEnvironment> OMVello::environment() const {
+  const std::lock_guard held(lock_);
+  return environment_;
+}
+
+}  // namespace orlix

@@ -1,0 +1,32 @@
+#include "orlixkit/protocol/RequestTurn.h"
+
+#include <mutex>
+
+#include "orlixkit/platform/Host.h"
+#include "orlixkit/records/Failures.h"
+
+namespace orlix {
+
+RequestTurn::RequestTurn()
+    : clock_(Host::current().ports().clock), condition_(clock_->newCondition()) {}
+
+void RequestTurn::lock() {
+  const std::lock_guard held(*condition_);
+  while (taken_) {
+    // The one before may re-send for as long as the server forgets it, so only a shutdown ends the
+    // wait: it shows as a wait that ends before its deadline.
+    const SteadyTime deadline = clock_->steadyNow() + std::chrono::hours(24);
+    if (!condition_->waitUntil(deadline) && clock_->steadyNow() < deadline) {
+      throw NetworkException();
+    }
+  }
+  taken_ = true;
+}
+
+void RequestTurn::unlock() {
+  const std::lock_guard held(*condition_);
+  taken_ = false;
+  condition_->signal();
+}
+
+}  // namespace orlix
