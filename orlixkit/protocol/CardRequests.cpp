@@ -1,6 +1,5 @@
-#include <stdexcept>
-
 #include "orlixkit/protocol/KCVelloConnection.h"
+#include "orlixkit/protocol/Utf8.h"
 
 // The requests of KCVelloConnection that look after the wallet's cards.
 
@@ -14,21 +13,6 @@ void fill(std::optional<std::string>& field) {
   if (!field) {
     field = "";
   }
-}
-
-/// The first characters of a UTF-8 text. Throws std::out_of_range when there are fewer.
-std::string firstCharacters(const std::string& text, std::size_t count) {
-  std::size_t found = 0;
-  for (std::size_t at = 0; at < text.size(); ++at) {
-    const bool beginsCharacter = (static_cast<unsigned char>(text[at]) & 0xC0U) != 0x80U;
-    if (beginsCharacter && found++ == count) {
-      return text.substr(0, at);
-    }
-  }
-  if (found < count) {
-    throw std::out_of_range("the card number has fewer than 9 characters");
-  }
-  return text;
 }
 
 }  // namespace
@@ -50,7 +34,7 @@ MTCardResponse KCVelloConnection::linkCard(CardInfoResponse& card) {
   const std::string locationInfo = card.location ? card.location->buildLocation() : "";
   fill(card.cardHolderName);
 
-  JsonFields body;
+  RequestBody body;
   body.setRequired("cardNumber", card.cardNumber);
   body.setRequired("account", card.account);
   body.setRequired("dateOfBirth", card.dateOfBirth);
@@ -75,7 +59,7 @@ MTCardValidateResponse KCVelloConnection::validateCard(bool validate, std::int64
 
 MTBinInfo KCVelloConnection::getBinInfo(const std::string& cardNumber) {
   return request<MTBinInfo>(withNode("/card/bin/"),
-                            {{"bin", firstCharacters(cardNumber, binCharacters)}});
+                            {{"bin", std::string(firstCharacters(cardNumber, binCharacters))}});
 }
 
 MTApiResponse KCVelloConnection::updateTC() {

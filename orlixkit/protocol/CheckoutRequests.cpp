@@ -11,21 +11,21 @@ namespace orlix {
 
 namespace {
 
-JsonFields secureCodeFields(const VelloSecureCodeData& data) {
-  JsonFields result;
+RequestBody secureCodeFields(const VelloSecureCodeData& data) {
+  RequestBody result;
   result.setRequired("PaRes", data.PaRes);
   result.set("secureCodeId", data.secureCodeId);
   return {{"secureCodeData", result}};
 }
 
-void addPresent(JsonFields& body, const std::string& key, const std::optional<std::string>& text) {
+void addPresent(RequestBody& body, const std::string& key, const std::optional<std::string>& text) {
   if (text) {
     body.set(key, *text);
   }
 }
 
 /// What every purchase carries, after the fields of its own kind.
-void addPurchase(JsonFields& body, const PurchaseRequest& request) {
+void addPurchase(RequestBody& body, const PurchaseRequest& request) {
   if (request.cvv) {
     body.set("cvv", *request.cvv);
   }
@@ -45,7 +45,7 @@ void addPurchase(JsonFields& body, const PurchaseRequest& request) {
 
 MTCodeResponse KCVelloConnection::getCodeInfoV2(const std::optional<std::string>& code,
                                                 const std::string& method) {
-  JsonFields body;
+  RequestBody body;
   body.setRequired("qrValue", code);
   body.set("method", method);
   return request<MTCodeResponse>(withNode("/lookup/query/v2/"), body);
@@ -54,7 +54,7 @@ MTCodeResponse KCVelloConnection::getCodeInfoV2(const std::optional<std::string>
 MTSecureCodeURLResponse KCVelloConnection::getSecureCodeUrl(
     std::int64_t cardId, const std::optional<std::string>& code,
     const std::optional<std::string>& amount) {
-  JsonFields body{{"cardId", cardId}};
+  RequestBody body{{"cardId", cardId}};
   body.setRequired("code", code);
   body.set("amount", amount.value_or(""));
   return request<MTSecureCodeURLResponse>(withNode("/card/scUrl/"), body);
@@ -65,13 +65,13 @@ MTSecureCodeURLResponse KCVelloConnection::get3DAuthSecureCodeUrl(std::int64_t c
                                           {{"cardId", cardId}});
 }
 
-JsonFields KCVelloConnection::_pinData(const SecretString& pin) const {
+RequestBody KCVelloConnection::_pinData(const SecretString& pin) const {
   if (!dataStore_.pinKey) {
     throw std::invalid_argument("the session has brought no key for the PIN");
   }
   const std::optional<std::string> block =
       PinBlock::createPINBlock(*dataStore_.pinKey, pin, /*ref=*/0);
-  JsonFields pinData;
+  RequestBody pinData;
   pinData.setRequired("pinBlock", block);
   return pinData;
 }
@@ -99,7 +99,7 @@ MTPinResponse KCVelloConnection::auth3DsCard(const PurchaseRequest& request,
   return _purchase(request, secureCodeFields(secureCodeData), nullptr, withNode("/auth3Ds/"));
 }
 
-MTPinResponse KCVelloConnection::_purchase(const PurchaseRequest& request, JsonFields builder,
+MTPinResponse KCVelloConnection::_purchase(const PurchaseRequest& request, RequestBody builder,
                                            const SecretString* pin, const std::string& url) {
   addPurchase(builder, request);
   return withNetworkException([&] {

@@ -9,7 +9,6 @@
 #include "orlixkit/protocol/MessageBuilder.h"
 #include "orlixkit/protocol/RequestFailure.h"
 #include "orlixkit/records/AnswerReader.h"
-#include "orlixkit/records/JsonText.h"
 #include "orlixkit/records/KCVelloUtil.h"
 #include "orlixkit/security/Base64.h"
 #include "orlixkit/security/PinBlock.h"
@@ -56,9 +55,9 @@ KCVelloConnection::KCVelloConnection(std::string url, std::string node, Serial s
 
 std::string KCVelloConnection::getApiVersion() { return "3.1"; }
 
-std::string KCVelloConnection::toJSONFrom(const JsonFields& fields) {
+std::string KCVelloConnection::toJSONFrom(const RequestBody& fields) {
   try {
-    const SecretBytes json = JsonText::write(fields);
+    const SecretBytes json = fields.write();
     return {json.reveal().begin(), json.reveal().end()};
   } catch (const std::invalid_argument&) {
     return "{}";
@@ -137,9 +136,9 @@ void KCVelloConnection::_ensureSession() {
 }
 
 std::optional<SecretBytes> KCVelloConnection::_send(const std::string& path,
-                                                    const JsonFields& fields) {
+                                                    const RequestBody& fields) {
   _ensureSession();
-  const SecretBytes body = JsonText::write(fields);
+  const SecretBytes body = fields.write();
   // No limit on purpose: a server that forgets sessions as fast as they are opened is asked until
   // it stops doing so, opening a session fails, or the host shuts down (the transport then fails).
   for (;;) {
@@ -153,12 +152,12 @@ std::optional<SecretBytes> KCVelloConnection::_send(const std::string& path,
 }
 
 std::optional<SecretBytes> KCVelloConnection::_sendPurchaseAMT(const std::string& path,
-                                                               JsonFields& fields,
+                                                               RequestBody& fields,
                                                                const SecretString& pin) {
   _ensureSession();
   std::optional<SecretBytes> body;
   try {
-    body = JsonText::write(fields);
+    body = fields.write();
   } catch (const std::invalid_argument& failure) {
     log(failure.what());
   }

@@ -9,12 +9,12 @@
 #include "orlixkit/platform/Secret.h"
 #include "orlixkit/protocol/NetworkInterface.h"
 #include "orlixkit/protocol/Platform.h"
+#include "orlixkit/protocol/RequestBody.h"
 #include "orlixkit/protocol/RequestFailure.h"
 #include "orlixkit/protocol/RequestTurn.h"
 #include "orlixkit/protocol/Serial.h"
 #include "orlixkit/records/CardInfoResponse.h"
 #include "orlixkit/records/Failures.h"
-#include "orlixkit/records/JsonFields.h"
 #include "orlixkit/records/MTApiResponse.h"
 #include "orlixkit/records/MTBinInfo.h"
 #include "orlixkit/records/MTCardList.h"
@@ -59,7 +59,7 @@ class KCVelloConnection {
   /// Version of the protocol, "3.1".
   static std::string getApiVersion();
   /// JSON text of the fields; "{}" when they cannot be written.
-  static std::string toJSONFrom(const JsonFields& fields);
+  static std::string toJSONFrom(const RequestBody& fields);
   // Nothing reads these two, so that their unit is nobody's business; hosts may ask for them.
   std::int32_t getSmsTimeout() const { return 300000; }
   std::int32_t getReceiptTimeout() const { return 300000; }
@@ -120,17 +120,17 @@ class KCVelloConnection {
   /// Opens a session when there is neither token.
   void _ensureSession();
   /// The body of the answer; none when it was cut off after its header.
-  std::optional<SecretBytes> _send(const std::string& path, const JsonFields& fields);
-  std::optional<SecretBytes> _sendPurchaseAMT(const std::string& path, JsonFields& fields,
+  std::optional<SecretBytes> _send(const std::string& path, const RequestBody& fields);
+  std::optional<SecretBytes> _sendPurchaseAMT(const std::string& path, RequestBody& fields,
                                               const SecretString& pin);
-  MTPinResponse _purchase(const PurchaseRequest& request, JsonFields builder,
+  MTPinResponse _purchase(const PurchaseRequest& request, RequestBody builder,
                           const SecretString* pin, const std::string& url);
-  JsonFields _pinData(const SecretString& pin) const;
+  RequestBody _pinData(const SecretString& pin) const;
   std::string withNode(const std::string& path) const { return path + node_; }
 
   /// Sends, and parses the answer into a new record.
   template <class Record>
-  Record _request(const std::string& path, const JsonFields& fields) {
+  Record _request(const std::string& path, const RequestBody& fields) {
     return withNetworkException([&] {
       const std::optional<SecretBytes> answer = _send(path, fields);
       Record record;
@@ -139,7 +139,7 @@ class KCVelloConnection {
     });
   }
   template <class Record>
-  Record request(const std::string& path, const JsonFields& fields) {
+  Record request(const std::string& path, const RequestBody& fields) {
     const std::lock_guard turn(turn_);
     return _request<Record>(path, fields);
   }

@@ -2,8 +2,7 @@
 
 #include <stdexcept>
 
-#include "orlixkit/records/JsonFields.h"
-#include "orlixkit/records/JsonText.h"
+#include "orlixkit/protocol/RequestBody.h"
 
 namespace orlix {
 
@@ -14,7 +13,7 @@ std::optional<SecretBytes> MessageBuilder::buildEstablishSession(
   if (!platform.libKey) {
     platform.libKey = "";
   }
-  JsonFields device;
+  RequestBody device;
   device.setRequired("appVersion", platform.appVersion);
   device.setRequired("device", platform.device);
   device.setRequired("node", platform.node);
@@ -29,13 +28,13 @@ std::optional<SecretBytes> MessageBuilder::buildEstablishSession(
     persistableObject->ssToken = "";
   }
 
-  const JsonFields body{
+  const RequestBody body{
       {"deviceSerial", serial},   {"appVersion", version.value_or("UNKNOWN")},
       {"hasDoubleSession", true}, {"ssToken", *persistableObject->ssToken},
       {"timeZone", timeZone},     {"platform", device},
   };
   try {
-    return JsonText::write(body);
+    return body.write();
   } catch (const std::invalid_argument&) {
     return std::nullopt;
   }
