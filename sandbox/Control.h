@@ -1,0 +1,44 @@
+#pragma once
+
+#include <functional>
+
+#include "sandbox/Http.h"
+#include "sandbox/HttpFront.h"
+#include "sandbox/State.h"
+
+namespace orlix::sandbox {
+
+/// The switches and the account of the sandbox, below /control, for tests and scripts on the same
+/// machine; see README.md for the paths.
+///
+/// Thread: any. Lifetime: `state` outlives it.
+class Control {
+ public:
+  Control(State& state, std::function<ConnectionCounts()> connections);
+
+  static bool owns(const HttpRequest& request);
+  HttpAnswer answer(const HttpRequest& request);
+
+ private:
+  struct Entry;
+  static const std::vector<Entry>& entries();
+
+  HttpAnswer addFault(const json::object& wish);
+  HttpAnswer listFaults(const json::object& wish);
+  HttpAnswer clearFaults(const json::object& wish);
+  HttpAnswer forgetSessions(const json::object& wish);
+  HttpAnswer setSessionStart(const json::object& wish);
+  HttpAnswer setTerms(const json::object& wish);
+  HttpAnswer setEnrolled(const json::object& wish);
+  HttpAnswer putCardKind(const json::object& wish);
+  HttpAnswer counts(const json::object& wish);
+  HttpAnswer listPurchases(const json::object& wish);
+  HttpAnswer clearPurchases(const json::object& wish);
+  HttpAnswer listRequests(const json::object& wish);
+  HttpAnswer clearRequests(const json::object& wish);
+
+  State& state_;
+  std::function<ConnectionCounts()> connections_;
+};
+
+}  // namespace orlix::sandbox

@@ -1,0 +1,33 @@
+#pragma once
+
+#include <functional>
+#include <mutex>
+#include <string_view>
+
+namespace orlix::sandbox {
+
+/// The sandbox's account of what happens, one JSON object a line, for scripts to read.
+///
+/// Thread: every operation may be called from any thread; lines reach the sink one at a time.
+class EventLog {
+ public:
+  using Sink = std::function<void(std::string_view line)>;
+
+  /// `sink` gets each line without its line end. It must not call the log.
+  explicit EventLog(Sink sink);
+
+  void ready(std::string_view base, std::string_view anchor, std::string_view terms);
+
+  /// `status` is 0 when the client was left without an answer on purpose.
+  void request(std::string_view path, int status);
+
+  void sms(std::string_view msisdn, std::string_view code);
+
+ private:
+  void write(std::string_view line);
+
+  std::mutex mutex_;
+  Sink sink_;
+};
+
+}  // namespace orlix::sandbox

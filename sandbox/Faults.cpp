@@ -1,0 +1,234 @@
+#include "sandbox/Faults.h"
+
+#include <algorithm>
+#include <array>
+#include <utility>
+
+#include <fmt/format.h>
+
+namespace orlix::sandbox {
+
+namespace {
+
+constexpr std::array<std::pair<std::string_view, Fault::Kind>, 18> kindNames{{
+    {"status", Fault::Kind::status},
+    {"redirect", Fault::Kind::redirect},
+    {"forget-session", Fault::Kind::forgetSession},
+    {"delay", Fault::Kind::delay},
+    {"hang-up", Fault::Kind::hangUp},
+    {"silence", Fault::Kind::silence},
+    {"header-then-silence", Fault::Kind::headerThenSilence},
+    {"cut-in-body", Fault::Kind::cutInBody},
+    {"trickle", Fault::Kind::trickle},
+    {"huge-body", Fault::Kind::hugeBody},
+    {"deep-json", Fault::Kind::deepJson},
+    {"not-json", Fault::Kind::notJson},
+    {"not-utf8", Fault::Kind::notUtf8},
+    {"empty-body", Fault::Kind::emptyBody},
+    {"wrong-types", Fault::Kind::wrongTypes},
+    {"null-values", Fault::Kind::nullValues},
+    {"reset-connection", Fault::Kind::resetConnection},
+    {"refuse-handshake", Fault::Kind::refuseHandshake},
+}};
+
+std::string_view nameOf(Fault::Kind kind) {
+  const auto* found = std::find_if(kindNames.begin(), kindNames.end(),
+                                   [&](const auto& entry) { return entry.second == kind; });
+  return found->first;
+}
+
+bool meetsConnections(const Fault& fault) {
+  return fault.kind == Fault::Kind::resetConnection || fault.kind == Fault::Kind::refuseHandshake;
+}
+
+bool meetsConnection(const Fault& fault, std::string_view /*path*/) {
+  return meetsConnections(fault);
+}
+
+bool meetsRequest(const Fault& fault, std::string_view path) {
+  if (meetsConnections(fault)) return false;
+  return fault.path == path || (fault.path == "*" && path.substr(0, 7) == "/vello/");
+}
+
+json::value ofAnotherType(const json::value& value) {
+  switch (value.kind()) {
+    case json::kind::string:
+      return json::object{{"text", value}};
+    case json::kind::bool_:
+      return json::array{value};
+    case json::kind::int64:
+    case json::kind::uint64:
+    case json::kind::double_:
+      return "a text";
+    case json::kind::object:
+      return "a text";
+    case json::kind::array:
+      return json::object{};
+    case json::kind::null:
+      break;
+  }
+  return 1;
+}
+
+template <typename Change>
+std::string eachValue(const std::string& body, Change change) {
+  auto object = parseObject(body);
+  if (!object) return body;
+  for (json::key_value_pair& pair : *object) pair.value() = change(pair.value());
+  return json::serialize(*object);
+}
+
+std::string hugeBody(std::int64_t bytes) {
+  std::string body = R"({"padding":")";
+  body.append(static_cast<size_t>(std::max<std::int64_t>(bytes, 0)), 'x');
+  body += R"("})";
+  return body;
+}
+
+}  // namespace
+
+bool Fault::carriesOut() const {
+  if (carriedOut) return *carriedOut;
+  return kind != Kind::status && kind != Kind::redirect;
+}
+
+json::object Fault::toJson() const {
+  return {{"id", id},     {"kind", nameOf(kind)}, {"path", path},
+          {"skip", skip}, {"count", count},       {"hits", hits}};
+}
+
+std::optional<std::string> Faults::add(const json::object& wish) {
+  if (auto wrong = complaint(wish, {{"kind"},
+                                    {"path", Kind::text, false},
+                                    {"skip", Kind::integer, false},
+                                    {"count", Kind::integer, false},
+                                    {"carriedOut", Kind::boolean, false},
+                                    {"status", Kind::integer, false},
+                                    {"body", Kind::text, false},
+                                    {"location", Kind::text, false},
+                                    {"milliseconds", Kind::integer, false},
+                                    {"bytes", Kind::integer, false}})) {
+    return wrong;
+  }
+  const std::string name = textOf(wish, "kind");
+  const auto* found = std::find_if(kindNames.begin(), kindNames.end(),
+                                   [&](const auto& entry) { return entry.first == name; });
+  if (found == kindNames.end()) return fmt::format("there is no fault \"{}\"", name);
+  Fault fault;
+  fault.kind = found->second;
+  if (wish.contains("path")) fault.path = textOf(wish, "path");
+  fault.skip = integerOf(wish, "skip", fault.skip);
+  fault.count = integerOf(wish, "count", fault.count);
+  if (wish.contains("carriedOut")) fault.carriedOut = booleanOf(wish, "carriedOut");
+  const bool redirects = fault.kind == Fault::Kind::redirect;
+  const std::int64_t status = integerOf(wish, "status", redirects ? 302 : 500);
+  if (status < 200 || status > 599) return "\"status\" is no final HTTP status";
+  fault.status = static_cast<int>(status);
+  fault.body = textOf(wish, "body");
+  fault.location = textOf(wish, "location");
+  if (redirects && fault.location.empty()) return "a redirect needs a \"location\"";
+  fault.milliseconds = integerOf(wish, "milliseconds", fault.milliseconds);
+  fault.bytes = integerOf(wish, "bytes", fault.bytes);
+  add(std::move(fault));
+  return std::nullopt;
+}
+
+std::int64_t Faults::add(Fault fault) {
+  fault.id = nextId_++;
+  faults_.push_back(std::move(fault));
+  return faults_.back().id;
+}
+
+std::optional<Fault> Faults::takeIf(bool (*fits)(const Fault&, std::string_view),
+                                    std::string_view path) {
+  for (Fault& fault : faults_) {
+    if (!fits(fault, path) || fault.hits == fault.count) continue;
+    if (fault.skip > 0) {
+      --fault.skip;
+      continue;
+    }
+    ++fault.hits;
+    return fault;
+  }
+  return std::nullopt;
+}
+
+std::optional<Fault> Faults::take(std::string_view path) { return takeIf(&meetsRequest, path); }
+
+ConnectionFault Faults::takeForConnection() {
+  const auto fault = takeIf(&meetsConnection, {});
+  if (!fault) return ConnectionFault::none;
+  return fault->kind == Fault::Kind::resetConnection ? ConnectionFault::reset
+                                                     : ConnectionFault::refuseHandshake;
+}
+
+bool Faults::remove(std::int64_t id) {
+  return faults_.remove_if([&](const Fault& fault) { return fault.id == id; }) > 0;
+}
+
+json::array Faults::list() const {
+  json::array out;
+  for (const Fault& fault : faults_) out.push_back(fault.toJson());
+  return out;
+}
+
+void Faults::spoil(HttpAnswer& answer, const Fault& fault) {
+  const std::chrono::milliseconds time(fault.milliseconds);
+  switch (fault.kind) {
+    case Fault::Kind::status:
+      answer.status = fault.status;
+      answer.body = fault.body;
+      break;
+    case Fault::Kind::redirect:
+      answer.status = fault.status;
+      answer.body = fault.body;
+      answer.headers.emplace_back("Location", fault.location);
+      break;
+    case Fault::Kind::delay:
+      answer.delay = time;
+      break;
+    case Fault::Kind::hangUp:
+      answer.delivery = Delivery::hangUp;
+      break;
+    case Fault::Kind::silence:
+      answer.delivery = Delivery::silence;
+      break;
+    case Fault::Kind::headerThenSilence:
+      answer.delivery = Delivery::headerThenSilence;
+      break;
+    case Fault::Kind::cutInBody:
+      answer.delivery = Delivery::cutInBody;
+      break;
+    case Fault::Kind::trickle:
+      answer.delivery = Delivery::trickle;
+      answer.interval = time;
+      break;
+    case Fault::Kind::hugeBody:
+      answer.body = hugeBody(fault.bytes);
+      break;
+    case Fault::Kind::deepJson:
+      answer.body = R"({"deep":)" + std::string(100'000, '[') + std::string(100'000, ']') + "}";
+      break;
+    case Fault::Kind::notJson:
+      answer.body = "<html><body>Under maintenance</body></html>";
+      break;
+    case Fault::Kind::notUtf8:
+      answer.body = "{\"status\":\"\xC3\x28\"}";
+      break;
+    case Fault::Kind::emptyBody:
+      answer.body.clear();
+      break;
+    case Fault::Kind::wrongTypes:
+      answer.body = eachValue(answer.body, &ofAnotherType);
+      break;
+    case Fault::Kind::nullValues:
+      answer.body = eachValue(answer.body, [](const json::value&) { return json::value(); });
+      break;
+    case Fault::Kind::forgetSession:
+    case Fault::Kind::resetConnection:
+    case Fault::Kind::refuseHandshake:
+      break;  // Done before the request.
+  }
+}
+
+}  // namespace orlix::sandbox

@@ -1,0 +1,103 @@
+#include "sandbox/Issuer.h"
+
+#include <array>
+#include <regex>
+#include <utility>
+
+#include "sandbox/Pages.h"
+
+namespace orlix::sandbox {
+
+namespace {
+
+constexpr std::string_view passingCode = "123456";
+constexpr std::string_view failingCode = "000000";
+constexpr int triesForOnePage = 3;
+constexpr size_t largePage = 5'000'000;
+
+HttpAnswer html(std::string page, int status = 200) {
+  HttpAnswer answer{
+      .status = status, .body = std::move(page), .contentType = "text/html; charset=utf-8"};
+  answer.headers.emplace_back("Cache-Control", "no-store");
+  return answer;
+}
+
+HttpAnswer badPage(std::string_view reason) {
+  return html(waitingPage("This page cannot be shown", reason), 400);
+}
+
+std::string field(const HttpRequest& request, std::string_view name) {
+  for (const auto& [key, value] : request.form) {
+    if (key == name) return value;
+  }
+  return {};
+}
+
+/// The termination page of this server, by whatever loopback name and port the client knows it.
+bool isTermination(const std::string& address) {
+  static const std::regex form(
+      R"(https://(127\.0\.0\.1|localhost)(:[0-9]+)?/vello/secure_code\.jsp)");
+  return std::regex_match(address, form);
+}
+
+}  // namespace
+
+bool Issuer::owns(const HttpRequest& request) {
+  constexpr std::array<std::string_view, 4> paths{"/issuer/acs", "/issuer/otp",
+                                                  "/vello/secure_code.jsp", "/terms/tavlo.html"};
+  return std::find(paths.begin(), paths.end(), request.path) != paths.end();
+}
+
+HttpAnswer Issuer::answer(const HttpRequest& request) {
+  const std::lock_guard lock(state_.mutex);
+  if (request.path == "/terms/tavlo.html") return terms();
+  if (request.method != "POST") return badPage("This address takes a posted form.");
+  if (request.path == "/vello/secure_code.jsp") return termination(request);
+  if (!isTermination(field(request, "TermUrl"))) return badPage("TermUrl is not the wallet's.");
+  return request.path == "/issuer/acs" ? accessControl(request) : oneTimeCode(request);
+}
+
+HttpAnswer Issuer::accessControl(const HttpRequest& request) {
+  const Authentication* found = state_.authentications.findByPaReq(field(request, "PaReq"));
+  if (found == nullptr) return badPage("The PaReq is not known.");
+  return html(issuerPage({.action = "/issuer/otp",
+                          .paReq = found->paReq,
+                          .termUrl = field(request, "TermUrl"),
+                          .md = field(request, "MD"),
+                          .amount = found->amount}));
+}
+
+HttpAnswer Issuer::oneTimeCode(const HttpRequest& request) {
+  Authentication* found = state_.authentications.findByPaReq(field(request, "PaReq"));
+  if (found == nullptr) return badPage("The PaReq is not known.");
+  const std::string otp = field(request, "otp");
+  const bool cancelled = field(request, "choice") == "cancel";
+  if (found->behaviour == "neverReturns" && !cancelled) {
+    return html(waitingPage("First Sandbox Bank", "Please wait for your bank..."));
+  }
+  const bool passes = !cancelled && otp == passingCode;
+  const bool mayTryAgain = !cancelled && !passes && otp != failingCode;
+  if (mayTryAgain && ++found->wrongCodes < triesForOnePage) {
+    return html(issuerPage({.action = "/issuer/otp",
+                            .paReq = found->paReq,
+                            .termUrl = field(request, "TermUrl"),
+                            .md = field(request, "MD"),
+                            .amount = found->amount,
+                            .message = "That code is not right."}));
+  }
+  if (found->paRes.empty()) state_.authentications.end(*found, passes);
+  return html(returningPage(field(request, "TermUrl"), found->paRes, field(request, "MD")));
+}
+
+HttpAnswer Issuer::termination(const HttpRequest& request) {
+  const std::string paRes = field(request, "PaRes");
+  Authentication* found = state_.authentications.findByPaRes(paRes);
+  if (found == nullptr) return html(terminationPage(paRes, false, 0));
+  const bool again = found->behaviour == "twice" && found->terminationViews == 0;
+  ++found->terminationViews;
+  return html(terminationPage(paRes, again, found->behaviour == "largePage" ? largePage : 0));
+}
+
+HttpAnswer Issuer::terms() { return html(termsPage(state_.wallets.termsVersion())); }
+
+}  // namespace orlix::sandbox

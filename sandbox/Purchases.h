@@ -1,0 +1,66 @@
+#pragma once
+
+#include <cstdint>
+#include <map>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "sandbox/Codes.h"
+#include "sandbox/Json.h"
+
+namespace orlix::sandbox {
+
+/// A payment that was made, and how far the polling for its receipt has come.
+struct Payment {
+  std::int64_t id = 0;
+  std::string wallet;
+  std::string amount;
+  std::string merchant;
+  ReceiptPlan receipt;
+  int polls = 0;
+};
+
+/// Every purchase body that reached the server, whatever became of it. What is secret in it is
+/// replaced by "***" before it is kept.
+struct ReceivedPurchase {
+  std::string path;
+  json::value body{};
+  int status = 0;         ///< HTTP status of the answer.
+  std::string outcome{};  ///< "status" of the answer, when it had one.
+  std::int64_t transactionId = 0;
+};
+
+/// Payments and the account of the purchase requests behind them. Thread: the caller locks.
+class Purchases {
+ public:
+  /// Counts a purchase request that has arrived; returns its place in the account.
+  size_t received(std::string_view path, std::string_view body);
+  void answered(size_t place, int status, std::string_view answer);
+  void clearAccount();
+  json::object account() const;
+  size_t receivedCount() const { return received_.size(); }
+
+  /// Makes a payment; returns its transaction identifier.
+  std::int64_t pay(Payment payment, bool bigReference);
+  Payment* find(std::int64_t id);
+  size_t paymentCount() const { return payments_.size(); }
+
+  /// How often this wallet has bought by this code, this time included.
+  int countTry(const std::string& wallet, const std::string& code);
+
+ private:
+  static constexpr size_t kept = 10'000;
+
+  std::vector<ReceivedPurchase> received_;
+  size_t cleared_ = 0;  ///< Entries that were dropped; places count on from there.
+  std::map<std::int64_t, Payment> payments_;
+  std::map<std::pair<std::string, std::string>, int> tries_;
+  std::int64_t nextId_ = 7'000'000'001;
+  std::int64_t nextBigId_ = 9'007'199'254'740'993;  // 2^53 + 1: lost by a reader that uses doubles.
+};
+
+/// `body` with CVV, PIN block and PaRes replaced by "***".
+json::value withoutSecrets(std::string_view body);
+
+}  // namespace orlix::sandbox

@@ -1,0 +1,20 @@
+#pragma once
+
+#include <string>
+#include <vector>
+
+namespace orlix::sandbox {
+
+/// Bytes that nobody can guess. Throws std::runtime_error when the system has none.
+std::vector<unsigned char> randomBytes(size_t count);
+
+/// `count` random bytes in lower-case hexadecimal.
+std::string randomHex(size_t count);
+
+/// `count` random decimal digits.
+std::string randomDigits(size_t count);
+
+/// RFC 4648 base64, standard alphabet, padded.
+std::string base64(const std::vector<unsigned char>& bytes);
+
+}  // namespace orlix::sandbox

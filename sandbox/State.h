@@ -1,0 +1,56 @@
+#pragma once
+
+#include <condition_variable>
+#include <deque>
+#include <mutex>
+#include <string>
+
+#include "sandbox/Authentications.h"
+#include "sandbox/CardKinds.h"
+#include "sandbox/Database.h"
+#include "sandbox/Devices.h"
+#include "sandbox/Faults.h"
+#include "sandbox/Purchases.h"
+#include "sandbox/Sessions.h"
+#include "sandbox/Wallets.h"
+
+namespace orlix::sandbox {
+
+/// A request as it was, for those who ask afterwards.
+struct SeenRequest {
+  std::string method;
+  std::string path;
+  int status = 0;
+  bool token1 = false;
+  bool token2 = false;
+  std::string contentType;
+  size_t bytes = 0;
+};
+
+/// All that the server remembers. Everything is read and changed under `mutex`.
+struct State {
+  explicit State(const std::string& databaseFile)
+      : database(databaseFile), kinds(database), devices(database), wallets(database, kinds) {}
+
+  std::mutex mutex;
+  std::condition_variable termsAccepted;
+
+  Database database;
+  CardKinds kinds;
+  Devices devices;
+  Wallets wallets;
+
+  Sessions sessions;
+  Purchases purchases;
+  Authentications authentications;
+  Faults faults;
+  std::deque<SeenRequest> seen;
+
+  std::string origin;  ///< "https://127.0.0.1:PORT"
+  bool everyDeviceEnrolled = false;
+  std::string sessionStart = "normal";  ///< What every session start is answered with; see Codes.
+  std::string sessionMessage = "A newer version is available.";
+  std::int64_t termsWaitMs = 10'000;  ///< How long a lookup waits for changed terms to be accepted.
+};
+
+}  // namespace orlix::sandbox

@@ -1,0 +1,62 @@
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "sandbox/CardKinds.h"
+#include "sandbox/Database.h"
+#include "sandbox/Json.h"
+
+namespace orlix::sandbox {
+
+/// A card in a wallet. Of its number only the kind and the last four digits are kept.
+struct Card {
+  std::int64_t id = 0;
+  CardKind kind;
+  std::string hint;
+  bool validated = false;
+  bool authenticated = false;  ///< By the issuer's page.
+
+  bool usable() const { return kind.validation.empty() || validated; }
+
+  /// As an element of "cards". "validated" and "validationtype" are left out where no validation
+  /// is asked for, "allowCnp" where the card pays in another way.
+  json::object toJson() const;
+};
+
+/// The wallets, their cards in the order in which they were added, and the terms each accepted.
+/// Thread: the caller locks.
+class Wallets {
+ public:
+  Wallets(Database& database, CardKinds& kinds);
+
+  /// Makes the wallet, with the present terms accepted, unless there is one.
+  /// `filled`: with every card of the demonstration.
+  void ensure(const std::string& wallet, bool filled);
+
+  std::vector<Card> cards(const std::string& wallet) const;
+  std::optional<Card> card(const std::string& wallet, std::int64_t id) const;
+  json::object cardList(const std::string& wallet) const;
+
+  /// Adding a card that is there already leaves the wallet as it is: a link whose answer was lost
+  /// may be repeated.
+  void add(const std::string& wallet, const CardKind& kind, const std::string& number);
+  void remove(const std::string& wallet, std::int64_t id);
+  void setValidated(std::int64_t id);
+  void setAuthenticated(std::int64_t id);
+
+  std::int64_t termsVersion() const;
+  void setTermsVersion(std::int64_t version);
+  bool acceptsPresentTerms(const std::string& wallet) const;
+  void acceptTerms(const std::string& wallet);
+  void withdrawTerms(const std::string& wallet);
+
+ private:
+  Database& database_;
+  CardKinds& kinds_;
+};
+
+}  // namespace orlix::sandbox
