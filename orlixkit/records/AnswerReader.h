@@ -53,6 +53,9 @@ class AnswerReader {
   /// and on any other element.
   std::vector<const JsonDictionary*> dictionaries(std::string_view key) const;
 
+  /// Whether the value is exactly this text.
+  bool equals(std::string_view key, std::string_view text) const;
+
   /// Value and presence of a field. A missing key takes the field back to its zero value.
   void read(std::string_view key, std::optional<std::string>& field, bool& hasField) const;
   void read(std::string_view key, bool& field, bool& hasField) const;

@@ -1,18 +1,14 @@
 #pragma once
 
-#include "orlixkit/platform/Secret.h"
-#include "orlixkit/records/JsonFields.h"
+#include <string>
+
+#include "orlixkit/records/Json.h"
 
 namespace orlix {
 
-/// Writes request bodies as JSON (RFC 8259, UTF-8) in the form that the server has always been
-/// sent: one member a line, two spaces of indentation a level, `"key" : value`, `/` escaped, and an
-/// empty object as braces with an empty line between them.
-class JsonText {
- public:
-  /// Secret, because a CVV may be in it. Thread: any.
-  /// Throws std::invalid_argument when a key or text is not valid UTF-8.
-  static SecretBytes write(const JsonFields& fields);
-};
+/// A decoded value as JSON text, without white space. Numbers are written with the fewest digits
+/// that read back as the same number and without an exponent where that is customary: 12.5, not
+/// 1.25E1, because such a text is shown to the user as an amount.
+std::string jsonText(const JsonValue& value);
 
 }  // namespace orlix

@@ -1,0 +1,252 @@
+#include "orlixkit/records/AnswerReader.h"
+
+#include <algorithm>
+#include <limits>
+#include <stdexcept>
+
+#include <boost/json.hpp>
+
+#include "orlixkit/records/JsonText.h"
+
+namespace orlix {
+
+namespace {
+
+using boost::json::kind;
+
+constexpr std::int64_t largest = std::numeric_limits<std::int64_t>::max();
+constexpr std::int64_t smallest = std::numeric_limits<std::int64_t>::min();
+
+bool isDigit(char c) { return c >= '0' && c <= '9'; }
+
+std::string_view withoutSpace(std::string_view text) {
+  const std::size_t start = text.find_first_not_of(" \t\n\v\f\r");
+  return text.substr(std::min(start, text.size()));
+}
+
+std::string_view view(const boost::json::string& text) { return {text.data(), text.size()}; }
+
+std::int64_t leadingDigits(std::string_view text) {
+  text = withoutSpace(text);
+  const bool negative = text.starts_with('-');
+  if (negative || text.starts_with('+')) {
+    text.remove_prefix(1);
+  }
+  std::int64_t value = 0;
+  for (const char c : text.substr(0, text.find_first_not_of("0123456789"))) {
+    // Counted downwards, since the smallest number has no positive counterpart.
+    const std::int64_t digit = c - '0';
+    if (value < (smallest + digit) / 10) {
+      return negative ? smallest : largest;
+    }
+    value = value * 10 - digit;
+  }
+  if (negative) {
+    return value;
+  }
+  return value == smallest ? largest : -value;
+}
+
+bool firstSign(std::string_view text) {
+  text = withoutSpace(text);
+  if (text.starts_with('-') || text.starts_with('+')) {
+    text.remove_prefix(1);
+  }
+  text.remove_prefix(std::min(text.find_first_not_of('0'), text.size()));
+  return !text.empty() &&
+         (isDigit(text[0]) || std::string_view("YyTt").find(text[0]) != std::string_view::npos);
+}
+
+std::int64_t cut(double number) {
+  // The bounds are powers of two, exact as doubles.
+  if (number >= 9223372036854775808.0) {
+    return largest;
+  }
+  return number <= -9223372036854775808.0 ? smallest : static_cast<std::int64_t>(number);
+}
+
+[[noreturn]] void refuse(const JsonValue& value, std::string_view wanted) {
+  throw std::invalid_argument("The answer has " + std::string(to_string(value.kind())) + " where " +
+                              std::string(wanted) + " is expected");
+}
+
+std::int64_t integerReading(const JsonValue& value) {
+  switch (value.kind()) {
+    case kind::bool_:
+      return value.get_bool() ? 1 : 0;
+    case kind::int64:
+      return value.get_int64();
+    case kind::uint64:
+      // The parser uses this kind only for what does not fit the signed one.
+      return static_cast<std::int64_t>(
+          std::min(value.get_uint64(), static_cast<std::uint64_t>(largest)));
+    case kind::double_:
+      return cut(value.get_double());
+    case kind::string:
+      return leadingDigits(view(value.get_string()));
+    default:
+      refuse(value, "a number");
+  }
+}
+
+bool booleanReading(const JsonValue& value) {
+  switch (value.kind()) {
+    case kind::bool_:
+      return value.get_bool();
+    case kind::int64:
+      return value.get_int64() != 0;
+    case kind::uint64:
+      return value.get_uint64() != 0;
+    case kind::double_:
+      return value.get_double() != 0;
+    case kind::string:
+      return firstSign(view(value.get_string()));
+    default:
+      refuse(value, "a boolean");
+  }
+}
+
+void readText(const JsonValue& value, std::optional<std::string>& field) {
+  if (const auto* text = value.if_string()) {
+    field.emplace(text->data(), text->size());
+  } else if (value.is_null()) {
+    field.reset();
+  } else {
+    field = jsonText(value);
+  }
+}
+
+bool equalTexts(std::string_view text, std::string_view upperCase, Case letters) {
+  const auto upper = [](char c) {
+    return c >= 'a' && c <= 'z' ? static_cast<char>(c - 'a' + 'A') : c;
+  };
+  return std::equal(text.begin(), text.end(), upperCase.begin(), upperCase.end(),
+                    [&](char mine, char theirs) {
+                      return (letters == Case::ignored ? upper(mine) : mine) == theirs;
+                    });
+}
+
+}  // namespace
+
+bool AnswerReader::has(std::string_view key) const { return dictionary_.contains(key); }
+
+std::optional<std::string> AnswerReader::text(std::string_view key) const {
+  std::optional<std::string> result;
+  if (const JsonValue* found = dictionary_.if_contains(key)) {
+    readText(*found, result);
+  }
+  return result;
+}
+
+bool AnswerReader::boolean(std::string_view key) const {
+  const JsonValue* found = dictionary_.if_contains(key);
+  return found != nullptr && booleanReading(*found);
+}
+
+std::int64_t AnswerReader::integer(std::string_view key) const {
+  const JsonValue* found = dictionary_.if_contains(key);
+  return found != nullptr ? integerReading(*found) : 0;
+}
+
+std::optional<SecretString> AnswerReader::secretText(std::string_view key) const {
+  const JsonValue* found = dictionary_.if_contains(key);
+  if (found == nullptr || found->is_null()) {
+    return std::nullopt;
+  }
+  if (const auto* text = found->if_string()) {
+    return SecretString(view(*text));
+  }
+  return SecretString(jsonText(*found));
+}
+
+std::shared_ptr<const JsonValue> AnswerReader::value(std::string_view key) const {
+  const JsonValue* found = dictionary_.if_contains(key);
+  // Copied to memory of its own: the answer's memory goes with the answer.
+  return found != nullptr ? std::make_shared<const JsonValue>(*found, boost::json::storage_ptr())
+                          : nullptr;
+}
+
+const JsonDictionary* AnswerReader::dictionary(std::string_view key) const {
+  const JsonValue* found = dictionary_.if_contains(key);
+  if (found == nullptr) {
+    return nullptr;
+  }
+  const JsonDictionary* nested = found->if_object();
+  if (nested == nullptr) {
+    refuse(*found, "an object");
+  }
+  return nested;
+}
+
+std::vector<const JsonDictionary*> AnswerReader::dictionaries(std::string_view key) const {
+  std::vector<const JsonDictionary*> result;
+  const JsonValue* found = dictionary_.if_contains(key);
+  if (found == nullptr) {
+    return result;
+  }
+  const auto* array = found->if_array();
+  if (array == nullptr) {
+    refuse(*found, "an array");
+  }
+  result.reserve(array->size());
+  for (const JsonValue& element : *array) {
+    if (!element.is_object()) {
+      refuse(element, "an object");
+    }
+    result.push_back(&element.get_object());
+  }
+  return result;
+}
+
+bool AnswerReader::equals(std::string_view key, std::string_view text) const {
+  return match(key, {text}, Case::exact) != 0;
+}
+
+void AnswerReader::read(std::string_view key, std::optional<std::string>& field,
+                        bool& hasField) const {
+  const JsonValue* found = dictionary_.if_contains(key);
+  hasField = found != nullptr;
+  if (found != nullptr) {
+    readText(*found, field);
+  } else {
+    field.reset();
+  }
+}
+
+void AnswerReader::read(std::string_view key, bool& field, bool& hasField) const {
+  const JsonValue* found = dictionary_.if_contains(key);
+  field = found != nullptr && booleanReading(*found);
+  hasField = found != nullptr;
+}
+
+void AnswerReader::read(std::string_view key, std::int64_t& field, bool& hasField) const {
+  const JsonValue* found = dictionary_.if_contains(key);
+  field = found != nullptr ? integerReading(*found) : 0;
+  hasField = found != nullptr;
+}
+
+void AnswerReader::read(std::string_view key, std::shared_ptr<const JsonValue>& field,
+                        bool& hasField) const {
+  field = value(key);
+  hasField = field != nullptr;
+}
+
+std::int32_t AnswerReader::match(std::string_view key,
+                                 std::initializer_list<std::string_view> texts,
+                                 Case letters) const {
+  const JsonValue* found = dictionary_.if_contains(key);
+  const auto* text = found != nullptr ? found->if_string() : nullptr;
+  if (text == nullptr) {
+    return 0;
+  }
+  std::int32_t number = 0;
+  for (const std::string_view candidate : texts) {
+    ++number;
+    if (equalTexts(view(*text), candidate, letters)) {
+      return number;
+    }
+  }
+  return 0;
+}
+
+}  // namespace orlix

@@ -1,0 +1,33 @@
+#include "orlixkit/records/Location.h"
+
+#include <fmt/format.h>
+
+namespace orlix {
+
+namespace {
+
+/// What the server has always been sent for a value that is not there.
+constexpr const char* absent = "(null)";
+
+std::string textOf(const std::optional<double>& number) {
+  return number ? fmt::format("{}", *number) : absent;
+}
+
+}  // namespace
+
+std::string Location::buildLocation() const {
+  std::string text;
+  if (gpsLatitude) {
+    text += fmt::format("[G:{},{}],", textOf(gpsLatitude), textOf(gpsLongditude));
+  }
+  if (networkCellId) {
+    text += fmt::format("[N:{},{},{},{}],", networkMCC.value_or(absent),
+                        networkMNC.value_or(absent), *networkCellId, networkLac.value_or(absent));
+  }
+  if (!text.empty()) {
+    text.pop_back();
+  }
+  return text;
+}
+
+}  // namespace orlix

@@ -1,0 +1,7 @@
+#include "orlixkit/records/MTApiResponse.h"
+
+namespace orlix {
+
+MTApiResponse& MTApiResponse::parseFromData(ByteView /*data*/) { return *this; }
+
+}  // namespace orlix

@@ -1,0 +1,19 @@
+#include "orlixkit/records/MTCardResponse.h"
+
+#include "orlixkit/records/AnswerReader.h"
+#include "orlixkit/records/KCVelloUtil.h"
+
+namespace orlix {
+
+MTCardResponse& MTCardResponse::parseFromData(ByteView data) {
+  const JsonObject json = KCVelloUtil::getJson(data);
+  const AnswerReader answer(json);
+  if (answer.readEnum("status", status, {"SUCCESS", "FAILED", "RELINK"}, Case::exact)) {
+    hasStatus = true;
+  }
+  answer.readRecord("receipt", receipt, hasReceipt);
+  answer.readRecord("cardList", cardList, hasCardList);
+  return *this;
+}
+
+}  // namespace orlix

@@ -1,0 +1,13 @@
+#include "orlixkit/records/MTVasAccountList.h"
+
+#include "orlixkit/records/AnswerReader.h"
+
+namespace orlix {
+
+MTVasAccountList& MTVasAccountList::parseFromData(const JsonDictionary& dictionary) {
+  AnswerReader(dictionary).appendRecords("vasAccounts", vasAccountsArray);
+  vasAccountsArray_Count = vasAccountsArray.size();
+  return *this;
+}
+
+}  // namespace orlix

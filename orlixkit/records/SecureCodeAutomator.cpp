@@ -1,0 +1,24 @@
+#include "orlixkit/records/SecureCodeAutomator.h"
+
+#include "orlixkit/records/AnswerReader.h"
+
+namespace orlix {
+
+SecureCodeAutomator& SecureCodeAutomator::parseFromData(const JsonDictionary& dictionary) {
+  const AnswerReader answer(dictionary);
+  // The older of the two ways in which servers say it; the newer one, when it is there, wins.
+  if (answer.equals("status", "SmsOtp")) {
+    type = SecureCodeAutomatorType::smsOtp;
+    hasType = true;
+  }
+  if (answer.has("type")) {
+    answer.readEnum("type", type, {"SMS_OTP", "PASSWORD", "PUSH_USSD", "JS_ONLY"}, Case::ignored);
+    hasType = true;
+  }
+  answer.read("javascript", javascript, hasJavascript);
+  answer.read("smsRegex", smsRegex, hasSmsRegex);
+  answer.read("inputPrompt", inputPrompt, hasInputPrompt);
+  return *this;
+}
+
+}  // namespace orlix

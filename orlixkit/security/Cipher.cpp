@@ -1,0 +1,58 @@
+#include "orlixkit/security/Cipher.h"
+
+#include <algorithm>
+#include <limits>
+#include <memory>
+
+#include <openssl/err.h>
+#include <openssl/evp.h>
+
+namespace orlix {
+
+namespace {
+
+using Context = std::unique_ptr<EVP_CIPHER_CTX, decltype(&EVP_CIPHER_CTX_free)>;
+
+std::optional<SecretBytes> run(const EVP_CIPHER* kind, Cipher::Direction direction, bool padded,
+                               const SecretBytes& key, const std::uint8_t* vector, ByteView data) {
+  constexpr auto longest =
+      static_cast<std::size_t>(std::numeric_limits<int>::max() - EVP_MAX_BLOCK_LENGTH);
+  const Context context(EVP_CIPHER_CTX_new(), &EVP_CIPHER_CTX_free);
+  if (!context || data.size() > longest) {
+    return std::nullopt;
+  }
+  SecretBytes out(data.size() + EVP_MAX_BLOCK_LENGTH, 0);
+  const int encrypting = direction == Cipher::Direction::encrypt ? 1 : 0;
+  int head = 0;
+  int tail = 0;
+  if (EVP_CipherInit_ex2(context.get(), kind, key.data(), vector, encrypting, nullptr) != 1 ||
+      EVP_CIPHER_CTX_set_padding(context.get(), padded ? 1 : 0) != 1 ||
+      EVP_CipherUpdate(context.get(), out.data(), &head, data.data(),
+                       static_cast<int>(data.size())) != 1 ||
+      EVP_CipherFinal_ex(context.get(), out.data() + head, &tail) != 1) {
+    ERR_clear_error();
+    return std::nullopt;
+  }
+  out.resize(static_cast<std::size_t>(head + tail));
+  return out;
+}
+
+}  // namespace
+
+std::optional<SecretBytes> Cipher::aes128Cbc(Direction direction, const SecretBytes& key,
+                                             ByteView vector, ByteView data) {
+  return run(EVP_aes_128_cbc(), direction, true, key, vector.data(), data);
+}
+
+std::optional<SecretBytes> Cipher::tripleDesEcb(Direction direction, const SecretBytes& key,
+                                                ByteView data) {
+  return run(EVP_des_ede3_ecb(), direction, false, key, nullptr, data);
+}
+
+SecretBytes Cipher::fitted(const SecretBytes& key, std::size_t size) {
+  SecretBytes made(key.reveal().first(std::min(size, key.size())));
+  made.resize(size);
+  return made;
+}
+
+}  // namespace orlix

@@ -1,0 +1,28 @@
+#pragma once
+
+#include <optional>
+
+#include "orlixkit/platform/Bytes.h"
+#include "orlixkit/platform/Secret.h"
+
+namespace orlix {
+
+/// The block ciphers that this floor is built on. None on any failure, which leaves no trace in the
+/// error queue of the thread: the next TLS call would take it for its own.
+class Cipher {
+ public:
+  enum class Direction { decrypt, encrypt };
+
+  /// AES-128 in CBC mode with PKCS#7 padding (FIPS 197, SP 800-38A). Key and vector: 16 bytes.
+  static std::optional<SecretBytes> aes128Cbc(Direction direction, const SecretBytes& key,
+                                              ByteView vector, ByteView data);
+
+  /// Triple DES in ECB mode without padding (SP 800-67). Key: 24 bytes.
+  static std::optional<SecretBytes> tripleDesEcb(Direction direction, const SecretBytes& key,
+                                                 ByteView data);
+
+  /// The first `size` bytes of the key, filled up with zeros.
+  static SecretBytes fitted(const SecretBytes& key, std::size_t size);
+};
+
+}  // namespace orlix

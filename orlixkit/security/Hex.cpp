@@ -1,0 +1,32 @@
+#include "orlixkit/security/Hex.h"
+
+#include <algorithm>
+#include <cstdlib>
+#include <iterator>
+
+#include <fmt/format.h>
+
+namespace orlix {
+
+Bytes Hex::convert(std::string_view text) {
+  std::string digits(text);
+  std::erase(digits, ' ');
+  Bytes bytes;
+  bytes.reserve(digits.size() / 2);
+  for (std::size_t i = 0; i + 1 < digits.size(); i += 2) {
+    const char pair[] = {digits[i], digits[i + 1], '\0'};
+    bytes.push_back(static_cast<std::uint8_t>(std::strtol(pair, nullptr, 16)));
+  }
+  return bytes;
+}
+
+std::string Hex::encode(ByteView bytes) {
+  std::string text;
+  text.reserve(bytes.size() * 2);
+  for (const std::uint8_t byte : bytes) {
+    fmt::format_to(std::back_inserter(text), "{:02X}", byte);
+  }
+  return text;
+}
+
+}  // namespace orlix

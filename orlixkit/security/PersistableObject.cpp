@@ -1,0 +1,101 @@
+#include "orlixkit/security/PersistableObject.h"
+
+#include <array>
+#include <new>
+#include <stdexcept>
+#include <string_view>
+
+#include <boost/json.hpp>
+
+#include "orlixkit/security/WipingResource.h"
+
+namespace orlix {
+
+namespace json = boost::json;
+
+namespace {
+
+constexpr std::string_view rootKey = "root";
+constexpr std::string_view rootClass = "PersistableObject";
+constexpr std::string_view ssTokenKey = "ssToken";
+constexpr std::string_view uidKey = "uid";
+/// Far beyond any token, and little enough for a foreign blob to do no harm.
+constexpr std::size_t memoryLimit = std::size_t{16} * 1024 * 1024;
+
+SecretBytes written(const json::value& archive) {
+  SecretBytes bytes;
+  std::array<char, 512> piece{};
+  json::serializer serializer;
+  serializer.reset(&archive);
+  while (!serializer.done()) {
+    const auto text = serializer.read(piece.data(), piece.size());
+    bytes.append({reinterpret_cast<const std::uint8_t*>(text.data()), text.size()});
+  }
+  wipe(piece.data(), piece.size());
+  return bytes;
+}
+
+std::string decodedText(const json::object& archive, std::string_view key) {
+  const json::value* value = archive.if_contains(key);
+  if (value == nullptr || !value->is_string()) {
+    throw std::invalid_argument("The archive has no text for the key " + std::string(key));
+  }
+  const json::string& text = value->get_string();
+  return {text.data(), text.size()};
+}
+
+std::shared_ptr<PersistableObject> decoded(const json::value& archive) {
+  const json::object* root = archive.if_object();
+  const json::value* kind = root != nullptr ? root->if_contains(rootKey) : nullptr;
+  if (kind == nullptr) {
+    throw std::invalid_argument("The data is no archive");
+  }
+  if (kind->is_null()) {
+    return nullptr;
+  }
+  if (!kind->is_string() || std::string_view(kind->get_string()) != rootClass) {
+    throw std::invalid_argument("The archive's root is no PersistableObject");
+  }
+  auto record = std::make_shared<PersistableObject>();
+  record->ssToken = decodedText(*root, ssTokenKey);
+  record->uid = decodedText(*root, uidKey);
+  return record;
+}
+
+}  // namespace
+
+SecretBytes PersistableObject::archive(const PersistableObject* root) {
+  WipingResource memory(memoryLimit);
+  json::value archive(json::object_kind, &memory);
+  json::object& entries = archive.get_object();
+  if (root == nullptr) {
+    entries[rootKey] = nullptr;
+    return written(archive);
+  }
+  entries[rootKey] = rootClass;
+  if (root->ssToken) {
+    entries[ssTokenKey] = *root->ssToken;
+  }
+  if (root->uid) {
+    entries[uidKey] = *root->uid;
+  }
+  return written(archive);
+}
+
+std::shared_ptr<PersistableObject> PersistableObject::unarchive(ByteView archive) {
+  WipingResource memory(memoryLimit);
+  json::parser parser{json::storage_ptr(&memory)};
+  parser.reset(&memory);
+  json::error_code error;
+  try {
+    const json::string_view text(reinterpret_cast<const char*>(archive.data()), archive.size());
+    if (parser.write(text, error); error) {
+      throw std::invalid_argument("The data is no archive");
+    }
+  } catch (const std::bad_alloc&) {
+    throw std::invalid_argument("The archive is too large");
+  }
+  return decoded(parser.release());
+}
+
+}  // namespace orlix

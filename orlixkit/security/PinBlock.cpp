@@ -1,0 +1,153 @@
+#include "orlixkit/security/PinBlock.h"
+
+#include <algorithm>
+#include <bit>
+#include <iterator>
+#include <stdexcept>
+
+#include <fmt/format.h>
+
+#include "orlixkit/security/Cipher.h"
+#include "orlixkit/security/Hex.h"
+
+namespace orlix {
+
+namespace {
+
+constexpr std::uint8_t noDigit = 0xFF;
+constexpr std::size_t serialBytes = 16;
+
+std::uint8_t digitValue(char c) {
+  if (c >= '0' && c <= '9') {
+    return static_cast<std::uint8_t>(c - '0');
+  }
+  if (c >= 'a' && c <= 'f') {
+    return static_cast<std::uint8_t>(c - 'a' + 10);
+  }
+  if (c >= 'A' && c <= 'F') {
+    return static_cast<std::uint8_t>(c - 'A' + 10);
+  }
+  return noDigit;
+}
+
+std::uint8_t packed(std::uint8_t high, std::uint8_t low) {
+  return static_cast<std::uint8_t>((static_cast<unsigned>(high) << 4U) | low);
+}
+
+SecretString padding(const SecretString& text, std::int32_t minLength, char padChar) {
+  const std::size_t wanted = minLength > 0 ? static_cast<std::size_t>(minLength) : 0;
+  SecretString pad;
+  if (text.size() < wanted) {
+    pad.resize(wanted - text.size());
+    std::fill_n(pad.data(), pad.size(), padChar);
+  }
+  return pad;
+}
+
+/// The digits of the reference, cut for the account field.
+std::string accountText(std::int64_t reference) {
+  const std::string text = fmt::format("{}0", reference);
+  std::string account = text.substr(0, text.size() - 1);
+  if (account.size() >= 13) {
+    // The start is counted on the longer text, so the twelve characters end one past the account
+    // text. The system has always refused such references; a block cut differently would be one
+    // that no server expects.
+    const std::size_t start = text.size() - 12;
+    if (start + 12 > account.size()) {
+      throw std::out_of_range("PinBlock: the reference has more than 12 digits");
+    }
+    account = account.substr(start, 12);
+  }
+  return account;
+}
+
+}  // namespace
+
+std::optional<std::string> PinBlock::createPINBlock(const SecretBytes& key, const SecretString& pin,
+                                                    std::int64_t ref) {
+  const SecretBytes clear = generatePinBlock(pin, ref);
+  SecretBytes tripleKey = Cipher::fitted(key, 16);
+  tripleKey.append(Cipher::fitted(key, 8).reveal());
+  const auto encrypted =
+      Cipher::tripleDesEcb(Cipher::Direction::encrypt, tripleKey, clear.reveal());
+  if (!encrypted) {
+    return std::nullopt;
+  }
+  return Hex::encode(encrypted->reveal());
+}
+
+SecretBytes PinBlock::generatePinBlock(const SecretString& pin, std::int64_t reference) {
+  const SecretString account{accountText(reference)};
+  SecretString pinText{fmt::format("0{}", pin.size())};
+  pinText.append(pin.reveal());
+  const SecretBytes pinField = nibblePackString(padEnd(pinText, 16, 'F').text());
+  const SecretBytes accountField = nibblePackString(padStart(account, 16, '0').text());
+  return xorArrays(pinField.reveal(), accountField.reveal());
+}
+
+SecretString PinBlock::padStart(const SecretString& text, std::int32_t minLenght, char padChar) {
+  SecretString padded = padding(text, minLenght, padChar);
+  padded.append(text.reveal());
+  return padded;
+}
+
+SecretString PinBlock::padEnd(const SecretString& text, std::int32_t minLenght, char padChar) {
+  SecretString padded = text;
+  padded.append(padding(text, minLenght, padChar).reveal());
+  return padded;
+}
+
+SecretBytes PinBlock::nibblePackString(std::string_view text) {
+  SecretBytes bytes((text.size() + 1) / 2, 0);
+  for (std::size_t i = 0; i < bytes.size(); ++i) {
+    const std::uint8_t high = digitValue(text[2 * i]);
+    const std::uint8_t low = 2 * i + 1 < text.size() ? digitValue(text[2 * i + 1]) : std::uint8_t{};
+    bytes.data()[i] = packed(high, low);
+  }
+  return bytes;
+}
+
+SecretBytes PinBlock::nibblePackSerial(std::string_view text) {
+  std::size_t position = 0;
+  const auto nextDigit = [&]() -> std::optional<std::uint8_t> {
+    while (position < text.size()) {
+      if (const std::uint8_t value = digitValue(text[position++]); value != noDigit) {
+        return value;
+      }
+    }
+    return std::nullopt;
+  };
+  SecretBytes stored;
+  while (position < text.size()) {
+    const auto high = nextDigit();
+    const std::uint8_t byte = high ? packed(*high, nextDigit().value_or(0)) : noDigit;
+    stored.append(std::span(&byte, 1));
+  }
+  if (stored.size() > serialBytes) {
+    return SecretBytes(stored.reveal().last(serialBytes));
+  }
+  stored.resize(serialBytes);
+  return stored;
+}
+
+SecretBytes PinBlock::xorArrays(ByteView array1, ByteView array2) {
+  const bool firstIsLonger = array1.size() >= array2.size();
+  const ByteView shorter = firstIsLonger ? array2 : array1;
+  SecretBytes result(firstIsLonger ? array1 : array2);
+  for (std::size_t i = 0; i < shorter.size(); ++i) {
+    result.data()[i] ^= shorter[i];
+  }
+  return result;
+}
+
+SecretBytes PinBlock::addParity(ByteView bytes) {
+  SecretBytes result(bytes);
+  for (std::size_t i = 0; i < result.size(); ++i) {
+    if (std::popcount(bytes[i]) % 2 == 0) {
+      result.data()[i] ^= 1U;
+    }
+  }
+  return result;
+}
+
+}  // namespace orlix
