@@ -1,0 +1,57 @@
+#include <memory>
+#include <stdexcept>
+
+#include <gtest/gtest.h>
+
+#include "orlixkit/platform/ui/TextField.h"
+#include "orlixkit/widgets/DropDownPicker.h"
+
+namespace orlix {
+namespace {
+
+TEST(DropDownPicker, PutsTheChosenEntryIntoItsField) {
+  const auto field = std::make_shared<TextField>();
+  const auto picker = DropDownPicker::attach(field, {"Savings", "Current", "Credit"});
+  field->beginEditing();
+  picker->pick(1);
+  EXPECT_EQ(field->text(), "Current");
+  EXPECT_FALSE(field->editing());
+  picker->pick("Credit");
+  EXPECT_EQ(field->text(), "Credit");
+  EXPECT_EQ(picker->shownText(), "Credit");
+  EXPECT_THROW(picker->pick(3), std::out_of_range);
+  EXPECT_THROW(picker->pick("Cheque"), std::out_of_range);
+  EXPECT_EQ(field->text(), "Credit");
+}
+
+TEST(DropDownPicker, LetsNobodyTypeIntoItsField) {
+  const auto field = std::make_shared<TextField>();
+  DropDownPicker::attach(field, {"Savings"})->pick(0);
+  field->replaceCharacters({0, 7}, "x");
+  EXPECT_EQ(field->text(), "Savings");
+}
+
+TEST(DropDownPicker, TakesThePlaceOfTheFormerOneAndLeavesTheText) {
+  const auto field = std::make_shared<TextField>();
+  auto former = DropDownPicker::attach(field, {"Savings"});
+  former->pick(0);
+  const auto picker = DropDownPicker::attach(field, {"Current"});
+  EXPECT_EQ(DropDownPicker::of(*field), picker);
+  EXPECT_EQ(field->subviews().size(), 1U);
+  EXPECT_EQ(field->text(), "Savings");
+  former->pick(0);
+  former.reset();
+  field->replaceCharacters({0, 0}, "x");
+  EXPECT_EQ(field->text(), "Savings") << "the former one took the new one's field along";
+}
+
+TEST(DropDownPicker, FreesItsFieldWhenItGoes) {
+  const auto field = std::make_shared<TextField>();
+  DropDownPicker::attach(field, {"Savings"})->removeFromSuperview();
+  EXPECT_EQ(DropDownPicker::of(*field), nullptr);
+  field->replaceCharacters({0, 0}, "x");
+  EXPECT_EQ(field->text(), "x");
+}
+
+}  // namespace
+}  // namespace orlix
