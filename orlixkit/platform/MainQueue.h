@@ -25,4 +25,8 @@ class MainQueue {
   virtual void close() = 0;
 };
 
+/// Runs something that the main thread owes nobody a result for: a main-queue task, a user's tap.
+/// What it throws ends up in the log, and the application goes on.
+void runLogged(const Task& task);
+
 }  // namespace orlix

@@ -1,0 +1,145 @@
+#include "orlixkit/platform/memory/FakeWebView.h"
+
+#include <algorithm>
+
+namespace orlix {
+
+namespace {
+
+/// Secure, or of this machine.
+bool mayBeLoaded(const std::string& address) {
+  return address.starts_with("https://") || address.starts_with("http://127.0.0.1") ||
+         address.starts_with("http://localhost") || address.starts_with("http://[::1]");
+}
+
+}  // namespace
+
+FakeWebView::FakeWebView(std::shared_ptr<MainQueue> mainQueue, OnLoad onLoad)
+    : mainQueue_(std::move(mainQueue)), onLoad_(std::move(onLoad)) {}
+
+FakeWebView::~FakeWebView() { failOwed("The page view was released."); }
+
+void FakeWebView::finishNavigation(std::string markup) {
+  markup_ = std::move(markup);
+  tell([](WebViewDelegate& delegate) { delegate.didFinishNavigation(); });
+}
+
+void FakeWebView::failNavigation(std::string description) {
+  tell([description = std::move(description)](WebViewDelegate& delegate) {
+    delegate.didFailNavigation(description);
+  });
+}
+
+void FakeWebView::killProcess() {
+  markup_.clear();
+  failOwed("The page's process has ended.");
+  tell([](WebViewDelegate& delegate) { delegate.webContentProcessDidTerminate(); });
+}
+
+void FakeWebView::releaseScripts() {
+  holding_ = false;
+  for (const Owed& owed : std::exchange(owed_, {})) {
+    settle(owed, run(owed.script));
+  }
+}
+
+void FakeWebView::setNavigationDelegate(std::weak_ptr<WebViewDelegate> delegate) {
+  delegate_ = std::move(delegate);
+}
+
+void FakeWebView::loadHtmlString(const std::string& html) { beginLoad(html, {}); }
+
+void FakeWebView::loadRequest(const std::string& address) {
+  if (mayBeLoaded(address)) {
+    beginLoad({}, address);
+  } else {
+    failNavigation("The address " + address + " is not secure.");
+  }
+}
+
+void FakeWebView::beginLoad(std::string html, std::string address) {
+  loading_ = std::make_shared<const int>(0);
+  html_ = std::move(html);
+  address_ = std::move(address);
+  ++loads_;
+  if (onLoad_) {
+    mainQueue_->async([this, alive = std::weak_ptr(loading_)] {
+      if (!alive.expired()) {
+        onLoad_(*this);
+      }
+    });
+  }
+}
+
+void FakeWebView::stopLoading() {
+  loading_ = std::make_shared<const int>(0);
+  failOwed("Loading was stopped.");
+}
+
+void FakeWebView::evaluateJavaScript(const std::string& script,
+                                     std::function<void(const ScriptResult&)> completion) {
+  scripts_.push_back(script);
+  Owed owed{script, std::move(completion)};
+  if (holding_) {
+    owed_.push_back(std::move(owed));
+  } else {
+    settle(owed, run(script));
+  }
+}
+
+void FakeWebView::tell(std::function<void(WebViewDelegate&)> callback) {
+  mainQueue_->async([this, alive = std::weak_ptr(loading_), callback = std::move(callback)] {
+    if (alive.expired()) {
+      return;
+    }
+    if (const std::shared_ptr<WebViewDelegate> delegate = delegate_.lock()) {
+      callback(*delegate);
+    }
+  });
+}
+
+void FakeWebView::settle(const Owed& owed, ScriptResult result) {
+  if (owed.completion) {
+    mainQueue_->async(
+        [completion = owed.completion, result = std::move(result)] { completion(result); });
+  }
+}
+
+void FakeWebView::failOwed(const std::string& reason) {
+  for (const Owed& owed : std::exchange(owed_, {})) {
+    settle(owed, {std::nullopt, reason});
+  }
+}
+
+ScriptResult FakeWebView::run(const std::string& script) const {
+  if (script == "document.documentElement.outerHTML") {
+    return {markup_, {}};
+  }
+  return onScript ? onScript(script) : ScriptResult{std::string(), {}};
+}
+
+std::shared_ptr<FakeWebView> FakeWebViews::last() const {
+  for (auto view = views_.rbegin(); view != views_.rend(); ++view) {
+    if (auto living = view->lock()) {
+      return living;
+    }
+  }
+  return nullptr;
+}
+
+std::size_t FakeWebViews::living() const {
+  return static_cast<std::size_t>(std::count_if(views_.begin(), views_.end(),
+                                                [](const auto& view) { return !view.expired(); }));
+}
+
+std::shared_ptr<WebView> FakeWebViews::newWebView() {
+  auto made = std::make_shared<FakeWebView>(mainQueue_, [this](FakeWebView& view) {
+    if (const FakeWebView::OnLoad play = onLoad) {
+      play(view);
+    }
+  });
+  views_.push_back(made);
+  return made;
+}
+
+}  // namespace orlix

@@ -1,0 +1,21 @@
+#pragma once
+
+#include "orlixkit/platform/Device.h"
+
+namespace orlix {
+
+/// A device that says what a test tells it to. To be set before the library first asks.
+class MemoryDevice : public Device {
+ public:
+  std::string vendor = "8D1F2C3B-4A5E-4F60-9B7A-1C2D3E4F5A6B";
+  std::string system = "17.4";
+  std::string machine = "x86_64";
+  std::string bundleVersion = "2.1.0";
+
+  std::string vendorIdentifier() const override { return vendor; }
+  std::string systemVersion() const override { return system; }
+  std::string model() const override { return machine; }
+  std::string bundleShortVersion() const override { return bundleVersion; }
+};
+
+}  // namespace orlix

@@ -1,0 +1,114 @@
+#pragma once
+
+#include <functional>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "orlixkit/platform/Host.h"
+#include "orlixkit/platform/memory/FakeWebView.h"
+#include "orlixkit/platform/memory/MemoryBundle.h"
+#include "orlixkit/platform/memory/MemoryDevice.h"
+#include "orlixkit/platform/memory/MemoryLocationManager.h"
+#include "orlixkit/platform/memory/MemoryLog.h"
+#include "orlixkit/platform/memory/MemoryUserDefaults.h"
+#include "orlixkit/platform/memory/ScreenUser.h"
+#include "orlixkit/platform/memory/ScriptedConnections.h"
+#include "orlixkit/platform/memory/VirtualClock.h"
+#include "orlixkit/platform/memory/VirtualQueues.h"
+#include "orlixkit/platform/memory/VirtualWorld.h"
+
+namespace orlix {
+
+/// What a MemoryHost may be given to begin with.
+struct MemoryHostSettings {
+  /// Puts the host in place. A test of an upper floor gives `installOrlixKit`, so that the
+  /// storyboard is filled.
+  std::function<void(std::shared_ptr<Host>)> install = Host::install;
+  /// The store of an earlier host, to play a restart; a new, empty one when absent.
+  std::shared_ptr<MemoryUserDefaults> userDefaults;
+  /// Decides who goes on next; see VirtualWorld.
+  Chooser chooser;
+  bool timeCompetes = false;
+  bool preemptive = false;
+  bool hasLocationManager = true;
+  bool hasWebViews = true;
+  Deployment deployment{"https://live.example/vello", "https://test.example/vello",
+                        "https://www.example/terms/tavlo.html"};
+};
+
+/// A whole phone for a test: a host of memory ports in virtual time, installed, with one window
+/// whose root is a plain controller. The destructor shuts it down and takes it away; it then checks
+/// that no thread and no exchange is left and, if any is, ends the process with a message.
+///
+///     MemoryHost host({.install = installOrlixKit});
+///     host.connections().on("/session", ServerReply::of(200, "{…}"));
+///     facade->checkout({…, .controller = host.root(), …});
+///     host.runUntil([&] { return host.topController()->identifier() == "Product"; });
+///     host.user().type("pinField", "1234");
+///     host.user().tap("payButton");
+///
+/// Main thread. One at a time.
+class MemoryHost {
+ public:
+  explicit MemoryHost(MemoryHostSettings settings = {});
+  ~MemoryHost();
+  MemoryHost(const MemoryHost&) = delete;
+  MemoryHost& operator=(const MemoryHost&) = delete;
+
+  VirtualWorld& world() { return *world_; }
+  VirtualClock& clock() { return *clock_; }
+  MainQueue& mainQueue() { return *host_->ports().mainQueue; }
+  BackgroundQueues& backgroundQueues() { return *host_->ports().backgroundQueues; }
+  ScriptedConnections& connections() { return *connections_; }
+  const std::shared_ptr<MemoryUserDefaults>& userDefaults() const { return userDefaults_; }
+  MemoryDevice& device() { return *device_; }
+  MemoryBundle& bundle() { return *bundle_; }
+  MemoryLocationManager& locationManager() { return *locationManager_; }
+  FakeWebViews& webViews() { return *webViews_; }
+  MemoryLog& log() { return *log_; }
+  Application& application() { return host_->application(); }
+  /// The host application's own screen, on which the library's are presented.
+  const std::shared_ptr<ViewController>& root() const { return root_; }
+
+  // Time and work; see VirtualWorld.
+  void runUntil(const std::function<bool()>& done) { world_->runUntil(done); }
+  void runUntilIdle() { world_->runUntilIdle(); }
+  void runFor(Duration span) { world_->runFor(span); }
+  /// Runs until the top screen carries this identifier, and stands still.
+  void runUntilScreen(const std::string& identifier);
+  /// Runs until an alert with this title stands on top.
+  void runUntilAlert(const std::string& title);
+  /// Something that a user does `delay` from now, whatever else goes on then.
+  void later(Duration delay, Task userAction);
+
+  // The user; see ScreenUser.
+  ScreenUser& user() { return user_; }
+  std::shared_ptr<ViewController> topController() const { return user_.topController(); }
+  void type(const std::string& outlet, const std::string& text) { user_.type(outlet, text); }
+  void tap(const std::string& name) { user_.tap(name); }
+  void pressAlert(const std::string& title) { user_.pressAlert(title); }
+
+  const std::vector<RecordedRequest>& requests() const { return connections_->requests(); }
+
+  /// Ends all work, as the application's end does. May be called before the destructor.
+  void shutdown() { host_->shutdown(); }
+
+ private:
+  std::shared_ptr<VirtualWorld> world_ = std::make_shared<VirtualWorld>();
+  std::shared_ptr<VirtualClock> clock_ = std::make_shared<VirtualClock>(world_);
+  std::shared_ptr<ScriptedConnections> connections_ = std::make_shared<ScriptedConnections>(world_);
+  std::shared_ptr<MemoryUserDefaults> userDefaults_;
+  std::shared_ptr<MemoryDevice> device_ = std::make_shared<MemoryDevice>();
+  std::shared_ptr<MemoryBundle> bundle_ = std::make_shared<MemoryBundle>();
+  std::shared_ptr<MemoryLocationManager> locationManager_ =
+      std::make_shared<MemoryLocationManager>();
+  std::shared_ptr<VirtualMainQueue> mainQueue_ = std::make_shared<VirtualMainQueue>(world_);
+  std::shared_ptr<FakeWebViews> webViews_ = std::make_shared<FakeWebViews>(mainQueue_);
+  std::shared_ptr<MemoryLog> log_ = std::make_shared<MemoryLog>();
+  std::shared_ptr<ViewController> root_ = std::make_shared<ViewController>();
+  std::shared_ptr<Host> host_;
+  ScreenUser user_;
+};
+
+}  // namespace orlix

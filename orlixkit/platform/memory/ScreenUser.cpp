@@ -1,0 +1,157 @@
+#include "orlixkit/platform/memory/ScreenUser.h"
+
+#include <stdexcept>
+
+#include "orlixkit/platform/MainQueue.h"
+#include "orlixkit/platform/ui/TableView.h"
+#include "orlixkit/platform/ui/TextField.h"
+
+namespace orlix {
+
+namespace {
+
+/// The characters of a UTF-8 text, one by one.
+std::vector<std::string> keysOf(const std::string& text) {
+  std::vector<std::string> keys;
+  for (const char unit : text) {
+    if (keys.empty() || (static_cast<unsigned char>(unit) & 0xC0U) != 0x80U) {
+      keys.emplace_back();
+    }
+    keys.back() += unit;
+  }
+  return keys;
+}
+
+}  // namespace
+
+std::shared_ptr<ViewController> ScreenUser::topController() const {
+  std::shared_ptr<ViewController> top =
+      application_.keyWindow ? application_.keyWindow->rootViewController : nullptr;
+  for (auto next = top; next; next ? top = next : top) {
+    next = top->presentedViewController();
+    if (!next || next->isBeingDismissed()) {
+      next = top->visibleChild();
+    }
+  }
+  return top;
+}
+
+std::shared_ptr<AlertController> ScreenUser::topAlert() const {
+  return std::dynamic_pointer_cast<AlertController>(topController());
+}
+
+std::shared_ptr<View> ScreenUser::find(const std::string& name) const {
+  const std::shared_ptr<ViewController> top = topController();
+  const std::shared_ptr<View> found = top ? top->outletNamed(name) : nullptr;
+  if (!found) {
+    throw std::logic_error("the top screen " + (top ? top->identifier() : "") + " has no outlet " +
+                           name);
+  }
+  return found;
+}
+
+std::shared_ptr<View> ScreenUser::reachable(const std::string& name) const {
+  const std::shared_ptr<View> found = find(name);
+  if (found->isOutOfSight()) {
+    throw std::logic_error("the outlet " + name + " cannot be seen");
+  }
+  if (application_.progressIndicator().blocksInput()) {
+    throw std::logic_error("the progress indicator holds back the touch on " + name);
+  }
+  return found;
+}
+
+void ScreenUser::type(const std::string& field, const std::string& text) {
+  reachable(field);
+  const auto target = outlet<TextField>(field);
+  runLogged([&] {
+    if (!target->beginEditing()) {
+      return;
+    }
+    for (const std::string& key : keysOf(text)) {
+      target->replaceCharacters({target->caret(), 0}, key);
+    }
+  });
+}
+
+void ScreenUser::erase(const std::string& field, std::size_t times) {
+  reachable(field);
+  const auto target = outlet<TextField>(field);
+  runLogged([&] {
+    if (!target->beginEditing()) {
+      return;
+    }
+    for (std::size_t i = 0; i < times && target->caret() > 0; ++i) {
+      target->replaceCharacters({target->caret() - 1, 1}, "");
+    }
+  });
+}
+
+void ScreenUser::replaceAll(const std::string& field, const std::string& text) {
+  reachable(field);
+  const auto target = outlet<TextField>(field);
+  runLogged([&] {
+    if (target->beginEditing()) {
+      target->replaceCharacters({0, target->textLength()}, text);
+    }
+  });
+}
+
+void ScreenUser::tap(const std::string& name) {
+  const std::shared_ptr<ViewController> top = topController();
+  if (!top || !top->outletNamed(name)) {
+    if (!top || !top->hasAction(name)) {
+      throw std::logic_error("the top screen " + (top ? top->identifier() : "") +
+                             " has neither an outlet nor an action " + name);
+    }
+    if (application_.progressIndicator().blocksInput()) {
+      throw std::logic_error("the progress indicator holds back the touch on " + name);
+    }
+    runLogged([&] { top->performAction(name); });
+    return;
+  }
+  const std::shared_ptr<View> target = reachable(name);
+  const auto button = std::dynamic_pointer_cast<Button>(target);
+  if (button && !button->enabled()) {
+    throw std::logic_error("the button " + name + " is disabled");
+  }
+  const std::function<void()> touched = button ? button->onTouchUpInside : target->onTap;
+  if (touched) {
+    runLogged(touched);
+  } else if (top->hasAction(name)) {
+    runLogged([&] { top->performAction(name); });
+  } else {
+    throw std::logic_error("the outlet " + name + " hears no taps");
+  }
+}
+
+void ScreenUser::chooseRow(const std::string& table, std::size_t row) {
+  reachable(table);
+  const auto target = outlet<TableView>(table);
+  runLogged([&] { target->select(row); });
+}
+
+void ScreenUser::tapRowButton(const std::string& table, std::size_t row) {
+  reachable(table);
+  const TableCell cell = outlet<TableView>(table)->cell(row);
+  if (!cell.button || !cell.button->onTouchUpInside) {
+    throw std::logic_error("row " + std::to_string(row) + " of " + table + " has no button");
+  }
+  runLogged(cell.button->onTouchUpInside);
+}
+
+void ScreenUser::pressAlert(const std::string& title) {
+  const std::shared_ptr<AlertController> alert = topAlert();
+  if (!alert) {
+    throw std::logic_error("no alert is on top, so there is no button " + title);
+  }
+  for (std::size_t i = 0; i < alert->actions().size(); ++i) {
+    if (alert->actions()[i].title == title) {
+      runLogged([&] { alert->press(i); });
+      return;
+    }
+  }
+  throw std::logic_error("the alert \"" + alert->title() + "\" has no button " + title);
+}
+
+}  // namespace orlix

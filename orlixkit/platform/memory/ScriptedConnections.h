@@ -1,0 +1,71 @@
+#pragma once
+
+#include <functional>
+#include <memory>
+#include <optional>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "orlixkit/platform/UrlConnection.h"
+#include "orlixkit/platform/memory/ServerReply.h"
+#include "orlixkit/platform/memory/VirtualWorld.h"
+
+namespace orlix {
+
+/// A request as the scripted server saw it.
+struct RecordedRequest {
+  std::string url;
+  std::string method;
+  std::vector<std::pair<std::string, std::string>> headers;
+  std::optional<std::string> body;
+
+  /// What stands behind the host's name and port, from the "/" on.
+  std::string path() const;
+  std::optional<std::string> header(const std::string& name) const;
+};
+
+class ScriptedConnection;
+
+/// The network of a virtual world: a server that answers as a test says, in virtual time.
+///
+/// A script is asked when the request has reached the server, off the main thread, one at a time.
+class ScriptedConnections : public UrlConnections {
+ public:
+  using Script = std::function<ServerReply(const RecordedRequest&)>;
+
+  explicit ScriptedConnections(std::shared_ptr<VirtualWorld> world);
+  ~ScriptedConnections() override;
+
+  /// Answers the requests whose path holds `part`; "" for all. Of several that fit, the one that
+  /// was set last. A request without a script fails, and the failure's description says so.
+  void on(std::string part, Script script);
+  void on(std::string part, ServerReply reply);
+  /// How long a request travels; none at first.
+  void setLatency(Duration latency) { latency_ = latency; }
+
+  /// All that reached the server, in order. To be read on the main thread.
+  const std::vector<RecordedRequest>& requests() const { return requests_; }
+  /// Those whose path holds `part`.
+  std::vector<RecordedRequest> requestsTo(const std::string& part) const;
+  void forgetRequests() { requests_.clear(); }
+  /// Exchanges that have begun and not ended.
+  std::size_t underWay() const;
+
+  std::shared_ptr<UrlConnection> newConnection(
+      UrlRequest request, std::shared_ptr<UrlConnectionDelegate> delegate) override;
+  void close() override;
+
+ private:
+  friend class ScriptedConnection;
+  ServerReply replyTo(const RecordedRequest& request);
+
+  std::shared_ptr<VirtualWorld> world_;
+  std::vector<std::pair<std::string, Script>> scripts_;
+  std::vector<RecordedRequest> requests_;
+  std::vector<std::weak_ptr<ScriptedConnection>> connections_;
+  Duration latency_{};
+  bool closed_ = false;
+};
+
+}  // namespace orlix
