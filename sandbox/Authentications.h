@@ -27,7 +27,7 @@ struct Authentication {
 };
 
 /// Authentications under way and done; a restart forgets them. Thread: the caller locks. A
-/// returned pointer is good as long as the object.
+/// returned pointer is good until the next `begin`.
 class Authentications {
  public:
   Authentication& begin(Authentication wanted);
@@ -40,6 +40,8 @@ class Authentications {
   void end(Authentication& authentication, bool passed);
 
  private:
+  static constexpr size_t kept = 1000;  ///< The oldest are dropped.
+
   std::map<std::int64_t, Authentication> all_;
   std::int64_t nextId_ = 9'007'199'254'740'993;  // 2^53 + 1: lost by a reader that uses doubles.
 };

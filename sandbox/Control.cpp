@@ -47,6 +47,7 @@ const std::vector<Control::Entry>& Control::entries() {
       {"GET", "/control/faults", &Control::listFaults},
       {"DELETE", "/control/faults", &Control::clearFaults},
       {"DELETE", "/control/sessions", &Control::forgetSessions},
+      {"DELETE", "/control/connections", &Control::dropConnections},
       {"POST", "/control/start", &Control::setSessionStart},
       {"POST", "/control/terms", &Control::setTerms},
       {"POST", "/control/enrolled", &Control::setEnrolled},
@@ -59,7 +60,7 @@ const std::vector<Control::Entry>& Control::entries() {
   return all;
 }
 
-Control::Control(State& state, std::function<ConnectionCounts()> connections)
+Control::Control(State& state, Connections connections)
     : state_(state), connections_(std::move(connections)) {}
 
 bool Control::owns(const HttpRequest& request) { return request.path.rfind("/control/", 0) == 0; }
@@ -88,6 +89,11 @@ HttpAnswer Control::listFaults(const json::object& /*wish*/) {
 
 HttpAnswer Control::clearFaults(const json::object& /*wish*/) {
   state_.faults.clear();
+  return done();
+}
+
+HttpAnswer Control::dropConnections(const json::object& /*wish*/) {
+  connections_.drop();
   return done();
 }
 
@@ -138,7 +144,7 @@ HttpAnswer Control::putCardKind(const json::object& wish) {
 }
 
 HttpAnswer Control::counts(const json::object& /*wish*/) {
-  const ConnectionCounts connections = connections_();
+  const ConnectionCounts connections = connections_.counts();
   return answerWith({{"connections", connections.connections},
                      {"handshakes", connections.handshakes},
                      {"resumed", connections.resumed},

@@ -14,7 +14,13 @@ namespace orlix::sandbox {
 /// Thread: any. Lifetime: `state` outlives it.
 class Control {
  public:
-  Control(State& state, std::function<ConnectionCounts()> connections);
+  /// What the switches need of the server's connections.
+  struct Connections {
+    std::function<ConnectionCounts()> counts;
+    std::function<void()> drop;
+  };
+
+  Control(State& state, Connections connections);
 
   static bool owns(const HttpRequest& request);
   HttpAnswer answer(const HttpRequest& request);
@@ -26,6 +32,7 @@ class Control {
   HttpAnswer addFault(const json::object& wish);
   HttpAnswer listFaults(const json::object& wish);
   HttpAnswer clearFaults(const json::object& wish);
+  HttpAnswer dropConnections(const json::object& wish);
   HttpAnswer forgetSessions(const json::object& wish);
   HttpAnswer setSessionStart(const json::object& wish);
   HttpAnswer setTerms(const json::object& wish);
@@ -38,7 +45,7 @@ class Control {
   HttpAnswer clearRequests(const json::object& wish);
 
   State& state_;
-  std::function<ConnectionCounts()> connections_;
+  Connections connections_;
 };
 
 }  // namespace orlix::sandbox

@@ -26,6 +26,9 @@ constexpr std::chrono::minutes keptAlive{5};
 /// it.
 thread_local HttpAnswer* currentAnswer = nullptr;
 
+/// The socket of this thread's connection; none on other threads.
+thread_local int currentSocket = -1;
+
 void limitWaits(int socket) {
   const timeval limit{.tv_sec = 30, .tv_usec = 0};
   setsockopt(socket, SOL_SOCKET, SO_RCVTIMEO, &limit, sizeof limit);
@@ -104,6 +107,13 @@ class HttpFront::Server : public httplib::Server {
     listener_.join();
   }
 
+  void dropConnections() {
+    const std::lock_guard lock(mutex_);
+    for (const int open : open_) {
+      if (open != currentSocket) ::shutdown(open, SHUT_RDWR);
+    }
+  }
+
   ConnectionCounts counts() const {
     return {.connections = connections_, .handshakes = handshakes_, .resumed = resumed_};
   }
@@ -146,6 +156,7 @@ class HttpFront::Server : public httplib::Server {
     ++connections_;
     if (enter(socket)) {
       limitWaits(socket);
+      currentSocket = socket;
       serve(socket);
       leave(socket);
     }
@@ -213,5 +224,7 @@ int HttpFront::start() { return server_->begin(); }
 void HttpFront::stop() { server_->end(); }
 
 ConnectionCounts HttpFront::counts() const { return server_->counts(); }
+
+void HttpFront::dropConnections() { server_->dropConnections(); }
 
 }  // namespace orlix::sandbox

@@ -49,6 +49,9 @@ class HttpFront {
 
   ConnectionCounts counts() const;
 
+  /// Closes every connection but the caller's own, so that clients must connect anew.
+  void dropConnections();
+
  private:
   class Server;
   std::unique_ptr<Server> server_;

@@ -1,7 +1,5 @@
 #include "sandbox/Purchases.h"
 
-#include <utility>
-
 namespace orlix::sandbox {
 
 namespace {
@@ -28,17 +26,18 @@ json::value withoutSecrets(std::string_view body) {
 }
 
 size_t Purchases::received(std::string_view path, std::string_view body) {
-  if (received_.size() < kept) {
-    received_.push_back({.path = std::string(path), .body = withoutSecrets(body)});
-  } else {
-    received_.push_back({.path = std::string(path)});
+  received_.push_back({.path = std::string(path), .body = withoutSecrets(body)});
+  ++receivedCount_;
+  if (received_.size() > kept) {
+    received_.pop_front();
+    ++dropped_;
   }
-  return cleared_ + received_.size() - 1;
+  return dropped_ + received_.size() - 1;
 }
 
 void Purchases::answered(size_t place, int status, std::string_view answer) {
-  if (place < cleared_) return;  // The account was cleared meanwhile.
-  ReceivedPurchase& entry = received_.at(place - cleared_);
+  if (place < dropped_) return;  // The account was cleared meanwhile.
+  ReceivedPurchase& entry = received_.at(place - dropped_);
   entry.status = status;
   if (const auto object = parseObject(answer)) {
     entry.outcome = textOf(*object, "status");
@@ -47,8 +46,10 @@ void Purchases::answered(size_t place, int status, std::string_view answer) {
 }
 
 void Purchases::clearAccount() {
-  cleared_ += received_.size();
+  dropped_ += received_.size();
   received_.clear();
+  receivedCount_ = 0;
+  paymentCount_ = 0;
 }
 
 json::object Purchases::account() const {
@@ -60,8 +61,7 @@ json::object Purchases::account() const {
                                 {"outcome", entry.outcome},
                                 {"transactionId", entry.transactionId}});
   }
-  return {
-      {"received", received_.size()}, {"paid", payments_.size()}, {"purchases", std::move(list)}};
+  return {{"received", receivedCount_}, {"paid", paymentCount_}, {"purchases", std::move(list)}};
 }
 
 std::int64_t Purchases::pay(Payment payment, bool bigReference) {
@@ -70,6 +70,8 @@ std::int64_t Purchases::pay(Payment payment, bool bigReference) {
   (bigReference ? nextBigId_ : nextId_) += bigReference ? 2 : 1;
   const std::int64_t id = payment.id;
   payments_.emplace(id, std::move(payment));
+  ++paymentCount_;
+  if (payments_.size() > kept) payments_.erase(payments_.begin());
   return id;
 }
 

@@ -1,10 +1,11 @@
 #pragma once
 
 #include <cstdint>
+#include <deque>
 #include <map>
 #include <string>
 #include <string_view>
-#include <vector>
+#include <utility>
 
 #include "sandbox/Codes.h"
 #include "sandbox/Json.h"
@@ -39,21 +40,23 @@ class Purchases {
   void answered(size_t place, int status, std::string_view answer);
   void clearAccount();
   json::object account() const;
-  size_t receivedCount() const { return received_.size(); }
+  std::int64_t receivedCount() const { return receivedCount_; }
 
   /// Makes a payment; returns its transaction identifier.
   std::int64_t pay(Payment payment, bool bigReference);
   Payment* find(std::int64_t id);
-  size_t paymentCount() const { return payments_.size(); }
+  std::int64_t paymentCount() const { return paymentCount_; }
 
   /// How often this wallet has bought by this code, this time included.
   int countTry(const std::string& wallet, const std::string& code);
 
  private:
-  static constexpr size_t kept = 10'000;
+  static constexpr size_t kept = 10'000;  ///< Of each; the oldest are dropped.
 
-  std::vector<ReceivedPurchase> received_;
-  size_t cleared_ = 0;  ///< Entries that were dropped; places count on from there.
+  std::deque<ReceivedPurchase> received_;
+  size_t dropped_ = 0;  ///< Entries that are gone; places count on from there.
+  std::int64_t receivedCount_ = 0;
+  std::int64_t paymentCount_ = 0;
   std::map<std::int64_t, Payment> payments_;
   std::map<std::pair<std::string, std::string>, int> tries_;
   std::int64_t nextId_ = 7'000'000'001;

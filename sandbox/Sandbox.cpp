@@ -57,7 +57,9 @@ class Sandbox::Server {
     certificates.write(folder_);
     vello_ = std::make_unique<Vello>(*state_, log_, shutdown_);
     issuer_ = std::make_unique<Issuer>(*state_);
-    control_ = std::make_unique<Control>(*state_, [this] { return front_->counts(); });
+    control_ = std::make_unique<Control>(
+        *state_, Control::Connections{.counts = [this] { return front_->counts(); },
+                                      .drop = [this] { front_->dropConnections(); }});
     HttpFront::Setup setup{
         .port = options_.port,
         .oldTlsOnly = options_.oldTlsOnly,

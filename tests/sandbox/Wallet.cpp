@@ -1,27 +1,31 @@
 #include "tests/sandbox/Wallet.h"
 
 #include <array>
+#include <cstdio>
 #include <fstream>
 #include <iterator>
 
 #include <fmt/format.h>
-#include <gtest/gtest.h>
 #include <openssl/evp.h>
+#include <openssl/pem.h>
 
 namespace orlix::sandbox::test {
 
 namespace {
 
-/// A store that holds the sandbox's root and nothing else.
-X509_STORE* trustOnly(const std::string& derFile) {
+/// The root as a PEM file beside it, which is what cpp-httplib's client reads.
+std::string pemBeside(const std::string& derFile) {
   std::ifstream file(derFile, std::ios::binary);
   const std::string der((std::istreambuf_iterator<char>(file)), {});
   const auto* bytes = reinterpret_cast<const unsigned char*>(der.data());
   X509* root = d2i_X509(nullptr, &bytes, static_cast<long>(der.size()));
-  X509_STORE* store = X509_STORE_new();
-  if (root != nullptr) X509_STORE_add_cert(store, root);
+  const std::string pemFile = derFile + ".pem";
+  if (FILE* out = std::fopen(pemFile.c_str(), "w")) {
+    if (root != nullptr) PEM_write_X509(out, root);
+    std::fclose(out);
+  }
   X509_free(root);
-  return store;
+  return pemFile;
 }
 
 std::string fromBase64(const std::string& text) {
@@ -34,6 +38,30 @@ std::string fromBase64(const std::string& text) {
 }
 
 }  // namespace
+
+EventLog::Sink Events::sink() {
+  return [this](std::string_view line) {
+    const std::lock_guard lock(mutex_);
+    lines_.emplace_back(line);
+  };
+}
+
+std::string Events::codeFor(std::string_view msisdn) const {
+  const std::lock_guard lock(mutex_);
+  std::string code;
+  for (const std::string& line : lines_) {
+    const auto event = parseObject(line);
+    if (event && textOf(*event, "event") == "sms" && textOf(*event, "msisdn") == msisdn) {
+      code = textOf(*event, "code");
+    }
+  }
+  return code;
+}
+
+std::vector<std::string> Events::lines() const {
+  const std::lock_guard lock(mutex_);
+  return lines_;
+}
 
 Reply replyOf(const httplib::Result& result) {
   Reply reply;
@@ -75,7 +103,7 @@ Wallet::Wallet(const Sandbox& sandbox, std::string_view serial)
                {"os", "IOS"},
                {"libKey", "shop-key"},
                {"osVersion", "12"}}}} {
-  http.set_ca_cert_store(trustOnly(sandbox.anchorPath()));
+  http.set_ca_cert_path(pemBeside(sandbox.anchorPath()).c_str());
   http.enable_server_certificate_verification(true);
   http.set_keep_alive(true);
   http.set_tcp_nodelay(true);
@@ -98,21 +126,13 @@ Reply Wallet::start() {
   return reply;
 }
 
-void Wallet::enrol(Sandbox& /*sandbox*/, std::vector<std::string>& events,
-                   const std::string& msisdn) {
-  start();
-  ASSERT_EQ(textOf(post("/vello/sms/send", {{"msisdn", msisdn}}).body, "status"), "SUCCESS");
-  std::string code;
-  for (const std::string& line : events) {
-    const auto event = parseObject(line);
-    if (event && textOf(*event, "event") == "sms" && textOf(*event, "msisdn") == msisdn) {
-      code = textOf(*event, "code");
-    }
-  }
-  const Reply reply = post("/vello/sms/activateSession", {{"activationCode", code}});
-  ASSERT_EQ(textOf(reply.body, "status"), "SUCCESS");
+Reply Wallet::enrol(const Events& events, const std::string& msisdn) {
+  if (token1.empty()) start();
+  post("/vello/sms/send", {{"msisdn", msisdn}});
+  const Reply reply =
+      post("/vello/sms/activateSession", {{"activationCode", events.codeFor(msisdn)}});
   ssToken = textOf(reply.body, "newSsToken");
-  start();
+  return reply;
 }
 
 Reply Wallet::lookUp(std::string_view code) {

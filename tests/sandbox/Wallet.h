@@ -1,6 +1,7 @@
 #pragma once
 
 #include <httplib.h>
+#include <mutex>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -9,6 +10,20 @@
 #include "sandbox/Sandbox.h"
 
 namespace orlix::sandbox::test {
+
+/// The lines of a sandbox, kept. Thread: any.
+class Events {
+ public:
+  EventLog::Sink sink();
+
+  /// The code last "sent" to this number; empty when there is none.
+  std::string codeFor(std::string_view msisdn) const;
+  std::vector<std::string> lines() const;
+
+ private:
+  mutable std::mutex mutex_;
+  std::vector<std::string> lines_;
+};
 
 /// What a request came to. `status` is 0 when no whole answer arrived.
 struct Reply {
@@ -26,8 +41,9 @@ class Wallet {
   /// Opens a session with the token that is held and takes up its tokens and PIN key.
   Reply start();
 
-  /// Enrols the device by `msisdn` and starts again with the token that was issued.
-  void enrol(Sandbox& sandbox, std::vector<std::string>& events, const std::string& msisdn);
+  /// Enrols the device by `msisdn`, the code taken from `events`, and keeps the token that was
+  /// issued. Returns the answer to the code.
+  Reply enrol(const Events& events, const std::string& msisdn);
 
   Reply post(std::string_view path, const json::object& body);
   Reply lookUp(std::string_view code);
