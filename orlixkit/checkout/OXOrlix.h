@@ -6,6 +6,7 @@
 #include <string>
 
 #include "orlixkit/checkout/OXDelegates.h"
+#include "orlixkit/checkout/OXSession.h"
 #include "orlixkit/checkout/OXTransitioningDelegate.h"
 #include "orlixkit/platform/ui/ViewController.h"
 #include "orlixkit/protocol/OMVello.h"
@@ -31,7 +32,9 @@ struct PreMSISDN {
 /// A checkout with its arguments by name.
 struct CheckoutRequest {
   std::string code;
-  double amount = 0;  ///< in currency units; 0 or less leaves the amount to code and user
+  /// In currency units. 0 or less, and what is no finite number, leaves the amount to code and
+  /// user.
+  double amount = 0;
   std::string apiKey;
   OXSystem system = kLiveSystem;
   std::shared_ptr<ViewController> controller;
@@ -55,6 +58,14 @@ class OXSettings {};
 
 /// The one class that a host application talks to. Make one per flow, keep it until the delegate
 /// has heard the outcome. Main thread only.
+///
+/// An entry call takes the place of a flow that is still on screen; that flow's host hears nothing
+/// more. A facade that has shown a waiting screen shows none in its later entry calls, unless its
+/// flow asked for the activation of the device.
+///
+/// Entry calls throw NetworkException when the customer has changed and the former one's wallet
+/// could not be wiped, and std::runtime_error when the new customer could not be stored: nothing
+/// has begun then, so that no customer pays with another one's wallet.
 class OXOrlix : public OMVelloDelegate, public std::enable_shared_from_this<OXOrlix> {
  public:
   static std::shared_ptr<OXOrlix> make();
@@ -95,27 +106,32 @@ class OXOrlix : public OMVelloDelegate, public std::enable_shared_from_this<OXOr
                         Delegate delegate, std::optional<PreMSISDN> preMSISDN,
                         std::optional<CustomerId> customerId);
 
-  /// "+" and the digits of a South African or international number (E.164); an empty text stays
-  /// empty.
+  /// "+" and the digits (0 to 9) of a South African or international number (E.164); an empty text
+  /// stays empty.
   static std::string getSuggestedMSISDN(const std::string& number);
   static std::string getLibVelloApiVersion();
-  /// Makes this device unknown to the wallet, and says so in an alert.
+  /// Makes this device unknown to the wallet, and says so in an alert. Before the first session
+  /// start there is no wallet to wipe. Throws NetworkException, without the alert, when the store
+  /// could not be wiped.
   void reset();
   /// The same without a word.
   void deregisterUser();
+  /// Throws std::runtime_error when it could not be stored.
   void saveCustomerId(const std::string& customerId);
+  /// Deregisters and stores the customer when it is not the one last seen; does nothing for none.
   void checkCustomerId(const std::optional<CustomerId>& customerId);
 
   void showLoadingDialogFromController(const Controller& controller);
   void showScreen(const std::string& identifier, const Controller& fromController);
   static void hideLoadingDialog(const Controller& controller);
 
-  /// The first screen of the session's flow. `waiting`: the waiting screen, none after a retry.
+  /// The first screen of the session's flow. `waiting`: the waiting screen, none after a retry. A
+  /// code that stands for nothing ends the flow only when it is given.
   static void loadCodeInfo(const Controller& waiting);
   static void loadCards();
   static void loadWallet();
 
-  /// Registers the brand's fonts, once per process.
+  /// Registers the brand's fonts, once per host.
   static void load();
   static void loadFontWithName(const std::string& name);
   static void printFonts();
@@ -124,6 +140,10 @@ class OXOrlix : public OMVelloDelegate, public std::enable_shared_from_this<OXOr
   void velloSessionEstablished() override;
 
  private:
+  struct Entry;
+  void begin(const Entry& entry);
+  void present(const Controller& screen, const Controller& fromController);
+
   std::shared_ptr<OXTransitioningDelegate> transitioningDelegate_;
   Controller waitingController_;
 };

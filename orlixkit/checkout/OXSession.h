@@ -1,6 +1,8 @@
 #pragma once
 
+#include <atomic>
 #include <cstdint>
+#include <functional>
 #include <memory>
 #include <optional>
 #include <string>
@@ -22,13 +24,18 @@ namespace orlix {
 /// There is one current session; every entry call of the facade puts a new one in its place. A
 /// session that was replaced, or that has ended, is over: its show and return operations do nothing
 /// but write a log line, so that whatever was still under way can neither reach the next flow's
-/// host nor call its own host a second time.
+/// host nor call its own host a second time. Only the callback of a return operation that was
+/// called before the replacement is still made: the host is owed it.
+///
+/// Without a presenting controller nothing is shown and no callback is made. Ending a flow also
+/// takes the progress indicator away, because the answers that would have done so are dropped.
 ///
 /// Thread: `currentSession` and `isLive` from any thread; all else on the main thread.
 class OXSession : public std::enable_shared_from_this<OXSession> {
  public:
   /// Never none while a host is installed.
   static std::shared_ptr<OXSession> currentSession();
+  /// Puts a fresh session in place of the current one, which lets go of all it held.
   static void reset();
 
   /// Current, and not ended by a return operation.
@@ -53,7 +60,7 @@ class OXSession : public std::enable_shared_from_this<OXSession> {
   /// Not an end: the flow goes on with whoever asked for the authentication.
   void returnAuth3DsValidated();
   void returnPaymentSucceededWithTransactionReference(const std::string& reference);
-  void returnError(int code);
+  void returnError(int errorCode);
   void returnPaymentFailedWithTransactionReference(const std::string& reference);
   void returnInvalidCode();
 
@@ -78,11 +85,18 @@ class OXSession : public std::enable_shared_from_this<OXSession> {
   std::shared_ptr<OXTransitioningDelegate> transitioningDelegate;
 
  private:
-  void show(const std::string& identifier);
-  void end(Task callback);
-  void leave(Task callback);
+  using HostCallback = std::function<void(OXOrlixDelegate&)>;
+  using Prepare = std::function<void(const std::shared_ptr<ViewController>&)>;
 
-  bool ended_ = false;
+  void show(const std::string& identifier, const Prepare& prepare = {});
+  void present(const std::string& identifier, const Prepare& prepare);
+  void handInputsTo(const std::shared_ptr<ViewController>& screen);
+  void end(const std::string& operation, HostCallback callback);
+  void leave(Task callback);
+  bool isLiveFor(const std::string& operation) const;
+  void letGo();
+
+  std::atomic<bool> ended_{false};
 };
 
 }  // namespace orlix

@@ -9,8 +9,8 @@
 #include "orlixkit/platform/ui/AlertController.h"
 #include "orlixkit/platform/ui/View.h"
 #include "orlixkit/platform/ui/ViewController.h"
-#include "orlixkit/protocol/Location.h"
 #include "orlixkit/records/CardOption.h"
+#include "orlixkit/records/Location.h"
 
 namespace orlix {
 
@@ -27,20 +27,24 @@ class OXUtil {
 
   /// An alert with one button "Ok".
   static void showAlertWithTitle(const std::string& title, const std::string& message);
-  /// The "Connection problem" alert: "Retry" runs `retry`, "Cancel" dismisses the progress
-  /// indicator and runs `cancel`, if any. Both are dropped once the session that was current at the
-  /// call is over. Any thread.
+  /// The "Connection problem" alert, shown when the progress indicator is gone: "Retry" runs
+  /// `retry`, "Cancel" dismisses the indicator and runs `cancel`, if any. The alert and both
+  /// handlers are dropped once the session that was current at the call is over. Any thread.
   static void showNetworkErrorRetryObject(Task retry, Task cancel = {});
   static void showController(const std::shared_ptr<ViewController>& controller,
                              const std::shared_ptr<ViewController>& from);
 
+  /// A store that cannot keep it is logged: a choice forgotten is no reason to stop a payment.
   static void setLastUsedCardId(std::int64_t cardId);
   static std::int64_t getLastUsedCardid();
+  /// The stored card among those of the current session, else the first of them, else none.
   static std::optional<CardOption> getLastUsedCard();
   /// Name of the image resource of a card brand.
   static std::string imageForCardType(const std::optional<std::string>& cardType);
+  /// The last known position; without one, with a log line, a record without any field.
   static Location getLocation();
 
+  /// Fits a screen that has appeared on a small device in landscape.
   static void checkOrientationHeight(ViewController& controller, bool isSecureScreen = false);
   static void styleButtonsForView(const std::shared_ptr<View>& view);
   static void styleButton(Button& button);

@@ -1,0 +1,34 @@
+#include "orlixkit/OrlixKit.h"
+
+#include <utility>
+
+#include "orlixkit/checkout/CheckoutScreens.h"
+#include "orlixkit/checkout/OXUtil.h"
+#include "orlixkit/checkout/OXVelloEnvironment.h"
+#include "orlixkit/protocol/OMVello.h"
+#include "orlixkit/securecode/SecureCodeScreens.h"
+
+namespace orlix {
+
+namespace {
+
+/// One line for each floor that has screens.
+void fillStoryboard(Storyboard& storyboard) {
+  addCheckoutScreens(storyboard);
+  addSecureCodeScreens(storyboard);
+  addSecureCodeScreens(storyboard);
+  storyboard.onMissing = [](const std::string& message) {
+    OXUtil::showAlertWithTitle("Error", message);
+  };
+}
+
+}  // namespace
+
+void installOrlixKit(std::shared_ptr<Host> host) {
+  Host::install(std::move(host));
+  fillStoryboard(Host::current().application().storyboard());
+  OMVello::sharedOMVello().setEnvironment(std::make_shared<OXVelloEnvironment>());
+  OXOrlix::load();
+}
+
+}  // namespace orlix

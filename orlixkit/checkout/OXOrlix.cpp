@@ -1,0 +1,215 @@
+#include "orlixkit/checkout/OXOrlix.h"
+
+#include <array>
+#include <charconv>
+#include <cmath>
+#include <utility>
+
+#include "orlixkit/checkout/OXUtil.h"
+#include "orlixkit/checkout/ScreenChange.h"
+#include "orlixkit/checkout/WalletRequest.h"
+#include "orlixkit/platform/Host.h"
+#include "orlixkit/security/OMStorage.h"
+
+namespace orlix {
+
+namespace {
+
+constexpr std::string_view kCountryCode = "27";
+constexpr std::string_view kCountryCodeWithTrunkZero = "270";
+const std::string kCustomerIdKey = "customerId";
+
+std::string digitsOf(const std::string& text) {
+  std::string digits;
+  for (const char c : text) {
+    if (c >= '0' && c <= '9') {
+      digits.push_back(c);
+    }
+  }
+  return digits;
+}
+
+std::string withoutLeadingZeros(const std::string& digits) {
+  const std::size_t first = digits.find_first_not_of('0');
+  return first == std::string::npos ? std::string() : digits.substr(first);
+}
+
+/// The fewest digits that read back as the same number, never with an exponent.
+std::optional<std::string> amountText(double amount) {
+  if (!(amount > 0.0) || !std::isfinite(amount)) {
+    return std::nullopt;
+  }
+  std::array<char, 400> text{};
+  const auto end =
+      std::to_chars(text.data(), text.data() + text.size(), amount, std::chars_format::fixed);
+  return std::string(text.data(), end.ptr);
+}
+
+void wipeWallet() {
+  if (const auto connection = OMVello::sharedOMVello().connection()) {
+    OMStorage storage(OXUtil::storageKeyForItem("data"));
+    connection->reset(storage);
+  }
+}
+
+/// Takes the replaced flow's screens away: their buttons would do nothing any more. The waiting
+/// screen of this facade stays, the new flow waits on it as well.
+void clearScreensOf(const OXSession& replaced, const OXOrlix::Controller& waiting) {
+  const OXOrlix::Controller& controller = replaced.presentingController;
+  if (replaced.isLive() && controller && controller->presentedViewController() &&
+      controller->presentedViewController() != waiting) {
+    cutPresented(controller, [] {});
+  }
+}
+
+}  // namespace
+
+/// What the three entry families have in common, and what sets each of them apart.
+struct OXOrlix::Entry {
+  std::string apiKey;
+  OXSystem system;
+  Controller controller;
+  Delegate delegate;
+  std::optional<PreMSISDN> preMSISDN;
+  std::optional<CustomerId> customerId;
+  std::function<void(OXSession&)> fill;
+};
+
+std::shared_ptr<OXOrlix> OXOrlix::make() { return std::make_shared<OXOrlix>(); }
+
+void OXOrlix::begin(const Entry& entry) {
+  checkCustomerId(entry.customerId);
+  clearScreensOf(*OXSession::currentSession(), waitingController_);
+  Host::current().application().progressIndicator().dismiss();
+  OXSession::reset();
+  const std::shared_ptr<OXSession> session = OXSession::currentSession();
+  session->presentingController = entry.controller;
+  session->system = entry.system;
+  session->delegate = entry.delegate;
+  entry.fill(*session);
+  if (entry.preMSISDN) {
+    session->preMSISDN = getSuggestedMSISDN(entry.preMSISDN->value);
+  }
+  if (!waitingController_) {
+    showLoadingDialogFromController(entry.controller);
+  }
+  OMVello::sharedOMVello().initSessionWithLibKey(entry.apiKey, entry.system, shared_from_this());
+}
+
+void OXOrlix::checkout(const CheckoutRequest& request) {
+  begin({request.apiKey, request.system, request.controller, request.delegate, request.preMSISDN,
+         request.customerId, [&request](OXSession& session) {
+           session.code = request.code;
+           session.inAmount = amountText(request.amount);
+         }});
+}
+
+void OXOrlix::preRegister(const WalletRequestArguments& request) {
+  begin({request.apiKey, request.system, request.controller, request.delegate, request.preMSISDN,
+         request.customerId, [](OXSession& session) { session.preRegister = true; }});
+}
+
+void OXOrlix::walletManagement(const WalletRequestArguments& request) {
+  begin({request.apiKey, request.system, request.controller, request.delegate, request.preMSISDN,
+         request.customerId, [](OXSession& session) { session.walletManagement = true; }});
+}
+
+std::string OXOrlix::getSuggestedMSISDN(const std::string& number) {
+  if (number.empty()) {
+    return number;
+  }
+  const std::string digits = digitsOf(number);
+  if (digits.starts_with("00")) {
+    return "+" + withoutLeadingZeros(digits);
+  }
+  const bool national = digits.starts_with("0");
+  const bool withTrunkZero = digits.starts_with(kCountryCodeWithTrunkZero);
+  if (!national && !withTrunkZero) {
+    return "+" + digits;
+  }
+  std::string rest = withoutLeadingZeros(digits);
+  if (rest.starts_with(kCountryCodeWithTrunkZero)) {
+    rest.erase(kCountryCode.size(), 1);
+  }
+  return (national ? "+27" : "+") + rest;
+}
+
+std::string OXOrlix::getLibVelloApiVersion() { return KCVelloConnection::getApiVersion(); }
+
+void OXOrlix::reset() {
+  wipeWallet();
+  OXUtil::showAlertWithTitle("Deregister", "Succesfully deregistered.");
+}
+
+void OXOrlix::deregisterUser() { wipeWallet(); }
+
+void OXOrlix::saveCustomerId(const std::string& customerId) {
+  Host::current().ports().userDefaults->setString(kCustomerIdKey, customerId);
+}
+
+void OXOrlix::checkCustomerId(const std::optional<CustomerId>& customerId) {
+  if (!customerId) {
+    return;
+  }
+  const auto stored = Host::current().ports().userDefaults->stringForKey(kCustomerIdKey);
+  log(stored.value_or("(null)"));
+  if (stored != customerId->value) {
+    deregisterUser();
+    saveCustomerId(customerId->value);
+  }
+}
+
+void OXOrlix::showLoadingDialogFromController(const Controller& controller) {
+  waitingController_ = Host::current().application().storyboard().make("Waiting");
+  present(waitingController_, controller);
+}
+
+void OXOrlix::showScreen(const std::string& identifier, const Controller& fromController) {
+  present(Host::current().application().storyboard().make(identifier), fromController);
+}
+
+void OXOrlix::present(const Controller& screen, const Controller& fromController) {
+  if (!screen || !fromController) {
+    return;
+  }
+  transitioningDelegate_ = std::make_shared<OXTransitioningDelegate>();
+  screen->transitioningDelegate = transitioningDelegate_;
+  screen->modalPresentationStyle = ModalPresentationStyle::custom;
+  const auto session = OXSession::currentSession();
+  // What an earlier flow left there, or is about to take away, would be in the way.
+  cutPresented(fromController, [session, screen, fromController] {
+    if (session->isLive()) {
+      fromController->present(screen, true);
+    }
+  });
+}
+
+void OXOrlix::hideLoadingDialog(const Controller& controller) {
+  const Controller presenter = controller ? controller->presentingViewController() : nullptr;
+  if (presenter) {
+    presenter->dismiss(true);
+  }
+}
+
+void OXOrlix::velloNotActivated() {
+  if (!waitingController_) {
+    return;
+  }
+  const auto session = OXSession::currentSession();
+  const Task goOn = [self = shared_from_this(), session] {
+    if (session->isLive()) {
+      self->waitingController_.reset();
+      self->showScreen("Activation", session->presentingController);
+    }
+  };
+  if (const Controller presenter = waitingController_->presentingViewController()) {
+    presenter->dismiss(true, goOn);
+  } else {
+    // A waiting screen that is kept from an earlier flow and no longer stands on the screen.
+    goOn();
+  }
+}
+
+void OXOrlix::velloSessionEstablished() { loadCodeInfo(waitingController_); }
+
+}  // namespace orlix

@@ -1,0 +1,29 @@
+#pragma once
+
+#include <memory>
+
+#include "orlixkit/platform/ui/PresentationController.h"
+
+namespace orlix {
+
+/// Stands a screen as a card of fixed size in the middle of the host's screen, which is dimmed.
+class OXPresentationController : public PresentationController {
+ public:
+  OXPresentationController(const std::shared_ptr<ViewController>& presented,
+                           const std::shared_ptr<ViewController>& presenting);
+
+  void prepareDimmingView();
+  void presentationTransitionWillBegin() override;
+  void dismissalTransitionWillBegin() override;
+  /// The same for every container.
+  Size sizeForChildContentContainer(Size parentContainerSize) const;
+  Rect frameOfPresentedViewInContainerView() const override;
+  bool shouldAutorotate() const override { return false; }
+
+  const std::shared_ptr<View>& dimmingView() const { return dimmingView_; }
+
+ private:
+  std::shared_ptr<View> dimmingView_;
+};
+
+}  // namespace orlix

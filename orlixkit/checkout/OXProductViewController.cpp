@@ -1,0 +1,376 @@
+#include "orlixkit/checkout/OXProductViewController.h"
+
+#include <algorithm>
+
+#include <fmt/format.h>
+
+#include "orlixkit/checkout/AmountEntry.h"
+#include "orlixkit/checkout/OXUtil.h"
+#include "orlixkit/checkout/ReceiptPolling.h"
+#include "orlixkit/checkout/WalletRequest.h"
+#include "orlixkit/platform/Host.h"
+#include "orlixkit/protocol/LocationUtil.h"
+
+namespace orlix {
+
+namespace {
+
+constexpr Color kBackground{27.0 / 255, 30.0 / 255, 38.0 / 255, 1};
+constexpr Color kCardArea{116.0 / 255, 116.0 / 255, 116.0 / 255, 1};
+constexpr std::size_t kShortestPin = 4;
+
+ProgressIndicator& indicator() { return Host::current().application().progressIndicator(); }
+
+void warn(const std::string& message) { OXUtil::showAlertWithTitle("Warning", message); }
+
+}  // namespace
+
+OXProductViewController::OXProductViewController() {
+  giveDefaults();
+  action("proceedAction", [this] { proceedAction(); });
+  action("cancelAction", [this] { cancelAction(); });
+  action("cardAction", [this] { cardAction(); });
+  proceedButton_->onTouchUpInside = [this] { performAction("proceedAction"); };
+  cardView_->onTap = [this] { performAction("cardAction"); };
+}
+
+void OXProductViewController::giveDefaults() {
+  currencyLabel_->setText("ZAR");
+  cardViewDropdown_->setImageName("dropdown");
+  testWarningLabel_->setText("TEST SYSTEM: no money will be taken");
+  proceedButton_->setTitle("PROCEED");
+  inputAmountField_->setPlaceholder("Amount");
+  inputAmountField_->setKeyboard(Keyboard::numberPad);
+  cvvField_->setPlaceholder("CVV");
+  cvvField_->setKeyboard(Keyboard::numberPad);
+  cvvField_->setSecure(true);
+  cvvInfoLabel_->setText("The 3 or 4 digits printed on the card");
+  pinField_->setPlaceholder("ATM PIN");
+  pinField_->setKeyboard(Keyboard::numberPad);
+  pinField_->setSecure(true);
+}
+
+std::shared_ptr<OXProductViewController> OXProductViewController::self() {
+  return std::static_pointer_cast<OXProductViewController>(shared_from_this());
+}
+
+void OXProductViewController::viewDidLoad() {
+  view()->setBackgroundColor(kBackground);
+  cardView_->setBackgroundColor(kCardArea);
+  OXUtil::styleButtonsForView(view());
+  showSelectedCard();
+  merchantView_->setText(codeInfo ? codeInfo->merchantName.value_or("") : "");
+  showAmount();
+  testWarningLabel_->setHidden(system == 0);
+  LocationUtil::sharedLocationUtil().startLocationDetection();
+  setCurrencyLabel();
+}
+
+void OXProductViewController::viewDidAppear() { OXUtil::checkOrientationHeight(*this); }
+
+bool OXProductViewController::isInputableAmount() const {
+  return !codeInfo || codeInfo->amountString.value_or("").empty();
+}
+
+void OXProductViewController::showAmount() {
+  const bool inputable = isInputableAmount();
+  amountGroupView_->setSubviewsHidden(!inputable);
+  amountView_->setHidden(inputable);
+  if (!inputable) {
+    amountView_->setText(*codeInfo->amountString);
+    return;
+  }
+  inputAmountField_->setDelegate(this);
+  std::optional<std::string> amount = codeInfo ? codeInfo->amount : std::nullopt;
+  if (const auto current = session()) {
+    amount = current->tempAmountInput ? current->tempAmountInput
+             : current->inAmount      ? current->inAmount
+                                      : amount;
+  }
+  inputAmountField_->setText(amount && !amount->empty() ? *amount : "0.00");
+}
+
+void OXProductViewController::setCurrencyLabel() {
+  if (codeInfo && codeInfo->hasCurrency) {
+    currencyLabel_->setText(codeInfo->currency.value_or(""));
+  }
+}
+
+void OXProductViewController::showSelectedCard() {
+  selectedCard_ = OXUtil::getLastUsedCard();
+  if (!selectedCard_) {
+    showNoCard();
+    return;
+  }
+  const CardOption& card = *selectedCard_;
+  cardHintView_->setText("xxx-" + card.cardHint.value_or(""));
+  cardImageView_->setImageName(OXUtil::imageForCardType(card.cardType));
+  log(fmt::format("card.hasValidated: {:d}", card.hasValidated));
+  log(fmt::format("card.validated: {:d}", card.validated));
+  log("card.validationtype: " + card.validationtype.value_or("(null)"));
+  if (mustValidateSelectedCard()) {
+    showUnvalidatedCard(card);
+    return;
+  }
+  showPayButton();
+  paymentMethod_ = static_cast<std::int32_t>(card.method);
+  hidePinField(paymentMethod_ != kPinPayment);
+  showCvvFieldIfNeededForCard(card);
+}
+
+void OXProductViewController::showNoCard() {
+  cardImageView_->setImageName("other100");
+  cardHintView_->setText("Add Card");
+  hideCvvField(true);
+  hidePinField(true);
+}
+
+void OXProductViewController::showUnvalidatedCard(const CardOption& card) {
+  const std::string type = card.validationtype.value_or("(null)");
+  if (type == "DOB" || type == "SIMPLE") {
+    showUnlockButton();
+    hidePinField(true);
+    hideCvvField(true);
+  } else if (type == "3DS") {
+    showPayButton();
+    paymentMethod_ = kSecureCode;
+    hidePinField(true);
+    showCvvFieldIfNeededForCard(card);
+  } else {
+    log("Unsupported card validation type " + type);
+  }
+}
+
+bool OXProductViewController::mustValidateSelectedCard() const {
+  return selectedCard_ && selectedCard_->hasValidated && !selectedCard_->validated;
+}
+
+void OXProductViewController::showCvvFieldIfNeededForCard(const CardOption& card) {
+  hideCvvField(!card.needCvv);
+}
+
+void OXProductViewController::hidePinField(bool hidden) {
+  pinGroupView_->setSubviewsHidden(hidden);
+}
+
+void OXProductViewController::hideCvvField(bool hidden) {
+  cvvGroupView_->setSubviewsHidden(hidden);
+}
+
+void OXProductViewController::showUnlockButton() {
+  proceedButton_->setTitle("UNLOCK");
+  needToUnlockCard_ = true;
+}
+
+void OXProductViewController::showPayButton() {
+  proceedButton_->setTitle("PAY");
+  needToUnlockCard_ = false;
+}
+
+bool OXProductViewController::textFieldShouldChangeCharacters(TextField& field, TextRange,
+                                                              const std::string& replacement) {
+  if (&field != inputAmountField_.get() || field.keyboard() != Keyboard::numberPad) {
+    return true;
+  }
+  field.setText(AmountEntry::textAfter(field.text(), replacement));
+  return false;
+}
+
+void OXProductViewController::cardAction() {
+  const auto current = session();
+  if (!current || underWay_) {
+    return;
+  }
+  if (current->cards.empty()) {
+    current->showAddCardScreen();
+    return;
+  }
+  current->tempAmountInput = inputAmountField_->text();
+  current->showCardsScreen();
+}
+
+void OXProductViewController::cancelAction() {
+  if (const auto current = session()) {
+    current->returnUserDidCancel();
+  }
+}
+
+void OXProductViewController::proceedAction() {
+  const auto current = session();
+  if (!current || underWay_) {
+    return;
+  }
+  if (needToUnlockCard_) {
+    current->showCardValidationScreen();
+    return;
+  }
+  if (!amountIsAcceptable()) {
+    warn("Enter a valid amount");
+    return;
+  }
+  if (!cvvIsAcceptable()) {
+    warn("Enter a valid CVV");
+    return;
+  }
+  // Before the road is known: a card on which nothing can be done counts as chosen as well, and 0
+  // stands for no card.
+  OXUtil::setLastUsedCardId(selectedCard_ ? selectedCard_->cardId : 0);
+  switch (paymentMethod_) {
+    case kSecureCode:
+      payBySecureCode();
+      break;
+    case kPinPayment:
+      payWithPin();
+      break;
+    case kPaymentWithoutPin:
+      payWithoutPin();
+      break;
+    default:
+      break;
+  }
+}
+
+bool OXProductViewController::amountIsAcceptable() const {
+  const std::string amount = inputAmountField_->text();
+  return !isInputableAmount() || (!amount.empty() && amount != "0.00" && amount != "0");
+}
+
+bool OXProductViewController::cvvIsAcceptable() const {
+  const std::size_t length = cvvField_->textLength();
+  return !selectedCard_ || !selectedCard_->needCvv || length == 3 || length == 4;
+}
+
+std::optional<std::string> OXProductViewController::amountToPay() const {
+  if (!isInputableAmount()) {
+    return codeInfo->amount;
+  }
+  std::string amount = inputAmountField_->text();
+  std::replace(amount.begin(), amount.end(), ',', '.');
+  return amount;
+}
+
+void OXProductViewController::payBySecureCode() {
+  if (!mustValidateSelectedCard()) {
+    initSessionForSecureCodeScreen();
+    return;
+  }
+  const auto current = session();
+  current->cardId = OXUtil::getLastUsedCardid();
+  current->cvv = cvvField_->secretText();
+  current->mustValidateCard = true;
+  // The server authenticates the card on an amount of its own; this one is never charged.
+  current->amount = "1.0";
+  current->delegate3DSecure = self();
+  current->show3DAuthSecureCodeScreen();
+}
+
+void OXProductViewController::auth3DsValidated() { initSessionForSecureCodeScreen(); }
+
+void OXProductViewController::initSessionForSecureCodeScreen() {
+  const auto current = session();
+  if (!current) {
+    return;
+  }
+  current->cardId = OXUtil::getLastUsedCardid();
+  current->cvv = cvvField_->secretText();
+  current->mustValidateCard = mustValidateSelectedCard();
+  current->amount = amountToPay();
+  current->showSecureCodeScreen();
+}
+
+PurchaseRequest OXProductViewController::newPurchaseRequest() const {
+  PurchaseRequest request;
+  if (selectedCard_ && selectedCard_->needCvv) {
+    request.cvv = cvvField_->secretText();
+  }
+  request.code = codeInfo ? codeInfo->code : std::nullopt;
+  request.amount = amountToPay();
+  request.cardId = selectedCard_ ? selectedCard_->cardId : 0;
+  request.location = OXUtil::getLocation();
+  return request;
+}
+
+void OXProductViewController::payWithPin() {
+  if (pinField_->textLength() < kShortestPin) {
+    warn("Enter ATM PIN");
+    return;
+  }
+  purchaseRequest_ = newPurchaseRequest();
+  purchaseRequest_.extraRefValue = "";
+  makeAmtPayment();
+}
+
+void OXProductViewController::payWithoutPin() {
+  purchaseRequest_ = newPurchaseRequest();
+  makeCnpPayment();
+}
+
+void OXProductViewController::makeAmtPayment() {
+  pay([request = purchaseRequest_, pin = pinField_->secretText()](
+          KCVelloConnection& connection) { return connection.purchaseAMT(request, pin); },
+      &OXProductViewController::makeAmtPayment);
+}
+
+void OXProductViewController::makeCnpPayment() {
+  pay([request = purchaseRequest_](
+          KCVelloConnection& connection) { return connection.puchaseCNP(request); },
+      &OXProductViewController::makeCnpPayment);
+}
+
+void OXProductViewController::pay(Purchase purchase, Step again) {
+  underWay_ = true;
+  indicator().show("Making Payment...");
+  requestInBackground<MTPinResponse>(
+      RequestQueue::newOperationQueue, std::move(purchase),
+      [screen = self()](MTPinResponse response) {
+        screen->pinResponse_ = std::move(response);
+        if (screen->pinResponse_.status == PinResponseStatus::success) {
+          screen->pollForReceipt();
+          return;
+        }
+        indicator().dismiss();
+        screen->session()->returnError(2);
+      },
+      [screen = self(), again] { screen->offerRetry(again); });
+}
+
+void OXProductViewController::pollForReceipt() {
+  if (!indicator().visible()) {
+    indicator().show("Making Payment...");
+  }
+  const Task retry = [screen = self()] {
+    screen->offerRetry(&OXProductViewController::pollForReceipt);
+  };
+  ReceiptPollingEnds ends;
+  ends.answered = [screen = self()](const MTReceipt& receipt) { screen->receiptArrived(receipt); };
+  ends.timedOut = retry;
+  ends.failed = retry;
+  orlix::pollForReceipt(pinResponse_.transactionId, std::move(ends));
+}
+
+void OXProductViewController::receiptArrived(const MTReceipt& receipt) {
+  indicator().dismiss();
+  const std::string reference = std::to_string(pinResponse_.transactionId);
+  if (receipt.status == "SUCCESS") {
+    session()->returnPaymentSucceededWithTransactionReference(reference);
+  } else {
+    session()->returnPaymentFailedWithTransactionReference(reference);
+  }
+}
+
+void OXProductViewController::offerRetry(Step step) {
+  indicator().dismiss();
+  OXUtil::showNetworkErrorRetryObject([screen = self(), step] { ((*screen).*step)(); },
+                                      [screen = self()] { screen->underWay_ = false; });
+}
+
+void OXProductViewController::prepareForSegue(const std::string& name,
+                                              const std::shared_ptr<ViewController>& destination) {
+  if (name == "AddCard") {
+    transitioningDelegate_ = std::make_shared<OXTransitioningDelegate>();
+    destination->transitioningDelegate = transitioningDelegate_;
+    destination->modalPresentationStyle = ModalPresentationStyle::custom;
+  }
+}
+
+}  // namespace orlix

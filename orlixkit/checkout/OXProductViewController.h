@@ -1,0 +1,114 @@
+#pragma once
+
+#include <cstdint>
+#include <functional>
+#include <memory>
+#include <optional>
+#include <string>
+
+#include "orlixkit/checkout/OXDelegates.h"
+#include "orlixkit/checkout/OXTransitioningDelegate.h"
+#include "orlixkit/checkout/PurchaseInputs.h"
+#include "orlixkit/checkout/SessionScreen.h"
+#include "orlixkit/platform/ui/TextField.h"
+#include "orlixkit/protocol/KCVelloConnection.h"
+#include "orlixkit/records/MTPinResponse.h"
+#include "orlixkit/records/MTReceipt.h"
+#include "orlixkit/records/PurchaseRequest.h"
+
+namespace orlix {
+
+/// The screen that the user pays on: merchant, amount, the card that will be used, CVV and PIN as
+/// the card needs them. Pays with and without PIN itself and ends the flow with the outcome; sends
+/// the user on for cards that have to be unlocked or go through 3-D Secure.
+///
+/// A payment is under way from the moment it is sent until the flow ends or the user cancels the
+/// network alert. Meanwhile proceed and card do nothing, so that no second payment is sent; cancel
+/// ends the flow, and the answer is dropped.
+///
+/// Stands being shown without code information.
+class OXProductViewController : public SessionScreen,
+                                public PurchaseInputs,
+                                public TextFieldDelegate,
+                                public OX3DSecureOrlixDelegate {
+ public:
+  OXProductViewController();
+
+  void viewDidLoad() override;
+  void viewDidAppear() override;
+  bool shouldAutorotate() const override { return false; }
+  void prepareForSegue(const std::string& name,
+                       const std::shared_ptr<ViewController>& destination) override;
+
+  void proceedAction();
+  void cancelAction();
+  void cardAction();
+  void auth3DsValidated() override;
+  bool textFieldShouldChangeCharacters(TextField& field, TextRange range,
+                                       const std::string& replacement) override;
+
+ private:
+  /// What is done with the selected card, by its payment method.
+  enum Road : std::int32_t { kPinPayment = 1, kSecureCode = 2, kPaymentWithoutPin = 4 };
+  using Purchase = std::function<MTPinResponse(KCVelloConnection&)>;
+  using Step = void (OXProductViewController::*)();
+
+  void giveDefaults();
+  void showAmount();
+  void setCurrencyLabel();
+  void showSelectedCard();
+  void showNoCard();
+  void showUnvalidatedCard(const CardOption& card);
+  void showCvvFieldIfNeededForCard(const CardOption& card);
+  void hidePinField(bool hidden);
+  void hideCvvField(bool hidden);
+  void showUnlockButton();
+  void showPayButton();
+  bool isInputableAmount() const;
+  bool mustValidateSelectedCard() const;
+
+  bool amountIsAcceptable() const;
+  bool cvvIsAcceptable() const;
+  void payBySecureCode();
+  void payWithPin();
+  void payWithoutPin();
+  PurchaseRequest newPurchaseRequest() const;
+  std::optional<std::string> amountToPay() const;
+  void initSessionForSecureCodeScreen();
+
+  void makeAmtPayment();
+  void makeCnpPayment();
+  void pay(Purchase purchase, Step again);
+  void pollForReceipt();
+  void receiptArrived(const MTReceipt& receipt);
+  void offerRetry(Step step);
+  std::shared_ptr<OXProductViewController> self();
+
+  std::shared_ptr<View> cardView_ = outlet<View>("cardView");
+  std::shared_ptr<ImageView> cardImageView_ = outlet<ImageView>("cardImageView", cardView_);
+  std::shared_ptr<Label> cardHintView_ = outlet<Label>("cardHintView", cardView_);
+  std::shared_ptr<ImageView> cardViewDropdown_ = outlet<ImageView>("cardViewDropdown", cardView_);
+  std::shared_ptr<Label> merchantView_ = outlet<Label>("merchantView");
+  std::shared_ptr<Label> currencyLabel_ = outlet<Label>("currencyLabel");
+  std::shared_ptr<Label> amountView_ = outlet<Label>("amountView");
+  std::shared_ptr<View> amountGroupView_ = outlet<View>("amountGroupView");
+  std::shared_ptr<TextField> inputAmountField_ =
+      outlet<TextField>("inputAmountField", amountGroupView_);
+  std::shared_ptr<View> cvvGroupView_ = outlet<View>("cvvGroupView");
+  std::shared_ptr<TextField> cvvField_ = outlet<TextField>("cvvField", cvvGroupView_);
+  std::shared_ptr<Label> cvvInfoLabel_ = outlet<Label>("cvvInfoLabel", cvvGroupView_);
+  std::shared_ptr<View> pinGroupView_ = outlet<View>("pinGroupView");
+  std::shared_ptr<TextField> pinField_ = outlet<TextField>("pinField", pinGroupView_);
+  std::shared_ptr<Label> testWarningLabel_ = outlet<Label>("testWarningLabel");
+  std::shared_ptr<Button> proceedButton_ = outlet<Button>("proceedButton");
+
+  bool needToUnlockCard_ = false;
+  std::int32_t paymentMethod_ = 0;
+  std::shared_ptr<OXTransitioningDelegate> transitioningDelegate_;
+  std::optional<CardOption> selectedCard_;
+  PurchaseRequest purchaseRequest_;
+  MTPinResponse pinResponse_;
+  bool underWay_ = false;
+};
+
+}  // namespace orlix

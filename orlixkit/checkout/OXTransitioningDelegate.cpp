@@ -1,0 +1,13 @@
+#include "orlixkit/checkout/OXTransitioningDelegate.h"
+
+#include "orlixkit/checkout/OXPresentationController.h"
+
+namespace orlix {
+
+std::shared_ptr<PresentationController> OXTransitioningDelegate::presentationControllerFor(
+    const std::shared_ptr<ViewController>& presented,
+    const std::shared_ptr<ViewController>& presenting, const std::shared_ptr<ViewController>&) {
+  return std::make_shared<OXPresentationController>(presented, presenting);
+}
+
+}  // namespace orlix

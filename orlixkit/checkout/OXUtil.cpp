@@ -1,0 +1,199 @@
+#include "orlixkit/checkout/OXUtil.h"
+
+#include <algorithm>
+#include <map>
+#include <stdexcept>
+
+#include "orlixkit/checkout/AlertWindow.h"
+#include "orlixkit/checkout/OXSession.h"
+#include "orlixkit/checkout/OXTransitioningDelegate.h"
+#include "orlixkit/platform/Host.h"
+#include "orlixkit/platform/ui/Containers.h"
+#include "orlixkit/protocol/LocationUtil.h"
+#include "orlixkit/protocol/OMVello.h"
+
+namespace orlix {
+
+namespace {
+
+constexpr int kTagOfUnstyledButtons = 9999;
+constexpr double kHeightOfSmallScreen = 320;
+constexpr double kHeightOfLogo = 46;
+
+ProgressIndicator& indicator() { return Host::current().application().progressIndicator(); }
+
+std::string lastUsedCardKey() { return OXUtil::storageKeyForItem("lastUsedCard"); }
+
+/// Wraps a handler so that it is dropped once the session is over. Weak: an alert on the session's
+/// own screen must not keep the session alive.
+Task whileLive(const std::shared_ptr<OXSession>& session, Task handler) {
+  return [weak = std::weak_ptr<OXSession>(session), handler = std::move(handler)] {
+    const std::shared_ptr<OXSession> held = weak.lock();
+    if (held && held->isLive()) {
+      handler();
+    } else {
+      log("OrlixKit: The checkout is over; ignoring an answer to a network alert.");
+    }
+  };
+}
+
+std::shared_ptr<AlertController> connectionProblemAlert(const std::shared_ptr<OXSession>& session,
+                                                        Task retry, Task cancel) {
+  auto alert = std::make_shared<AlertController>(
+      "Connection problem", "Please check your network connection and try again.");
+  const Task afterCancel = [cancel = std::move(cancel)] {
+    indicator().dismiss();
+    if (cancel) {
+      cancel();
+    }
+  };
+  alert->addAction({"Cancel", AlertActionStyle::cancel, whileLive(session, afterCancel)});
+  alert->addAction({"Retry", AlertActionStyle::standard, whileLive(session, std::move(retry))});
+  OXUtil::styleAlertController(*alert);
+  return alert;
+}
+
+}  // namespace
+
+std::string OXUtil::storageKeyForItem(const std::string& item) {
+  return (OMVello::sharedOMVello().system() != 0 ? "test." : "live.") + item;
+}
+
+std::string OXUtil::velloUrl() {
+  const Deployment& deployment = Host::current().deployment();
+  return OMVello::sharedOMVello().system() != 0 ? deployment.testBase : deployment.liveBase;
+}
+
+std::string OXUtil::deviceModel() { return Host::current().ports().device->model(); }
+
+void OXUtil::showAlertWithTitle(const std::string& title, const std::string& message) {
+  const auto alert = std::make_shared<AlertController>(title, message);
+  alert->addAction({"Ok", AlertActionStyle::cancel, {}});
+  styleAlertController(*alert);
+  AlertWindow::show(alert);
+}
+
+void OXUtil::showNetworkErrorRetryObject(Task retry, Task cancel) {
+  const auto session = OXSession::currentSession();
+  const Task show = [session, retry = std::move(retry), cancel = std::move(cancel)] {
+    if (session->isLive()) {
+      AlertWindow::show(connectionProblemAlert(session, retry, cancel));
+    }
+  };
+  Host::current().ports().mainQueue->async([session, show] {
+    if (session->isLive()) {
+      indicator().dismiss(show);
+    }
+  });
+}
+
+void OXUtil::showController(const std::shared_ptr<ViewController>& controller,
+                            const std::shared_ptr<ViewController>& from) {
+  // Needed only while the presentation begins, and nobody else holds it.
+  const auto transitioningDelegate = std::make_shared<OXTransitioningDelegate>();
+  controller->transitioningDelegate = transitioningDelegate;
+  controller->modalPresentationStyle = ModalPresentationStyle::custom;
+  from->present(controller, true);
+}
+
+void OXUtil::setLastUsedCardId(std::int64_t cardId) {
+  try {
+    Host::current().ports().userDefaults->setInteger(lastUsedCardKey(), cardId);
+  } catch (const std::exception& failure) {
+    log(std::string("OrlixKit: The last used card could not be stored: ") + failure.what());
+  }
+}
+
+std::int64_t OXUtil::getLastUsedCardid() {
+  return Host::current().ports().userDefaults->integerForKey(lastUsedCardKey());
+}
+
+std::optional<CardOption> OXUtil::getLastUsedCard() {
+  const std::int64_t stored = getLastUsedCardid();
+  const std::vector<CardOption>& cards = OXSession::currentSession()->cards;
+  const auto found = std::find_if(cards.begin(), cards.end(), [stored](const CardOption& card) {
+    return card.cardId == stored;
+  });
+  if (found != cards.end()) {
+    return *found;
+  }
+  if (cards.empty()) {
+    return std::nullopt;
+  }
+  // 0 and not the card's own id: the first card is shown for want of a choice, not chosen.
+  setLastUsedCardId(0);
+  return cards.front();
+}
+
+std::string OXUtil::imageForCardType(const std::optional<std::string>& cardType) {
+  static const std::map<std::string, std::string> kImages{
+      {"orbis", "orbis100"}, {"visa", "visa100"}, {"amex", "america_express100"}};
+  const auto found = kImages.find(cardType.value_or(""));
+  return found == kImages.end() ? "other100" : found->second;
+}
+
+Location OXUtil::getLocation() {
+  Location location;
+  if (const auto& fix = LocationUtil::sharedLocationUtil().location()) {
+    location.gpsLatitude = fix->latitude;
+    location.gpsLongditude = fix->longitude;
+  } else {
+    log("WARNING: clLocation not available");
+  }
+  return location;
+}
+
+void OXUtil::checkOrientationHeight(ViewController& controller, bool isSecureScreen) {
+  const Application& application = Host::current().application();
+  if (isSecureScreen || application.statusBarOrientation == Orientation::portrait ||
+      application.mainScreenSize().height > kHeightOfSmallScreen) {
+    return;
+  }
+  const Rect frame = controller.view()->frame();
+  controller.view()->setFrame({frame.x, frame.y + 25, 300, 350});
+}
+
+void OXUtil::styleButtonsForView(const std::shared_ptr<View>& view) {
+  for (const auto& subview : view->subviews()) {
+    const auto button = std::dynamic_pointer_cast<Button>(subview);
+    if (button && button->tag() != kTagOfUnstyledButtons) {
+      styleButton(*button);
+    }
+    styleButtonsForView(subview);
+  }
+}
+
+void OXUtil::styleButton(Button& button) {
+  button.setBackgroundColor(kClear);
+  button.titleLabel()->setTextColor(kWhite);
+  button.setCornerRadius(5);
+  button.setBorder(1, kWhite);
+}
+
+void OXUtil::styleAlertController(AlertController& alert) {
+  alert.view()->setBackgroundColor(primaryColor());
+  alert.view()->setCornerRadius(5);
+  alert.view()->setBorder(1, primaryDarkColor());
+  alert.view()->setTintColor(kWhite);
+  alert.titleFont = {boldFont(), 17};
+  alert.messageFont = {regularFont(), 15};
+  alert.textColor = primaryDarkColor();
+}
+
+void OXUtil::addOrlixLogoToNavigationItem(ViewController& controller) {
+  const std::shared_ptr<NavigationController> container = controller.navigationController();
+  const std::shared_ptr<View>& bar = container ? container->view() : controller.view();
+  const auto logo = std::make_shared<ImageView>();
+  logo->setImageName("header");
+  logo->setFrame({0, 0, bar->frame().width, kHeightOfLogo});
+  bar->addSubview(logo);
+}
+
+Color OXUtil::primaryColor() { return {0.106, 0.118, 0.149, 1}; }
+Color OXUtil::primaryDarkColor() { return {0.439, 0.443, 0.455, 1}; }
+Color OXUtil::accentColor() { return {0.18, 0.6, 0.95, 1}; }
+std::string OXUtil::regularFont() { return "Inter-Regular"; }
+std::string OXUtil::boldFont() { return "Inter-Bold"; }
+std::string OXUtil::lightFont() { return "Inter-Light"; }
+
+}  // namespace orlix

@@ -1,0 +1,23 @@
+#pragma once
+
+#include <optional>
+#include <string>
+
+#include "orlixkit/protocol/OMVello.h"
+
+namespace orlix {
+
+/// The session driver's way up to the utilities and the current checkout.
+class OXVelloEnvironment : public OMVelloEnvironment {
+ public:
+  std::string velloUrl() override;
+  std::string storageKeyForItem(const std::string& item) override;
+  std::string deviceModel() override;
+  void showAlertWithTitle(const std::string& title,
+                          const std::optional<std::string>& message) override;
+  void showNetworkErrorRetry(Task retry, Task cancel) override;
+  void showTemsAndConditionChangeScreen() override;
+  void returnUserDidCancel() override;
+};
+
+}  // namespace orlix

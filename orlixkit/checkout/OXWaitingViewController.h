@@ -1,0 +1,21 @@
+#pragma once
+
+#include <memory>
+
+#include "orlixkit/platform/ui/ViewController.h"
+
+namespace orlix {
+
+/// What the user sees while the session is opened.
+class OXWaitingViewController : public ViewController {
+ public:
+  void viewDidLoad() override;
+  void viewDidAppear() override;
+  bool shouldAutorotate() const override { return false; }
+
+ private:
+  std::shared_ptr<ActivityIndicator> activityIndicator_ =
+      outlet<ActivityIndicator>("activityIndicator");
+};
+
+}  // namespace orlix

@@ -1,0 +1,97 @@
+#include "orlixkit/checkout/ReceiptPolling.h"
+
+#include <algorithm>
+#include <chrono>
+#include <exception>
+#include <optional>
+#include <utility>
+
+#include "orlixkit/checkout/WalletRequest.h"
+#include "orlixkit/platform/Host.h"
+
+namespace orlix {
+
+namespace {
+
+using namespace std::chrono_literals;
+
+constexpr Duration kRound = 60s;
+constexpr Duration kLongestPause = 2s;
+
+enum class RoundEnd { answered, timedOut, failed, abandoned };
+
+/// One round of polling. Lives in the background until it is over, then hands the ends, which hold
+/// the screen, back to the main queue.
+struct PollingRound {
+  std::int64_t transactionId = 0;
+  ReceiptPollingEnds ends;
+  std::shared_ptr<OXSession> session = OXSession::currentSession();
+  std::shared_ptr<KCVelloConnection> connection = OMVello::sharedOMVello().connection();
+  std::optional<MTReceipt> receipt;
+
+  bool answered() const { return receipt && receipt->hasStatus; }
+
+  RoundEnd poll() {
+    if (!connection) {
+      return RoundEnd::failed;
+    }
+    Clock& clock = *Host::current().ports().clock;
+    const SteadyTime deadline = clock.steadyNow() + kRound;
+    while (clock.steadyNow() < deadline) {
+      if (!session->isLive()) {
+        return RoundEnd::abandoned;
+      }
+      log("Polling for receipt...");
+      receipt = connection->pollForReceipt(transactionId);
+      if (answered()) {
+        return RoundEnd::answered;
+      }
+      const Duration left = deadline - clock.steadyNow();
+      if (left > Duration::zero() && !clock.sleep(std::min(kLongestPause, left))) {
+        return RoundEnd::abandoned;
+      }
+    }
+    log("Receipt polling timed out after 60 seconds.");
+    return RoundEnd::timedOut;
+  }
+
+  RoundEnd pollSafely() {
+    try {
+      return poll();
+    } catch (const std::exception&) {
+      return RoundEnd::failed;
+    }
+  }
+
+  void run() {
+    const RoundEnd end = pollSafely();
+    connection.reset();
+    runOnMainWhileLive(std::move(session),
+                       [end, handlers = std::move(ends), last = std::move(receipt)] {
+                         switch (end) {
+                           case RoundEnd::answered:
+                             handlers.answered(*last);
+                             break;
+                           case RoundEnd::timedOut:
+                             handlers.timedOut();
+                             break;
+                           case RoundEnd::failed:
+                             handlers.failed();
+                             break;
+                           case RoundEnd::abandoned:
+                             break;
+                         }
+                       });
+  }
+};
+
+}  // namespace
+
+void pollForReceipt(std::int64_t transactionId, ReceiptPollingEnds ends) {
+  const auto round = std::make_shared<PollingRound>();
+  round->transactionId = transactionId;
+  round->ends = std::move(ends);
+  runOn(RequestQueue::newOperationQueue, [round] { round->run(); });
+}
+
+}  // namespace orlix

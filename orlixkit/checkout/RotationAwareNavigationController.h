@@ -1,0 +1,13 @@
+#pragma once
+
+#include "orlixkit/platform/ui/Containers.h"
+
+namespace orlix {
+
+/// A navigation container that stays upright.
+class RotationAwareNavigationController : public NavigationController {
+ public:
+  bool shouldAutorotate() const override { return false; }
+};
+
+}  // namespace orlix
