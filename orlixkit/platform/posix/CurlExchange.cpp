@@ -1,0 +1,450 @@
+#include "orlixkit/platform/posix/CurlExchange.h"
+
+#include <algorithm>
+#include <stdexcept>
+#include <string_view>
+#include <utility>
+
+#include <fmt/format.h>
+#include <openssl/ssl.h>
+
+#include "orlixkit/platform/posix/CurlLoop.h"
+#include "orlixkit/platform/posix/SystemTrust.h"
+
+namespace orlix {
+
+namespace {
+
+constexpr int maximumRedirects = 20;
+
+using UrlPointer = std::unique_ptr<CURLU, decltype(&curl_url_cleanup)>;
+
+std::string partOf(CURLU* url, CURLUPart part, unsigned flags = 0) {
+  char* text = nullptr;
+  std::string found;
+  if (curl_url_get(url, part, &text, flags) == CURLUE_OK && text != nullptr) {
+    found = text;
+  }
+  curl_free(text);
+  return found;
+}
+
+bool holdsControlCharacter(std::string_view text) {
+  return std::any_of(text.begin(), text.end(), [](char unit) {
+    const auto code = static_cast<unsigned char>(unit);
+    return (code < 0x20 && unit != '\t') || code == 0x7F;
+  });
+}
+
+bool isToken(std::string_view name) {
+  return !name.empty() && std::all_of(name.begin(), name.end(), [](char unit) {
+    return (unit >= '0' && unit <= '9') || (unit >= 'a' && unit <= 'z') ||
+           (unit >= 'A' && unit <= 'Z') ||
+           std::string_view("!#$%&'*+-.^_`|~").find(unit) != std::string_view::npos;
+  });
+}
+
+bool isSameName(std::string_view one, std::string_view other) {
+  return std::equal(one.begin(), one.end(), other.begin(), other.end(), [](char a, char b) {
+    return (a >= 'A' && a <= 'Z' ? a + 32 : a) == (b >= 'A' && b <= 'Z' ? b + 32 : b);
+  });
+}
+
+/// The question as the delegate sees it. Lives while the delegate's callback runs.
+class TrustChallenge : public AuthenticationChallenge {
+ public:
+  explicit TrustChallenge(SystemTrust& trust) : trust_(trust) {}
+  ServerTrust* serverTrust() override { return &trust_; }
+  void useCredentialForTrust() override { accepted_ = true; }
+  void cancel() override { accepted_ = false; }
+  bool isAccepted() const { return accepted_; }
+
+ private:
+  SystemTrust& trust_;
+  bool accepted_ = false;  // no answer is a refusal
+};
+
+}  // namespace
+
+CurlExchange::CurlExchange(UrlRequest request, std::shared_ptr<UrlConnectionDelegate> delegate,
+                           std::shared_ptr<CurlLoop> loop)
+    : loop_(std::move(loop)), delegate_(std::move(delegate)), request_(std::move(request)) {}
+
+CurlExchange::~CurlExchange() = default;
+
+void CurlExchange::setDelegateQueue(std::shared_ptr<OperationQueue> queue) {
+  const std::lock_guard lock(lock_);
+  queue_ = std::move(queue);
+}
+
+void CurlExchange::start() {
+  {
+    const std::lock_guard lock(lock_);
+    if (started_ || !delegate_) {
+      return;
+    }
+    if (!queue_) {
+      throw std::logic_error("UrlConnection::start: set the delegate queue first");
+    }
+    started_ = true;
+  }
+  loop_->admit(shared_from_this());
+}
+
+void CurlExchange::cancel() {
+  abandon();
+  loop_->wake();
+}
+
+void CurlExchange::abandon() {
+  std::shared_ptr<UrlConnectionDelegate> released;
+  std::shared_ptr<OperationQueue> releasedQueue;
+  const std::lock_guard lock(lock_);
+  released.swap(delegate_);
+  releasedQueue.swap(queue_);
+}
+
+bool CurlExchange::isOver() const {
+  const std::lock_guard lock(lock_);
+  return !delegate_ || ending_;
+}
+
+void CurlExchange::tell(Callback callback) {
+  std::shared_ptr<OperationQueue> queue;
+  {
+    const std::lock_guard lock(lock_);
+    if (!delegate_ || ending_) {
+      return;
+    }
+    queue = queue_;
+  }
+  queue->add([self = shared_from_this(), callback = std::move(callback)] {
+    std::shared_ptr<UrlConnectionDelegate> delegate;
+    {
+      const std::lock_guard lock(self->lock_);
+      delegate = self->delegate_;
+    }
+    if (delegate) {
+      callback(*delegate);
+    }
+  });
+}
+
+void CurlExchange::tellEnd(Callback callback) {
+  tell(
+      [self = shared_from_this(), callback = std::move(callback)](UrlConnectionDelegate& delegate) {
+        callback(delegate);
+        self->abandon();
+      });
+  const std::lock_guard lock(lock_);
+  ending_ = true;
+}
+
+void CurlExchange::fail(const std::string& description) {
+  tellEnd(
+      [description](UrlConnectionDelegate& delegate) { delegate.didFailWithError(description); });
+}
+
+void CurlExchange::failSilent() {
+  fail(fmt::format("the server sent nothing for {} seconds", request_.timeout.count()));
+}
+
+void CurlExchange::release() {
+  easy_.reset();
+  headers_.reset();
+  request_.body.reset();
+}
+
+template <class Value>
+void CurlExchange::set(CURLoption option, Value value) {
+  const CURLcode result = curl_easy_setopt(easy_.get(), option, value);
+  if (result != CURLE_OK) {
+    throw std::runtime_error(curl_easy_strerror(result));
+  }
+}
+
+bool CurlExchange::prepare() {
+  if (isOver()) {
+    return false;
+  }
+  easy_.reset(curl_easy_init());
+  if (!easy_) {
+    fail("libcurl: no handle");
+    return false;
+  }
+  try {
+    setConstantOptions();
+  } catch (const std::exception& error) {
+    fail(std::string("libcurl: ") + error.what());
+    return false;
+  }
+  return prepareHop(request_.url);
+}
+
+void CurlExchange::setConstantOptions() {
+  set(CURLOPT_NOSIGNAL, 1L);
+  // A cancel while the name is being looked up does not wait for the resolver.
+  set(CURLOPT_QUICK_EXIT, 1L);
+  set(CURLOPT_ERRORBUFFER, &errorText_[0]);
+  set(CURLOPT_PROTOCOLS_STR, "https");
+  // The order and the spelling of header fields are those of HTTP/1.1.
+  set(CURLOPT_HTTP_VERSION, static_cast<long>(CURL_HTTP_VERSION_1_1));
+  // A user name in a redirect's address would be sent as a header field of its own.
+  set(CURLOPT_DISALLOW_USERNAME_IN_URL, 1L);
+  set(CURLOPT_FOLLOWLOCATION, 0L);
+  // Straight to the server: what stands in the environment does not redirect a payment.
+  set(CURLOPT_PROXY, "");
+
+  // Kept for as long as the server keeps it: a payer may take minutes over one screen. The probes
+  // find out when the network has lost it meanwhile.
+  set(CURLOPT_MAXAGE_CONN, 3600L);
+  set(CURLOPT_TCP_KEEPALIVE, 1L);
+  set(CURLOPT_TCP_KEEPIDLE, 30L);
+  set(CURLOPT_TCP_KEEPINTVL, 10L);
+
+  set(CURLOPT_SSLVERSION, static_cast<long>(CURL_SSLVERSION_TLSv1_2));
+  set(CURLOPT_SSL_SESSIONID_CACHE, 0L);
+  set(CURLOPT_SSL_VERIFYPEER, 1L);
+  set(CURLOPT_SSL_VERIFYHOST, 2L);
+  // The delegate judges; libcurl reads no bundle of its own.
+  set(CURLOPT_CAINFO, static_cast<const char*>(nullptr));
+  set(CURLOPT_CAPATH, static_cast<const char*>(nullptr));
+  set(CURLOPT_SSL_CTX_FUNCTION, &onTlsContext);
+  set(CURLOPT_SSL_CTX_DATA, this);
+
+  set(CURLOPT_PREREQFUNCTION, &onRequest);
+  set(CURLOPT_PREREQDATA, this);
+  set(CURLOPT_HEADERFUNCTION, &onHeader);
+  set(CURLOPT_HEADERDATA, this);
+  set(CURLOPT_WRITEFUNCTION, &onData);
+  set(CURLOPT_WRITEDATA, this);
+}
+
+bool CurlExchange::prepareHop(const std::string& address) {
+  const UrlPointer url(curl_url(), curl_url_cleanup);
+  if (!url || curl_url_set(url.get(), CURLUPART_URL, address.c_str(), 0) != CURLUE_OK) {
+    fail("not an address: " + address);
+    return false;
+  }
+  if (partOf(url.get(), CURLUPART_SCHEME) != "https") {
+    fail("only https is spoken, not " + address);
+    return false;
+  }
+  if (request_.method != "GET" && request_.method != "POST") {
+    fail("only GET and POST are sent, not " + request_.method);
+    return false;
+  }
+  for (const auto& [name, value] : request_.headers) {
+    if (!isToken(name) || holdsControlCharacter(value)) {
+      fail(fmt::format("the header field {} would break the request's lines",
+                       isToken(name) ? name : "with a forbidden name"));
+      return false;
+    }
+  }
+  host_ = partOf(url.get(), CURLUPART_HOST);
+  const std::string origin = host_ + ":" + partOf(url.get(), CURLUPART_PORT, CURLU_DEFAULT_PORT);
+  if (host_.size() > 2 && host_.front() == '[') {
+    host_ = host_.substr(1, host_.size() - 2);
+  }
+  if (origin_.empty()) {
+    origin_ = origin;
+  }
+  // Once another host has had a say in where the request goes, the fields stay out.
+  ownHost_ = ownHost_ && isSameName(origin, origin_);
+  headers_ = headerList();
+
+  requestSent_ = false;
+  headerEnded_ = false;
+  errorText_[0] = '\0';
+  lastByte_ = std::chrono::steady_clock::now();
+  setTrust(Trust::unasked);
+  try {
+    set(CURLOPT_URL, address.c_str());
+    set(CURLOPT_HTTPHEADER, headers_.get());
+    if (request_.method == "POST") {
+      set(CURLOPT_POST, 1L);
+      set(CURLOPT_POSTFIELDSIZE_LARGE,
+          static_cast<curl_off_t>(request_.body ? request_.body->size() : 0));
+      // Without a copy: the request outlives the transfer.
+      set(CURLOPT_POSTFIELDS, request_.body && !request_.body->empty()
+                                  ? reinterpret_cast<const char*>(request_.body->data())
+                                  : "");
+    } else {
+      set(CURLOPT_HTTPGET, 1L);
+    }
+  } catch (const std::exception& error) {
+    fail(std::string("libcurl: ") + error.what());
+    return false;
+  }
+  return true;
+}
+
+CurlExchange::HeaderList CurlExchange::headerList() const {
+  HeaderList list;
+  const auto add = [&list](const std::string& line) {
+    curl_slist* longer = curl_slist_append(list.get(), line.c_str());
+    if (longer != nullptr) {
+      list.release();  // NOLINT(bugprone-unused-return-value): `longer` begins with it
+      list.reset(longer);
+    }
+  };
+  bool hasContentType = false;
+  for (const auto& [name, value] : request_.headers) {
+    const bool isContentType = isSameName(name, "Content-Type");
+    if (ownHost_ || isContentType) {
+      const bool blank = value.find_first_not_of(" \t") == std::string::npos;
+      add(blank ? name + ";" : name + ": " + value);
+      hasContentType = hasContentType || isContentType;
+    }
+  }
+  // The phone's own client would add Accept, Accept-Language, Accept-Encoding and User-Agent. None
+  // of them is part of the protocol, no server depends on them, and each would tell something about
+  // the device; so only what HTTP needs goes out beside the given fields.
+  add("Accept:");
+  add("Expect:");
+  if (!hasContentType) {
+    add("Content-Type:");
+  }
+  return list;
+}
+
+int CurlExchange::onRequest(void* self, char*, char*, int, int) {
+  // libcurl would send the request again by itself when a kept connection closes without an answer.
+  // The server may have acted on the first one: a payment must not be made twice.
+  auto& exchange = *static_cast<CurlExchange*>(self);
+  return std::exchange(exchange.requestSent_, true) ? CURL_PREREQFUNC_ABORT : CURL_PREREQFUNC_OK;
+}
+
+std::size_t CurlExchange::onHeader(char* line, std::size_t unit, std::size_t count, void* self) {
+  auto& exchange = *static_cast<CurlExchange*>(self);
+  exchange.lastByte_ = std::chrono::steady_clock::now();
+  const std::string_view text(line, unit * count);
+  const bool blank = text == "\r\n" || text == "\n";
+  long status = 0;
+  curl_easy_getinfo(exchange.easy(), CURLINFO_RESPONSE_CODE, &status);
+  // Told at the end of each header, so that a redirect counts before its target has answered.
+  // Informational answers (1xx) are no response; after the body there may come a trailer.
+  if (blank && status >= 200 && !exchange.headerEnded_) {
+    exchange.headerEnded_ = true;
+    exchange.tell(
+        [status](UrlConnectionDelegate& delegate) { delegate.didReceiveResponse(status); });
+  }
+  return unit * count;
+}
+
+std::size_t CurlExchange::onData(char* bytes, std::size_t unit, std::size_t count, void* self) {
+  auto& exchange = *static_cast<CurlExchange*>(self);
+  exchange.lastByte_ = std::chrono::steady_clock::now();
+  const std::size_t size = unit * count;
+  if (!exchange.followsRedirect()) {
+    const auto* begin = reinterpret_cast<const std::uint8_t*>(bytes);
+    // An answer may hold keys: the piece is wiped once the delegate has had it.
+    const auto piece = std::make_shared<SecretBytes>(std::span(begin, size));
+    exchange.tell(
+        [piece](UrlConnectionDelegate& delegate) { delegate.didReceiveData(piece->reveal()); });
+  }
+  return size;
+}
+
+bool CurlExchange::followsRedirect() const {
+  long status = 0;
+  const curl_header* location = nullptr;
+  curl_easy_getinfo(easy_.get(), CURLINFO_RESPONSE_CODE, &status);
+  const bool redirects =
+      status == 301 || status == 302 || status == 303 || status == 307 || status == 308;
+  return redirects && curl_easy_header(easy_.get(), "Location", 0, CURLH_HEADER, -1,
+                                       const_cast<curl_header**>(&location)) == CURLHE_OK;
+}
+
+bool CurlExchange::endHop(CURLcode result) {
+  if (result == CURLE_OK && followsRedirect() && prepareRedirect()) {
+    return true;
+  }
+  if (result == CURLE_OK) {
+    tellEnd([](UrlConnectionDelegate& delegate) { delegate.didFinishLoading(); });
+  } else if (wasRefused()) {
+    fail("the server's certificate was not accepted");
+  } else if (result == CURLE_ABORTED_BY_CALLBACK) {
+    fail("the server closed the connection without an answer");
+  } else {
+    fail(errorText_[0] != '\0' ? &errorText_[0] : curl_easy_strerror(result));
+  }
+  release();
+  return false;
+}
+
+bool CurlExchange::wasRefused() const {
+  const std::lock_guard lock(lock_);
+  return trust_ == Trust::refused;
+}
+
+bool CurlExchange::prepareRedirect() {
+  if (isOver()) {
+    return false;
+  }
+  if (++redirects_ > maximumRedirects) {
+    fail(fmt::format("more than {} redirects", maximumRedirects));
+    return false;
+  }
+  long status = 0;
+  const char* target = nullptr;
+  curl_easy_getinfo(easy_.get(), CURLINFO_RESPONSE_CODE, &status);
+  curl_easy_getinfo(easy_.get(), CURLINFO_REDIRECT_URL, &target);
+  if (target == nullptr) {
+    fail("a redirect to no address");
+    return false;
+  }
+  if (status != 307 && status != 308) {
+    request_.method = "GET";
+    request_.body.reset();
+  }
+  return prepareHop(std::string(target));
+}
+
+CURLcode CurlExchange::onTlsContext(CURL*, void* context, void* self) {
+  auto* tls = static_cast<SSL_CTX*>(context);
+  // A further handshake on the same connection would ask an exchange that may be gone.
+  SSL_CTX_set_options(tls, SSL_OP_NO_RENEGOTIATION | SSL_OP_CLEANSE_PLAINTEXT);
+  SSL_CTX_set_cert_verify_callback(tls, &onCertificates, self);
+  return CURLE_OK;
+}
+
+int CurlExchange::onCertificates(X509_STORE_CTX* presented, void* self) {
+  auto& exchange = *static_cast<CurlExchange*>(self);
+  const bool trusted = exchange.isTrusted(
+      std::make_shared<SystemTrust>(X509_STORE_CTX_get0_cert(presented),
+                                    X509_STORE_CTX_get0_untrusted(presented), exchange.host_));
+  X509_STORE_CTX_set_error(presented, trusted ? X509_V_OK : X509_V_ERR_APPLICATION_VERIFICATION);
+  return trusted ? 1 : 0;
+}
+
+bool CurlExchange::isTrusted(std::shared_ptr<SystemTrust> trust) {
+  setTrust(Trust::asked);
+  tell([self = shared_from_this(), trust](UrlConnectionDelegate& delegate) {
+    bool accepted = false;
+    if (delegate.canAuthenticateAgainstProtectionSpace(AuthenticationMethod::serverTrust)) {
+      TrustChallenge challenge(*trust);
+      delegate.didReceiveAuthenticationChallenge(challenge);
+      accepted = challenge.isAccepted();
+    } else {
+      std::string error;
+      accepted = trust->evaluate(error);
+    }
+    self->setTrust(accepted ? Trust::accepted : Trust::refused);
+    self->loop_->wake();
+  });
+  // libcurl cannot set a handshake aside, so the thread rests while the delegate decides.
+  loop_->wait(silentUntil(), [this] {
+    const std::lock_guard lock(lock_);
+    return trust_ != Trust::asked || !delegate_;
+  });
+  const std::lock_guard lock(lock_);
+  return trust_ == Trust::accepted && delegate_ != nullptr;
+}
+
+void CurlExchange::setTrust(Trust trust) {
+  const std::lock_guard lock(lock_);
+  trust_ = trust;
+}
+
+}  // namespace orlix

@@ -1,0 +1,109 @@
+#pragma once
+
+#include <chrono>
+#include <functional>
+#include <memory>
+#include <mutex>
+#include <string>
+#include <vector>
+
+#include <curl/curl.h>
+#include <openssl/x509_vfy.h>
+
+#include "orlixkit/platform/UrlConnection.h"
+
+namespace orlix {
+
+class CurlLoop;
+class SystemTrust;
+
+/// One exchange, with one hop for each redirect. The application's threads start and cancel it; the
+/// loop's thread does everything else and hands the callbacks to the delegate's queue.
+class CurlExchange : public UrlConnection, public std::enable_shared_from_this<CurlExchange> {
+ public:
+  CurlExchange(UrlRequest request, std::shared_ptr<UrlConnectionDelegate> delegate,
+               std::shared_ptr<CurlLoop> loop);
+  ~CurlExchange() override;
+
+  void setDelegateQueue(std::shared_ptr<OperationQueue> queue) override;
+  void start() override;
+  void cancel() override;
+
+  /// Ends the exchange with an error, unless it has ended. Any thread.
+  void fail(const std::string& description);
+  /// Ends the exchange without a word to the delegate. Any thread.
+  void abandon();
+  bool isOver() const;
+
+  // From here on: the loop's thread.
+
+  /// Makes the handle for the first hop; false when the request cannot be sent, which the delegate
+  /// then has been told.
+  bool prepare();
+  CURL* easy() const { return easy_.get(); }
+  /// The hop's transfer has ended. True when the handle is ready for a further hop.
+  bool endHop(CURLcode result);
+  std::chrono::steady_clock::time_point silentUntil() const { return lastByte_ + request_.timeout; }
+  void failSilent();
+  /// Gives back the handle and the request's body.
+  void release();
+
+ private:
+  enum class Trust { unasked, asked, accepted, refused };
+  struct CleanUpEasy {
+    void operator()(CURL* easy) const { curl_easy_cleanup(easy); }
+  };
+  struct FreeList {
+    void operator()(curl_slist* list) const { curl_slist_free_all(list); }
+  };
+  using HeaderList = std::unique_ptr<curl_slist, FreeList>;
+  using Callback = std::function<void(UrlConnectionDelegate&)>;
+
+  template <class Value>
+  void set(CURLoption option, Value value);
+  void setConstantOptions();
+  /// Sets address, method, header and body of the next hop; false when it has failed.
+  bool prepareHop(const std::string& url);
+  HeaderList headerList() const;
+  bool followsRedirect() const;
+  bool prepareRedirect();
+
+  /// Runs the callback on the delegate's queue, unless the exchange is over by then.
+  void tell(Callback callback);
+  /// The same for the last callback.
+  void tellEnd(Callback callback);
+  /// Puts the question to the delegate and waits for its answer. No answer is a refusal.
+  bool isTrusted(std::shared_ptr<SystemTrust> trust);
+  void setTrust(Trust trust);
+  bool wasRefused() const;
+
+  static std::size_t onHeader(char* line, std::size_t unit, std::size_t count, void* self);
+  static std::size_t onData(char* bytes, std::size_t unit, std::size_t count, void* self);
+  static int onRequest(void* self, char*, char*, int, int);
+  static CURLcode onTlsContext(CURL* easy, void* context, void* self);
+  static int onCertificates(X509_STORE_CTX* presented, void* self);
+
+  const std::shared_ptr<CurlLoop> loop_;
+
+  mutable std::mutex lock_;
+  std::shared_ptr<UrlConnectionDelegate> delegate_;  // guarded by lock_; none once it is over
+  std::shared_ptr<OperationQueue> queue_;            // guarded by lock_
+  bool started_ = false;                             // guarded by lock_
+  bool ending_ = false;                              // guarded by lock_; the last callback is owed
+  Trust trust_ = Trust::unasked;                     // guarded by lock_
+
+  // The loop's thread, once started.
+  UrlRequest request_;
+  std::unique_ptr<CURL, CleanUpEasy> easy_;
+  HeaderList headers_;
+  char errorText_[CURL_ERROR_SIZE] = "";
+  std::string origin_;  // host and port that the header fields are meant for
+  std::string host_;    // of this hop
+  bool ownHost_ = true;
+  int redirects_ = 0;
+  bool requestSent_ = false;  // in this hop
+  bool headerEnded_ = false;  // in this hop
+  std::chrono::steady_clock::time_point lastByte_;
+};
+
+}  // namespace orlix

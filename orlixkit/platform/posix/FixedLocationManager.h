@@ -1,0 +1,36 @@
+#pragma once
+
+#include <memory>
+
+#include "orlixkit/platform/Clock.h"
+#include "orlixkit/platform/LocationManager.h"
+#include "orlixkit/platform/MainQueue.h"
+
+namespace orlix {
+
+/// A position source for a machine that has none: each start brings one fix, always at the same
+/// place, dated now, as the main queue's next task.
+class FixedLocationManager : public LocationManager {
+ public:
+  FixedLocationManager(double latitude, double longitude, std::shared_ptr<MainQueue> mainQueue,
+                       std::shared_ptr<Clock> clock);
+
+  void setDelegate(LocationManagerDelegate* delegate) override { *delegate_ = delegate; }
+  void setDesiredAccuracy(double) override {}
+  void setDistanceFilter(double) override {}
+  void setPurpose(const std::string&) override {}
+  void requestWhenInUseAuthorization() override {}
+  void startUpdatingLocation() override;
+  void stopUpdatingLocation() override;
+
+ private:
+  const double latitude_;
+  const double longitude_;
+  const std::shared_ptr<MainQueue> mainQueue_;
+  const std::shared_ptr<Clock> clock_;
+  const std::shared_ptr<LocationManagerDelegate*> delegate_;
+  // Replaced by each start and stop; a fix whose start is no longer the present one is not given.
+  std::shared_ptr<int> updates_;
+};
+
+}  // namespace orlix

@@ -1,0 +1,19 @@
+#include "orlixkit/platform/posix/PosixCondition.h"
+
+namespace orlix {
+
+bool PosixCondition::waitUntil(SteadyTime deadline) {
+  const std::uint64_t before = signals_;
+  std::unique_lock held(mutex_, std::adopt_lock);
+  const bool signalled =
+      changed_.wait_until(held, shutdown_, deadline, [&] { return signals_ != before; });
+  held.release();  // the caller's lock, as it was found
+  return signalled && !shutdown_.stop_requested();
+}
+
+void PosixCondition::signal() {
+  ++signals_;
+  changed_.notify_all();
+}
+
+}  // namespace orlix

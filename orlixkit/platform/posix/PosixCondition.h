@@ -1,0 +1,31 @@
+#pragma once
+
+#include <atomic>
+#include <condition_variable>
+#include <cstdint>
+#include <mutex>
+#include <stop_token>
+
+#include "orlixkit/platform/Clock.h"
+
+namespace orlix {
+
+class PosixCondition : public Condition {
+ public:
+  explicit PosixCondition(std::stop_token shutdown) : shutdown_(std::move(shutdown)) {}
+
+  void lock() override { mutex_.lock(); }
+  void unlock() override { mutex_.unlock(); }
+  bool waitUntil(SteadyTime deadline) override;
+  void signal() override;
+
+ private:
+  std::mutex mutex_;
+  std::condition_variable_any changed_;
+  // Counts the signals, so that a waiter knows one from a wake-up for no reason. Atomic, because a
+  // signal may be given without the lock.
+  std::atomic<std::uint64_t> signals_ = 0;
+  std::stop_token shutdown_;
+};
+
+}  // namespace orlix

@@ -1,0 +1,53 @@
+#include "orlixkit/platform/posix/PosixPorts.h"
+
+#include <stop_token>
+
+#include "orlixkit/platform/posix/AnchorBundle.h"
+#include "orlixkit/platform/posix/ChainedBundle.h"
+#include "orlixkit/platform/posix/CurlConnections.h"
+#include "orlixkit/platform/posix/DirectoryBundle.h"
+#include "orlixkit/platform/posix/FixedLocationManager.h"
+#include "orlixkit/platform/posix/PosixBackgroundQueues.h"
+#include "orlixkit/platform/posix/PosixClock.h"
+#include "orlixkit/platform/posix/PosixDevice.h"
+#include "orlixkit/platform/posix/PosixRunLoop.h"
+#include "orlixkit/platform/posix/SqliteUserDefaults.h"
+
+namespace orlix {
+
+namespace {
+
+std::shared_ptr<Bundle> makeBundle(const PosixOptions& options) {
+  std::vector<std::shared_ptr<const Bundle>> chain;
+  if (options.anchorFile) {
+    chain.push_back(std::make_shared<AnchorBundle>(*options.anchorFile));
+  }
+  for (const std::filesystem::path& directory : options.resourceDirectories) {
+    chain.push_back(std::make_shared<DirectoryBundle>(directory));
+  }
+  chain.insert(chain.end(), options.bundles.begin(), options.bundles.end());
+  return std::make_shared<ChainedBundle>(std::move(chain));
+}
+
+}  // namespace
+
+Ports makePosixPorts(const PosixOptions& options) {
+  const std::stop_source shutdown;
+  Ports ports;
+  ports.log = std::make_shared<PosixSystemLog>(options.logTarget);
+  ports.clock = std::make_shared<PosixClock>(shutdown.get_token());
+  ports.mainQueue = std::make_shared<PosixRunLoop>(ports.log);
+  ports.backgroundQueues = std::make_shared<PosixBackgroundQueues>(shutdown);
+  ports.urlConnections = std::make_shared<CurlConnections>();
+  ports.userDefaults = std::make_shared<SqliteUserDefaults>(options.stateDirectory / "defaults.db");
+  ports.device = std::make_shared<PosixDevice>(
+      PosixDevice::Sources{options.applicationName, options.stateDirectory});
+  ports.bundle = makeBundle(options);
+  if (options.location) {
+    ports.locationManager = std::make_shared<FixedLocationManager>(
+        options.location->first, options.location->second, ports.mainQueue, ports.clock);
+  }
+  return ports;
+}
+
+}  // namespace orlix

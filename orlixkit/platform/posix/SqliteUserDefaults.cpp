@@ -1,0 +1,221 @@
+#include "orlixkit/platform/posix/SqliteUserDefaults.h"
+
+#include <cerrno>
+#include <chrono>
+#include <cstring>
+#include <fcntl.h>
+#include <stdexcept>
+#include <string_view>
+#include <thread>
+#include <unistd.h>
+
+#include <fmt/format.h>
+#include <sqlite3.h>
+#include <sys/stat.h>
+
+namespace orlix {
+
+namespace {
+
+constexpr std::chrono::milliseconds busyTimeout{5000};
+
+/// Leaves a kept statement ready for its next use, on every way out.
+struct ResetOnExit {
+  sqlite3_stmt* statement;
+  ~ResetOnExit() {
+    sqlite3_reset(statement);
+    sqlite3_clear_bindings(statement);
+  }
+};
+
+}  // namespace
+
+void SqliteUserDefaults::CloseDatabase::operator()(sqlite3* database) const {
+  sqlite3_close(database);
+}
+
+void SqliteUserDefaults::Finalize::operator()(sqlite3_stmt* statement) const {
+  sqlite3_finalize(statement);
+}
+
+SqliteUserDefaults::SqliteUserDefaults(const std::filesystem::path& file) : file_(file) {
+  createFile();
+  open();
+  useWriteAheadLog();
+  // FULL: a commit is on the disk before it returns.
+  execute("PRAGMA synchronous=FULL");
+  // IMMEDIATE: two processes that start on a new file must not both read it as empty and then wait
+  // for each other. A column without a type keeps each value's own type.
+  execute("BEGIN IMMEDIATE");
+  execute(
+      "CREATE TABLE IF NOT EXISTS defaults (key TEXT PRIMARY KEY NOT NULL, value NOT NULL) "
+      "WITHOUT ROWID");
+  execute("COMMIT");
+  select_ = prepare("SELECT value FROM defaults WHERE key = ?1");
+  upsert_ = prepare(
+      "INSERT INTO defaults (key, value) VALUES (?1, ?2) "
+      "ON CONFLICT (key) DO UPDATE SET value = excluded.value");
+}
+
+SqliteUserDefaults::~SqliteUserDefaults() = default;
+
+void SqliteUserDefaults::createFile() const {
+  std::error_code problem;
+  if (file_.has_parent_path() && !std::filesystem::exists(file_.parent_path(), problem)) {
+    std::filesystem::create_directories(file_.parent_path(), problem);
+    if (problem) {
+      throw std::runtime_error(fmt::format("user defaults: cannot make the folder {}: {}",
+                                           file_.parent_path().string(), problem.message()));
+    }
+    ::chmod(file_.parent_path().c_str(), S_IRWXU);
+  }
+  // Private from its first moment: SQLite itself would make the file readable for everyone. It is
+  // opened only when it is new, for closing any descriptor of a file drops the locks that another
+  // connection of this process holds on it.
+  const int made = ::open(file_.c_str(), O_RDWR | O_CREAT | O_EXCL | O_CLOEXEC, S_IRUSR | S_IWUSR);
+  if (made >= 0) {
+    ::close(made);
+  } else if (errno != EEXIST) {
+    throw std::runtime_error(fmt::format("user defaults: cannot make the file {}: {}",
+                                         file_.string(), std::strerror(errno)));
+  } else {
+    ::chmod(file_.c_str(), S_IRUSR | S_IWUSR);
+  }
+}
+
+void SqliteUserDefaults::open() {
+  sqlite3* opened = nullptr;
+  const int result =
+      sqlite3_open_v2(file_.c_str(), &opened, SQLITE_OPEN_READWRITE | SQLITE_OPEN_NOMUTEX, nullptr);
+  database_.reset(opened);
+  if (result != SQLITE_OK) {
+    fail("open");
+  }
+  sqlite3_busy_timeout(database_.get(), static_cast<int>(busyTimeout.count()));
+}
+
+void SqliteUserDefaults::useWriteAheadLog() {
+  // The busy time-out does not cover this switch: while another process makes it on a new file, it
+  // is refused at once.
+  const auto deadline = std::chrono::steady_clock::now() + busyTimeout;
+  while (true) {
+    const Statement statement = prepare("PRAGMA journal_mode=WAL");
+    const int result = sqlite3_step(statement.get());
+    if (result == SQLITE_ROW) {
+      const unsigned char* mode = sqlite3_column_text(statement.get(), 0);
+      if (mode != nullptr && std::string_view(reinterpret_cast<const char*>(mode)) == "wal") {
+        return;
+      }
+      throw std::runtime_error(fmt::format(
+          "user defaults: {} stands on a file system without write-ahead log", file_.string()));
+    }
+    if ((result & 0xFF) != SQLITE_BUSY || std::chrono::steady_clock::now() > deadline) {
+      fail("open");
+    }
+    std::this_thread::sleep_for(std::chrono::milliseconds(2));
+  }
+}
+
+SqliteUserDefaults::Statement SqliteUserDefaults::prepare(const char* sql) const {
+  sqlite3_stmt* made = nullptr;
+  if (sqlite3_prepare_v3(database_.get(), sql, -1, SQLITE_PREPARE_PERSISTENT, &made, nullptr) !=
+      SQLITE_OK) {
+    fail("open");
+  }
+  return Statement(made);
+}
+
+void SqliteUserDefaults::execute(const char* sql) const {
+  if (sqlite3_exec(database_.get(), sql, nullptr, nullptr, nullptr) != SQLITE_OK) {
+    fail("open");
+  }
+}
+
+void SqliteUserDefaults::fail(const char* action) const {
+  throw std::runtime_error(fmt::format("user defaults: cannot {} {}: {}", action, file_.string(),
+                                       sqlite3_errmsg(database_.get())));
+}
+
+void SqliteUserDefaults::bindKey(sqlite3_stmt* statement, const std::string& key) const {
+  if (sqlite3_bind_text64(statement, 1, key.data(), key.size(), SQLITE_STATIC, SQLITE_UTF8) !=
+      SQLITE_OK) {
+    fail("use a key in");
+  }
+}
+
+void SqliteUserDefaults::read(const std::string& key,
+                              const std::function<void(sqlite3_stmt*)>& take) const {
+  const std::lock_guard lock(lock_);
+  const ResetOnExit reset{select_.get()};
+  bindKey(select_.get(), key);
+  const int result = sqlite3_step(select_.get());
+  if (result == SQLITE_ROW) {
+    take(select_.get());
+  } else if (result != SQLITE_DONE) {
+    fail("read");
+  }
+}
+
+void SqliteUserDefaults::write(const std::string& key,
+                               const std::function<int(sqlite3_stmt*)>& bindValue) {
+  const std::lock_guard lock(lock_);
+  const ResetOnExit reset{upsert_.get()};
+  bindKey(upsert_.get(), key);
+  if (bindValue(upsert_.get()) != SQLITE_OK || sqlite3_step(upsert_.get()) != SQLITE_DONE) {
+    fail("write");
+  }
+}
+
+std::optional<Bytes> SqliteUserDefaults::dataForKey(const std::string& key) const {
+  std::optional<Bytes> found;
+  read(key, [&found](sqlite3_stmt* row) {
+    if (sqlite3_column_type(row, 0) == SQLITE_BLOB) {
+      const auto* bytes = static_cast<const std::uint8_t*>(sqlite3_column_blob(row, 0));
+      found.emplace(bytes, bytes + sqlite3_column_bytes(row, 0));
+    }
+  });
+  return found;
+}
+
+std::optional<std::string> SqliteUserDefaults::stringForKey(const std::string& key) const {
+  std::optional<std::string> found;
+  read(key, [&found](sqlite3_stmt* row) {
+    if (sqlite3_column_type(row, 0) == SQLITE_TEXT) {
+      const auto* text = reinterpret_cast<const char*>(sqlite3_column_text(row, 0));
+      found.emplace(text, static_cast<std::size_t>(sqlite3_column_bytes(row, 0)));
+    }
+  });
+  return found;
+}
+
+std::int64_t SqliteUserDefaults::integerForKey(const std::string& key) const {
+  std::int64_t found = 0;
+  read(key, [&found](sqlite3_stmt* row) {
+    if (sqlite3_column_type(row, 0) == SQLITE_INTEGER) {
+      found = sqlite3_column_int64(row, 0);
+    }
+  });
+  return found;
+}
+
+void SqliteUserDefaults::setData(const std::string& key, const Bytes& value) {
+  write(key, [&value](sqlite3_stmt* statement) {
+    // An empty value has no address, and a blob without an address would be stored as NULL.
+    return value.empty()
+               ? sqlite3_bind_zeroblob(statement, 2, 0)
+               : sqlite3_bind_blob64(statement, 2, value.data(), value.size(), SQLITE_STATIC);
+  });
+}
+
+void SqliteUserDefaults::setString(const std::string& key, const std::string& value) {
+  write(key, [&value](sqlite3_stmt* statement) {
+    return sqlite3_bind_text64(statement, 2, value.data(), value.size(), SQLITE_STATIC,
+                               SQLITE_UTF8);
+  });
+}
+
+void SqliteUserDefaults::setInteger(const std::string& key, std::int64_t value) {
+  write(key, [value](sqlite3_stmt* statement) { return sqlite3_bind_int64(statement, 2, value); });
+}
+
+}  // namespace orlix

@@ -1,0 +1,62 @@
+#pragma once
+
+#include <filesystem>
+#include <functional>
+#include <memory>
+#include <mutex>
+
+#include "orlixkit/platform/UserDefaults.h"
+
+struct sqlite3;
+struct sqlite3_stmt;
+
+namespace orlix {
+
+/// The key/value store in one SQLite file, readable by its owner only. A value that a setter has
+/// returned from survives the process's and the machine's sudden end. Several processes may use the
+/// same file at once; one waits for the other up to five seconds.
+///
+/// Every operation throws std::runtime_error with the file's name and SQLite's reason when the file
+/// cannot be read or written; what it held stays as it was.
+class SqliteUserDefaults : public UserDefaults {
+ public:
+  /// Makes the file, and the folders it stands in, when they do not exist.
+  explicit SqliteUserDefaults(const std::filesystem::path& file);
+  ~SqliteUserDefaults() override;
+
+  std::optional<Bytes> dataForKey(const std::string& key) const override;
+  std::optional<std::string> stringForKey(const std::string& key) const override;
+  std::int64_t integerForKey(const std::string& key) const override;
+
+  void setData(const std::string& key, const Bytes& value) override;
+  void setString(const std::string& key, const std::string& value) override;
+  void setInteger(const std::string& key, std::int64_t value) override;
+
+ private:
+  struct CloseDatabase {
+    void operator()(sqlite3* database) const;
+  };
+  struct Finalize {
+    void operator()(sqlite3_stmt* statement) const;
+  };
+  using Statement = std::unique_ptr<sqlite3_stmt, Finalize>;
+
+  void createFile() const;
+  void open();
+  void useWriteAheadLog();
+  Statement prepare(const char* sql) const;
+  void execute(const char* sql) const;
+  /// Calls `take` with the value's row; not at all when there is none.
+  void read(const std::string& key, const std::function<void(sqlite3_stmt*)>& take) const;
+  void write(const std::string& key, const std::function<int(sqlite3_stmt*)>& bindValue);
+  void bindKey(sqlite3_stmt* statement, const std::string& key) const;
+  [[noreturn]] void fail(const char* action) const;
+
+  const std::filesystem::path file_;
+  mutable std::mutex lock_;  // guards the database and both statements
+  std::unique_ptr<sqlite3, CloseDatabase> database_;
+  Statement select_;
+  Statement upsert_;
+};
+
+}  // namespace orlix

@@ -1,0 +1,48 @@
+#pragma once
+
+#include <memory>
+#include <string>
+#include <vector>
+
+#include <openssl/x509_vfy.h>
+
+#include "orlixkit/platform/Bytes.h"
+#include "orlixkit/platform/UrlConnection.h"
+
+namespace orlix {
+
+struct FreeCertificate {
+  void operator()(X509* certificate) const { X509_free(certificate); }
+};
+using CertificatePointer = std::unique_ptr<X509, FreeCertificate>;
+
+/// None when the bytes are no certificate in DER form.
+CertificatePointer certificateFromDer(ByteView der);
+
+/// A presented chain, judged by OpenSSL: against the system's roots (OpenSSL's default places;
+/// SSL_CERT_FILE and SSL_CERT_DIR name others) and the anchors. What is trusted is read once in the
+/// process for each set of anchors. One thread at a time.
+class SystemTrust : public ServerTrust {
+ public:
+  /// Takes references of its own. `host` is a name or an address, as it stands in the URL.
+  SystemTrust(X509* leaf, STACK_OF(X509) * presented, std::string host);
+  ~SystemTrust() override;
+  SystemTrust(const SystemTrust&) = delete;
+  SystemTrust& operator=(const SystemTrust&) = delete;
+
+  void setAnchorCertificates(std::vector<Bytes> anchors) override;
+  void setAnchorCertificatesOnly(bool only) override;
+  bool evaluate(std::string& error) override;
+
+ private:
+  std::string reason(const X509_STORE_CTX& context) const;
+
+  const CertificatePointer leaf_;
+  STACK_OF(X509) * const presented_;
+  const std::string host_;
+  std::vector<Bytes> anchors_;
+  // Anchors that were never set restrict nothing.
+  bool anchorsOnly_ = false;
+};
+
+}  // namespace orlix
