@@ -181,10 +181,12 @@ std::optional<std::string> CardKind::apply(const json::object& change) {
 
 CardKinds::CardKinds(Database& database) : database_(database) {
   database_.run("CREATE TABLE IF NOT EXISTS card_kinds (bin TEXT PRIMARY KEY, rule TEXT NOT NULL)");
+  Database::Transaction filling(database_);
   for (const CardKind& kind : documented()) {
     database_.run("INSERT OR IGNORE INTO card_kinds VALUES (?, ?)",
                   {kind.bin, json::serialize(kind.toJson())});
   }
+  filling.commit();
   for (const auto& row : database_.ask("SELECT rule FROM card_kinds")) {
     const auto rule = parseObject(row.text(0));
     CardKind kind;

@@ -41,7 +41,10 @@ Database::Database(const std::string& file) {
   if (result != SQLITE_OK)
     throw std::runtime_error(fmt::format("cannot open the database {}", file));
   sqlite3_busy_timeout(opened, 2000);
-  if (!file.empty()) ask("PRAGMA journal_mode = WAL");
+  if (!file.empty()) {
+    ask("PRAGMA journal_mode = WAL");
+    ask("PRAGMA synchronous = NORMAL");  // Outlives a killed process, which is enough here.
+  }
 }
 
 void Database::fail() const {
@@ -93,6 +96,17 @@ std::vector<Database::Row> Database::ask(const std::string& sql,
   return rows;
 }
 
-std::int64_t Database::lastId() const { return sqlite3_last_insert_rowid(database_.get()); }
+Database::Transaction::Transaction(Database& database) : database_(database) {
+  database_.run("BEGIN IMMEDIATE");
+}
+
+Database::Transaction::~Transaction() {
+  if (open_) sqlite3_exec(database_.database_.get(), "ROLLBACK", nullptr, nullptr, nullptr);
+}
+
+void Database::Transaction::commit() {
+  database_.run("COMMIT");
+  open_ = false;
+}
 
 }  // namespace orlix::sandbox

@@ -36,7 +36,20 @@ class Database {
 
   void run(const std::string& sql, std::initializer_list<Value> values = {});
   std::vector<Row> ask(const std::string& sql, std::initializer_list<Value> values = {});
-  std::int64_t lastId() const;
+
+  /// What is run between making one and `commit` happens whole or not at all.
+  class Transaction {
+   public:
+    explicit Transaction(Database& database);
+    ~Transaction();
+    Transaction(const Transaction&) = delete;
+    Transaction& operator=(const Transaction&) = delete;
+    void commit();
+
+   private:
+    Database& database_;
+    bool open_ = true;
+  };
 
  private:
   struct Close {

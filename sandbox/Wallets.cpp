@@ -47,9 +47,12 @@ Wallets::Wallets(Database& database, CardKinds& kinds) : database_(database), ki
 
 void Wallets::ensure(const std::string& wallet, bool filled) {
   if (!database_.ask("SELECT 1 FROM wallets WHERE wallet = ?", {wallet}).empty()) return;
+  Database::Transaction filling(database_);
   database_.run("INSERT INTO wallets VALUES (?, ?)", {wallet, termsVersion()});
-  if (!filled) return;
-  for (const CardKind& kind : CardKinds::demonstration()) add(wallet, kind, kind.number);
+  if (filled) {
+    for (const CardKind& kind : CardKinds::demonstration()) add(wallet, kind, kind.number);
+  }
+  filling.commit();
 }
 
 std::vector<Card> Wallets::cards(const std::string& wallet) const {

@@ -1,7 +1,9 @@
 #include "tests/sandbox/Wallet.h"
 
 #include <array>
+#include <atomic>
 #include <cstdio>
+#include <filesystem>
 #include <fstream>
 #include <iterator>
 
@@ -19,10 +21,14 @@ std::string pemBeside(const std::string& derFile) {
   const std::string der((std::istreambuf_iterator<char>(file)), {});
   const auto* bytes = reinterpret_cast<const unsigned char*>(der.data());
   X509* root = d2i_X509(nullptr, &bytes, static_cast<long>(der.size()));
+  static std::atomic<int> made = 0;
   const std::string pemFile = derFile + ".pem";
-  if (FILE* out = std::fopen(pemFile.c_str(), "w")) {
+  const std::string unfinished = pemFile + std::to_string(++made);
+  if (FILE* out = std::fopen(unfinished.c_str(), "w")) {
     if (root != nullptr) PEM_write_X509(out, root);
     std::fclose(out);
+    // In one step: another client of the same sandbox may be reading it.
+    std::filesystem::rename(unfinished, pemFile);
   }
   X509_free(root);
   return pemFile;
