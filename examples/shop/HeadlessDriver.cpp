@@ -1,0 +1,176 @@
+#include "examples/shop/HeadlessDriver.h"
+
+#include <algorithm>
+#include <memory>
+
+#include "examples/shop/Stage.h"
+#include "examples/shop/Utf8.h"
+#include "orlixkit/platform/Host.h"
+#include "orlixkit/platform/MainQueue.h"
+#include "orlixkit/widgets/DropDownPicker.h"
+
+namespace orlix::shop {
+
+namespace {
+
+/// A touch moves the cursor: the field that had it ends its editing.
+bool touchField(TextField& field) {
+  const std::shared_ptr<ViewController> screen = Stage::content();
+  for (const std::string& name : screen->outletNames()) {
+    const auto other = std::dynamic_pointer_cast<TextField>(screen->outletNamed(name));
+    if (other && other.get() != &field && other->editing()) {
+      other->endEditing();
+    }
+  }
+  if (field.editing()) {
+    return true;
+  }
+  bool begun = false;
+  runLogged([&] { begun = field.beginEditing(); });
+  if (begun) {
+    field.setCaret(field.textLength());
+  }
+  return begun;
+}
+
+std::shared_ptr<TextField> editedField(const std::string& outlet) {
+  std::shared_ptr<TextField> field = Stage::touchableField(outlet);
+  if (DropDownPicker::of(*field)) {
+    throw ScriptError(outlet + " takes no keys: it has a drop-down to pick from");
+  }
+  if (!touchField(*field)) {
+    throw ScriptError(outlet + " takes no keys: its screen answers the touch otherwise");
+  }
+  return field;
+}
+
+void requireRow(const TableView& table, const std::string& name, std::size_t row) {
+  if (row >= table.rowCount()) {
+    throw ScriptError(name + " has no row " + std::to_string(row) + "; it has " +
+                      std::to_string(table.rowCount()) + " rows");
+  }
+}
+
+std::size_t rowOf(const TableView& table, const std::string& name, const RowChoice& row) {
+  if (const auto* number = std::get_if<std::size_t>(&row)) {
+    requireRow(table, name, *number);
+    return *number;
+  }
+  const auto& text = std::get<std::string>(row);
+  for (std::size_t i = 0; i < table.rowCount(); ++i) {
+    if (table.cell(i).text == text) {
+      return i;
+    }
+  }
+  throw ScriptError(name + " has no row \"" + text + "\" among its " +
+                    std::to_string(table.rowCount()));
+}
+
+void tapOutlet(const std::string& name, ViewController& screen) {
+  const std::shared_ptr<View> view = Stage::touchableOutlet(name);
+  if (const auto button = std::dynamic_pointer_cast<Button>(view)) {
+    if (!button->enabled()) {
+      throw ScriptError(name + " is disabled");
+    }
+    if (button->onTouchUpInside) {
+      runLogged(Task(button->onTouchUpInside));
+      return;
+    }
+  } else if (std::dynamic_pointer_cast<TextField>(view)) {
+    touchField(*Stage::touchableField(name));
+    return;
+  }
+  if (view->onTap) {
+    runLogged(Task(view->onTap));
+  } else if (screen.hasAction(name)) {
+    runLogged([&] { screen.performAction(name); });
+  } else {
+    throw ScriptError(name + " does not listen to taps");
+  }
+}
+
+[[noreturn]] void needsShell(const std::string& command) {
+  throw ScriptError(command + " needs the drawn shell; this run is headless");
+}
+
+}  // namespace
+
+void HeadlessDriver::type(const std::string& outlet, const std::string& text) {
+  const std::shared_ptr<TextField> field = editedField(outlet);
+  for (const std::string& key : characters(text)) {
+    runLogged([&] { field->replaceCharacters({field->caret(), 0}, key); });
+  }
+}
+
+void HeadlessDriver::erase(const std::string& outlet, std::size_t count) {
+  const std::shared_ptr<TextField> field = editedField(outlet);
+  for (std::size_t i = 0; i < count && field->caret() > 0; ++i) {
+    runLogged([&] { field->replaceCharacters({field->caret() - 1, 1}, ""); });
+  }
+}
+
+void HeadlessDriver::set(const std::string& outlet, const std::string& text) {
+  Stage::touchableField(outlet)->setText(text);
+}
+
+void HeadlessDriver::tap(const std::string& name) {
+  Stage::requireTouchable();
+  const std::shared_ptr<ViewController> screen = Stage::content();
+  if (screen->outletNamed(name)) {
+    tapOutlet(name, *screen);
+  } else if (screen->hasAction(name)) {
+    runLogged([&] { screen->performAction(name); });
+  } else {
+    throw ScriptError("there is no outlet and no action " + name + " on the screen " +
+                      Stage::identifier());
+  }
+}
+
+void HeadlessDriver::selectRow(const std::string& table, const RowChoice& row) {
+  const std::shared_ptr<TableView> view = Stage::touchableTable(table);
+  const std::size_t chosen = rowOf(*view, table, row);
+  const std::shared_ptr<ViewController> whole = Stage::content();
+  runLogged([&] { view->select(chosen); });
+}
+
+void HeadlessDriver::pressRowButton(const std::string& table, std::size_t row) {
+  const std::shared_ptr<TableView> view = Stage::touchableTable(table);
+  requireRow(*view, table, row);
+  const std::shared_ptr<Button> button = view->cell(row).button;
+  if (!button || !button->onTouchUpInside) {
+    throw ScriptError("row " + std::to_string(row) + " of " + table + " has no button");
+  }
+  const std::shared_ptr<ViewController> whole = Stage::content();
+  runLogged(Task(button->onTouchUpInside));
+}
+
+void HeadlessDriver::pressAlertButton(const std::string& title) {
+  const std::shared_ptr<AlertController> alert = Stage::alert();
+  if (!alert) {
+    throw ScriptError("no alert is shown whose button \"" + title + "\" could be pressed");
+  }
+  const std::size_t index = Stage::alertButton(*alert, title);
+  runLogged([&] { alert->press(index); });
+}
+
+void HeadlessDriver::pick(const std::string& outlet, const std::string& text) {
+  const std::shared_ptr<TextField> field = Stage::touchableField(outlet);
+  const std::shared_ptr<DropDownPicker> picker = DropDownPicker::of(*field);
+  if (!picker) {
+    throw ScriptError(outlet + " has no drop-down");
+  }
+  const std::vector<std::string>& entries = picker->entries();
+  if (std::find(entries.begin(), entries.end(), text) == entries.end()) {
+    throw ScriptError("the drop-down of " + outlet + " has no entry \"" + text + "\"");
+  }
+  if (touchField(*field)) {
+    runLogged([&] { picker->pick(text); });
+  }
+}
+
+void HeadlessDriver::pageType(const std::string&, const std::string&) { needsShell("page type"); }
+void HeadlessDriver::pageClick(const std::string&) { needsShell("page click"); }
+void HeadlessDriver::pageWait(const std::string&) { needsShell("page wait"); }
+void HeadlessDriver::snapshot(const std::string&) { needsShell("snapshot"); }
+
+}  // namespace orlix::shop

@@ -1,0 +1,76 @@
+#pragma once
+
+#include <chrono>
+#include <functional>
+#include <memory>
+#include <ostream>
+#include <string>
+
+#include "examples/shop/EventLines.h"
+#include "examples/shop/Outcomes.h"
+#include "examples/shop/Script.h"
+#include "examples/shop/ScriptSource.h"
+#include "examples/shop/ShopDriver.h"
+#include "examples/shop/Waiter.h"
+#include "examples/shop/WorkCount.h"
+#include "orlixkit/checkout/OXOrlix.h"
+
+namespace orlix::shop {
+
+/// What a script runs on. Everything must outlive the runner.
+struct ScriptStage {
+  ShopDriver& driver;
+  EventLines& events;
+  std::shared_ptr<Outcomes> outcomes;
+  Waiter& waiter;
+  const WorkCount& work;
+  std::ostream& progress;  ///< for whoever watches: each command as it begins, and long waits
+  std::shared_ptr<ViewController> hostScreen;
+  OXSystem system = kTestSystem;
+};
+
+/// Runs a script's commands one after the other on the installed host. Main thread only.
+class ScriptRunner {
+ public:
+  explicit ScriptRunner(ScriptStage stage) : stage_(std::move(stage)) {}
+
+  /// Throws LineError for the first line that is no command or whose command fails.
+  void run(ScriptSource& source);
+
+  static constexpr std::chrono::seconds kPatience{90};
+
+ private:
+  std::optional<ScriptLine> next(ScriptSource& source);
+
+  void run(const HostCall& call);
+  void run(const TypeText& command);
+  void run(const EraseText& command);
+  void run(const SetText& command);
+  void run(const Tap& command);
+  void run(const SelectRow& command);
+  void run(const PressRowButton& command);
+  void run(const PressAlertButton& command);
+  void run(const PickEntry& command);
+  void run(const PageType& command);
+  void run(const PageClick& command);
+  void run(const PageWait& command);
+  void run(const WaitScreen& command);
+  void run(const WaitAlert& command);
+  void run(const WaitOutcome& command);
+  void run(const WaitIdle& command);
+  void run(const ExpectText& command);
+  void run(const ExpectVisible& command);
+  void run(const ExpectNoOutcome& command);
+  void run(const Dump& command);
+  void run(const Snapshot& command);
+
+  /// Lets screens and alerts that are on their way in or out arrive.
+  void settle();
+  /// Throws ScriptError when it does not come to hold in time.
+  void waitUntil(const std::string& what, const std::function<bool()>& holds);
+
+  ScriptStage stage_;
+  std::shared_ptr<OXOrlix> facade_;
+};
+
+}  // namespace orlix::shop

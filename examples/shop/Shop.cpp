@@ -1,0 +1,93 @@
+#include "examples/shop/Shop.h"
+
+#include <fmt/format.h>
+
+#include "examples/shop/HeadlessDriver.h"
+#include "examples/shop/ScriptRunner.h"
+#include "orlixkit/OrlixKit.h"
+#include "orlixkit/platform/posix/PosixPorts.h"
+#include "orlixkit/resources/CompiledBundle.h"
+
+namespace orlix::shop {
+
+namespace {
+
+constexpr int kHeld = 0;
+constexpr int kFailed = 1;
+constexpr int kWrongUsage = 2;
+
+Ports headlessPorts(const ShopOptions& options) {
+  try {
+    return makePosixPorts({.applicationName = "orlix-shop",
+                           .stateDirectory = options.state,
+                           .anchorFile = options.anchor,
+                           .resourceDirectories = {},
+                           .bundles = {std::make_shared<CompiledBundle>()},
+                           .logTarget = LogTarget::syslogAndStderr,
+                           .location = options.location});
+  } catch (const std::runtime_error& error) {
+    throw UsageError(error.what());
+  }
+}
+
+void runHeadless(const ShopOptions& options, std::ostream& out, std::ostream& err) {
+  if (!options.headless) {
+    throw UsageError("this build has no drawn shell; add --headless");
+  }
+  const std::unique_ptr<ScriptSource> script = openScript(*options.script);
+  Shop shop(options, headlessPorts(options), out, err);
+  HeadlessDriver driver;
+  shop.run(*script, driver);
+}
+
+}  // namespace
+
+Shop::Shop(ShopOptions options, const Ports& ports, std::ostream& out, std::ostream& progress)
+    : options_(std::move(options)),
+      waiter_(ports),
+      events_(out),
+      progress_(progress),
+      reporter_(events_),
+      outcomes_(std::make_shared<Outcomes>(events_)) {
+  installOrlixKit(std::make_shared<Host>(WorkCount::count(ports, work_),
+                                         Deployment{.liveBase = options_.server,
+                                                    .testBase = options_.server,
+                                                    .termsAddress = options_.terms}));
+  Application& application = Host::current().application();
+  application.setObserver(&reporter_);
+  application.showMainWindow(hostScreen_);
+}
+
+Shop::~Shop() { Host::uninstall(); }
+
+void Shop::run(ScriptSource& script, ShopDriver& driver) {
+  ScriptRunner({.driver = driver,
+                .events = events_,
+                .outcomes = outcomes_,
+                .waiter = waiter_,
+                .work = *work_,
+                .progress = progress_,
+                .hostScreen = hostScreen_,
+                .system = options_.system})
+      .run(script);
+}
+
+int runShop(const std::vector<std::string>& arguments, std::ostream& out, std::ostream& err) {
+  try {
+    const ShopOptions options = parseOptions(arguments);
+    if (options.help) {
+      out << usage();
+      return kHeld;
+    }
+    runHeadless(options, out, err);
+    return kHeld;
+  } catch (const UsageError& error) {
+    err << fmt::format("orlix-shop: {}\n\n{}", error.what(), usage());
+    return kWrongUsage;
+  } catch (const std::exception& error) {
+    err << fmt::format("orlix-shop: {}\n", error.what());
+    return kFailed;
+  }
+}
+
+}  // namespace orlix::shop

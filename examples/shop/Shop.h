@@ -1,0 +1,50 @@
+#pragma once
+
+#include <memory>
+#include <ostream>
+#include <string>
+#include <vector>
+
+#include "examples/shop/EventLines.h"
+#include "examples/shop/Outcomes.h"
+#include "examples/shop/ScreenReporter.h"
+#include "examples/shop/ScriptSource.h"
+#include "examples/shop/ShopDriver.h"
+#include "examples/shop/ShopOptions.h"
+#include "examples/shop/Waiter.h"
+#include "examples/shop/WorkCount.h"
+#include "orlixkit/platform/Host.h"
+
+namespace orlix::shop {
+
+/// The shop as an application: the library on a host, the shop's own screen, and the script at the
+/// wheel. Whoever brings the ports decides how it runs: without a window, or drawn. Main thread.
+class Shop {
+ public:
+  /// Puts the library on these ports. `out` gets the event lines, `progress` what is for people;
+  /// both must outlive the shop.
+  Shop(ShopOptions options, const Ports& ports, std::ostream& out, std::ostream& progress);
+  /// Ends all work.
+  ~Shop();
+  Shop(const Shop&) = delete;
+  Shop& operator=(const Shop&) = delete;
+
+  /// Runs the script to its end. Throws ScriptError with the line number and the reason.
+  void run(ScriptSource& script, ShopDriver& driver);
+
+ private:
+  ShopOptions options_;
+  std::shared_ptr<WorkCount> work_ = std::make_shared<WorkCount>();
+  Waiter waiter_;
+  EventLines events_;
+  std::ostream& progress_;
+  ScreenReporter reporter_;
+  std::shared_ptr<Outcomes> outcomes_;
+  std::shared_ptr<ViewController> hostScreen_ = std::make_shared<ViewController>();
+};
+
+/// Runs the shop without a window, from the command line's arguments to the exit status: 0, 1 when
+/// the script failed, 2 when the arguments make no sense.
+int runShop(const std::vector<std::string>& arguments, std::ostream& out, std::ostream& err);
+
+}  // namespace orlix::shop

@@ -1,0 +1,38 @@
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <stdexcept>
+#include <string>
+#include <utility>
+#include <vector>
+
+namespace orlix::shop {
+
+/// The command line does not make sense; the message says where.
+class UsageError : public std::runtime_error {
+ public:
+  using std::runtime_error::runtime_error;
+};
+
+/// What the command line asks for.
+struct ShopOptions {
+  std::string server;  ///< https base address, without a trailing slash
+  std::string anchor;  ///< file with a certificate to trust, PEM or DER
+  std::string state;   ///< directory of the application's stored values
+  std::int64_t system = 1;
+  std::optional<std::pair<double, double>> location;  ///< latitude, longitude in degrees
+  std::string terms;                                  ///< https address of the terms page
+  std::optional<std::string> script;
+  bool headless = false;
+  std::optional<std::string> snapshots;
+  bool help = false;
+};
+
+/// The arguments without the program's name. Throws UsageError.
+ShopOptions parseOptions(const std::vector<std::string>& arguments);
+
+/// The text for --help, and for after a UsageError.
+std::string usage();
+
+}  // namespace orlix::shop

@@ -1,0 +1,141 @@
+#include "examples/shop/Stage.h"
+
+#include "examples/shop/Script.h"
+#include "orlixkit/platform/Host.h"
+
+namespace orlix::shop {
+
+namespace {
+
+Application& application() { return Host::current().application(); }
+
+/// Everything that is presented, from the bottom up, the host's own screen left out.
+std::vector<std::shared_ptr<ViewController>> presented() {
+  std::vector<std::shared_ptr<ViewController>> found;
+  const std::shared_ptr<Window> window = application().keyWindow;
+  if (window && window->rootViewController) {
+    for (auto next = window->rootViewController->presentedViewController(); next;
+         next = next->presentedViewController()) {
+      found.push_back(next);
+    }
+  }
+  return found;
+}
+
+std::string onScreen() {
+  const std::string identifier = Stage::identifier();
+  return identifier.empty() ? "" : " on the screen " + identifier;
+}
+
+template <class Kind>
+std::shared_ptr<Kind> touchable(const std::string& name, const std::string& kind) {
+  auto found = std::dynamic_pointer_cast<Kind>(Stage::touchableOutlet(name));
+  if (!found) {
+    throw ScriptError(name + onScreen() + " is no " + kind);
+  }
+  return found;
+}
+
+}  // namespace
+
+std::shared_ptr<ViewController> Stage::screen() {
+  std::shared_ptr<ViewController> top;
+  for (const auto& controller : presented()) {
+    if (controller->isBeingDismissed()) {
+      break;
+    }
+    if (!std::dynamic_pointer_cast<AlertController>(controller)) {
+      top = controller;
+    }
+  }
+  return top;
+}
+
+std::shared_ptr<ViewController> Stage::content() {
+  const std::shared_ptr<ViewController> top = screen();
+  const std::shared_ptr<ViewController> child = top ? top->visibleChild() : nullptr;
+  return child ? child : top;
+}
+
+std::string Stage::identifier() {
+  const std::shared_ptr<ViewController> top = screen();
+  return top ? top->identifier() : "";
+}
+
+std::shared_ptr<AlertController> Stage::alert() {
+  const auto all = presented();
+  if (all.empty() || all.back()->isBeingDismissed()) {
+    return nullptr;
+  }
+  return std::dynamic_pointer_cast<AlertController>(all.back());
+}
+
+bool Stage::isMoving() {
+  for (const auto& controller : presented()) {
+    if (controller->isBeingDismissed() || !controller->hasAppeared()) {
+      return true;
+    }
+  }
+  return false;
+}
+
+void Stage::requireTouchable() {
+  if (const auto above = alert()) {
+    throw ScriptError("the alert \"" + above->title() +
+                      "\" stands over the screen: " + above->message());
+  }
+  if (application().progressIndicator().blocksInput()) {
+    throw ScriptError("the progress indicator \"" + application().progressIndicator().status() +
+                      "\" holds touches back");
+  }
+  if (!screen()) {
+    throw ScriptError("no screen of the wallet is shown");
+  }
+}
+
+std::shared_ptr<View> Stage::outlet(const std::string& name) {
+  const std::shared_ptr<ViewController> top = content();
+  if (!top) {
+    throw ScriptError("no screen of the wallet is shown");
+  }
+  std::shared_ptr<View> found = top->outletNamed(name);
+  if (!found) {
+    throw ScriptError("there is no outlet " + name + onScreen());
+  }
+  return found;
+}
+
+std::shared_ptr<View> Stage::touchableOutlet(const std::string& name) {
+  requireTouchable();
+  std::shared_ptr<View> found = outlet(name);
+  if (found->isOutOfSight()) {
+    throw ScriptError(name + onScreen() + " is hidden");
+  }
+  return found;
+}
+
+std::shared_ptr<TextField> Stage::touchableField(const std::string& name) {
+  auto field = touchable<TextField>(name, "text field");
+  if (!field->enabled()) {
+    throw ScriptError(name + onScreen() + " is disabled");
+  }
+  return field;
+}
+
+std::shared_ptr<TableView> Stage::touchableTable(const std::string& name) {
+  return touchable<TableView>(name, "table");
+}
+
+std::size_t Stage::alertButton(const AlertController& alert, const std::string& title) {
+  std::string titles;
+  for (std::size_t i = 0; i < alert.actions().size(); ++i) {
+    if (alert.actions()[i].title == title) {
+      return i;
+    }
+    titles += (i == 0 ? "\"" : ", \"") + alert.actions()[i].title + "\"";
+  }
+  throw ScriptError("the alert \"" + alert.title() + "\" has no button \"" + title + "\"; it has " +
+                    (titles.empty() ? "none" : titles));
+}
+
+}  // namespace orlix::shop

@@ -1,0 +1,43 @@
+#pragma once
+
+#include <memory>
+#include <string>
+
+#include "orlixkit/platform/ui/AlertController.h"
+#include "orlixkit/platform/ui/TableView.h"
+#include "orlixkit/platform/ui/TextField.h"
+#include "orlixkit/platform/ui/ViewController.h"
+
+namespace orlix::shop {
+
+/// What stands on the installed host's window, seen as its user sees it. Main thread only.
+///
+/// The operations that look something up throw ScriptError with the reason why a user could not
+/// touch it.
+class Stage {
+ public:
+  /// The screen on top, a navigation container counting as one screen; alerts over it do not count.
+  /// None while the host's own screen is all there is.
+  static std::shared_ptr<ViewController> screen();
+  /// The screen whose outlets and actions are in reach: what a container shows, else the screen.
+  static std::shared_ptr<ViewController> content();
+  static std::string identifier();
+  /// The alert on top of everything; none when there is none or it is on its way out.
+  static std::shared_ptr<AlertController> alert();
+  /// A screen or an alert is on its way in or out.
+  static bool isMoving();
+
+  /// Throws while something keeps a user's finger off the screen: an alert, the progress
+  /// indicator's mask, or that there is no screen.
+  static void requireTouchable();
+  static std::shared_ptr<View> outlet(const std::string& name);
+  /// An outlet that can be seen on a screen that can be touched.
+  static std::shared_ptr<View> touchableOutlet(const std::string& name);
+  /// The same for a field that takes keys.
+  static std::shared_ptr<TextField> touchableField(const std::string& name);
+  static std::shared_ptr<TableView> touchableTable(const std::string& name);
+  /// Index of the button with this title on the alert on top.
+  static std::size_t alertButton(const AlertController& alert, const std::string& title);
+};
+
+}  // namespace orlix::shop

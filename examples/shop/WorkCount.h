@@ -1,0 +1,32 @@
+#pragma once
+
+#include <atomic>
+#include <cstddef>
+#include <memory>
+
+#include "orlixkit/platform/Host.h"
+
+namespace orlix::shop {
+
+/// Counts what a host has under way: tasks waiting for the main queue (the end of an animation is
+/// one), tasks in the background (a request keeps one until it is answered).
+/// Thread: any.
+class WorkCount : public std::enable_shared_from_this<WorkCount> {
+ public:
+  /// The same ports, with everything counted that goes through them.
+  static Ports count(Ports ports, const std::shared_ptr<WorkCount>& into);
+
+  bool isIdle() const { return underWay_ == 0; }
+  /// The task, counted until it has run or has been dropped.
+  Task counted(Task task);
+
+ private:
+  friend class CountedTask;
+  void begin() { ++underWay_; }
+  void end();
+
+  std::atomic<std::size_t> underWay_{0};
+  std::shared_ptr<MainQueue> wake_;
+};
+
+}  // namespace orlix::shop
