@@ -1,0 +1,89 @@
+#include <map>
+#include <mutex>
+
+#include <fmt/format.h>
+#include <gtest/gtest.h>
+
+#include "orlixkit/platform/posix/CurlConnections.h"
+#include "tests/platform/PosixPlatform.h"
+#include "tests/platform/TlsServer.h"
+#include "tests/platform/UrlConnectionsContract.h"
+
+namespace orlix {
+
+namespace {
+
+const Identity& serverIdentity() {
+  static const Identity made = makeIdentity({});
+  return made;
+}
+
+/// The connections over TLS to a server in this process that does as the contract scripts it.
+class CurlPlatform : public PosixPlatform {
+ public:
+  UrlConnections& urlConnections() { return connections_; }
+
+  void script(const std::string& path, ScriptedAnswer answer) {
+    const std::lock_guard guard(lock_);
+    answers_[path] = std::move(answer);
+  }
+  std::vector<SeenRequest> seen() {
+    const std::lock_guard guard(lock_);
+    return seen_;
+  }
+  std::string address(const std::string& path) { return server_.address(path); }
+
+ private:
+  void serve(TlsConnection& connection) {
+    while (const std::optional<SeenRequest> request = connection.read()) {
+      ScriptedAnswer answer{.status = 404, .headers = {}, .body = ""};
+      {
+        const std::lock_guard guard(lock_);
+        seen_.push_back(*request);
+        const auto found = answers_.find(request->path);
+        if (found != answers_.end()) {
+          answer = found->second;
+        }
+      }
+      if (!send(connection, answer)) {
+        return;
+      }
+    }
+  }
+  static bool send(TlsConnection& connection, const ScriptedAnswer& answer) {
+    std::string fields;
+    for (const auto& [name, value] : answer.headers) {
+      fields += name + ": " + value + "\r\n";
+    }
+    switch (answer.end) {
+      case AnswerEnd::complete:
+        return connection.write(httpAnswer(answer.status, fields, answer.body));
+      case AnswerEnd::beforeHeader:
+        return false;
+      case AnswerEnd::mute:
+        connection.awaitClose();
+        return false;
+      case AnswerEnd::insideBody:
+      case AnswerEnd::silence:
+        connection.write(fmt::format("HTTP/1.1 {} Status\r\n{}Content-Length: {}\r\n\r\n{}",
+                                     answer.status, fields, answer.body.size() + 100, answer.body));
+        if (answer.end == AnswerEnd::silence) {
+          connection.awaitClose();
+        }
+        return false;
+    }
+    return false;
+  }
+
+  std::mutex lock_;
+  std::map<std::string, ScriptedAnswer> answers_;
+  std::vector<SeenRequest> seen_;
+  TlsServer server_{serverIdentity(), [this](TlsConnection& connection) { serve(connection); }};
+  CurlConnections connections_;
+};
+
+}  // namespace
+
+INSTANTIATE_TYPED_TEST_SUITE_P(Curl, UrlConnectionsContract, CurlPlatform);
+
+}  // namespace orlix

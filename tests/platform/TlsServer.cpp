@@ -1,0 +1,174 @@
+#include "tests/platform/TlsServer.h"
+
+#include <csignal>
+#include <cstdlib>
+#include <stdexcept>
+#include <unistd.h>
+
+#include <arpa/inet.h>
+#include <fmt/format.h>
+#include <netinet/tcp.h>
+#include <sys/socket.h>
+
+namespace orlix {
+
+namespace {
+
+std::shared_ptr<SSL_CTX> makeContext(const Identity& identity, int highestVersion) {
+  std::shared_ptr<SSL_CTX> context(SSL_CTX_new(TLS_server_method()), SSL_CTX_free);
+  if (highestVersion != 0) {
+    // The distribution's security level leaves nothing below TLS 1.2 to speak.
+    SSL_CTX_set_security_level(context.get(), 0);
+    SSL_CTX_set_min_proto_version(context.get(), TLS1_VERSION);
+    SSL_CTX_set_max_proto_version(context.get(), highestVersion);
+  }
+  if (SSL_CTX_use_certificate(context.get(), identity.certificate.get()) != 1 ||
+      SSL_CTX_use_PrivateKey(context.get(), identity.key.get()) != 1) {
+    throw std::runtime_error("the test server's certificate does not fit");
+  }
+  for (const std::shared_ptr<X509>& intermediate : identity.intermediates) {
+    SSL_CTX_add1_chain_cert(context.get(), intermediate.get());
+  }
+  return context;
+}
+
+}  // namespace
+
+bool TlsConnection::readMore() {
+  char buffer[16384];
+  const int count = SSL_read(tls_, buffer, sizeof buffer);
+  if (count <= 0) {
+    return false;
+  }
+  received_.append(buffer, static_cast<std::size_t>(count));
+  return true;
+}
+
+std::optional<SeenRequest> TlsConnection::read() {
+  std::size_t headerEnd = 0;
+  while ((headerEnd = received_.find("\r\n\r\n")) == std::string::npos) {
+    if (!readMore()) {
+      return std::nullopt;
+    }
+  }
+  SeenRequest request;
+  std::size_t bodySize = 0;
+  std::size_t at = received_.find("\r\n");
+  const std::string first = received_.substr(0, at);
+  request.method = first.substr(0, first.find(' '));
+  request.path = first.substr(first.find(' ') + 1, first.rfind(' ') - first.find(' ') - 1);
+  while (at < headerEnd) {
+    const std::size_t begin = at + 2;
+    at = received_.find("\r\n", begin);
+    const std::string line = received_.substr(begin, at - begin);
+    const std::size_t colon = line.find(':');
+    const std::string name = line.substr(0, colon);
+    std::string value = colon == std::string::npos ? "" : line.substr(colon + 1);
+    value.erase(0, value.find_first_not_of(' '));
+    if (name == "Content-Length") {
+      bodySize = std::strtoul(value.c_str(), nullptr, 10);
+    }
+    request.headers.emplace_back(name, value);
+  }
+  received_.erase(0, headerEnd + 4);
+  while (received_.size() < bodySize) {
+    if (!readMore()) {
+      return std::nullopt;
+    }
+  }
+  request.body = received_.substr(0, bodySize);
+  received_.erase(0, bodySize);
+  return request;
+}
+
+bool TlsConnection::write(std::string_view bytes) {
+  return bytes.empty() || SSL_write(tls_, bytes.data(), static_cast<int>(bytes.size())) > 0;
+}
+
+void TlsConnection::awaitClose() {
+  while (readMore()) {
+  }
+}
+
+TlsServer::TlsServer(const Identity& identity, Serve serve, Options options)
+    : context_(makeContext(identity, options.highestVersion)), serve_(std::move(serve)) {
+  std::signal(SIGPIPE, SIG_IGN);  // the tests hang up while the other end writes
+  listener_ = ::socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0);
+  sockaddr_in address{};
+  address.sin_family = AF_INET;
+  address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
+  socklen_t size = sizeof address;
+  auto* generic = reinterpret_cast<sockaddr*>(&address);
+  if (listener_ < 0 || ::bind(listener_, generic, size) != 0 || ::listen(listener_, 16) != 0 ||
+      ::getsockname(listener_, generic, &size) != 0) {
+    throw std::runtime_error("the test server cannot listen");
+  }
+  port_ = ntohs(address.sin_port);
+  acceptor_ = std::thread([this] { accept(); });
+}
+
+TlsServer::~TlsServer() {
+  {
+    const std::lock_guard guard(lock_);
+    closed_ = true;
+    ::shutdown(listener_, SHUT_RDWR);
+    for (const int socket : sockets_) {
+      ::shutdown(socket, SHUT_RDWR);
+    }
+  }
+  acceptor_.join();
+  for (std::thread& thread : threads_) {
+    thread.join();
+  }
+  ::close(listener_);
+}
+
+std::string TlsServer::address(const std::string& path, const std::string& host) const {
+  return fmt::format("https://{}:{}{}", host, port_, path);
+}
+
+void TlsServer::accept() {
+  while (true) {
+    const int socket = ::accept4(listener_, nullptr, nullptr, SOCK_CLOEXEC);
+    const std::lock_guard guard(lock_);
+    if (socket < 0 || closed_) {
+      if (socket >= 0) {
+        ::close(socket);
+      }
+      return;
+    }
+    const int on = 1;
+    ::setsockopt(socket, IPPROTO_TCP, TCP_NODELAY, &on, sizeof on);
+    ++connections_;
+    sockets_.insert(socket);
+    threads_.emplace_back([this, socket] { handle(socket); });
+  }
+}
+
+void TlsServer::handle(int socket) {
+  const std::unique_ptr<SSL, decltype(&SSL_free)> tls(SSL_new(context_.get()), SSL_free);
+  SSL_set_fd(tls.get(), socket);
+  if (SSL_accept(tls.get()) == 1) {
+    ++handshakes_;
+    TlsConnection connection(tls.get());
+    serve_(connection);
+    SSL_shutdown(tls.get());
+  }
+  const std::lock_guard guard(lock_);
+  sockets_.erase(socket);
+  ::close(socket);
+  ++ended_;
+  changed_.notify_all();
+}
+
+void TlsServer::awaitEnded(int count) {
+  std::unique_lock guard(lock_);
+  changed_.wait_for(guard, std::chrono::seconds(60), [&] { return ended_ >= count; });
+}
+
+std::string httpAnswer(int status, const std::string& fields, const std::string& body) {
+  return fmt::format("HTTP/1.1 {} Status\r\n{}Content-Length: {}\r\n\r\n{}", status, fields,
+                     body.size(), body);
+}
+
+}  // namespace orlix
