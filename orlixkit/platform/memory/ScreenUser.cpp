@@ -4,7 +4,6 @@
 
 #include "orlixkit/platform/MainQueue.h"
 #include "orlixkit/platform/ui/TableView.h"
-#include "orlixkit/platform/ui/TextField.h"
 
 namespace orlix {
 
@@ -50,79 +49,102 @@ std::shared_ptr<View> ScreenUser::find(const std::string& name) const {
   return found;
 }
 
+void ScreenUser::requireTouches(const std::string& name) const {
+  if (application_.progressIndicator().blocksInput()) {
+    throw std::logic_error("the progress indicator holds back the touch on " + name);
+  }
+}
+
 std::shared_ptr<View> ScreenUser::reachable(const std::string& name) const {
   const std::shared_ptr<View> found = find(name);
   if (found->isOutOfSight()) {
     throw std::logic_error("the outlet " + name + " cannot be seen");
   }
-  if (application_.progressIndicator().blocksInput()) {
-    throw std::logic_error("the progress indicator holds back the touch on " + name);
-  }
+  requireTouches(name);
   return found;
 }
 
-void ScreenUser::type(const std::string& field, const std::string& text) {
-  reachable(field);
-  const auto target = outlet<TextField>(field);
-  runLogged([&] {
-    if (!target->beginEditing()) {
-      return;
+std::shared_ptr<TextField> ScreenUser::reachableField(const std::string& name) const {
+  reachable(name);
+  const auto field = outlet<TextField>(name);
+  if (!field->enabled()) {
+    throw std::logic_error("the field " + name + " is disabled");
+  }
+  return field;
+}
+
+/// The cursor moves into the field, behind its text; the field that had it ends its editing.
+bool ScreenUser::touch(TextField& field) const {
+  const std::shared_ptr<ViewController> top = topController();
+  for (const std::string& name : top->outletNames()) {
+    const auto other = std::dynamic_pointer_cast<TextField>(top->outletNamed(name));
+    if (other && other.get() != &field && other->editing()) {
+      other->endEditing();
     }
+  }
+  if (field.editing()) {
+    return true;
+  }
+  bool begun = false;
+  runLogged([&] { begun = field.beginEditing(); });
+  field.setCaret(field.textLength());
+  return begun;
+}
+
+void ScreenUser::edit(const std::string& field, const std::function<void(TextField&)>& keys) const {
+  const std::shared_ptr<TextField> target = reachableField(field);
+  if (!touch(*target)) {
+    throw std::logic_error("the field " + field + " takes no keys");
+  }
+  runLogged([&] { keys(*target); });
+}
+
+void ScreenUser::type(const std::string& field, const std::string& text) {
+  edit(field, [&](TextField& target) {
     for (const std::string& key : keysOf(text)) {
-      target->replaceCharacters({target->caret(), 0}, key);
+      target.replaceCharacters({target.caret(), 0}, key);
     }
   });
 }
 
 void ScreenUser::erase(const std::string& field, std::size_t times) {
-  reachable(field);
-  const auto target = outlet<TextField>(field);
-  runLogged([&] {
-    if (!target->beginEditing()) {
-      return;
-    }
-    for (std::size_t i = 0; i < times && target->caret() > 0; ++i) {
-      target->replaceCharacters({target->caret() - 1, 1}, "");
+  edit(field, [&](TextField& target) {
+    for (std::size_t i = 0; i < times && target.caret() > 0; ++i) {
+      target.replaceCharacters({target.caret() - 1, 1}, "");
     }
   });
 }
 
 void ScreenUser::replaceAll(const std::string& field, const std::string& text) {
-  reachable(field);
-  const auto target = outlet<TextField>(field);
-  runLogged([&] {
-    if (target->beginEditing()) {
-      target->replaceCharacters({0, target->textLength()}, text);
-    }
-  });
+  edit(field, [&](TextField& target) { target.replaceCharacters({0, target.textLength()}, text); });
 }
 
 void ScreenUser::tap(const std::string& name) {
   const std::shared_ptr<ViewController> top = topController();
-  if (!top || !top->outletNamed(name)) {
-    if (!top || !top->hasAction(name)) {
-      throw std::logic_error("the top screen " + (top ? top->identifier() : "") +
-                             " has neither an outlet nor an action " + name);
+  const bool isOutlet = top && top->outletNamed(name);
+  if (isOutlet) {
+    const std::shared_ptr<View> target = reachable(name);
+    const auto button = std::dynamic_pointer_cast<Button>(target);
+    if (button && !button->enabled()) {
+      throw std::logic_error("the button " + name + " is disabled");
     }
-    if (application_.progressIndicator().blocksInput()) {
-      throw std::logic_error("the progress indicator holds back the touch on " + name);
+    if (std::dynamic_pointer_cast<TextField>(target)) {
+      touch(*reachableField(name));
+      return;
     }
-    runLogged([&] { top->performAction(name); });
-    return;
+    const Task touched =
+        button && button->onTouchUpInside ? button->onTouchUpInside : target->onTap;
+    if (touched) {
+      runLogged(touched);
+      return;
+    }
   }
-  const std::shared_ptr<View> target = reachable(name);
-  const auto button = std::dynamic_pointer_cast<Button>(target);
-  if (button && !button->enabled()) {
-    throw std::logic_error("the button " + name + " is disabled");
+  if (!top || !top->hasAction(name)) {
+    throw std::logic_error("the top screen " + (top ? top->identifier() : "") +
+                           " has nothing to tap named " + name);
   }
-  const std::function<void()> touched = button ? button->onTouchUpInside : target->onTap;
-  if (touched) {
-    runLogged(touched);
-  } else if (top->hasAction(name)) {
-    runLogged([&] { top->performAction(name); });
-  } else {
-    throw std::logic_error("the outlet " + name + " hears no taps");
-  }
+  requireTouches(name);
+  runLogged([&] { top->performAction(name); });
 }
 
 void ScreenUser::chooseRow(const std::string& table, std::size_t row) {

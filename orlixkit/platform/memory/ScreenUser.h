@@ -5,6 +5,7 @@
 
 #include "orlixkit/platform/ui/AlertController.h"
 #include "orlixkit/platform/ui/Application.h"
+#include "orlixkit/platform/ui/TextField.h"
 
 namespace orlix {
 
@@ -31,7 +32,8 @@ class ScreenUser {
   void erase(const std::string& field, std::size_t times);
   /// Chooses all that is there and types over it, as one paste.
   void replaceAll(const std::string& field, const std::string& text);
-  /// A button or another outlet that hears taps; otherwise the action of this name.
+  /// A button, a field (which begins editing) or another outlet that hears taps; otherwise the
+  /// action of this name.
   void tap(const std::string& name);
   void chooseRow(const std::string& table, std::size_t row);
   /// The button inside a row.
@@ -41,6 +43,10 @@ class ScreenUser {
  private:
   std::shared_ptr<View> find(const std::string& name) const;
   std::shared_ptr<View> reachable(const std::string& name) const;
+  std::shared_ptr<TextField> reachableField(const std::string& name) const;
+  void requireTouches(const std::string& name) const;
+  bool touch(TextField& field) const;
+  void edit(const std::string& field, const std::function<void(TextField&)>& keys) const;
 
   Application& application_;
 };

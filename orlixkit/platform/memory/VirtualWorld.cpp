@@ -285,21 +285,28 @@ void VirtualWorld::handBack(Actor& worker, Lock& lock) {
 
 /// While the main thread waits inside a call, its queue stands still and only tasks go on.
 void VirtualWorld::giveTurnsUntilMainIsChosen(Lock& lock) {
-  for (;;) {
-    const std::optional<Candidate> chosen = choose(false, kNever);
-    if (!chosen) {
-      throwStuck("nothing can run");
+  try {
+    while (giveTurn(lock)) {
     }
-    if (chosen->kind == Kind::mainItself) {
-      main_->ready = false;
-      return;
-    }
-    if (chosen->kind == Kind::worker) {
-      resume(*workers_[chosen->index], lock);
-    } else {
-      resume(start(chosen->index), lock);
-    }
+  } catch (...) {
+    main_->waiting = false;
+    main_->ready = false;
+    throw;
   }
+}
+
+/// False when it is the main thread's own turn.
+bool VirtualWorld::giveTurn(Lock& lock) {
+  const std::optional<Candidate> chosen = choose(false, kNever);
+  if (!chosen) {
+    throwStuck("nothing can run");
+  }
+  if (chosen->kind == Kind::mainItself) {
+    main_->ready = false;
+    return false;
+  }
+  resume(chosen->kind == Kind::worker ? *workers_[chosen->index] : start(chosen->index), lock);
+  return true;
 }
 
 VirtualWorld::Wake VirtualWorld::wait(std::string what, const void* channel, SteadyTime deadline,
@@ -323,7 +330,6 @@ VirtualWorld::Wake VirtualWorld::wait(std::string what, const void* channel, Ste
   } else {
     handBack(me, lock);
   }
-  me.doing.clear();
   return me.result;
 }
 
@@ -362,12 +368,8 @@ VirtualWorld::Step VirtualWorld::step(SteadyTime limit) {
   if (!chosen) {
     return Step::nothing;
   }
-  if (chosen->kind == Kind::worker) {
-    resume(*workers_[chosen->index], lock);
-    return Step::inBackground;
-  }
-  if (chosen->kind == Kind::task) {
-    resume(start(chosen->index), lock);
+  if (chosen->kind == Kind::worker || chosen->kind == Kind::task) {
+    resume(chosen->kind == Kind::worker ? *workers_[chosen->index] : start(chosen->index), lock);
     return Step::inBackground;
   }
   Pending begun;
@@ -490,7 +492,6 @@ void VirtualWorld::throwStuck(const std::string& reason) {
   if (mainTasks_ > 0) {
     stuck_ = message;
   }
-  main_->waiting = false;
   throw StuckError(message);
 }
 

@@ -134,6 +134,7 @@ class VirtualWorld {
   void workerLoop(Worker& worker);
   void handBack(Actor& worker, Lock& lock);
   void giveTurnsUntilMainIsChosen(Lock& lock);
+  bool giveTurn(Lock& lock);
   Step step(SteadyTime limit);
   void beginRun();
   [[noreturn]] void throwStuck(const std::string& reason);

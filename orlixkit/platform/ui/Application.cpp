@@ -8,6 +8,9 @@ Application::Application() = default;
 Application::~Application() = default;
 
 void Application::showMainWindow(const std::shared_ptr<ViewController>& root) {
+  if (keyWindow) {
+    keyWindow->key = false;
+  }
   auto window = std::make_shared<Window>();
   window->rootViewController = root;
   window->key = true;
@@ -16,6 +19,8 @@ void Application::showMainWindow(const std::shared_ptr<ViewController>& root) {
   scene.windows.push_back(window);
   connectedScenes.push_back(std::move(scene));
   root->loadViewIfNeeded();
+  root->viewWillAppear();
+  root->appear();
 }
 
 void Application::didPresent(const std::shared_ptr<ViewController>& controller) {
@@ -44,6 +49,15 @@ void Application::animate(const std::shared_ptr<ViewController>& controller, Tra
 }
 
 void Application::clear() {
+  std::vector<std::shared_ptr<Window>> windows{keyWindow, delegateWindow};
+  for (const Scene& scene : connectedScenes) {
+    windows.insert(windows.end(), scene.windows.begin(), scene.windows.end());
+  }
+  for (const auto& window : windows) {
+    if (window && window->rootViewController) {
+      window->rootViewController->abandonPresented();
+    }
+  }
   connectedScenes.clear();
   keyWindow.reset();
   delegateWindow.reset();

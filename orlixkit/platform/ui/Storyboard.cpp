@@ -9,6 +9,9 @@ std::shared_ptr<ViewController> Storyboard::make(const std::string& identifier) 
   if (found != makers_.end()) {
     std::shared_ptr<ViewController> made = found->second();
     made->setIdentifier(identifier);
+    if (const auto child = made->visibleChild()) {
+      child->setIdentifier(identifier);
+    }
     return made;
   }
   const std::string message = "The storyboard has no screen \"" + identifier + "\".";

@@ -17,7 +17,8 @@ class Storyboard {
 
   void add(const std::string& identifier, Maker maker) { makers_[identifier] = std::move(maker); }
 
-  /// A new screen that carries the identifier. An unknown identifier is logged and told to
+  /// A new screen that carries the identifier, as does the one inside it when it is a container. An
+  /// unknown identifier is logged and told to
   /// `onMissing`; none is returned.
   std::shared_ptr<ViewController> make(const std::string& identifier) const;
 

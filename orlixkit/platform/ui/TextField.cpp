@@ -55,6 +55,9 @@ void TextField::endEditing() { set(editing_, false); }
 void TextField::setCaret(std::size_t caret) { caret_ = std::min(caret, textLength()); }
 
 void TextField::replaceCharacters(TextRange range, const std::string& replacement) {
+  if (!enabled_) {
+    return;
+  }
   if (delegate_ == nullptr ||
       delegate_->textFieldShouldChangeCharacters(*this, range, replacement)) {
     applyChange(range, replacement);
@@ -63,10 +66,11 @@ void TextField::replaceCharacters(TextRange range, const std::string& replacemen
 
 void TextField::applyChange(TextRange range, const std::string& replacement) {
   const std::size_t from = byteOffset(text_.text(), range.location);
-  const std::size_t to = byteOffset(text_.text(), range.location + range.length);
+  const std::size_t size = byteOffset(text_.text().substr(from), range.length);
   SecretString changedText = text_;
-  changedText.replace(from, to - from, std::span(replacement.data(), replacement.size()));
-  putText(std::move(changedText), range.location + countCharacters(replacement));
+  changedText.replace(from, size, std::span(replacement.data(), replacement.size()));
+  putText(std::move(changedText),
+          std::min(range.location, textLength()) + countCharacters(replacement));
 }
 
 void TextField::putText(SecretString text, std::size_t caret) {

@@ -65,7 +65,7 @@ class TextField : public View {
   bool beginEditing();
   void endEditing();
   /// Keys: `replacement` is typed (or pasted) over `range`; an empty one deletes. The delegate
-  /// decides; the caret goes behind what was put in.
+  /// decides; the caret goes behind what was put in. Nothing happens while the field is disabled.
   void replaceCharacters(TextRange range, const std::string& replacement);
   /// Where the next key goes, in code points.
   std::size_t caret() const { return caret_; }

@@ -3,6 +3,7 @@
 #include <utility>
 
 #include "orlixkit/platform/Host.h"
+#include "orlixkit/platform/MainQueue.h"
 #include "orlixkit/platform/ui/Containers.h"
 #include "orlixkit/platform/ui/PresentationController.h"
 
@@ -44,20 +45,57 @@ void ViewController::performAction(const std::string& name) {
   found->second();
 }
 
+std::shared_ptr<ViewController> ViewController::presentedViewController() const {
+  const std::shared_ptr<ViewController> container = parent.lock();
+  return container ? container->presentedViewController() : presented_;
+}
+
+std::shared_ptr<ViewController> ViewController::presentingViewController() const {
+  const std::shared_ptr<ViewController> container = parent.lock();
+  return container ? container->presentingViewController() : presenting_.lock();
+}
+
+bool ViewController::isBeingDismissed() const {
+  const std::shared_ptr<ViewController> container = parent.lock();
+  return container ? container->isBeingDismissed() : beingDismissed_;
+}
+
 void ViewController::present(const std::shared_ptr<ViewController>& controller, bool animated,
                              Task completion) {
+  if (const std::shared_ptr<ViewController> container = parent.lock()) {
+    container->present(controller, animated, std::move(completion));
+    return;
+  }
   if (presented_ && presented_->beingDismissed_) {
-    dismissalCompletions_.push_back([self = shared_from_this(), controller, animated, completion] {
-      self->present(controller, animated, completion);
-    });
+    // Without owning itself: a host that shuts down meanwhile never comes back to this.
+    const auto goOn = [weak = weak_from_this(), controller, animated, completion] {
+      if (const std::shared_ptr<ViewController> self = weak.lock()) {
+        self->present(controller, animated, completion);
+      }
+    };
+    afterDismissal_.push_back({goOn, true});
     return;
   }
+  const std::string refusal = reasonNotToPresent(*controller);
+  if (refusal.empty()) {
+    begin(controller, animated, std::move(completion));
+  } else {
+    log("Attempt to present " + controller->identifier() + " on " + identifier_ + ", " + refusal);
+  }
+}
+
+std::string ViewController::reasonNotToPresent(const ViewController& controller) const {
   if (presented_) {
-    log("Attempt to present " + controller->identifier() + " on " + identifier_ +
-        ", which presents " + presented_->identifier() + " already");
-    return;
+    return "which presents " + presented_->identifier() + " already";
   }
-  begin(controller, animated, std::move(completion));
+  if (beingDismissed_) {
+    return "which is on its way out";
+  }
+  bool shown = controller.presenting_.lock() != nullptr || !controller.parent.expired();
+  for (auto below = weak_from_this().lock(); below; below = below->presenting_.lock()) {
+    shown = shown || below.get() == &controller;
+  }
+  return shown ? "but it is shown already" : "";
 }
 
 void ViewController::begin(const std::shared_ptr<ViewController>& controller, bool animated,
@@ -69,12 +107,13 @@ void ViewController::begin(const std::shared_ptr<ViewController>& controller, bo
   if (const auto child = controller->visibleChild()) {
     child->loadViewIfNeeded();
   }
-  if (controller->modalPresentationStyle == ModalPresentationStyle::custom) {
-    if (const auto maker = controller->transitioningDelegate.lock()) {
-      controller->presentationController_ =
-          maker->presentationControllerFor(controller, shared_from_this(), shared_from_this());
-      controller->presentationController_->presentationTransitionWillBegin();
-    }
+  const auto maker = controller->transitioningDelegate.lock();
+  if (maker && controller->modalPresentationStyle == ModalPresentationStyle::custom) {
+    controller->presentationController_ =
+        maker->presentationControllerFor(controller, shared_from_this(), shared_from_this());
+  }
+  if (controller->presentationController_) {
+    controller->presentationController_->presentationTransitionWillBegin();
   }
   controller->viewWillAppear();
   if (const auto child = controller->visibleChild()) {
@@ -118,56 +157,104 @@ void ViewController::disappear() {
   viewWillDisappear();
 }
 
+std::vector<std::shared_ptr<ViewController>> ViewController::presentedFromTheTop() const {
+  std::vector<std::shared_ptr<ViewController>> stack;
+  for (auto next = presented_; next; next = next->presented_) {
+    stack.insert(stack.begin(), next);
+  }
+  return stack;
+}
+
 void ViewController::dismiss(bool animated, Task completion) {
+  if (const std::shared_ptr<ViewController> container = parent.lock()) {
+    container->dismiss(animated, std::move(completion));
+    return;
+  }
   if (!presented_) {
     if (completion) {
       completion();
     }
     return;
   }
+  const std::shared_ptr<ViewController> self = shared_from_this();
   const std::shared_ptr<ViewController> leaving = presented_;
   if (completion) {
-    dismissalCompletions_.push_back(std::move(completion));
+    afterDismissal_.push_back({std::move(completion), false});
   }
-  if (leaving->beingDismissed_) {
-    // A cut overtakes an animated dismissal that is still running.
-    if (!animated) {
-      finishDismissal(leaving);
-    }
+  if (!leaving->beingDismissed_) {
+    beginDismissal();
+  } else if (animated) {
+    return;  // joins the one under way
+  }
+  // What the controllers did when they were told may have finished it.
+  if (presented_ != leaving || !leaving->beingDismissed_) {
     return;
   }
-  finishPresentation(leaving);
-  leaving->beingDismissed_ = true;
-  leaving->disappear();
-  if (leaving->presentationController_) {
-    leaving->presentationController_->dismissalTransitionWillBegin();
-  }
   if (!animated) {
+    // Also overtakes an animated dismissal that is still running.
     finishDismissal(leaving);
     return;
   }
-  Host::current().application().animate(
-      leaving, Transition::dismissal,
-      [self = shared_from_this(), leaving] { self->finishDismissal(leaving); });
+  Host::current().application().animate(leaving, Transition::dismissal,
+                                        [self, leaving] { self->finishDismissal(leaving); });
+}
+
+void ViewController::beginDismissal() {
+  // Marked first, so that nobody who is told below presents on what leaves, or dismisses it anew.
+  std::vector<std::shared_ptr<ViewController>> leaving = presentedFromTheTop();
+  std::erase_if(leaving, [](const auto& one) { return std::exchange(one->beingDismissed_, true); });
+  for (auto one = leaving.rbegin(); one != leaving.rend(); ++one) {
+    if (const std::shared_ptr<ViewController> presenter = (*one)->presenting_.lock()) {
+      presenter->finishPresentation(*one);
+    }
+  }
+  for (const auto& one : leaving) {
+    if (one->beingDismissed_) {  // else somebody who was told has cut it short
+      one->disappear();
+    }
+  }
+  if (presented_ && presented_->presentationController_) {
+    presented_->presentationController_->dismissalTransitionWillBegin();
+  }
 }
 
 void ViewController::finishDismissal(const std::shared_ptr<ViewController>& controller) {
-  if (presented_ != controller) {
+  if (presented_ != controller || !controller->beingDismissed_) {
     return;
   }
-  // What stands on the leaving controller goes with it, from the top down, without further notice.
-  if (controller->presented_) {
-    controller->dismiss(false);
+  const std::vector<std::shared_ptr<ViewController>> gone = presentedFromTheTop();
+  std::vector<Task> after;
+  for (const auto& one : gone) {
+    const std::shared_ptr<ViewController> presenter = one->presenting_.lock();
+    for (AfterDismissal& next : std::exchange(presenter->afterDismissal_, {})) {
+      // What waited to stand on a controller that is gone itself has no place any more.
+      if (!next.presents || presenter.get() == this) {
+        after.push_back(std::move(next.task));
+      }
+    }
+    presenter->presented_.reset();
+    one->presenting_.reset();
+    one->presentationController_.reset();
+    one->beingDismissed_ = false;
+    one->appeared_ = false;
+  }
+  for (const auto& one : gone) {
+    Host::current().application().didDismiss(one);
+  }
+  for (const Task& task : after) {
+    runLogged(task);
+  }
+}
+
+void ViewController::abandonPresented() {
+  for (const auto& one : presentedFromTheTop()) {
+    one->abandonPresented();
+    one->presenting_.reset();
+    one->presentationController_.reset();
   }
   presented_.reset();
-  controller->presenting_.reset();
-  controller->presentationController_.reset();
-  controller->beingDismissed_ = false;
-  controller->appeared_ = false;
-  Host::current().application().didDismiss(controller);
-  for (const Task& completion : std::exchange(dismissalCompletions_, {})) {
-    completion();
-  }
+  presentationCompletion_ = {};
+  afterDismissal_.clear();
 }
 
 void ViewController::performSegue(const std::string& name) {

@@ -65,9 +65,11 @@ class ViewController : public std::enable_shared_from_this<ViewController> {
   /// Throws std::out_of_range for an unknown name.
   void performAction(const std::string& name);
 
-  std::shared_ptr<ViewController> presentedViewController() const { return presented_; }
-  std::shared_ptr<ViewController> presentingViewController() const { return presenting_.lock(); }
-  bool isBeingDismissed() const { return beingDismissed_; }
+  // A controller inside a container presents, and is presented, as the container.
+  std::shared_ptr<ViewController> presentedViewController() const;
+  std::shared_ptr<ViewController> presentingViewController() const;
+  /// On its way out, by itself or with a controller below it.
+  bool isBeingDismissed() const;
   bool hasAppeared() const { return appeared_; }
   const std::shared_ptr<PresentationController>& presentationController() const {
     return presentationController_;
@@ -78,12 +80,14 @@ class ViewController : public std::enable_shared_from_this<ViewController> {
   std::weak_ptr<TransitioningDelegate> transitioningDelegate;
 
   /// Shows `controller` over this one. Refused with a log line when this controller presents
-  /// another one already; while that one is on its way out, the new one waits until it is gone.
+  /// another one already, when it is on its way out itself, or when `controller` is shown already.
+  /// While the presented one is on its way out, the new one waits until it is gone.
   void present(const std::shared_ptr<ViewController>& controller, bool animated,
                Task completion = {});
 
-  /// Takes away what this controller presents, with all that stands on it. Without anything
-  /// presented `completion` runs at once; while a dismissal is under way it joins that one.
+  /// Takes away what this controller presents, with all that stands on it; each is told, from the
+  /// top down. Without anything presented `completion` runs at once; while a dismissal is under way
+  /// it joins that one, and one that is not animated ends it at once.
   void dismiss(bool animated, Task completion = {});
 
   /// Makes the segue's destination from the storyboard and presents it, animated.
@@ -109,10 +113,20 @@ class ViewController : public std::enable_shared_from_this<ViewController> {
   void action(const std::string& name, Task operation);
 
  private:
-  friend class Window;
+  friend class Application;
+  /// Runs when the presented controller has gone.
+  struct AfterDismissal {
+    Task task;
+    bool presents = false;  ///< it presents another one in the place that has become free
+  };
   void registerOutlet(const std::string& name, const std::shared_ptr<View>& view);
+  std::string reasonNotToPresent(const ViewController& controller) const;
+  std::vector<std::shared_ptr<ViewController>> presentedFromTheTop() const;
+  /// Lets go of everything presented, and of what waits for it, without telling anybody.
+  void abandonPresented();
   void begin(const std::shared_ptr<ViewController>& controller, bool animated, Task completion);
   void finishPresentation(const std::shared_ptr<ViewController>& controller);
+  void beginDismissal();
   void finishDismissal(const std::shared_ptr<ViewController>& controller);
   void appear();
   void disappear();
@@ -129,8 +143,8 @@ class ViewController : public std::enable_shared_from_this<ViewController> {
   std::shared_ptr<ViewController> presented_;
   std::weak_ptr<ViewController> presenting_;
   std::shared_ptr<PresentationController> presentationController_;
-  Task presentationCompletion_;             ///< of `presented_`, while it is on its way in
-  std::vector<Task> dismissalCompletions_;  ///< of `presented_`, while it is on its way out
+  Task presentationCompletion_;                 ///< of `presented_`, while it is on its way in
+  std::vector<AfterDismissal> afterDismissal_;  ///< of `presented_`, while it is on its way out
 };
 
 template <class T>

@@ -1,0 +1,56 @@
+#pragma once
+
+#include <cstddef>
+#include <functional>
+#include <string>
+#include <vector>
+
+#include "orlixkit/platform/memory/VirtualWorld.h"
+
+namespace orlix {
+
+/// How far a search goes.
+struct InterleavingBounds {
+  std::size_t depth = 8;    ///< choices of one run that are varied; later ones take turns
+  std::size_t runs = 5000;  ///< the search ends after so many
+};
+
+/// Runs a scenario once for every order in which its tasks, timers and events can come, up to its
+/// bounds, depth first. The scenario makes its own MemoryHost with the chooser it is given, and
+/// must do the same whenever the same choices are made.
+///
+///     Interleavings search({.depth = 10});
+///     search.run([](const Chooser& chooser) {
+///       MemoryHost host({.chooser = chooser, .preemptive = true});
+///       …
+///     });
+///     EXPECT_TRUE(search.complete());
+class Interleavings {
+ public:
+  explicit Interleavings(InterleavingBounds bounds = {}) : bounds_(bounds) {}
+
+  /// Returns how many runs it took. Throws std::logic_error when the scenario offers other
+  /// candidates after the same choices. What the scenario throws ends the search.
+  std::size_t run(const std::function<void(const Chooser&)>& scenario);
+
+  /// True when every order within the depth was tried.
+  bool complete() const { return complete_; }
+  /// Choices of the run that is under way, such as "0/2 1/3", as far as they are fixed (all others
+  /// are 0): give it to SCOPED_TRACE when the scenario begins.
+  std::string choices() const;
+
+ private:
+  struct Choice {
+    std::size_t taken = 0;
+    std::size_t candidates = 0;
+  };
+  std::size_t choose(std::size_t candidates);
+  bool advance();
+
+  InterleavingBounds bounds_;
+  std::vector<Choice> path_;
+  std::size_t position_ = 0;
+  bool complete_ = false;
+};
+
+}  // namespace orlix
