@@ -43,7 +43,8 @@ struct SeenRequest {
 
 /// Writes down what it is told. Trusts whatever chain it is shown. Main thread, but for the
 /// callbacks, which come on the delegate queue.
-class RecordingDelegate : public UrlConnectionDelegate {
+class RecordingDelegate : public UrlConnectionDelegate,
+                          public std::enable_shared_from_this<RecordingDelegate> {
  public:
   explicit RecordingDelegate(MainQueue& queue) : mainQueue(queue) {}
 
@@ -87,7 +88,12 @@ class RecordingDelegate : public UrlConnectionDelegate {
  private:
   void end(const std::string& event) {
     events.push_back(event);
-    mainQueue.async([this] { ended = true; });
+    // Weak: the delegate may be gone by then.
+    mainQueue.async([weak = weak_from_this()] {
+      if (const std::shared_ptr<RecordingDelegate> self = weak.lock()) {
+        self->ended = true;
+      }
+    });
   }
 };
 
