@@ -128,28 +128,46 @@ bool equalTexts(std::string_view text, std::string_view upperCase, Case letters)
 
 }  // namespace
 
-bool AnswerReader::has(std::string_view key) const { return dictionary_.contains(key); }
+const JsonValue* AnswerReader::find(std::string_view key) const {
+  // Servers write their members in a fixed order, mostly the one in which they are read: the member
+  // after the last one found is tried before all are searched.
+  if (next_ < dictionary_.size()) {
+    const auto& member = *(dictionary_.begin() + next_);
+    if (std::string_view(member.key()) == key) {
+      ++next_;
+      return &member.value();
+    }
+  }
+  const auto found = dictionary_.find(key);
+  if (found == dictionary_.end()) {
+    return nullptr;
+  }
+  next_ = static_cast<std::size_t>(found - dictionary_.begin()) + 1;
+  return &found->value();
+}
+
+bool AnswerReader::has(std::string_view key) const { return find(key) != nullptr; }
 
 std::optional<std::string> AnswerReader::text(std::string_view key) const {
   std::optional<std::string> result;
-  if (const JsonValue* found = dictionary_.if_contains(key)) {
+  if (const JsonValue* found = find(key)) {
     readText(*found, result);
   }
   return result;
 }
 
 bool AnswerReader::boolean(std::string_view key) const {
-  const JsonValue* found = dictionary_.if_contains(key);
+  const JsonValue* found = find(key);
   return found != nullptr && booleanReading(*found);
 }
 
 std::int64_t AnswerReader::integer(std::string_view key) const {
-  const JsonValue* found = dictionary_.if_contains(key);
+  const JsonValue* found = find(key);
   return found != nullptr ? integerReading(*found) : 0;
 }
 
 std::optional<SecretString> AnswerReader::secretText(std::string_view key) const {
-  const JsonValue* found = dictionary_.if_contains(key);
+  const JsonValue* found = find(key);
   if (found == nullptr || found->is_null()) {
     return std::nullopt;
   }
@@ -160,14 +178,14 @@ std::optional<SecretString> AnswerReader::secretText(std::string_view key) const
 }
 
 std::shared_ptr<const JsonValue> AnswerReader::value(std::string_view key) const {
-  const JsonValue* found = dictionary_.if_contains(key);
+  const JsonValue* found = find(key);
   // Copied to memory of its own: the answer's memory goes with the answer.
   return found != nullptr ? std::make_shared<const JsonValue>(*found, boost::json::storage_ptr())
                           : nullptr;
 }
 
 const JsonDictionary* AnswerReader::dictionary(std::string_view key) const {
-  const JsonValue* found = dictionary_.if_contains(key);
+  const JsonValue* found = find(key);
   if (found == nullptr) {
     return nullptr;
   }
@@ -180,7 +198,7 @@ const JsonDictionary* AnswerReader::dictionary(std::string_view key) const {
 
 std::vector<const JsonDictionary*> AnswerReader::dictionaries(std::string_view key) const {
   std::vector<const JsonDictionary*> result;
-  const JsonValue* found = dictionary_.if_contains(key);
+  const JsonValue* found = find(key);
   if (found == nullptr) {
     return result;
   }
@@ -199,12 +217,13 @@ std::vector<const JsonDictionary*> AnswerReader::dictionaries(std::string_view k
 }
 
 bool AnswerReader::equals(std::string_view key, std::string_view text) const {
-  return match(key, {text}, Case::exact) != 0;
+  const JsonValue* found = find(key);
+  return found != nullptr && match(*found, {text}, Case::exact) != 0;
 }
 
 void AnswerReader::read(std::string_view key, std::optional<std::string>& field,
                         bool& hasField) const {
-  const JsonValue* found = dictionary_.if_contains(key);
+  const JsonValue* found = find(key);
   hasField = found != nullptr;
   if (found != nullptr) {
     readText(*found, field);
@@ -214,13 +233,13 @@ void AnswerReader::read(std::string_view key, std::optional<std::string>& field,
 }
 
 void AnswerReader::read(std::string_view key, bool& field, bool& hasField) const {
-  const JsonValue* found = dictionary_.if_contains(key);
+  const JsonValue* found = find(key);
   field = found != nullptr && booleanReading(*found);
   hasField = found != nullptr;
 }
 
 void AnswerReader::read(std::string_view key, std::int64_t& field, bool& hasField) const {
-  const JsonValue* found = dictionary_.if_contains(key);
+  const JsonValue* found = find(key);
   field = found != nullptr ? integerReading(*found) : 0;
   hasField = found != nullptr;
 }
@@ -231,11 +250,9 @@ void AnswerReader::read(std::string_view key, std::shared_ptr<const JsonValue>& 
   hasField = field != nullptr;
 }
 
-std::int32_t AnswerReader::match(std::string_view key,
-                                 std::initializer_list<std::string_view> texts,
-                                 Case letters) const {
-  const JsonValue* found = dictionary_.if_contains(key);
-  const auto* text = found != nullptr ? found->if_string() : nullptr;
+std::int32_t AnswerReader::match(const JsonValue& value,
+                                 std::initializer_list<std::string_view> texts, Case letters) {
+  const auto* text = value.if_string();
   if (text == nullptr) {
     return 0;
   }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <initializer_list>
 #include <memory>
@@ -14,6 +15,8 @@
 namespace orlix {
 
 enum class Case { exact, ignored };
+/// What became of an enumeration.
+enum class Match { missingKey, otherValue, known };
 
 /// Reads the fields of a decoded answer. How a value of one JSON type is read as another is decided
 /// here and nowhere else:
@@ -31,7 +34,7 @@ enum class Case { exact, ignored };
 /// sign: after white space, a sign and zeros one of Y, y, T, t and 1 to 9 makes it true.
 ///
 /// "Fails" throws std::invalid_argument; requests turn it into NetworkException.
-/// Thread: any. The answer must outlive the reader.
+/// One thread at a time. The answer must outlive the reader.
 class AnswerReader {
  public:
   explicit AnswerReader(const JsonDictionary& dictionary) : dictionary_(dictionary) {}
@@ -62,17 +65,21 @@ class AnswerReader {
   void read(std::string_view key, std::int64_t& field, bool& hasField) const;
   void read(std::string_view key, std::shared_ptr<const JsonValue>& field, bool& hasField) const;
 
-  /// Sets the field to the number, counted from 1, of the first of `texts` that the value equals,
-  /// and says whether there was one; otherwise the field stays. A value that is no text equals
-  /// none.
+  /// Sets the field to the number, counted from 1, of the first of `texts` that the value equals;
+  /// otherwise the field stays. A value that is no text equals none.
   template <class Enum>
-  bool readEnum(std::string_view key, Enum& field, std::initializer_list<std::string_view> texts,
-                Case letters) const {
-    const std::int32_t number = match(key, texts, letters);
-    if (number != 0) {
-      field = static_cast<Enum>(number);
+  Match readEnum(std::string_view key, Enum& field, std::initializer_list<std::string_view> texts,
+                 Case letters) const {
+    const JsonValue* found = find(key);
+    if (found == nullptr) {
+      return Match::missingKey;
     }
-    return number != 0;
+    const std::int32_t number = match(*found, texts, letters);
+    if (number == 0) {
+      return Match::otherValue;
+    }
+    field = static_cast<Enum>(number);
+    return Match::known;
   }
 
   /// A nested record: when the key exists, the record is made if there is none and filled.
@@ -102,10 +109,12 @@ class AnswerReader {
   }
 
  private:
-  std::int32_t match(std::string_view key, std::initializer_list<std::string_view> texts,
-                     Case letters) const;
+  static std::int32_t match(const JsonValue& value, std::initializer_list<std::string_view> texts,
+                            Case letters);
+  const JsonValue* find(std::string_view key) const;
 
   const JsonDictionary& dictionary_;
+  mutable std::size_t next_ = 0;  ///< place of the member after the last one found
 };
 
 }  // namespace orlix

@@ -13,10 +13,9 @@ CardOption& CardOption::parseFromData(const JsonDictionary& dictionary) {
   answer.read("needCvv", needCvv, hasNeedCvv);
   answer.read("cardType", cardType, hasCardType);
   answer.read("drawLine", drawLine, hasDrawLine);
-  if (answer.has("method")) {
-    answer.readEnum("method", method, {"AMT", "SECURE_CODE", "WALLET", "CNP"}, Case::ignored);
-    hasMethod = true;
-  }
+  const Match known =
+      answer.readEnum("method", method, {"AMT", "SECURE_CODE", "WALLET", "CNP"}, Case::ignored);
+  hasMethod = hasMethod || known != Match::missingKey;
   answer.read("imageId", imageId, hasImageId);
   answer.read("product", product, hasProduct);
   answer.read("authed3Ds", authed3Ds, hasAuthed3Ds);

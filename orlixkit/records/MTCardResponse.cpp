@@ -8,9 +8,9 @@ namespace orlix {
 MTCardResponse& MTCardResponse::parseFromData(ByteView data) {
   const JsonObject json = KCVelloUtil::getJson(data);
   const AnswerReader answer(json);
-  if (answer.readEnum("status", status, {"SUCCESS", "FAILED", "RELINK"}, Case::exact)) {
-    hasStatus = true;
-  }
+  const Match known =
+      answer.readEnum("status", status, {"SUCCESS", "FAILED", "RELINK"}, Case::exact);
+  hasStatus = hasStatus || known == Match::known;
   answer.readRecord("receipt", receipt, hasReceipt);
   answer.readRecord("cardList", cardList, hasCardList);
   return *this;

@@ -8,8 +8,9 @@ namespace orlix {
 MTPinResponse& MTPinResponse::parseFromData(ByteView data) {
   const JsonObject json = KCVelloUtil::getJson(data);
   const AnswerReader answer(json);
-  answer.readEnum("status", status, {"SUCCESS", "ERROR", "INVALID_PASSWORD"}, Case::ignored);
-  hasStatus = answer.has("status");
+  const Match known =
+      answer.readEnum("status", status, {"SUCCESS", "ERROR", "INVALID_PASSWORD"}, Case::ignored);
+  hasStatus = known != Match::missingKey;
   answer.read("transactionId", transactionId, hasTransactionId);
   answer.read("errorMessage", errorMessage, hasErrorMessage);
   return *this;

@@ -11,10 +11,9 @@ SecureCodeAutomator& SecureCodeAutomator::parseFromData(const JsonDictionary& di
     type = SecureCodeAutomatorType::smsOtp;
     hasType = true;
   }
-  if (answer.has("type")) {
-    answer.readEnum("type", type, {"SMS_OTP", "PASSWORD", "PUSH_USSD", "JS_ONLY"}, Case::ignored);
-    hasType = true;
-  }
+  const Match known =
+      answer.readEnum("type", type, {"SMS_OTP", "PASSWORD", "PUSH_USSD", "JS_ONLY"}, Case::ignored);
+  hasType = hasType || known != Match::missingKey;
   answer.read("javascript", javascript, hasJavascript);
   answer.read("smsRegex", smsRegex, hasSmsRegex);
   answer.read("inputPrompt", inputPrompt, hasInputPrompt);

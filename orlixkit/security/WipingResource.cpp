@@ -17,7 +17,12 @@ void* WipingResource::do_allocate(std::size_t size, std::size_t alignment) {
 }
 
 void WipingResource::do_deallocate(void* memory, std::size_t size, std::size_t alignment) {
-  wipe(memory, size);
+  giveBack(memory, size, size, alignment);
+}
+
+void WipingResource::giveBack(void* memory, std::size_t size, std::size_t used,
+                              std::size_t alignment) {
+  wipe(memory, used);
   std::pmr::new_delete_resource()->deallocate(memory, size, alignment);
   left_ += size;
 }
