@@ -5,6 +5,7 @@
 #include "orlixkit/checkout/CheckoutScreens.h"
 #include "orlixkit/checkout/OXUtil.h"
 #include "orlixkit/checkout/OXVelloEnvironment.h"
+#include "orlixkit/onboarding/OnboardingScreens.h"
 #include "orlixkit/protocol/OMVello.h"
 #include "orlixkit/securecode/SecureCodeScreens.h"
 
@@ -16,7 +17,7 @@ namespace {
 void fillStoryboard(Storyboard& storyboard) {
   addCheckoutScreens(storyboard);
   addSecureCodeScreens(storyboard);
-  addSecureCodeScreens(storyboard);
+  addOnboardingScreens(storyboard);
   storyboard.onMissing = [](const std::string& message) {
     OXUtil::showAlertWithTitle("Error", message);
   };

@@ -1,0 +1,71 @@
+#include "orlixkit/onboarding/OMTermsAndConditionsViewController.h"
+
+#include "orlixkit/checkout/OXUtil.h"
+#include "orlixkit/onboarding/ScreenSetUp.h"
+#include "orlixkit/platform/Host.h"
+
+namespace orlix {
+
+namespace {
+
+/// Lets the page fit the device's width, and the user zoom in up to ten times.
+constexpr const char* kViewportScript =
+    "var meta = document.createElement('meta');"
+    "meta.setAttribute('name', 'viewport');"
+    "meta.setAttribute('content', 'width=device-width, initial-scale=1.0, maximum-scale=10.0, "
+    "user-scalable=yes');"
+    "document.getElementsByTagName('head')[0].appendChild(meta);";
+
+ProgressIndicator& indicator() { return Host::current().application().progressIndicator(); }
+
+}  // namespace
+
+OMTermsAndConditionsViewController::OMTermsAndConditionsViewController()
+    : webView_(outlet<WebPageView>("webView")), backButton_(outlet<Button>("backButton")) {
+  backButton_->setTitle("BACK");
+  action("backAction", [this] { backAction(); });
+  backButton_->onTouchUpInside = [this] { performAction("backAction"); };
+}
+
+void OMTermsAndConditionsViewController::viewDidLoad() {
+  OrlixViewController::viewDidLoad();
+  applyOnboardingLook(*this);
+  OXUtil::addOrlixLogoToNavigationItem(*this);
+  webView_->setBackgroundColor(view()->backgroundColor());
+  const auto& webViews = Host::current().ports().webViews;
+  tcWebView_ = webViews ? webViews->newWebView() : nullptr;
+  if (!tcWebView_) {
+    log("OrlixKit: Unable to show the terms because the host has no web view.");
+    return;
+  }
+  tcWebView_->loadRequest(Host::current().deployment().termsAddress);
+  webView_->setPage(tcWebView_);
+  tcWebView_->setNavigationDelegate(
+      std::static_pointer_cast<OMTermsAndConditionsViewController>(shared_from_this()));
+}
+
+void OMTermsAndConditionsViewController::viewDidAppear() {
+  OrlixViewController::viewDidAppear();
+  // Only for a page that is still to come: nothing else would take the indicator away.
+  if (tcWebView_ && !pageFinished_) {
+    indicator().show("Please wait", ProgressMask::gradient);
+  }
+}
+
+void OMTermsAndConditionsViewController::didFinishNavigation() {
+  pageFinished_ = true;
+  indicator().dismiss();
+  tcWebView_->evaluateJavaScript(kViewportScript, [](const ScriptResult&) {});
+}
+
+void OMTermsAndConditionsViewController::didFailLoadWithError(const std::string& description) {
+  indicator().dismiss();
+  OXUtil::showAlertWithTitle("Error", description);
+}
+
+void OMTermsAndConditionsViewController::backAction() {
+  indicator().dismiss();
+  closeScreen(*this);
+}
+
+}  // namespace orlix

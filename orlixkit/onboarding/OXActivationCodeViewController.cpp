@@ -1,0 +1,88 @@
+#include "orlixkit/onboarding/OXActivationCodeViewController.h"
+
+#include <fmt/format.h>
+
+#include "orlixkit/checkout/OXUtil.h"
+#include "orlixkit/checkout/WalletRequest.h"
+#include "orlixkit/onboarding/ScreenSetUp.h"
+#include "orlixkit/onboarding/SecondAttempt.h"
+#include "orlixkit/platform/Host.h"
+
+namespace orlix {
+
+namespace {
+
+ProgressIndicator& indicator() { return Host::current().application().progressIndicator(); }
+
+}  // namespace
+
+OXActivationCodeViewController::OXActivationCodeViewController()
+    : infoLabel_(outlet<Label>("infoLabel")),
+      codeField_(outlet<TextField>("codeField")),
+      proceedButton_(outlet<Button>("proceedButton")),
+      cancelButton_(outlet<Button>("cancelButton")) {
+  codeField_->setPlaceholder("Activation code");
+  codeField_->setKeyboard(Keyboard::numberPad);
+  proceedButton_->setTitle("PROCEED");
+  cancelButton_->setTitle("CANCEL");
+  action("proceedAction", [this] { proceedAction(); });
+  action("cancelAction", [this] { cancelAction(); });
+  action("DoneClicked", [this] {
+    log("Done Clicked.");
+    codeField_->endEditing();
+  });
+  proceedButton_->onTouchUpInside = [this] { performAction("proceedAction"); };
+  cancelButton_->onTouchUpInside = [this] { performAction("cancelAction"); };
+}
+
+void OXActivationCodeViewController::viewDidLoad() {
+  OrlixViewController::viewDidLoad();
+  applyOnboardingLook(*this);
+  const auto current = session();
+  infoLabel_->setText(fmt::format("A text message has been sent to {}",
+                                  current ? current->activationMsisdn : std::string()));
+  codeField_->setToolbarButton("Done");
+}
+
+void OXActivationCodeViewController::proceedAction() {
+  if (!session()) {
+    return;
+  }
+  indicator().show("Please wait...", ProgressMask::gradient);
+  const auto screen = std::static_pointer_cast<OXActivationCodeViewController>(shared_from_this());
+  requestInBackground<std::int32_t>(
+      RequestQueue::globalBackground,
+      [code = codeField_->text()](KCVelloConnection& connection) {
+        return askTwice([&] { return connection.processActivationCode(code); });
+      },
+      [screen](std::int32_t status) { screen->answered(status); },
+      [screen] {
+        // The indicator is left to the alert, so that nothing can be touched until it stands.
+        OXUtil::showNetworkErrorRetryObject([screen] { screen->proceedAction(); });
+      });
+}
+
+void OXActivationCodeViewController::answered(std::int32_t status) {
+  indicator().dismiss();
+  if (status == 1) {
+    OXUtil::showAlertWithTitle("Warning", "Invalid activation code.");
+    return;
+  }
+  if (status == 3) {
+    OXUtil::showAlertWithTitle("Warning", "Could not activate.");
+    return;
+  }
+  // Any other status is a success: only the two known refusals keep the user here.
+  // Both roads are taken: the payment screen comes up at once, still without the code's
+  // information, and is replaced when the facade, told of the session, has looked the code up.
+  OMVello::sharedOMVello().velloSessionEstablished();
+  performSegue("Product");
+}
+
+void OXActivationCodeViewController::cancelAction() {
+  if (const auto current = session()) {
+    current->returnUserDidCancel();
+  }
+}
+
+}  // namespace orlix

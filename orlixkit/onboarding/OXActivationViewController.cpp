@@ -1,0 +1,159 @@
+#include "orlixkit/onboarding/OXActivationViewController.h"
+
+#include "orlixkit/checkout/OXUtil.h"
+#include "orlixkit/checkout/WalletRequest.h"
+#include "orlixkit/onboarding/CountryCellCodes.h"
+#include "orlixkit/onboarding/Msisdn.h"
+#include "orlixkit/onboarding/OMCountryCodeViewController.h"
+#include "orlixkit/onboarding/ScreenSetUp.h"
+#include "orlixkit/onboarding/SecondAttempt.h"
+#include "orlixkit/platform/Host.h"
+#include "orlixkit/platform/ui/Containers.h"
+
+namespace orlix {
+
+namespace {
+
+constexpr const char* kTermsSentence =
+    "By clicking on proceed you accept the Orlix terms and conditions found <a href=''>here</a>";
+
+ProgressIndicator& indicator() { return Host::current().application().progressIndicator(); }
+
+}  // namespace
+
+OXActivationViewController::OXActivationViewController()
+    : countryCodeField_(outlet<TextField>("countryCodeField")),
+      msisdnField_(outlet<TextField>("msisdnField")),
+      descriptionLabel_(outlet<Label>("descriptionLabel")),
+      proceedButton_(outlet<Button>("proceedButton")),
+      cancelButton_(outlet<Button>("cancelButton")) {
+  msisdnField_->setPlaceholder("Mobile number");
+  msisdnField_->setKeyboard(Keyboard::phonePad);
+  proceedButton_->setTitle("PROCEED");
+  cancelButton_->setTitle("CANCEL");
+  action("proceedAction", [this] { proceedAction(); });
+  action("cancelAction", [this] { cancelAction(); });
+  action("descriptionTapped", [this] { descriptionTapped(); });
+  action("DoneClicked", [this] {
+    log("Done Clicked.");
+    msisdnField_->endEditing();
+  });
+  proceedButton_->onTouchUpInside = [this] { performAction("proceedAction"); };
+  cancelButton_->onTouchUpInside = [this] { performAction("cancelAction"); };
+  descriptionLabel_->onTap = [this] { performAction("descriptionTapped"); };
+}
+
+OXActivationViewController::~OXActivationViewController() {
+  countryCodeField_->setDelegate(nullptr);
+}
+
+std::shared_ptr<OXActivationViewController> OXActivationViewController::self() {
+  return std::static_pointer_cast<OXActivationViewController>(shared_from_this());
+}
+
+void OXActivationViewController::viewDidLoad() {
+  OrlixViewController::viewDidLoad();
+  applyOnboardingLook(*this);
+  countryCodeField_->setText("27");
+  showTermsSentence(*descriptionLabel_, kTermsSentence);
+  msisdnField_->setToolbarButton("Done");
+  countryCodeField_->setDelegate(this);
+  const std::shared_ptr<OXSession> current = session();
+  const std::string number = current ? current->preMSISDN.value_or("") : "";
+  if (!number.empty()) {
+    msisdnField_->setText(number);
+    getCountryCode(number);
+  }
+}
+
+bool OXActivationViewController::textFieldShouldBeginEditing(TextField& field) {
+  if (&field != countryCodeField_.get()) {
+    return true;
+  }
+  if (session()) {
+    performSegue("CountryCode");
+  }
+  return false;
+}
+
+void OXActivationViewController::prepareForSegue(
+    const std::string& name, const std::shared_ptr<ViewController>& destination) {
+  transitioningDelegate_ = presentAsCard(*destination);
+  if (name != "CountryCode") {
+    return;
+  }
+  if (const auto picker =
+          std::dynamic_pointer_cast<OMCountryCodeViewController>(destination->visibleChild())) {
+    picker->currentCountryCode = countryCodeField_->text();
+    picker->authController = self();
+  }
+}
+
+void OXActivationViewController::changeCountryCode(const std::string& code) {
+  countryCodeField_->setText(code);
+}
+
+void OXActivationViewController::getCountryCode(const std::string& number) {
+  if (const auto code = countryCodeOf(number, loadCountryCellCodes())) {
+    countryCodeField_->setText(*code);
+  }
+}
+
+void OXActivationViewController::descriptionTapped() { performSegue("TermsAndConditions"); }
+
+void OXActivationViewController::proceedAction() { sendMsisdn(); }
+
+void OXActivationViewController::cancelAction() {
+  if (const auto current = session()) {
+    current->returnUserDidCancel();
+  }
+}
+
+void OXActivationViewController::sendMsisdn() {
+  const std::shared_ptr<OXSession> current = session();
+  const std::string number = normalizedMsisdn(countryCodeField_->text(), msisdnField_->text());
+  if (!current || number.empty()) {
+    return;
+  }
+  if (number.size() < kShortestMsisdn) {
+    OXUtil::showAlertWithTitle("Warning", "Invalid msisdn number, too short.");
+    return;
+  }
+  if (number.size() > kLongestMsisdn) {
+    OXUtil::showAlertWithTitle("Warning", "Invalid msisdn number, too long.");
+    return;
+  }
+  log(number);
+  current->activationMsisdn = number;
+  if (!OMVello::sharedOMVello().connection()) {
+    // Nobody there to answer, which looks to the user like a number that nobody takes.
+    OXUtil::showAlertWithTitle("Warning", "Invalid mobile number.");
+    return;
+  }
+  ask(number);
+}
+
+void OXActivationViewController::ask(const std::string& msisdn) {
+  indicator().show("Please wait...", ProgressMask::gradient);
+  requestInBackground<MTSmsResponse>(
+      RequestQueue::globalBackground,
+      [msisdn](KCVelloConnection& connection) {
+        return askTwice([&] { return connection.sendMsisdn(msisdn); });
+      },
+      [screen = self()](const MTSmsResponse& response) { screen->answered(response); },
+      [screen = self()] {
+        indicator().dismiss();
+        OXUtil::showNetworkErrorRetryObject([screen] { screen->sendMsisdn(); });
+      });
+}
+
+void OXActivationViewController::answered(const MTSmsResponse& response) {
+  indicator().dismiss();
+  if (response.status != SmsResponseStatus::success) {
+    OXUtil::showAlertWithTitle("Warning", "Could not send msisdn.");
+    return;
+  }
+  performSegue("ActivationCode");
+}
+
+}  // namespace orlix

@@ -1,0 +1,51 @@
+#pragma once
+
+#include <memory>
+#include <string>
+
+#include "orlixkit/checkout/OXTransitioningDelegate.h"
+#include "orlixkit/checkout/OrlixViewController.h"
+#include "orlixkit/platform/ui/TextField.h"
+#include "orlixkit/records/MTSmsResponse.h"
+
+namespace orlix {
+
+/// First screen of the enrolment of a device: asks for the mobile number and has the server send a
+/// code to it.
+class OXActivationViewController : public OrlixViewController, public TextFieldDelegate {
+ public:
+  OXActivationViewController();
+  ~OXActivationViewController() override;
+  OXActivationViewController(const OXActivationViewController&) = delete;
+  OXActivationViewController& operator=(const OXActivationViewController&) = delete;
+
+  void viewDidLoad() override;
+  void prepareForSegue(const std::string& name,
+                       const std::shared_ptr<ViewController>& destination) override;
+  /// The country code is picked from a list instead of typed.
+  bool textFieldShouldBeginEditing(TextField& field) override;
+
+  /// Called by the picker: digits without "+".
+  void changeCountryCode(const std::string& code);
+  /// Sets the country code to that of an international number; other numbers change nothing.
+  void getCountryCode(const std::string& number);
+  void descriptionTapped();
+  void proceedAction();
+  void cancelAction();
+  /// What the network alert's retry calls, too.
+  void sendMsisdn();
+
+ private:
+  void ask(const std::string& msisdn);
+  void answered(const MTSmsResponse& response);
+  std::shared_ptr<OXActivationViewController> self();
+
+  std::shared_ptr<TextField> countryCodeField_;
+  std::shared_ptr<TextField> msisdnField_;
+  std::shared_ptr<Label> descriptionLabel_;
+  std::shared_ptr<Button> proceedButton_;
+  std::shared_ptr<Button> cancelButton_;
+  std::shared_ptr<OXTransitioningDelegate> transitioningDelegate_;
+};
+
+}  // namespace orlix

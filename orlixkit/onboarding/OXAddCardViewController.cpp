@@ -1,0 +1,263 @@
+#include "orlixkit/onboarding/OXAddCardViewController.h"
+
+#include "orlixkit/checkout/OXOrlix.h"
+#include "orlixkit/checkout/OXUtil.h"
+#include "orlixkit/checkout/WalletRequest.h"
+#include "orlixkit/onboarding/CardDates.h"
+#include "orlixkit/onboarding/ScreenSetUp.h"
+#include "orlixkit/platform/Host.h"
+#include "orlixkit/widgets/Characters.h"
+
+namespace orlix {
+
+namespace {
+
+ProgressIndicator& indicator() { return Host::current().application().progressIndicator(); }
+
+std::size_t lengthOf(std::string_view text) { return charactersOf(text).size(); }
+
+}  // namespace
+
+OXAddCardViewController::OXAddCardViewController()
+    : cardNumberField_(outlet<CardNumberField>("cardNumberField")),
+      cardHolderField_(outlet<TextField>("cardHolderField")),
+      expiryDateGroupView_(outlet<View>("expiryDateGroupView")),
+      expiryDateLabel_(outlet<Label>("expiryDateLabel", expiryDateGroupView_)),
+      expiryDateField_(outlet<FormattedTextField>("expiryDateField", expiryDateGroupView_)),
+      dateOfBirthGroupView_(outlet<View>("dateOfBirthGroupView")),
+      dateOfBirthLabel_(outlet<Label>("dateOfBirthLabel", dateOfBirthGroupView_)),
+      dateOfBirthField_(outlet<FormattedTextField>("dateOfBirthField", dateOfBirthGroupView_)),
+      cardAccountGroupView_(outlet<View>("cardAccountGroupView")),
+      cardAccountLabel_(outlet<Label>("cardAccountLabel", cardAccountGroupView_)),
+      cardAccountField_(outlet<TextField>("cardAccountField", cardAccountGroupView_)),
+      proceedButton_(outlet<Button>("proceedButton")),
+      cancelButton_(outlet<Button>("cancelButton")) {
+  cardNumberField_->setPlaceholder("Card number");
+  cardHolderField_->setPlaceholder("Name on card");
+  expiryDateLabel_->setText("Expiry date");
+  expiryDateField_->setPlaceholder("MM/YY");
+  dateOfBirthLabel_->setText("Date of birth");
+  dateOfBirthField_->setPlaceholder("DD/MM/YYYY");
+  cardAccountLabel_->setText("Account");
+  cardAccountField_->setPlaceholder("Select an account");
+  proceedButton_->setTitle("PROCEED");
+  cancelButton_->setTitle("CANCEL");
+  action("proceedAction", [this] { proceedAction(); });
+  action("cancelAction", [this] { cancelAction(); });
+  proceedButton_->onTouchUpInside = [this] { performAction("proceedAction"); };
+  cancelButton_->onTouchUpInside = [this] { performAction("cancelAction"); };
+}
+
+std::shared_ptr<OXAddCardViewController> OXAddCardViewController::self() {
+  return std::static_pointer_cast<OXAddCardViewController>(shared_from_this());
+}
+
+void OXAddCardViewController::viewDidLoad() {
+  OrlixViewController::viewDidLoad();
+  applyOnboardingLook(*this);
+  expiryDateField_->setPattern("XX/XX");
+  dateOfBirthField_->setPattern("XX/XX/XXXX");
+  cardAccountGroupView_->setSubviewsHidden(true);
+}
+
+void OXAddCardViewController::viewDidAppear() {
+  OrlixViewController::viewDidAppear();
+  populateCardAccountPicker();
+}
+
+void OXAddCardViewController::populateCardAccountPicker() {
+  cardAccountPicker_ = DropDownPicker::attach(cardAccountField_, {"Savings", "Current", "Credit"});
+}
+
+bool OXAddCardViewController::isValidLuhn(std::string_view cardNumber) {
+  return lengthOf(cardNumber) >= 16;
+}
+
+bool OXAddCardViewController::isValidExpiryDate(std::string_view monthAndYear) {
+  return isExpiryDateValid(monthAndYear, currentMonth());
+}
+
+bool OXAddCardViewController::isValidDateOfBirth(std::string_view dateOfBirth) {
+  return lengthOf(dateOfBirth) == 10;
+}
+
+void OXAddCardViewController::warn(const std::string& message) {
+  OXUtil::showAlertWithTitle("Warning", message);
+}
+
+void OXAddCardViewController::proceedAction() {
+  cardNumber_ = cardNumberField_->number();
+  if (!isValidLuhn(cardNumber_) && lengthOf(cardNumber_) < 14) {
+    warn("Invalid card number");
+    return;
+  }
+  cardHolder_ = cardHolderField_->text();
+  if (lengthOf(cardHolder_) <= 2) {
+    warn("Invalid card holder name");
+    return;
+  }
+  expiryDate_ = expiryDateField_->text();
+  dateOfBirth_ = dateOfBirthField_->text();
+  checkCard();
+}
+
+void OXAddCardViewController::checkCard() {
+  if (!session()) {
+    return;
+  }
+  indicator().show("Loading...", ProgressMask::none, ProgressStyle::information);
+  requestInBackground<MTBinInfo>(
+      RequestQueue::newOperationQueue,
+      [number = cardNumber_](KCVelloConnection& connection) {
+        return connection.getBinInfo(number);
+      },
+      [screen = self()](const MTBinInfo& info) { screen->lookedUp(info); },
+      [screen = self()] {
+        indicator().dismiss();
+        if (!screen->wasLeft()) {
+          OXUtil::showNetworkErrorRetryObject([screen] { screen->checkCard(); });
+        }
+      });
+}
+
+void OXAddCardViewController::lookedUp(const MTBinInfo& info) {
+  binInfo_ = info;
+  if (wasLeft()) {
+    // The user has thought better of it: a card must not be linked behind his back.
+    indicator().dismiss();
+    return;
+  }
+  if (!binInfo_.cardSupported) {
+    indicator().dismiss();
+    warn("This bank card is not supported");
+    return;
+  }
+  const auto card = std::make_shared<CardInfoResponse>();
+  if (!takeExpiryDate(*card) || !takeDateOfBirth(*card)) {
+    return;
+  }
+  if (binInfo_.needCardHolderName) {
+    card->cardHolderName = cardHolder_;
+  }
+  if (!takeAccount(*card)) {
+    return;
+  }
+  card->cardNumber = cardNumber_;
+  card->location = OXUtil::getLocation();
+  linkCard(card);
+}
+
+bool OXAddCardViewController::takeExpiryDate(CardInfoResponse& card) {
+  if (!binInfo_.needExp) {
+    return true;
+  }
+  const std::optional<ExpiryDate> date = splitExpiryDate(expiryDate_);
+  if (!date || !isValidExpiryDate(expiryDate_)) {
+    indicator().dismiss();
+    warn("Invalid expiry date");
+    return false;
+  }
+  card.expiryDateMonth = date->month;
+  card.expiryDateYear = date->year;
+  return true;
+}
+
+bool OXAddCardViewController::takeDateOfBirth(CardInfoResponse& card) {
+  if (!binInfo_.needDob) {
+    return true;
+  }
+  const std::optional<std::string> formatted = dateOfBirthFromYear(dateOfBirth_, "");
+  if (!formatted || !isValidDateOfBirth(dateOfBirth_)) {
+    indicator().dismiss();
+    warn("Enter a valid date of birth DD/MM/YYYY");
+    return false;
+  }
+  dateOfBirthFormatted_ = *formatted;
+  card.dateOfBirth = dateOfBirthFormatted_;
+  return true;
+}
+
+bool OXAddCardViewController::takeAccount(CardInfoResponse& card) {
+  if (!binInfo_.needAccount) {
+    return true;
+  }
+  if (cardAccountGroupView_->subviews().front()->hidden()) {
+    // Without a word: the row that appears says it. The next proceed asks for all of it again.
+    cardAccountGroupView_->setSubviewsHidden(false);
+    indicator().dismiss();
+    return false;
+  }
+  if (cardAccountField_->text().empty()) {
+    indicator().dismiss();
+    warn("Please select an account.");
+    return false;
+  }
+  card.account = cardAccountField_->text();
+  return true;
+}
+
+void OXAddCardViewController::linkCard(const std::shared_ptr<CardInfoResponse>& card) {
+  if (!session()) {
+    return;
+  }
+  requestInBackground<MTCardResponse>(
+      RequestQueue::newOperationQueue,
+      [card](KCVelloConnection& connection) { return connection.linkCard(*card); },
+      [screen = self(), card](const MTCardResponse& response) { screen->answered(response, card); },
+      [screen = self(), card] {
+        indicator().dismiss();
+        OXUtil::showNetworkErrorRetryObject([screen, card] { screen->linkCard(card); });
+      });
+}
+
+void OXAddCardViewController::answered(const MTCardResponse& response,
+                                       const std::shared_ptr<CardInfoResponse>& card) {
+  if (response.status == CardResponseStatus::success) {
+    indicator().dismiss();
+    linked(response);
+    return;
+  }
+  if (wasLeft()) {
+    // A form that is gone has nothing to ask.
+    indicator().dismiss();
+    return;
+  }
+  if (response.status == CardResponseStatus::failed) {
+    indicator().dismiss();
+    warn("There seems to be some problem adding this card");
+  } else if (response.status == CardResponseStatus::relink) {
+    indicator().dismiss();
+    session()->cardInfoResponse = card;
+    session()->showMsisdnRelinkScreen();
+  }
+  // An answer that says none of the three leaves the indicator up: the outcome is not known, and
+  // the user should look twice before adding the card once more.
+}
+
+void OXAddCardViewController::linked(const MTCardResponse& response) {
+  // The first card. (The screen that confirms the mobile number takes the last one.)
+  const bool hasCards = response.cardList && !response.cardList->cardsArray.empty();
+  OXUtil::setLastUsedCardId(hasCards ? response.cardList->cardsArray.front().cardId : 0);
+  const std::shared_ptr<OXSession> current = session();
+  if (current && current->preRegister) {
+    current->returnUserRegistered();
+  } else {
+    OXOrlix::loadCodeInfo(nullptr);
+  }
+}
+
+void OXAddCardViewController::cancelAction() {
+  const std::shared_ptr<OXSession> current = session();
+  if (!current) {
+    return;
+  }
+  if (current->preRegister) {
+    current->returnUserDidCancel();
+  } else if (current->walletManagement) {
+    current->showWalletManagementScreen();
+  } else {
+    current->showPurchaseScreen();
+  }
+}
+
+}  // namespace orlix

@@ -1,0 +1,113 @@
+#include "orlixkit/onboarding/OXCardValidationViewController.h"
+
+#include <fmt/format.h>
+
+#include "orlixkit/checkout/AlertWindow.h"
+#include "orlixkit/checkout/OXOrlix.h"
+#include "orlixkit/checkout/OXUtil.h"
+#include "orlixkit/checkout/WalletRequest.h"
+#include "orlixkit/onboarding/CardDates.h"
+#include "orlixkit/onboarding/ScreenSetUp.h"
+#include "orlixkit/platform/Host.h"
+
+namespace orlix {
+
+namespace {
+
+ProgressIndicator& indicator() { return Host::current().application().progressIndicator(); }
+
+}  // namespace
+
+OXCardValidationViewController::OXCardValidationViewController()
+    : infoLabel_(outlet<Label>("infoLabel")),
+      dobGroupView_(outlet<View>("dobGroupView")),
+      dateOfBirthLabel_(outlet<Label>("dateOfBirthLabel", dobGroupView_)),
+      dateOfBirthField_(outlet<FormattedTextField>("dateOfBirthField", dobGroupView_)),
+      proceedButton_(outlet<Button>("proceedButton")),
+      cancelButton_(outlet<Button>("cancelButton")) {
+  dateOfBirthLabel_->setText("Date of birth");
+  dateOfBirthField_->setPlaceholder("DD/MM/YYYY");
+  proceedButton_->setTitle("PROCEED");
+  cancelButton_->setTitle("CANCEL");
+  action("proceedAction", [this] { proceedAction(); });
+  action("cancelAction", [this] { cancelAction(); });
+  proceedButton_->onTouchUpInside = [this] { performAction("proceedAction"); };
+  cancelButton_->onTouchUpInside = [this] { performAction("cancelAction"); };
+}
+
+void OXCardValidationViewController::viewDidLoad() {
+  OrlixViewController::viewDidLoad();
+  applyOnboardingLook(*this);
+  dateOfBirthField_->setPattern("XX/XX/XXXX");
+  card_ = OXUtil::getLastUsedCard().value_or(CardOption{});
+  needsDob_ = card_.validationtype == "DOB";
+  dobGroupView_->setHidden(!needsDob_);
+  infoLabel_->setText(fmt::format("CONFIRM THAT YOU ARE THE OWNER OF THIS CARD ENDING IN {}?",
+                                  card_.cardHint.value_or("")));
+}
+
+std::optional<std::string> OXCardValidationViewController::formatDobForBackend(
+    std::string_view text) {
+  return dateOfBirthFromYear(text, "-");
+}
+
+void OXCardValidationViewController::proceedAction() {
+  if (!needsDob_) {
+    unlockCardWithDateOfBirth("");
+    return;
+  }
+  const std::optional<std::string> dateOfBirth = formatDobForBackend(dateOfBirthField_->text());
+  if (!dateOfBirth) {
+    // Three Y's: hosts have the sentence in their manuals.
+    OXUtil::showAlertWithTitle("Warning", "Enter a valid date of birth DD/MM/YYY");
+    return;
+  }
+  unlockCardWithDateOfBirth(*dateOfBirth);
+}
+
+void OXCardValidationViewController::unlockCardWithDateOfBirth(const std::string& dateOfBirth) {
+  if (!session()) {
+    return;
+  }
+  indicator().show("Please wait...");
+  const auto screen = std::static_pointer_cast<OXCardValidationViewController>(shared_from_this());
+  requestInBackground<MTCardValidateResponse>(
+      RequestQueue::globalBackground,
+      [cardId = card_.cardId, dateOfBirth](KCVelloConnection& connection) {
+        return connection.validateCard(true, cardId, dateOfBirth);
+      },
+      [screen](const MTCardValidateResponse& response) { screen->answered(response); },
+      [screen, dateOfBirth] {
+        indicator().dismiss();
+        OXUtil::showNetworkErrorRetryObject(
+            [screen, dateOfBirth] { screen->unlockCardWithDateOfBirth(dateOfBirth); });
+      });
+}
+
+void OXCardValidationViewController::answered(const MTCardValidateResponse& response) {
+  indicator().dismiss();
+  // The sentence alone decides, to the letter: the server has no other sign of success.
+  if (response.message == "Your card has been added") {
+    OXOrlix::loadCodeInfo(nullptr);
+    session()->showPurchaseScreen();
+    return;
+  }
+  const auto alert = std::make_shared<AlertController>(
+      "Warning", "YOUR DATE OF BIRTH WAS NOT CORRECT. YOUR CARD HAS BEEN REMOVED.");
+  const auto screen = std::static_pointer_cast<OXCardValidationViewController>(shared_from_this());
+  alert->addAction({"Cancel", AlertActionStyle::cancel, [screen] {
+                      if (screen->session()) {
+                        OXOrlix::loadCodeInfo(nullptr);
+                      }
+                    }});
+  OXUtil::styleAlertController(*alert);
+  AlertWindow::show(alert);
+}
+
+void OXCardValidationViewController::cancelAction() {
+  if (const auto current = session()) {
+    current->showPurchaseScreen();
+  }
+}
+
+}  // namespace orlix

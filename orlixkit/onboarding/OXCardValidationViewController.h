@@ -1,0 +1,43 @@
+#pragma once
+
+#include <memory>
+#include <optional>
+#include <string>
+#include <string_view>
+
+#include "orlixkit/checkout/OrlixViewController.h"
+#include "orlixkit/records/CardOption.h"
+#include "orlixkit/records/MTCardValidateResponse.h"
+#include "orlixkit/widgets/FormattedTextField.h"
+
+namespace orlix {
+
+/// Has the user prove that the last used card is his, by the date of birth where the card wants it.
+class OXCardValidationViewController : public OrlixViewController {
+ public:
+  OXCardValidationViewController();
+  void viewDidLoad() override;
+
+  void proceedAction();
+  void cancelAction();
+  /// Sends the proof. What the network alert's retry calls, with the same text.
+  void unlockCardWithDateOfBirth(const std::string& dateOfBirth);
+
+  /// Year-month-day from a text of exactly ten characters, nothing otherwise. What the characters
+  /// are is not looked at.
+  static std::optional<std::string> formatDobForBackend(std::string_view text);
+
+ private:
+  void answered(const MTCardValidateResponse& response);
+
+  std::shared_ptr<Label> infoLabel_;
+  std::shared_ptr<View> dobGroupView_;
+  std::shared_ptr<Label> dateOfBirthLabel_;
+  std::shared_ptr<FormattedTextField> dateOfBirthField_;
+  std::shared_ptr<Button> proceedButton_;
+  std::shared_ptr<Button> cancelButton_;
+  CardOption card_;
+  bool needsDob_ = false;
+};
+
+}  // namespace orlix

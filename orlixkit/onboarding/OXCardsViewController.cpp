@@ -1,0 +1,134 @@
+#include "orlixkit/onboarding/OXCardsViewController.h"
+
+#include <fmt/format.h>
+
+#include "orlixkit/checkout/OXOrlix.h"
+#include "orlixkit/checkout/OXUtil.h"
+#include "orlixkit/checkout/WalletRequest.h"
+#include "orlixkit/onboarding/ScreenSetUp.h"
+#include "orlixkit/platform/Host.h"
+#include "orlixkit/platform/ui/AlertController.h"
+
+namespace orlix {
+
+namespace {
+
+ProgressIndicator& indicator() { return Host::current().application().progressIndicator(); }
+
+}  // namespace
+
+OXCardsViewController::OXCardsViewController()
+    : tableView_(outlet<TableView>("tableView")),
+      addCardButton_(outlet<Button>("addCardButton")),
+      cancelButton_(outlet<Button>("cancelButton")) {
+  tableView_->setDataSource(this);
+  addCardButton_->setTitle("ADD CARD");
+  cancelButton_->setTitle("CANCEL");
+  action("addCardAction", [this] { addCardAction(); });
+  action("cancelAction", [this] { showScreen(); });
+  addCardButton_->onTouchUpInside = [this] { performAction("addCardAction"); };
+  cancelButton_->onTouchUpInside = [this] { performAction("cancelAction"); };
+}
+
+OXCardsViewController::~OXCardsViewController() { tableView_->setDataSource(nullptr); }
+
+std::shared_ptr<OXCardsViewController> OXCardsViewController::self() {
+  return std::static_pointer_cast<OXCardsViewController>(shared_from_this());
+}
+
+void OXCardsViewController::viewDidLoad() {
+  OrlixViewController::viewDidLoad();
+  applyOnboardingLook(*this);
+  tableView_->setSeparators(false);
+}
+
+std::size_t OXCardsViewController::numberOfRows() {
+  const auto current = session();
+  return current ? current->cards.size() : 0;
+}
+
+TableCell OXCardsViewController::cellForRow(std::size_t row) {
+  const CardOption& card = session()->cards[row];
+  TableCell cell;
+  cell.identifier = "CardCell";
+  cell.text = fmt::format("xxx-{}", card.cardHint.value_or(""));
+  cell.imageName = OXUtil::imageForCardType(card.cardType);
+  cell.button = deleteButton(row);
+  return cell;
+}
+
+std::shared_ptr<Button> OXCardsViewController::deleteButton(std::size_t row) {
+  auto button = std::make_shared<Button>();
+  button->setFrame({tableView_->frame().width - 35, 5, 30, 30});
+  button->setImageName("trash");
+  button->setTintColor(kWhite);
+  button->setTag(static_cast<int>(row));
+  button->onTouchUpInside = [weak = weak_from_this(), row] {
+    if (const auto screen = std::static_pointer_cast<OXCardsViewController>(weak.lock())) {
+      screen->deleteCardAction(row);
+    }
+  };
+  return button;
+}
+
+void OXCardsViewController::didSelectRow(std::size_t row) {
+  OXUtil::setLastUsedCardId(session()->cards[row].cardId);
+  showScreen();
+}
+
+void OXCardsViewController::showScreen() {
+  const std::shared_ptr<OXSession> current = session();
+  if (!current) {
+    return;
+  }
+  if (current->walletManagement) {
+    current->showWalletManagementScreen();
+  } else {
+    current->showPurchaseScreen();
+  }
+}
+
+void OXCardsViewController::addCardAction() {
+  if (const auto current = session()) {
+    current->showAddCardScreen();
+  }
+}
+
+void OXCardsViewController::deleteCardAction(std::size_t row) {
+  // The list may have become shorter since the row was drawn.
+  if (row >= numberOfRows()) {
+    return;
+  }
+  const auto alert = std::make_shared<AlertController>(
+      "Delete Card", "Are you sure you wish to discard this card?");
+  alert->addAction(
+      {"Cancel", AlertActionStyle::cancel, [table = tableView_] { table->setEditing(false); }});
+  alert->addAction({"Delete", AlertActionStyle::destructive,
+                    [screen = self(), card = session()->cards[row]] { screen->deleteCard(card); }});
+  OXUtil::styleAlertController(*alert);
+  present(alert, true);
+}
+
+void OXCardsViewController::deleteCard(const CardOption& card) {
+  if (!session()) {
+    return;
+  }
+  indicator().show("Please wait...");
+  requestInBackground<MTCardResponse>(
+      RequestQueue::newOperationQueue,
+      [cardId = card.cardId](KCVelloConnection& connection) {
+        return connection.delinkCard(cardId);
+      },
+      [screen = self()](const MTCardResponse&) {
+        // Whatever the answer says: the reloaded list shows the truth.
+        indicator().dismiss();
+        OXOrlix::loadCodeInfo(nullptr);
+        screen->tableView_->reloadData();
+      },
+      [screen = self(), card] {
+        // The indicator is left to the alert.
+        OXUtil::showNetworkErrorRetryObject([screen, card] { screen->deleteCard(card); });
+      });
+}
+
+}  // namespace orlix

@@ -1,0 +1,98 @@
+#include "orlixkit/onboarding/OXMsisdnRelinkViewController.h"
+
+#include "orlixkit/checkout/OXOrlix.h"
+#include "orlixkit/checkout/OXUtil.h"
+#include "orlixkit/checkout/WalletRequest.h"
+#include "orlixkit/onboarding/ScreenSetUp.h"
+#include "orlixkit/platform/Host.h"
+
+namespace orlix {
+
+namespace {
+
+ProgressIndicator& indicator() { return Host::current().application().progressIndicator(); }
+
+}  // namespace
+
+OXMsisdnRelinkViewController::OXMsisdnRelinkViewController()
+    : infoLabel_(outlet<Label>("infoLabel")),
+      msisdnField_(outlet<TextField>("msisdnField")),
+      proceedButton_(outlet<Button>("proceedButton")),
+      backButton_(outlet<Button>("backButton")) {
+  infoLabel_->setText("Please confirm the mobile number that is linked to this card.");
+  msisdnField_->setPlaceholder("Mobile number");
+  msisdnField_->setKeyboard(Keyboard::phonePad);
+  proceedButton_->setTitle("PROCEED");
+  backButton_->setTitle("BACK");
+  action("proceedAction", [this] { proceedAction(); });
+  action("back", [this] { back(); });
+  proceedButton_->onTouchUpInside = [this] { performAction("proceedAction"); };
+  backButton_->onTouchUpInside = [this] { performAction("back"); };
+}
+
+void OXMsisdnRelinkViewController::viewDidLoad() {
+  OrlixViewController::viewDidLoad();
+  applyOnboardingLook(*this);
+}
+
+void OXMsisdnRelinkViewController::proceedAction() {
+  const std::shared_ptr<OXSession> current = session();
+  if (!current) {
+    return;
+  }
+  if (!current->cardInfoResponse) {
+    current->cardInfoResponse = std::make_shared<CardInfoResponse>();
+  }
+  current->cardInfoResponse->linkedMsisdn = msisdnField_->text();
+  indicator().show("Please wait...");
+  const auto screen = std::static_pointer_cast<OXMsisdnRelinkViewController>(shared_from_this());
+  requestInBackground<MTCardResponse>(
+      RequestQueue::globalBackground,
+      // A copy: the request fills its record in, while the user may be proceeding once more.
+      [card = *current->cardInfoResponse](KCVelloConnection& connection) mutable {
+        return connection.linkCard(card);
+      },
+      [screen](const MTCardResponse& response) { screen->answered(response); },
+      [screen] {
+        indicator().dismiss();
+        OXUtil::showNetworkErrorRetryObject([screen] { screen->proceedAction(); });
+      });
+}
+
+void OXMsisdnRelinkViewController::answered(const MTCardResponse& response) {
+  indicator().dismiss();
+  switch (response.status) {
+    case CardResponseStatus::success:
+      linked(response);
+      break;
+    case CardResponseStatus::failed:
+      OXUtil::showAlertWithTitle("Warning", "It seems this mobile number is incorrect");
+      break;
+    case CardResponseStatus::relink:
+      OXUtil::showAlertWithTitle("Warning", "There seems to be some problem adding this card");
+      break;
+    case CardResponseStatus::notSet:
+      break;
+  }
+}
+
+void OXMsisdnRelinkViewController::linked(const MTCardResponse& response) {
+  // The last card: the server appends the one that was just confirmed. (The card form, where the
+  // list may begin with the new card, takes the first.)
+  const bool hasCards = response.cardList && !response.cardList->cardsArray.empty();
+  OXUtil::setLastUsedCardId(hasCards ? response.cardList->cardsArray.back().cardId : 0);
+  const std::shared_ptr<OXSession> current = session();
+  if (current && current->preRegister) {
+    current->returnUserRegistered();
+  } else {
+    OXOrlix::loadCodeInfo(nullptr);
+  }
+}
+
+void OXMsisdnRelinkViewController::back() {
+  if (const auto current = session()) {
+    current->showAddCardScreen();
+  }
+}
+
+}  // namespace orlix

@@ -1,0 +1,33 @@
+#pragma once
+
+#include <memory>
+
+#include "orlixkit/checkout/OrlixViewController.h"
+#include "orlixkit/platform/ui/TextField.h"
+#include "orlixkit/records/MTCardResponse.h"
+
+namespace orlix {
+
+/// Asks for the mobile number that the bank knows for a card which is being added, and links the
+/// card with it.
+class OXMsisdnRelinkViewController : public OrlixViewController {
+ public:
+  OXMsisdnRelinkViewController();
+  void viewDidLoad() override;
+
+  /// Sends the number as it was typed. What the network alert's retry calls, too.
+  void proceedAction();
+  /// Back to the form of the card.
+  void back();
+
+ private:
+  void answered(const MTCardResponse& response);
+  void linked(const MTCardResponse& response);
+
+  std::shared_ptr<Label> infoLabel_;
+  std::shared_ptr<TextField> msisdnField_;
+  std::shared_ptr<Button> proceedButton_;
+  std::shared_ptr<Button> backButton_;
+};
+
+}  // namespace orlix

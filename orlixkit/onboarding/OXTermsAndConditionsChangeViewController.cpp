@@ -1,0 +1,66 @@
+#include "orlixkit/onboarding/OXTermsAndConditionsChangeViewController.h"
+
+#include "orlixkit/checkout/OXUtil.h"
+#include "orlixkit/onboarding/ScreenSetUp.h"
+#include "orlixkit/protocol/OMVello.h"
+
+namespace orlix {
+
+namespace {
+
+// The control character stands in the sentence as it is published, and goes along.
+constexpr const char* kTermsSentence =
+    "We have updated our terms and conditions. "
+    "\x03"
+    "By clicking on proceed you accept the new Orlix terms and conditions found <a "
+    "href=''>here</a>";
+
+}  // namespace
+
+OXTermsAndConditionsChangeViewController::OXTermsAndConditionsChangeViewController()
+    : descriptionLabel_(outlet<Label>("descriptionLabel")),
+      proceedButton_(outlet<Button>("proceedButton")),
+      declineButton_(outlet<Button>("declineButton")) {
+  proceedButton_->setTitle("PROCEED");
+  declineButton_->setTitle("DECLINE");
+  action("proceedAction", [this] { proceedAction(); });
+  action("declineAction", [this] { declineAction(); });
+  action("descriptionTapped", [this] { descriptionTapped(); });
+  proceedButton_->onTouchUpInside = [this] { performAction("proceedAction"); };
+  declineButton_->onTouchUpInside = [this] { performAction("declineAction"); };
+  descriptionLabel_->onTap = [this] { performAction("descriptionTapped"); };
+}
+
+void OXTermsAndConditionsChangeViewController::viewDidLoad() {
+  OrlixViewController::viewDidLoad();
+  applyOnboardingLook(*this);
+  showTermsSentence(*descriptionLabel_, kTermsSentence);
+}
+
+void OXTermsAndConditionsChangeViewController::descriptionTapped() {
+  performSegue("TermsAndConditions");
+}
+
+void OXTermsAndConditionsChangeViewController::prepareForSegue(
+    const std::string&, const std::shared_ptr<ViewController>& destination) {
+  transitioningDelegate_ = presentAsCard(*destination);
+}
+
+void OXTermsAndConditionsChangeViewController::proceedAction() {
+  if (const auto connection = OMVello::sharedOMVello().connection()) {
+    // On this thread, and its answer unread: whatever the server says, the session asks for the
+    // payment screen, and the next start shows whether the terms count as accepted.
+    connection->updateTC();
+  }
+  if (const auto current = session()) {
+    current->showPurchaseScreen();
+  }
+}
+
+void OXTermsAndConditionsChangeViewController::declineAction() {
+  if (const auto current = session()) {
+    current->returnUserDidCancel();
+  }
+}
+
+}  // namespace orlix

@@ -1,0 +1,29 @@
+#pragma once
+
+#include <memory>
+#include <optional>
+
+#include "orlixkit/checkout/OrlixViewController.h"
+#include "orlixkit/records/CardOption.h"
+
+namespace orlix {
+
+/// Home of wallet management: shows the card that pays, leads to the others.
+class OXWalletManagementViewController : public OrlixViewController {
+ public:
+  OXWalletManagementViewController();
+  void viewDidLoad() override;
+
+  void showSelectedCard();
+  void cardAction();
+  void DoneClicked();
+
+ private:
+  std::shared_ptr<View> cardView_;
+  std::shared_ptr<ImageView> cardImageView_;
+  std::shared_ptr<Label> cardHintView_;
+  std::shared_ptr<Button> doneButton_;
+  std::optional<CardOption> selectedCard_;
+};
+
+}  // namespace orlix

@@ -1,0 +1,24 @@
+#pragma once
+
+#include <memory>
+
+#include "orlixkit/checkout/OrlixViewController.h"
+#include "orlixkit/platform/ui/TableView.h"
+
+namespace orlix {
+
+/// A screen that is nothing but a table.
+class OrlixTableViewController : public OrlixViewController, public TableViewDataSource {
+ public:
+  OrlixTableViewController() : tableView_(outlet<TableView>("tableView")) {
+    tableView_->setDataSource(this);
+  }
+  ~OrlixTableViewController() override { tableView_->setDataSource(nullptr); }
+  OrlixTableViewController(const OrlixTableViewController&) = delete;
+  OrlixTableViewController& operator=(const OrlixTableViewController&) = delete;
+
+ private:
+  std::shared_ptr<TableView> tableView_;
+};
+
+}  // namespace orlix

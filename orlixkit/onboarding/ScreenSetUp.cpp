@@ -1,0 +1,34 @@
+#include "orlixkit/onboarding/ScreenSetUp.h"
+
+#include "orlixkit/checkout/OXUtil.h"
+
+namespace orlix {
+
+void applyOnboardingLook(ViewController& screen) {
+  screen.view()->setBackgroundColor({0.10588235, 0.11764706, 0.14901961, 1.0});
+  OXUtil::styleButtonsForView(screen.view());
+}
+
+void showTermsSentence(Label& label, const std::string& html) {
+  label.setHtml(html);
+  label.setAlignment(TextAlignment::center);
+  label.setFont({OXUtil::regularFont(), 14});
+  label.setTextColor({0.439, 0.443, 0.455, 1.0});
+}
+
+std::shared_ptr<OXTransitioningDelegate> presentAsCard(ViewController& destination) {
+  auto transition = std::make_shared<OXTransitioningDelegate>();
+  destination.transitioningDelegate = transition;
+  destination.modalPresentationStyle = ModalPresentationStyle::custom;
+  return transition;
+}
+
+void closeScreen(ViewController& screen) {
+  const std::shared_ptr<ViewController> container = screen.parent.lock();
+  const auto below = (container ? *container : screen).presentingViewController();
+  if (below) {
+    below->dismiss(true);
+  }
+}
+
+}  // namespace orlix
