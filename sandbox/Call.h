@@ -50,7 +50,4 @@ HttpAnswer answerWith(const json::object& object);
 /// The client has broken the protocol: 400 with the reason.
 HttpAnswer mistake(std::string_view reason);
 
-/// True for the texts that the "locationInfo" of the protocol can be.
-bool looksLikeLocation(std::string_view text);
-
 }  // namespace orlix::sandbox

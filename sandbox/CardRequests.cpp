@@ -7,6 +7,7 @@
 #include <fmt/format.h>
 
 #include "sandbox/Call.h"
+#include "sandbox/Formats.h"
 
 namespace orlix::sandbox {
 
@@ -16,10 +17,6 @@ constexpr std::string_view addedMessage = "Your card has been added";
 
 /// The mobile number that the bank knows for every card that must be relinked.
 constexpr std::string_view numberAtTheBank = "27821234567";
-
-bool allDigits(std::string_view text) {
-  return std::all_of(text.begin(), text.end(), [](char c) { return c >= '0' && c <= '9'; });
-}
 
 HttpAnswer withCards(Call& call, std::string_view status) {
   return answerWith(
@@ -60,7 +57,7 @@ std::optional<std::string> complaintAboutUnasked(const json::object& body, const
 }
 
 bool isMonth(const std::string& text) {
-  return text.size() == 2 && allDigits(text) && text >= "01" && text <= "12";
+  return text.size() == 2 && isDigits(text) && text >= "01" && text <= "12";
 }
 
 /// What a bank checks itself, whatever the application let through.
@@ -68,11 +65,10 @@ bool satisfies(const json::object& body, const CardKind& kind) {
   const std::string year = textOf(body, "expiryYear");
   const std::string birth = textOf(body, "dateOfBirth");
   const std::string account = textOf(body, "account");
-  if (!allDigits(textOf(body, "cardNumber"))) return false;
-  if (kind.needExp &&
-      !(isMonth(textOf(body, "expiryMonth")) && year.size() == 2 && allDigits(year)))
+  if (!isDigits(textOf(body, "cardNumber"))) return false;
+  if (kind.needExp && !(isMonth(textOf(body, "expiryMonth")) && year.size() == 2 && isDigits(year)))
     return false;
-  if (kind.needDob && !(birth.size() == 8 && allDigits(birth))) return false;
+  if (kind.needDob && !(birth.size() == 8 && isDigits(birth))) return false;
   if (kind.needCardHolderName && textOf(body, "cardHolderName").empty()) return false;
   return !kind.needAccount || account == "Savings" || account == "Current" || account == "Credit";
 }
@@ -88,7 +84,7 @@ std::string internationalForm(const std::string& typed) {
 }
 
 HttpAnswer linkCard(Call& call) {
-  if (!looksLikeLocation(textOf(call.body, "locationInfo"))) {
+  if (!isLocation(textOf(call.body, "locationInfo"))) {
     return mistake("\"locationInfo\" is malformed");
   }
   const std::string number = textOf(call.body, "cardNumber");

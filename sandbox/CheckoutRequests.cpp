@@ -1,10 +1,9 @@
 // Looking a code up, paying, polling for the receipt.
 
-#include <regex>
-
 #include <fmt/format.h>
 
 #include "sandbox/Call.h"
+#include "sandbox/Formats.h"
 #include "sandbox/PinBlock.h"
 
 namespace orlix::sandbox {
@@ -63,13 +62,12 @@ HttpAnswer lookUp(Call& call) {
 
 /// What no client of the protocol can send; nothing when the body is well formed.
 std::optional<std::string> complaintAboutPurchase(const json::object& body) {
-  static const std::regex money("[0-9]+(\\.[0-9]+)?");
   for (const auto* name : {"amount", "tipAmount"}) {
-    if (body.contains(name) && !std::regex_match(textOf(body, name), money)) {
+    if (body.contains(name) && !isDecimalNumber(textOf(body, name))) {
       return fmt::format("\"{}\" is no decimal number", name);
     }
   }
-  if (!looksLikeLocation(textOf(body, "locationInfo"))) return "\"locationInfo\" is malformed";
+  if (!isLocation(textOf(body, "locationInfo"))) return "\"locationInfo\" is malformed";
   if (body.contains("pinData") && body.contains("secureCodeData")) {
     return "\"pinData\" and \"secureCodeData\" exclude each other";
   }

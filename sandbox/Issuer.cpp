@@ -1,9 +1,10 @@
 #include "sandbox/Issuer.h"
 
+#include <algorithm>
 #include <array>
-#include <regex>
 #include <utility>
 
+#include "sandbox/Formats.h"
 #include "sandbox/Pages.h"
 
 namespace orlix::sandbox {
@@ -33,13 +34,6 @@ std::string field(const HttpRequest& request, std::string_view name) {
   return {};
 }
 
-/// The termination page of this server, by whatever loopback name and port the client knows it.
-bool isTermination(const std::string& address) {
-  static const std::regex form(
-      R"(https://(127\.0\.0\.1|localhost)(:[0-9]+)?/vello/secure_code\.jsp)");
-  return std::regex_match(address, form);
-}
-
 }  // namespace
 
 bool Issuer::owns(const HttpRequest& request) {
@@ -53,7 +47,8 @@ HttpAnswer Issuer::answer(const HttpRequest& request) {
   if (request.path == "/terms/tavlo.html") return terms();
   if (request.method != "POST") return badPage("This address takes a posted form.");
   if (request.path == "/vello/secure_code.jsp") return termination(request);
-  if (!isTermination(field(request, "TermUrl"))) return badPage("TermUrl is not the wallet's.");
+  if (!isTerminationAddress(field(request, "TermUrl")))
+    return badPage("TermUrl is not the wallet's.");
   return request.path == "/issuer/acs" ? accessControl(request) : oneTimeCode(request);
 }
 

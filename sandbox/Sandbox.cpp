@@ -92,6 +92,7 @@ class Sandbox::Server {
   EventLog& log() { return log_; }
 
   HttpAnswer answer(const HttpRequest& request) {
+    if (!front_) return {.status = 503, .body = R"({"error":"the sandbox has not been started"})"};
     try {
       return Control::owns(request) ? control_->answer(request) : answerClient(request);
     } catch (const std::exception& failure) {

@@ -1,11 +1,9 @@
 // Opening a session, enrolling the device by SMS, accepting the terms.
 
-#include <algorithm>
-#include <regex>
-
 #include <fmt/format.h>
 
 #include "sandbox/Call.h"
+#include "sandbox/Formats.h"
 #include "sandbox/Random.h"
 
 namespace orlix::sandbox {
@@ -23,11 +21,8 @@ constexpr std::string_view noTokenNumber = "27820000005";
 constexpr std::string_view filledWalletNumber = "27820000010";
 
 std::optional<std::string> complaintAboutDevice(const json::object& body) {
-  static const std::regex serial(R"(\[[isp]:[^\]]+\](,\[[isp]:[^\]]+\])*)");
-  static const std::regex timeZone(R"([+-][0-9]{2}:[0-9]{2})");
-  if (!std::regex_match(textOf(body, "deviceSerial"), serial))
-    return "\"deviceSerial\" is malformed";
-  if (!std::regex_match(textOf(body, "timeZone"), timeZone)) return "\"timeZone\" is malformed";
+  if (!isDeviceSerial(textOf(body, "deviceSerial"))) return "\"deviceSerial\" is malformed";
+  if (!isTimeZone(textOf(body, "timeZone"))) return "\"timeZone\" is malformed";
   if (!booleanOf(body, "hasDoubleSession")) return "\"hasDoubleSession\" is not true";
   const json::object& platform = body.at("platform").get_object();
   const Shape shape{{"appVersion"}, {"device"}, {"node"}, {"os"}, {"libKey"}, {"osVersion"}};
@@ -95,8 +90,7 @@ HttpAnswer newSession(Call& call) {
 
 HttpAnswer sendSms(Call& call) {
   const std::string msisdn = textOf(call.body, "msisdn");
-  static const std::regex international("[0-9]{7,15}");
-  if (!std::regex_match(msisdn, international)) {
+  if (!isMobileNumber(msisdn)) {
     return mistake("\"msisdn\" is not of 7 to 15 digits in international form");
   }
   if (msisdn == refusedNumber) return answerWith({{"status", "REFUSED"}});

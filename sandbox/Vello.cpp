@@ -1,7 +1,5 @@
 #include "sandbox/Vello.h"
 
-#include <regex>
-
 #include <fmt/format.h>
 
 namespace orlix::sandbox {
@@ -39,12 +37,6 @@ Session* sessionOf(State& state, const HttpRequest& request) {
 HttpAnswer answerWith(const json::object& object) { return {.body = json::serialize(object)}; }
 
 HttpAnswer mistake(std::string_view reason) { return refusal(400, reason); }
-
-bool looksLikeLocation(std::string_view text) {
-  static const std::regex form(
-      R"((\[G:[^,\]]+,[^,\]]+\])?(,?\[N:[^,\]]*,[^,\]]*,[^,\]]+,[^,\]]*\])?)");
-  return std::regex_match(text.begin(), text.end(), form) && (text.empty() || text.front() == '[');
-}
 
 Vello::Vello(State& state, EventLog& log, Shutdown& shutdown)
     : state_(state), log_(log), shutdown_(shutdown) {}

@@ -1,5 +1,3 @@
-#include <regex>
-
 #include "tests/sandbox/EnrolledTest.h"
 
 namespace orlix::sandbox::test {
@@ -7,9 +5,11 @@ namespace {
 
 /// The value of the hidden field `name` in a page, as a browser would post it.
 std::string fieldIn(const std::string& page, const std::string& name) {
-  const std::regex form("name='" + name + "' value='([^']*)'");
-  std::smatch found;
-  return std::regex_search(page, found, form) ? found[1].str() : "";
+  const std::string before = "name='" + name + "' value='";
+  const size_t at = page.find(before);
+  if (at == std::string::npos) return "";
+  const size_t start = at + before.size();
+  return page.substr(start, page.find('\'', start) - start);
 }
 
 /// A device with cards of every issuer, and a browser beside it.
