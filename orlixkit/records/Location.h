@@ -8,12 +8,12 @@ namespace orlix {
 /// Where the device is, as a signal against fraud. Only the two GPS fields are filled on this
 /// platform; the network ones exist for the text form.
 struct Location {
-  std::optional<double> gpsLatitude;    ///< degrees, north positive
-  std::optional<double> gpsLongditude;  ///< degrees, east positive
-  std::optional<std::string> networkMCC;
-  std::optional<std::string> networkMNC;
-  std::optional<std::string> networkCellId;
-  std::optional<std::string> networkLac;
+  std::optional<double> gpsLatitude = std::nullopt;    ///< degrees, north positive
+  std::optional<double> gpsLongditude = std::nullopt;  ///< degrees, east positive
+  std::optional<std::string> networkMCC = std::nullopt;
+  std::optional<std::string> networkMNC = std::nullopt;
+  std::optional<std::string> networkCellId = std::nullopt;
+  std::optional<std::string> networkLac = std::nullopt;
 
   /// "[G:latitude,longitude]" and "[N:MCC,MNC,cell,LAC]", joined by a comma; each only when it has
   /// a latitude or a cell. Empty when there is neither. Numbers have the fewest digits that read

@@ -1,0 +1,227 @@
+#include <set>
+#include <stdexcept>
+
+#include <gtest/gtest.h>
+
+#include "orlixkit/platform/memory/MemoryHost.h"
+#include "orlixkit/security/CryptoModule.h"
+#include "orlixkit/security/DataStore.h"
+#include "orlixkit/security/Hex.h"
+#include "orlixkit/security/OMStorage.h"
+
+namespace orlix {
+
+namespace {
+
+SecretBytes deviceKey() { return SecretBytes(Hex::convert("000102030405060708090A0B0C0D0E0F")); }
+
+class FakeStorage : public StorageInterface {
+ public:
+  std::optional<Bytes> stored;
+  bool failing = false;
+
+  Bytes loadData() override {
+    check();
+    return stored.value_or(Bytes());
+  }
+  void saveData(const std::optional<Bytes>& data) override {
+    check();
+    stored = data;
+  }
+
+ private:
+  void check() const {
+    if (failing) {
+      throw std::runtime_error("the disk is full");
+    }
+  }
+};
+
+class StoredRecord : public testing::Test {
+ protected:
+  void storeArchive(std::string_view text) { storage.stored = store._encrypt(toBytes(text)); }
+
+  MemoryHost host;
+  FakeStorage storage;
+  DataStore store{deviceKey()};
+};
+
+TEST_F(StoredRecord, IsAbsentWithoutAWordOnTheFirstStart) {
+  EXPECT_EQ(store.load(storage), nullptr);
+  storage.stored = Bytes();
+  EXPECT_EQ(store.load(storage), nullptr);
+  EXPECT_EQ(host.log().text(), "");
+}
+
+TEST_F(StoredRecord, ComesBackAsItWasUnderTheSameKey) {
+  const PersistableObject record{.ssToken = "tok\"en\\ \xE2\x82\xAC\n", .uid = ""};
+  store.save(storage, record);
+  ASSERT_TRUE(storage.stored);
+  EXPECT_EQ(storage.stored->size() % 16, 0U);
+  EXPECT_EQ(toText(*storage.stored).find("tok"), std::string::npos);
+  const auto loaded = DataStore(deviceKey()).load(storage);
+  ASSERT_NE(loaded, nullptr);
+  EXPECT_EQ(loaded->ssToken, record.ssToken);
+  EXPECT_EQ(loaded->uid, "");
+  EXPECT_EQ(store.po, nullptr) << "what is loaded is for the caller to keep";
+}
+
+// Devices hold records that were written before. Cipher, vector and archive must go on reading
+// them.
+TEST_F(StoredRecord, OfAnEarlierReleaseIsStillRead) {
+  storage.stored = Hex::convert(
+      "0E3E7A0CDE10A7D779F4A633E4B66A847E7862CECE5169CCD0FBEB5BE1A6C89C9D188C3319E78992"
+      "2FC0037010E557B78BB24337A38B58A85D5673A85EF247990FB9627470EF7EB7960618FF85C3188D");
+  const auto loaded = store.load(storage);
+  ASSERT_NE(loaded, nullptr) << host.log().text();
+  EXPECT_EQ(loaded->ssToken, "token-1");
+  EXPECT_EQ(loaded->uid, "device-2");
+}
+
+TEST_F(StoredRecord, ThatCannotBeReadIsLoggedAndCountsAsAbsent) {
+  const struct {
+    const char* name;
+    const char* archive;
+  } rows[] = {
+      {"no JSON", "bplist00"},
+      {"no object", "[1]"},
+      {"no root", R"({"ssToken":"a","uid":"b"})"},
+      {"wrong root", R"({"root":"OtherObject","ssToken":"a","uid":"b"})"},
+      {"root of another type", R"({"root":1,"ssToken":"a","uid":"b"})"},
+      {"no ssToken", R"({"root":"PersistableObject","uid":"b"})"},
+      {"no uid", R"({"root":"PersistableObject","ssToken":"a"})"},
+      {"null for a text", R"({"root":"PersistableObject","ssToken":null,"uid":"b"})"},
+      {"number for a text", R"({"root":"PersistableObject","ssToken":"a","uid":7})"},
+      {"cut off", R"({"root":"PersistableObject","ssToken":"a","uid":)"},
+      {"something behind", R"({"root":"PersistableObject","ssToken":"a","uid":"b"}x)"},
+  };
+  for (const auto& row : rows) {
+    host.log().clear();
+    storeArchive(row.archive);
+    const auto before = storage.stored;
+    EXPECT_EQ(store.load(storage), nullptr) << row.name;
+    EXPECT_EQ(host.log().lines().size(), 1U) << row.name;
+    EXPECT_EQ(storage.stored, before) << row.name;
+  }
+}
+
+TEST_F(StoredRecord, UnderAnyOtherBlobOrKeyIsLoggedAndCountsAsAbsent) {
+  store.save(storage, PersistableObject{.ssToken = "token", .uid = "u"});
+  const Bytes blob = *storage.stored;
+  for (const Bytes& damaged :
+       {Bytes(blob.begin(), blob.end() - 1), Bytes(blob.begin(), blob.end() - 16), Bytes{1},
+        Bytes(16, 0), Bytes(4096, 0x5A)}) {
+    storage.stored = damaged;
+    EXPECT_EQ(store.load(storage), nullptr);
+  }
+  storage.stored = blob;
+  // Among 600 keys some give a padding that looks right; the archive has to notice those.
+  for (int i = 1; i <= 600; ++i) {
+    SecretBytes other = deviceKey();
+    other.data()[0] ^= static_cast<std::uint8_t>(i & 0xFF);
+    other.data()[1] ^= static_cast<std::uint8_t>(i >> 8);
+    EXPECT_EQ(DataStore(other).load(storage), nullptr) << i;
+  }
+  EXPECT_EQ(host.log().lines().size(), 605U);
+  EXPECT_FALSE(host.log().contains("token"));
+}
+
+TEST_F(StoredRecord, WithoutATokenCannotBeLoadedAgain) {
+  store.save(storage, PersistableObject{.ssToken = std::nullopt, .uid = ""});
+  EXPECT_EQ(store.load(storage), nullptr);
+  EXPECT_EQ(host.log().lines().size(), 1U);
+}
+
+TEST_F(StoredRecord, IsUnreadableAfterAResetAndStaysInTheStorage) {
+  store.po = std::make_shared<PersistableObject>(PersistableObject{.ssToken = "t", .uid = "u"});
+  store.save(storage, *store.po);
+  store.reset(storage);
+  ASSERT_TRUE(storage.stored);
+  EXPECT_FALSE(storage.stored->empty());
+  EXPECT_EQ(store.load(storage), nullptr);
+  EXPECT_EQ(store.po->ssToken, "t") << "the record in memory is left alone";
+  const auto legacy = DataStore::_loadToVariables(DataStore::_decryptOld(*storage.stored));
+  ASSERT_NE(legacy, nullptr);
+  EXPECT_EQ(legacy->ssToken, "t");
+
+  store.save(storage, PersistableObject{.ssToken = "new", .uid = ""});
+  EXPECT_EQ(store.load(storage)->ssToken, "new") << "a new activation brings it back";
+}
+
+TEST_F(StoredRecord, ThatIsAbsentIsResetToAnArchiveOfNothing) {
+  store.reset(storage);
+  ASSERT_TRUE(storage.stored);
+  const auto archive = DataStore::_decryptOld(*storage.stored);
+  ASSERT_TRUE(archive);
+  EXPECT_EQ(std::string(archive->reveal().begin(), archive->reveal().end()), R"({"root":null})");
+  EXPECT_EQ(DataStore::_loadToVariables(archive), nullptr);
+  EXPECT_EQ(store.load(storage), nullptr);
+}
+
+TEST_F(StoredRecord, LetsTheStoragesOwnFailuresThrough) {
+  storage.failing = true;
+  EXPECT_THROW(store.load(storage), std::runtime_error);
+  EXPECT_THROW(store.save(storage, PersistableObject()), std::runtime_error);
+  EXPECT_THROW(store.reset(storage), std::runtime_error);
+}
+
+TEST(DeviceSerial, IsThirtyTwoUpperCaseDigitsAndNewEachTime) {
+  FakeStorage storage;
+  std::set<std::string> serials;
+  for (int i = 0; i < 100; ++i) {
+    const std::string serial = DataStore::assignSerial(storage);
+    EXPECT_EQ(serial.size(), 32U);
+    EXPECT_EQ(serial.find_first_not_of("0123456789ABCDEF"), std::string::npos) << serial;
+    serials.insert(serial);
+  }
+  EXPECT_EQ(serials.size(), 100U);
+  EXPECT_FALSE(storage.stored);
+}
+
+TEST(AesModule, PadsToWholeBlocksAndTakesSixteenBytesOfTheKey) {
+  const SecretBytes key = deviceKey();
+  SecretBytes longer = key;
+  longer.append(Bytes{1, 2, 3});
+  for (const std::size_t size : {0U, 1U, 15U, 16U, 17U, 5000U}) {
+    const Bytes data(size, 0x41);
+    const auto blob = CryptoModule::aesEncrypt(key, data);
+    ASSERT_TRUE(blob);
+    EXPECT_EQ(blob->size(), (size / 16 + 1) * 16);
+    EXPECT_EQ(CryptoModule::aesEncrypt(longer, data), blob);
+    const auto back = CryptoModule::aesDecrypt(key, *blob);
+    ASSERT_TRUE(back);
+    EXPECT_TRUE(*back == SecretBytes(data));
+  }
+  EXPECT_EQ(CryptoModule::aesEncrypt(SecretBytes(3, 0), Bytes{1}),
+            CryptoModule::aesEncrypt(SecretBytes(16, 0), Bytes{1}));
+  EXPECT_FALSE(CryptoModule::aesDecrypt(key, Bytes(15, 0)));
+  EXPECT_FALSE(CryptoModule::aesDecrypt(key, Bytes()));
+}
+
+TEST(OMStorage, KeepsTheBlobsOfTheTwoSystemsApart) {
+  MemoryHost host;
+  OMStorage live("live.data");
+  OMStorage test("test.data");
+  EXPECT_EQ(live.loadData(), Bytes());
+  live.saveData(Bytes{1, 2});
+  test.saveData(Bytes{3});
+  EXPECT_EQ(OMStorage("live.data").loadData(), (Bytes{1, 2}));
+  EXPECT_EQ(OMStorage("test.data").loadData(), Bytes{3});
+  EXPECT_EQ(host.log().count("OMStorage - loadData"), 3U);
+  EXPECT_EQ(host.log().count("OMStorage - saveData"), 2U);
+}
+
+TEST(OMStorage, KeepsTheFormerBlobWhenThereIsNothingToSave) {
+  MemoryHost host;
+  OMStorage storage("live.data");
+  storage.saveData(Bytes{1});
+  storage.saveData(std::nullopt);
+  EXPECT_EQ(storage.loadData(), Bytes{1});
+  host.userDefaults()->setFailing(true);
+  EXPECT_THROW(storage.saveData(Bytes{2}), std::runtime_error);
+  EXPECT_EQ(storage.loadData(), Bytes{1});
+}
+
+}  // namespace
+
+}  // namespace orlix
