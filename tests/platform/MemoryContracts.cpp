@@ -52,8 +52,7 @@ struct MemoryPlatform {
   std::vector<SeenRequest> seen() {
     std::vector<SeenRequest> all;
     for (const RecordedRequest& request : host.requests()) {
-      all.push_back(
-          {request.method, request.path(), request.headers, request.body.value_or("")});
+      all.push_back({request.method, request.path(), request.headers, request.body.value_or("")});
     }
     return all;
   }

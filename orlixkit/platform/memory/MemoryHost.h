@@ -26,9 +26,9 @@ struct MemoryHostSettings {
   /// storyboard is filled.
   std::function<void(std::shared_ptr<Host>)> install = Host::install;
   /// The store of an earlier host, to play a restart; a new, empty one when absent.
-  std::shared_ptr<MemoryUserDefaults> userDefaults;
+  std::shared_ptr<MemoryUserDefaults> userDefaults = {};
   /// Decides who goes on next; see VirtualWorld.
-  Chooser chooser;
+  Chooser chooser = {};
   bool timeCompetes = false;
   bool preemptive = false;
   bool hasLocationManager = true;

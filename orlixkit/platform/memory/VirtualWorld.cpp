@@ -1,6 +1,7 @@
 #include "orlixkit/platform/memory/VirtualWorld.h"
 
 #include <algorithm>
+#include <map>
 #include <set>
 #include <utility>
 
@@ -190,37 +191,24 @@ std::optional<SteadyTime> VirtualWorld::nextTimer() const {
 
 void VirtualWorld::moveTimeTo(SteadyTime time) {
   now_ = std::max(now_, time);
-  // Whatever is due at this moment comes in the order in which it was set up.
-  std::vector<std::pair<std::uint64_t, Actor*>> actors;
-  const auto look = [&](Actor& actor) {
-    if (actor.waiting && actor.deadline <= now_) {
-      actors.emplace_back(actor.order, &actor);
-    }
-  };
-  look(*main_);
-  for (const auto& worker : workers_) {
-    look(*worker);
+  // Whatever is due at this moment comes in the order in which it was set up, behind all that is
+  // ready already.
+  std::map<std::uint64_t, std::function<void()>> due;
+  for (Actor* actor : waiters([this](const Actor& one) { return one.deadline <= now_; })) {
+    due[actor->order] = [this, actor] { actor->makeReady(Wake::timedOut, ++order_); };
   }
-  std::vector<std::pair<std::uint64_t, Pending*>> items;
   for (auto* list : {&tasks_, &mainEvents_}) {
     for (Pending& item : *list) {
       if (!item.ready && item.at <= now_) {
-        items.emplace_back(item.order, &item);
+        due[item.order] = [this, &item] {
+          item.ready = true;
+          item.order = ++order_;
+        };
       }
     }
   }
-  std::sort(actors.begin(), actors.end());
-  std::sort(items.begin(), items.end());
-  // Merged by their places: each gets a new one, behind all that is ready already.
-  auto actor = actors.begin();
-  auto item = items.begin();
-  while (actor != actors.end() || item != items.end()) {
-    if (item == items.end() || (actor != actors.end() && actor->first < item->first)) {
-      actor++->second->makeReady(Wake::timedOut, ++order_);
-    } else {
-      item->second->ready = true;
-      item++->second->order = ++order_;
-    }
+  for (const auto& [order, makeReady] : due) {
+    makeReady();
   }
 }
 
@@ -335,15 +323,27 @@ VirtualWorld::Wake VirtualWorld::wait(std::string what, const void* channel, Ste
 
 void VirtualWorld::wake(const void* channel) {
   const Lock lock(mutex_);
+  for (Actor* actor : waiters([channel](const Actor& one) { return one.channel == channel; })) {
+    actor->makeReady(Wake::signalled, ++order_);
+  }
+}
+
+/// Those who wait and of whom `which` holds, in the order in which they began to.
+std::vector<VirtualWorld::Actor*> VirtualWorld::waiters(
+    const std::function<bool(const Actor&)>& which) {
+  std::vector<Actor*> found;
   const auto look = [&](Actor& actor) {
-    if (actor.waiting && actor.channel == channel) {
-      actor.makeReady(Wake::signalled, ++order_);
+    if (actor.waiting && which(actor)) {
+      found.push_back(&actor);
     }
   };
   look(*main_);
   for (const auto& worker : workers_) {
     look(*worker);
   }
+  std::sort(found.begin(), found.end(),
+            [](const Actor* a, const Actor* b) { return a->order < b->order; });
+  return found;
 }
 
 void VirtualWorld::mayBeOvertaken() {
@@ -459,14 +459,8 @@ void VirtualWorld::shutDown() {
   Lock lock(mutex_);
   shutDown_ = true;
   dropped.swap(tasks_);
-  const auto look = [&](Actor& actor) {
-    if (actor.waiting && actor.interruptible) {
-      actor.makeReady(Wake::shutDown, ++order_);
-    }
-  };
-  look(*main_);
-  for (const auto& worker : workers_) {
-    look(*worker);
+  for (Actor* actor : waiters([](const Actor& one) { return one.interruptible; })) {
+    actor->makeReady(Wake::shutDown, ++order_);
   }
   const auto isBusy = [](const auto& worker) { return !worker->idle; };
   while (std::any_of(workers_.begin(), workers_.end(), isBusy)) {

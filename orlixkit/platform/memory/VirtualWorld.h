@@ -127,6 +127,7 @@ class VirtualWorld {
   std::vector<Candidate> candidates(bool mainIsFree) const;
   void addTasksThatCanBegin(std::vector<Candidate>& found) const;
   std::optional<SteadyTime> nextTimer() const;
+  std::vector<Actor*> waiters(const std::function<bool(const Actor&)>& which);
   void moveTimeTo(SteadyTime time);
   std::optional<Candidate> choose(bool mainIsFree, SteadyTime limit);
   void resume(Worker& worker, Lock& lock);
