@@ -212,6 +212,10 @@ void CurlExchange::setConstantOptions() {
   set(CURLOPT_SSL_CTX_FUNCTION, &onTlsContext);
   set(CURLOPT_SSL_CTX_DATA, this);
 
+  set(CURLOPT_OPENSOCKETFUNCTION, &onOpenSocket);
+  set(CURLOPT_OPENSOCKETDATA, this);
+  set(CURLOPT_CLOSESOCKETFUNCTION, &CurlSockets::onClose);
+  set(CURLOPT_CLOSESOCKETDATA, &loop_->sockets());
   set(CURLOPT_PREREQFUNCTION, &onRequest);
   set(CURLOPT_PREREQDATA, this);
   set(CURLOPT_HEADERFUNCTION, &onHeader);
@@ -253,13 +257,16 @@ bool CurlExchange::prepareHop(const std::string& address) {
   ownHost_ = ownHost_ && isSameName(origin, origin_);
   headers_ = headerList();
 
+  newConnection_ = false;
+  stale_ = false;
   requestSent_ = false;
   headerEnded_ = false;
   errorText_[0] = '\0';
-  lastByte_ = std::chrono::steady_clock::now();
+  hopBegin_ = lastByte_ = std::chrono::steady_clock::now();
   setTrust(Trust::unasked);
   try {
     set(CURLOPT_URL, address.c_str());
+    set(CURLOPT_FRESH_CONNECT, 0L);
     set(CURLOPT_HTTPHEADER, headers_.get());
     if (request_.method == "POST") {
       set(CURLOPT_POST, 1L);
@@ -308,11 +315,29 @@ CurlExchange::HeaderList CurlExchange::headerList() const {
   return list;
 }
 
-int CurlExchange::onRequest(void* self, char*, char*, int, int) {
+curl_socket_t CurlExchange::onOpenSocket(void* self, curlsocktype, curl_sockaddr* address) {
+  auto& exchange = *static_cast<CurlExchange*>(self);
   // libcurl would send the request again by itself when a kept connection closes without an answer.
   // The server may have acted on the first one: a payment must not be made twice.
+  if (exchange.requestSent_) {
+    return CURL_SOCKET_BAD;
+  }
+  exchange.newConnection_ = true;
+  return exchange.loop_->sockets().open(*address);
+}
+
+int CurlExchange::onRequest(void* self, char*, char*, int serverPort, int localPort) {
   auto& exchange = *static_cast<CurlExchange*>(self);
-  return std::exchange(exchange.requestSent_, true) ? CURL_PREREQFUNC_ABORT : CURL_PREREQFUNC_OK;
+  if (exchange.requestSent_) {
+    return CURL_PREREQFUNC_ABORT;  // again, over another kept connection
+  }
+  exchange.stale_ =
+      !exchange.newConnection_ && !exchange.loop_->sockets().isIdle(localPort, serverPort);
+  if (exchange.stale_) {
+    return CURL_PREREQFUNC_ABORT;
+  }
+  exchange.requestSent_ = true;
+  return CURL_PREREQFUNC_OK;
 }
 
 std::size_t CurlExchange::onHeader(char* line, std::size_t unit, std::size_t count, void* self) {
@@ -357,15 +382,22 @@ bool CurlExchange::followsRedirect() const {
 }
 
 bool CurlExchange::endHop(CURLcode result) {
+  if (result != CURLE_OK && std::exchange(stale_, false)) {
+    // Nothing has been sent yet: the hop begins anew, over a connection of its own.
+    curl_easy_setopt(easy_.get(), CURLOPT_FRESH_CONNECT, 1L);
+    return true;
+  }
   if (result == CURLE_OK && followsRedirect() && prepareRedirect()) {
     return true;
   }
-  if (result == CURLE_OK) {
+  if (result == CURLE_OK && headerEnded_) {
     tellEnd([](UrlConnectionDelegate& delegate) { delegate.didFinishLoading(); });
   } else if (wasRefused()) {
     fail("the server's certificate was not accepted");
-  } else if (result == CURLE_ABORTED_BY_CALLBACK) {
+  } else if (requestSent_ && lastByte_ == hopBegin_) {
     fail("the server closed the connection without an answer");
+  } else if (result == CURLE_OK) {
+    fail("the answer ended inside its header");
   } else {
     fail(errorText_[0] != '\0' ? &errorText_[0] : curl_easy_strerror(result));
   }

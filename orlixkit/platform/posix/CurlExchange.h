@@ -79,7 +79,8 @@ class CurlExchange : public UrlConnection, public std::enable_shared_from_this<C
 
   static std::size_t onHeader(char* line, std::size_t unit, std::size_t count, void* self);
   static std::size_t onData(char* bytes, std::size_t unit, std::size_t count, void* self);
-  static int onRequest(void* self, char*, char*, int, int);
+  static curl_socket_t onOpenSocket(void* self, curlsocktype purpose, curl_sockaddr* address);
+  static int onRequest(void* self, char* server, char* local, int serverPort, int localPort);
   static CURLcode onTlsContext(CURL* easy, void* context, void* self);
   static int onCertificates(X509_STORE_CTX* presented, void* self);
 
@@ -101,8 +102,12 @@ class CurlExchange : public UrlConnection, public std::enable_shared_from_this<C
   std::string host_;    // of this hop
   bool ownHost_ = true;
   int redirects_ = 0;
-  bool requestSent_ = false;  // in this hop
-  bool headerEnded_ = false;  // in this hop
+  // Of this hop:
+  bool newConnection_ = false;
+  bool stale_ = false;  // the kept connection was found closed before the request went out
+  bool requestSent_ = false;
+  bool headerEnded_ = false;
+  std::chrono::steady_clock::time_point hopBegin_;
   std::chrono::steady_clock::time_point lastByte_;
 };
 

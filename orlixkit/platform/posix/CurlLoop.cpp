@@ -82,6 +82,9 @@ void CurlLoop::run() {
     endCancelledAndSilent();
     int under_way = 0;
     curl_multi_perform(multi_.get(), &under_way);
+    if (isClosed()) {
+      break;  // what ended by the close itself is told to nobody
+    }
     endFinished();
     curl_multi_poll(multi_.get(), nullptr, 0, millisecondsToWait(), nullptr);
   }
@@ -89,6 +92,11 @@ void CurlLoop::run() {
     exchange->abandon();
     remove(*exchange);
   }
+}
+
+bool CurlLoop::isClosed() {
+  const std::lock_guard lock(lock_);
+  return closed_;
 }
 
 bool CurlLoop::takeNew() {

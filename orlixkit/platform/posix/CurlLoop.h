@@ -10,6 +10,8 @@
 
 #include <curl/curl.h>
 
+#include "orlixkit/platform/posix/CurlSockets.h"
+
 namespace orlix {
 
 class CurlExchange;
@@ -31,6 +33,8 @@ class CurlLoop {
   void wait(std::chrono::steady_clock::time_point deadline, const std::function<bool()>& done);
   /// Abandons every exchange and ends the thread. Any thread but the loop's own.
   void close();
+  /// The loop's thread.
+  CurlSockets& sockets() { return sockets_; }
 
  private:
   struct CleanUpMulti {
@@ -38,6 +42,7 @@ class CurlLoop {
   };
 
   void run();
+  bool isClosed();
   /// Takes in what was admitted; false when the loop is closed.
   bool takeNew();
   void begin(const std::shared_ptr<CurlExchange>& exchange);
@@ -49,6 +54,7 @@ class CurlLoop {
   /// Until the next time-out, at most a minute.
   int millisecondsToWait() const;
 
+  CurlSockets sockets_;  // before the handle, whose end closes them
   const std::unique_ptr<CURLM, CleanUpMulti> multi_;
   std::mutex lock_;
   std::condition_variable changed_;
