@@ -47,12 +47,13 @@ void OMVello::initSessionWithLibKey(const std::string& libKey, std::int64_t syst
   start->system = system;
   start->delegate = std::move(delegate);
   start->serial.phoneId = Host::current().ports().device->vendorIdentifier();
+  std::shared_ptr<Start> former = start;  // released, with its delegate, outside the lock
   {
     const std::lock_guard held(lock_);
     if (!environment_) {
       throw std::logic_error("OMVello: setEnvironment has to come before the first start");
     }
-    start_ = start;
+    start_.swap(former);
   }
   tryStart(start);
 }
@@ -113,13 +114,14 @@ Serial OMVello::serialFor(const Start& start) const {
 /// either, the start counts as successful. False when the start has been superseded.
 bool OMVello::adopt(const std::shared_ptr<Start>& start,
                     std::shared_ptr<KCVelloConnection>& client) {
+  std::shared_ptr<KCVelloConnection> former = client;  // released outside the lock
   const std::lock_guard held(lock_);
   if (start != start_) {
     return false;
   }
   if (client) {
     start->client = client;
-    connection_ = client;
+    connection_.swap(former);
   } else {
     client = connection_;
   }
