@@ -44,6 +44,7 @@ HttpAnswer lookUp(Call& call) {
   const auto code = findCode(textOf(call.body, "qrValue"));
   if (code && code->forgetsSession) call.session->forgetAtNextRequest = true;
   awaitTerms(call, wallet);  // The session may be gone afterwards.
+  if (call.shutdown.begun()) return {.delivery = Delivery::hangUp};
   if (!code) return answerWith({{"message", "This code is not known."}});
 
   if (code->forbidsPurchases) forbidPurchases(call.state.faults);
