@@ -1,0 +1,29 @@
+#pragma once
+
+#include <memory>
+#include <string>
+#include <vector>
+
+namespace orlix::bench {
+
+/// What a wallet request costs at the least: one curl handle, reused, and nothing around it.
+class BareClient {
+ public:
+  /// `anchor`: file of a root certificate in DER form.
+  BareClient(std::string base, const std::string& anchor);
+  ~BareClient();
+  BareClient(const BareClient&) = delete;
+  BareClient& operator=(const BareClient&) = delete;
+
+  /// Posts and returns the body of the answer. Throws std::runtime_error unless it is a 200.
+  std::string post(const std::string& path, const std::string& body);
+  /// Sent with every request from now on.
+  void setTokens(const std::string& first, const std::string& second);
+
+ private:
+  struct Handle;
+  std::unique_ptr<Handle> handle_;
+  std::string base_;
+};
+
+}  // namespace orlix::bench

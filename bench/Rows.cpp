@@ -1,0 +1,244 @@
+#include "bench/Rows.h"
+
+#include <array>
+#include <filesystem>
+#include <stdexcept>
+
+#include <boost/json.hpp>
+#include <fmt/format.h>
+#include <openssl/evp.h>
+#include <sqlite3.h>
+
+#include "bench/BareClient.h"
+#include "bench/CheckoutRun.h"
+#include "orlixkit/platform/posix/SqliteUserDefaults.h"
+#include "orlixkit/protocol/OMNetwork.h"
+#include "orlixkit/records/MTCardList.h"
+#include "orlixkit/security/Base64.h"
+#include "orlixkit/security/DataStore.h"
+#include "orlixkit/security/PinBlock.h"
+
+namespace orlix::bench {
+
+namespace {
+
+const std::string kState = std::filesystem::temp_directory_path() / "orlix-bench";
+constexpr int kRounds = 5;
+
+const char* const kSessionBody =
+    R"({"deviceSerial":"[p:bench]","appVersion":"iPhone TALU 2.1.0","hasDoubleSession":true,)"
+    R"("ssToken":"","timeZone":"+02:00","platform":{"appVersion":"2.1.0","device":"x86_64",)"
+    R"("node":"TALU","os":"IOS","libKey":"bench-key","osVersion":"1"}})";
+
+std::string textOf(const boost::json::object& object, const char* key) {
+  return std::string(object.at(key).as_string());
+}
+
+/// Opens a session with the bare client and returns its PIN key.
+SecretBytes openSession(BareClient& client) {
+  const auto answer =
+      boost::json::parse(client.post("/session/new/TALU", kSessionBody)).as_object();
+  client.setTokens(textOf(answer, "sessionId"), textOf(answer, "sessionId2"));
+  return Base64::decode(textOf(answer, "pinKey")).value();
+}
+
+/// The requests of a PIN checkout, and nothing that a library does around them but the PIN block,
+/// without which the server would not take the purchase.
+void payBare(BareClient& client) {
+  client.setTokens("", "");
+  const SecretBytes key = openSession(client);
+  const auto lookup = boost::json::parse(
+      client.post("/lookup/query/v2/TALU", R"({"qrValue":"FIXED-25","method":"inapp"})"));
+  const auto cardId =
+      lookup.at("cardList").at("cards").as_array().front().at("cardId").to_number<std::int64_t>();
+  const auto block = PinBlock::createPINBlock(key, SecretString("1234"), 0);
+  const auto purchase = boost::json::parse(client.post(
+      "/purchase/TALU",
+      fmt::format(R"({{"pinData":{{"pinBlock":"{}"}},"locationInfo":"","amount":"25.00",)"
+                  R"("extraRefValue":"","cardId":{},"billingListId":0,"shippingListId":0,)"
+                  R"("code":"FIXED-25"}})",
+                  block.value(), cardId)));
+  const auto transaction = purchase.at("transactionId").to_number<std::int64_t>();
+  client.post("/receipt/poll/TALU", fmt::format(R"({{"transactionId":{}}})", transaction));
+}
+
+/// The cipher alone, as its own manual would have it.
+void encryptBare(const EVP_CIPHER* cipher, const std::array<unsigned char, 24>& key, int direction,
+                 const unsigned char* from, int size, unsigned char* to, const unsigned char* iv,
+                 bool padding) {
+  EVP_CIPHER_CTX* context = EVP_CIPHER_CTX_new();
+  int written = 0;
+  int last = 0;
+  const bool done = EVP_CipherInit_ex(context, cipher, nullptr, key.data(), iv, direction) == 1 &&
+                    EVP_CIPHER_CTX_set_padding(context, padding ? 1 : 0) == 1 &&
+                    EVP_CipherUpdate(context, to, &written, from, size) == 1 &&
+                    EVP_CipherFinal_ex(context, to + written, &last) == 1;
+  EVP_CIPHER_CTX_free(context);
+  if (!done) {
+    throw std::runtime_error("the bare cipher failed");
+  }
+}
+
+/// The store's blob in a table of its own, written durably and read back.
+class BareStore {
+ public:
+  explicit BareStore(const std::string& file) {
+    if (sqlite3_open(file.c_str(), &database_) != SQLITE_OK) {
+      throw std::runtime_error("the bare store cannot open " + file);
+    }
+    run("PRAGMA journal_mode=WAL");
+    run("PRAGMA synchronous=FULL");
+    run("CREATE TABLE IF NOT EXISTS value(key TEXT PRIMARY KEY, value BLOB)");
+    sqlite3_prepare_v2(database_, "INSERT OR REPLACE INTO value VALUES('k', ?)", -1, &write_,
+                       nullptr);
+    sqlite3_prepare_v2(database_, "SELECT value FROM value WHERE key='k'", -1, &read_, nullptr);
+  }
+  BareStore(const BareStore&) = delete;
+  BareStore& operator=(const BareStore&) = delete;
+  ~BareStore() {
+    sqlite3_finalize(write_);
+    sqlite3_finalize(read_);
+    sqlite3_close(database_);
+  }
+
+  void write(const unsigned char* bytes, int size) {
+    sqlite3_bind_blob(write_, 1, bytes, size, SQLITE_TRANSIENT);
+    sqlite3_step(write_);
+    sqlite3_reset(write_);
+  }
+  int read(unsigned char* bytes) {
+    sqlite3_step(read_);
+    const int size = sqlite3_column_bytes(read_, 0);
+    const auto* stored = static_cast<const unsigned char*>(sqlite3_column_blob(read_, 0));
+    std::copy(stored, stored + size, bytes);
+    sqlite3_reset(read_);
+    return size;
+  }
+
+ private:
+  void run(const char* sql) { sqlite3_exec(database_, sql, nullptr, nullptr, nullptr); }
+
+  sqlite3* database_ = nullptr;
+  sqlite3_stmt* write_ = nullptr;
+  sqlite3_stmt* read_ = nullptr;
+};
+
+/// A storage interface over one key of a user-defaults file.
+class FileStorage : public StorageInterface {
+ public:
+  explicit FileStorage(const std::string& file) : defaults_(file) {}
+  Bytes loadData() override { return defaults_.dataForKey("test.data").value_or(Bytes()); }
+  void saveData(const std::optional<Bytes>& data) override {
+    defaults_.setData("test.data", data.value());
+  }
+
+ private:
+  SqliteUserDefaults defaults_;
+};
+
+}  // namespace
+
+Row requestRow(const std::string& base, const std::string& anchor) {
+  const CheckoutRun library(base, anchor, kState);
+  BareClient bare(base, anchor);
+  const auto session = boost::json::parse(bare.post("/session/new/TALU", kSessionBody)).as_object();
+  bare.setTokens(textOf(session, "sessionId"), textOf(session, "sessionId2"));
+  DataStore store(SecretBytes(16, 0));
+  store.sessionId = textOf(session, "sessionId");
+  store.sessionId2 = textOf(session, "sessionId2");
+  OMNetwork network;
+  const std::optional<SecretBytes> body(ByteView(reinterpret_cast<const std::uint8_t*>("{}"), 2));
+  return compare(
+      "a request through OMNetwork : bare reused handle", 1.15, kRounds, 400,
+      [&] { bare.post("/card/list/TALU", "{}"); },
+      [&] {
+        if (network.post(base + "/card/list/TALU", body, store).responseCode != 200) {
+          throw std::runtime_error("OMNetwork was refused");
+        }
+      });
+}
+
+Row checkoutRow(const std::string& base, const std::string& anchor) {
+  CheckoutRun library(base, anchor, kState);
+  BareClient bare(base, anchor);
+  return compare(
+      "a headless PIN checkout : its bare requests", 1.25, kRounds, 60, [&] { payBare(bare); },
+      [&] { library.pay(); });
+}
+
+Row pinBlockRow() {
+  const SecretBytes key(16, 0x3A);
+  const SecretString pin("1234");
+  std::array<unsigned char, 24> tripleKey;
+  tripleKey.fill(0x3A);
+  const std::array<unsigned char, 8> clear{0x04, 0x12, 0x34, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF};
+  std::array<unsigned char, 16> block{};
+  return compare(
+      "a PIN block : bare triple DES", 0, kRounds, 20'000,
+      [&] {
+        encryptBare(EVP_des_ede3_ecb(), tripleKey, 1, clear.data(), 8, block.data(), nullptr,
+                    false);
+      },
+      [&] { PinBlock::createPINBlock(key, pin, 0); });
+}
+
+Row storeRow(const std::string& file) {
+  std::filesystem::create_directories(std::filesystem::path(file).parent_path());
+  std::filesystem::remove(file);
+  std::filesystem::remove(file + ".bare");
+  FileStorage storage(file);
+  const DataStore store(SecretBytes(16, 0x11));
+  PersistableObject record;
+  record.ssToken = "wallet-token-of-some-thirty-two-chars";
+  BareStore bare(file + ".bare");
+  std::array<unsigned char, 24> key;
+  key.fill(0x11);
+  const std::array<unsigned char, 16> iv{};
+  const std::array<unsigned char, 80> clear{};
+  std::array<unsigned char, 128> cipher{};
+  std::array<unsigned char, 128> back{};
+  return compare(
+      "the record saved and loaded : bare cipher and SQLite", 0, kRounds, 200,
+      [&] {
+        encryptBare(EVP_aes_128_cbc(), key, 1, clear.data(), 80, cipher.data(), iv.data(), true);
+        bare.write(cipher.data(), 96);
+        const int size = bare.read(cipher.data());
+        encryptBare(EVP_aes_128_cbc(), key, 0, cipher.data(), size, back.data(), iv.data(), true);
+      },
+      [&] {
+        store.save(storage, record);
+        if (!store.load(storage)) {
+          throw std::runtime_error("the record was not read back");
+        }
+      });
+}
+
+Row cardListRow() {
+  boost::json::array cards;
+  for (int i = 0; i < 10'000; ++i) {
+    cards.push_back({{"cardId", i},
+                     {"cardHint", fmt::format("{:04}", i)},
+                     {"needCvv", i % 2 == 0},
+                     {"cardType", "visa"},
+                     {"method", "AMT"},
+                     {"imageId", i},
+                     {"product", "Gold card of some bank"},
+                     {"validated", true},
+                     {"issuer", "Some bank"}});
+  }
+  const std::string text = boost::json::serialize(boost::json::object{{"cards", std::move(cards)}});
+  const ByteView bytes(reinterpret_cast<const std::uint8_t*>(text.data()), text.size());
+  return compare(
+      "10,000 cards read into records : bare JSON parse", 1 / 0.7, kRounds, 10,
+      [&] {
+        boost::json::monotonic_resource memory;
+        boost::json::parse(text, &memory);
+      },
+      [&] {
+        if (MTCardList().parseFromData(bytes).cardsArray_Count != 10'000) {
+          throw std::runtime_error("the list was not read");
+        }
+      });
+}
+
+}  // namespace orlix::bench

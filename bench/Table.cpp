@@ -1,0 +1,59 @@
+#include "bench/Table.h"
+
+#include <algorithm>
+#include <chrono>
+
+#include <fmt/format.h>
+
+namespace orlix::bench {
+
+namespace {
+
+double microsOf(int repetitions, const std::function<void()>& work) {
+  const auto begun = std::chrono::steady_clock::now();
+  for (int i = 0; i < repetitions; ++i) {
+    work();
+  }
+  const std::chrono::duration<double, std::micro> took = std::chrono::steady_clock::now() - begun;
+  return took.count() / repetitions;
+}
+
+double median(std::vector<double> values) {
+  std::sort(values.begin(), values.end());
+  return values[values.size() / 2];
+}
+
+}  // namespace
+
+Row compare(const std::string& name, double target, int rounds, int repetitions,
+            const std::function<void()>& floor, const std::function<void()>& ours) {
+  fmt::print(stderr, "measuring {} ...\n", name);
+  floor();
+  ours();
+  std::vector<double> floors;
+  std::vector<double> ourTimes;
+  std::vector<double> ratios;
+  for (int round = 0; round < rounds; ++round) {
+    floors.push_back(microsOf(repetitions, floor));
+    ourTimes.push_back(microsOf(repetitions, ours));
+    ratios.push_back(ourTimes.back() / floors.back());
+  }
+  const auto [least, most] = std::minmax_element(ratios.begin(), ratios.end());
+  return {name, median(floors), median(ourTimes), *most - *least, median(ratios), target};
+}
+
+bool print(const std::vector<Row>& rows) {
+  bool allMet = true;
+  fmt::print("{:<52} {:>11} {:>11} {:>7} {:>7} {:>8}\n", "", "floor us", "ours us", "ratio", "+-",
+             "at most");
+  for (const Row& row : rows) {
+    const bool missed = row.target > 0 && row.ratio > row.target;
+    allMet = allMet && !missed;
+    fmt::print("{:<52} {:>11.1f} {:>11.1f} {:>7.2f} {:>7.2f} {:>8} {}\n", row.name, row.floorMicros,
+               row.oursMicros, row.ratio, row.spread / 2,
+               row.target > 0 ? fmt::format("{:.2f}", row.target) : "", missed ? "MISSED" : "");
+  }
+  return allMet;
+}
+
+}  // namespace orlix::bench

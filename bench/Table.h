@@ -1,0 +1,27 @@
+#pragma once
+
+#include <functional>
+#include <string>
+#include <vector>
+
+namespace orlix::bench {
+
+/// One comparison: what the library takes, and what its floor, the bare library calls, takes.
+struct Row {
+  std::string name;
+  double floorMicros = 0;
+  double oursMicros = 0;
+  double spread = 0;  ///< of the ratio over the rounds: largest minus smallest
+  double ratio = 0;   ///< median over the rounds
+  double target = 0;  ///< 0: none
+};
+
+/// Times both in turns, `rounds` times `repetitions` calls each, so that whatever else the machine
+/// does falls on both alike. Each round gives one ratio; the row has their median.
+Row compare(const std::string& name, double target, int rounds, int repetitions,
+            const std::function<void()>& floor, const std::function<void()>& ours);
+
+/// Prints the rows. False when a target was missed.
+bool print(const std::vector<Row>& rows);
+
+}  // namespace orlix::bench

@@ -1,0 +1,59 @@
+// Prints what the library costs against its floor, the bare library calls, measured in one run.
+
+#include <exception>
+#include <filesystem>
+
+#include <boost/json.hpp>
+#include <fmt/format.h>
+#include <sys/resource.h>
+
+#include "bench/CheckoutRun.h"
+#include "bench/Rows.h"
+#include "sandbox/Sandbox.h"
+
+namespace {
+
+using namespace orlix::bench;
+
+/// Handshakes that one checkout of a fresh process makes.
+std::int64_t handshakesOfACheckout(orlix::sandbox::Sandbox& server, const std::string& folder) {
+  const auto count = [&server] {
+    const auto state = boost::json::parse(server.control("GET", "/control/state"));
+    return state.at("handshakes").to_number<std::int64_t>();
+  };
+  const std::int64_t before = count();
+  CheckoutRun library(server.base(), server.anchorPath(), folder);
+  library.pay();
+  return count() - before;
+}
+
+int run() {
+  const auto folder = std::filesystem::temp_directory_path() / "orlix-bench";
+  orlix::sandbox::Options options;
+  options.enrolled = true;
+  options.onEvent = [](std::string_view) {};
+  orlix::sandbox::Sandbox server(std::move(options));
+  server.start();
+
+  const std::int64_t handshakes = handshakesOfACheckout(server, folder);
+  const bool met = print({requestRow(server.base(), server.anchorPath()),
+                          checkoutRow(server.base(), server.anchorPath()), pinBlockRow(),
+                          storeRow(folder / "store.db"), cardListRow()});
+  rusage usage{};
+  getrusage(RUSAGE_SELF, &usage);
+  fmt::print("\nTLS handshakes of a checkout: {} (at most 1)\n", handshakes);
+  fmt::print("largest memory of this process, server included: {:.1f} MB\n",
+             static_cast<double>(usage.ru_maxrss) / 1024);
+  return met && handshakes <= 1 ? 0 : 1;
+}
+
+}  // namespace
+
+int main() {
+  try {
+    return run();
+  } catch (const std::exception& failure) {
+    fmt::print(stderr, "orlix-bench: {}\n", failure.what());
+    return 1;
+  }
+}

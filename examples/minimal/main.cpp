@@ -1,0 +1,87 @@
+// A host application with an interface of its own, the smallest there is: the terminal.
+//
+// usage: orlix-minimal BASE ANCHOR CODE      pays CODE with the wallet's first card, asks for the
+// PIN
+
+#include <filesystem>
+#include <iostream>
+#include <string>
+
+#include "orlixkit/OrlixKit.h"
+#include "orlixkit/platform/posix/PosixPorts.h"
+#include "orlixkit/platform/ui/AlertController.h"
+#include "orlixkit/platform/ui/TextField.h"
+
+namespace {
+
+/// What the host wants to know in the end.
+struct Outcome : orlix::OXOrlixDelegate {
+  void orlixPaymentSucceededWithTransactionReference(const std::string& reference) override {
+    end("Paid. Reference " + reference);
+  }
+  void orlixPaymentFailedWithTransactionReference(const std::string& reference) override {
+    end("Not paid. Reference " + reference);
+  }
+  void orlixError(int code) override { end("Not paid: error " + std::to_string(code)); }
+  void orlixUserDidCancel() override { end("Cancelled"); }
+  void orlixUserRegistered() override { end("Registered"); }
+  void orlixUserCompletedWallet() override { end("Wallet closed"); }
+  void orlixInvalidCode() override { end("Invalid code"); }
+
+  void end(const std::string& text) {
+    std::cout << text << '\n';
+    over = true;
+  }
+  bool over = false;
+};
+
+/// How the host shows a screen: here the payment screen as a question, an alert as its text.
+struct Terminal : orlix::UiObserver {
+  void didPresent(const std::shared_ptr<orlix::ViewController>& screen) override {
+    if (const auto alert = std::dynamic_pointer_cast<orlix::AlertController>(screen)) {
+      std::cout << alert->title() << ": " << alert->message() << '\n';
+      alert->press(0);
+    } else if (screen->identifier() == "Product") {
+      std::cout << screen->outletNamed("merchantView")->shownText() << ", "
+                << screen->outletNamed("amountView")->shownText() << ". PIN (empty to cancel): ";
+      std::string pin;
+      std::getline(std::cin, pin);
+      std::dynamic_pointer_cast<orlix::TextField>(screen->outletNamed("pinField"))->setText(pin);
+      orlix::wipe(pin.data(), pin.size());
+      // Later, as any touch: the screen has only just appeared.
+      orlix::Host::current().ports().mainQueue->async([screen, cancel = pin.empty()] {
+        screen->performAction(cancel ? "cancelAction" : "proceedAction");
+      });
+    }
+  }
+};
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  if (argc != 4) {
+    std::cerr << "usage: orlix-minimal BASE ANCHOR CODE\n";
+    return 2;
+  }
+  orlix::PosixOptions options;
+  options.applicationName = "orlix-minimal";
+  options.stateDirectory = std::filesystem::temp_directory_path() / "orlix-minimal";
+  options.anchorFile = argv[2];
+  orlix::installOrlixKit(std::make_shared<orlix::Host>(orlix::makePosixPorts(options),
+                                                       orlix::Deployment{argv[1], argv[1], ""}));
+
+  const auto window = std::make_shared<orlix::ViewController>();
+  Terminal terminal;
+  orlix::Host::current().application().showMainWindow(window);
+  orlix::Host::current().application().setObserver(&terminal);
+
+  const auto outcome = std::make_shared<Outcome>();
+  const auto facade = orlix::OXOrlix::make();
+  facade->checkout({.code = argv[3],
+                    .apiKey = "minimal-key",
+                    .system = orlix::kTestSystem,
+                    .controller = window,
+                    .delegate = outcome});
+  orlix::Host::current().ports().mainQueue->runUntil([&] { return outcome->over; });
+  orlix::Host::uninstall();
+}
