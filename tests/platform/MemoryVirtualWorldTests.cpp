@@ -104,8 +104,8 @@ TEST(VirtualWorld, SaysWhoWaitsWhenNothingCanEverRun) {
   const auto own = host.clock().newCondition();
   own->lock();
   EXPECT_EQ(messageOf([&] { own->lock(); }),
-            "VirtualWorld: nothing can run; waiting: the main thread waits for a lock, "
-            "high task waits for a signal");
+            "VirtualWorld: nothing can run; waiting: high task waits for a signal, "
+            "the main thread waits for a lock");
   own->unlock();
   host.shutdown();  // while the condition that the task waits on still stands
 }

@@ -20,9 +20,8 @@ CalendarTime VirtualClock::now() const {
 bool VirtualClock::sleep(Duration duration) {
   // Nobody signals on this channel: only time and shutdown end the wait.
   const int channel = 0;
-  const VirtualWorld::Wake woken =
-      world_->wait("sleeps", &channel, laterBy(world_->now(), duration));
-  return woken != VirtualWorld::Wake::shutDown;
+  const Wake woken = world_->wait("sleeps", &channel, laterBy(world_->now(), duration));
+  return woken != Wake::shutDown;
 }
 
 std::unique_ptr<Condition> VirtualClock::newCondition() {

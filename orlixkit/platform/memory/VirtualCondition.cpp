@@ -33,7 +33,7 @@ bool VirtualCondition::waitUntil(SteadyTime deadline) {
   release();
   bool signalled = false;
   try {
-    signalled = world_->wait("waits for a signal", this, deadline) == VirtualWorld::Wake::signalled;
+    signalled = world_->wait("waits for a signal", this, deadline) == Wake::signalled;
   } catch (const StuckError&) {
     // The caller, who gives up, believes to hold the lock and will release it.
     held_ = true;

@@ -9,13 +9,13 @@ class VirtualOperationQueue : public OperationQueue {
   explicit VirtualOperationQueue(std::shared_ptr<VirtualWorld> world) : world_(std::move(world)) {}
 
   void add(Task task) override {
-    world_->inLane(lane_, "operation queue", std::move(task));
+    world_->inBackground("operation queue", std::move(task), {}, lane_);
     world_->mayBeOvertaken();
   }
 
  private:
   std::shared_ptr<VirtualWorld> world_;
-  std::shared_ptr<VirtualWorld::Lane> lane_ = std::make_shared<VirtualWorld::Lane>();
+  std::shared_ptr<Lane> lane_ = std::make_shared<Lane>();
 };
 
 std::string nameOf(QualityOfService service) {
