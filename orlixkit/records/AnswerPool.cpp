@@ -9,13 +9,12 @@ namespace {
 
 constexpr std::size_t firstBlock = std::size_t{8} * 1024;  // holds most answers
 constexpr std::size_t largestBlock = std::size_t{4} * 1024 * 1024;
-constexpr std::size_t blockAlignment = alignof(std::max_align_t);
 
 }  // namespace
 
 AnswerPool::~AnswerPool() {
   for (const Block& block : blocks_) {
-    heap_.giveBack(block.memory, block.size, block.used, blockAlignment);
+    heap_.giveBack(block.memory, block.size, block.used);
   }
 }
 
@@ -45,7 +44,7 @@ void AnswerPool::addBlock(std::size_t size) {
       blocks_.empty() ? firstBlock : std::min(blocks_.back().size * 2, largestBlock);
   const std::size_t taken = std::max(usual, size);
   blocks_.reserve(blocks_.size() + 1);
-  blocks_.push_back({heap_.allocate(taken, blockAlignment), taken, 0});
+  blocks_.push_back({heap_.allocate(taken), taken, 0});
 }
 
 }  // namespace orlix

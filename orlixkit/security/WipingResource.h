@@ -17,7 +17,7 @@ class WipingResource final : public boost::json::memory_resource {
 
   /// Deallocates memory of which only the first `used` bytes were ever written. Overwriting the
   /// rest as well would only make the system find real memory for it.
-  void giveBack(void* memory, std::size_t size, std::size_t used, std::size_t alignment);
+  void giveBack(void* memory, std::size_t size, std::size_t used);
 
  private:
   void* do_allocate(std::size_t size, std::size_t alignment) override;
