@@ -1,3 +1,5 @@
+#include <random>
+
 #include <gtest/gtest.h>
 
 #include "orlixkit/protocol/OMVello.h"
@@ -52,13 +54,13 @@ struct Delegate : OMVelloDelegate {
 using Events = std::vector<std::string>;
 
 struct Driver {
-  Driver() {
+  explicit Driver(MemoryHostSettings settings = {}) : host(std::move(settings)) {
     host.connections().on(sessionPath, ServerReply::of(200, openedSession()));
     vello().setEnvironment(upper);
   }
   static OMVello& vello() { return OMVello::sharedOMVello(); }
   void start(std::int64_t system = 0, const std::string& name = "") {
-    vello().initSessionWithLibKey("key", system, std::make_shared<Delegate>(upper, name));
+    vello().initSessionWithLibKey("key" + name, system, std::make_shared<Delegate>(upper, name));
   }
 
   MemoryHost host;
@@ -184,6 +186,28 @@ TEST(OMVello, ASupersededStartReportsNothingAndLeavesTheClientAlone) {
     EXPECT_EQ(driver.upper->events, Events{"second established"});
     EXPECT_EQ(driver.vello().connection()->dataStore().sessionId, "one-2");
     EXPECT_EQ(driver.host.requests().size(), 2U);
+  }
+}
+
+TEST(OMVello, TheLastOfTwoStartsAtOnceWinsWhateverOrderTheThreadsRunIn) {
+  for (unsigned seed = 0; seed < 100; ++seed) {
+    MemoryHostSettings settings;
+    settings.chooser = [random = std::mt19937(seed)](std::size_t candidates) mutable {
+      return random() % candidates;
+    };
+    settings.preemptive = true;
+    Driver driver(settings);
+    driver.host.connections().on(sessionPath, [](const RecordedRequest& request) {
+      // Not by the address: a start that was superseded may already read the new one.
+      const bool isFirst = request.body->find("keyfirst") != std::string::npos;
+      return ServerReply::of(200, openedSession(isFirst ? 1 : 2));
+    });
+    driver.start(0, "first ");
+    driver.start(1, "second ");
+    driver.host.runUntilIdle();
+    ASSERT_EQ(driver.upper->events.back(), "second established");
+    ASSERT_EQ(driver.upper->events.size(), 1U);
+    ASSERT_EQ(driver.vello().connection()->dataStore().sessionId, "one-2");
   }
 }
 
