@@ -153,8 +153,9 @@ void append(std::vector<CardKind>& to, std::vector<CardKind> more) {
 
 json::object CardKind::toJson() const {
   json::object out;
-  for (const auto& [name, member] : members()) {
-    std::visit([&](auto pointer) { out[{name.data(), name.size()}] = this->*pointer; }, member);
+  for (const NamedMember& named : members()) {
+    json::value& value = out[{named.name.data(), named.name.size()}];
+    std::visit([&](auto pointer) { value = this->*pointer; }, named.member);
   }
   return out;
 }

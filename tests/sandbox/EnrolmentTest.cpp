@@ -109,13 +109,16 @@ TEST_F(Enrolment, SessionBodyMustBeTheProtocols) {
   for (const char* key : {"appVersion", "device", "node", "os", "libKey", "osVersion"}) {
     EXPECT_EQ(answerTo([&](auto& body) { body["platform"].get_object().erase(key); }), 400) << key;
   }
-  for (const auto& [key, value] :
-       std::vector<std::pair<const char*, const char*>>{{"deviceSerial", ""},
-                                                        {"deviceSerial", "[p:1],"},
-                                                        {"timeZone", "+0200"},
-                                                        {"appVersion", "iPhone"},
-                                                        {"surplus", "x"}}) {
-    EXPECT_EQ(answerTo([&](auto& body) { body[key] = value; }), 400) << key << value;
+  struct Row {
+    const char* key;
+    const char* value;
+  };
+  for (const Row& row : std::vector<Row>{{"deviceSerial", ""},
+                                         {"deviceSerial", "[p:1],"},
+                                         {"timeZone", "+0200"},
+                                         {"appVersion", "iPhone"},
+                                         {"surplus", "x"}}) {
+    EXPECT_EQ(answerTo([&](auto& body) { body[row.key] = row.value; }), 400) << row.key;
   }
   EXPECT_EQ(answerTo([](auto& body) { body["hasDoubleSession"] = false; }), 400);
 }
