@@ -10,6 +10,7 @@
 #include "orlixkit/checkout/WalletRequest.h"
 #include "orlixkit/platform/Host.h"
 #include "orlixkit/security/OMStorage.h"
+#include "orlixkit/widgets/Characters.h"
 
 namespace orlix {
 
@@ -18,16 +19,6 @@ namespace {
 constexpr std::string_view kCountryCode = "27";
 constexpr std::string_view kCountryCodeWithTrunkZero = "270";
 const std::string kCustomerIdKey = "customerId";
-
-std::string digitsOf(const std::string& text) {
-  std::string digits;
-  for (const char c : text) {
-    if (c >= '0' && c <= '9') {
-      digits.push_back(c);
-    }
-  }
-  return digits;
-}
 
 std::string withoutLeadingZeros(const std::string& digits) {
   const std::size_t first = digits.find_first_not_of('0');
@@ -118,7 +109,7 @@ std::string OXOrlix::getSuggestedMSISDN(const std::string& number) {
   if (number.empty()) {
     return number;
   }
-  const std::string digits = digitsOf(number);
+  const std::string digits = decimalDigitsOf(number);
   if (digits.starts_with("00")) {
     return "+" + withoutLeadingZeros(digits);
   }

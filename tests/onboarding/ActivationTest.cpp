@@ -35,6 +35,7 @@ TEST_F(Activation, SuggestsTheHostsNumberAndItsCountryCode) {
   const std::vector<Row> rows{
       {"none", "", "", "27"},
       {"national", "0821234567", "+27821234567", "27"},
+      {"full-width digits", "０８２ １２３ ４５６７", "+27821234567", "27"},
       {"British", "+44 7700 900123", "+447700900123", "44"},
       {"Trinidad and Tobago", "+18681234567", "+18681234567", "1868"},
       {"American", "+12025550123", "+12025550123", "1"},
