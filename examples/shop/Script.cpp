@@ -11,7 +11,7 @@ namespace orlix::shop {
 
 namespace {
 
-constexpr std::size_t kLongestLine = 64 * 1024;
+constexpr std::size_t kLongestLine = 65'536;
 constexpr std::size_t kMostDeletions = 10'000;
 constexpr double kLongestSilence = 3600;
 constexpr double kLargestAmount = 1e15;
@@ -265,7 +265,8 @@ std::vector<Word> splitLine(std::string_view line) {
       inWord = false;
       continue;
     }
-    if (c == '#' && !inWord) {
+    // The third word of a page command is a selector, and "#otp" a usual one.
+    if (c == '#' && !inWord && !(words.size() == 2 && words.front().text == "page")) {
       break;
     }
     if (!inWord) {

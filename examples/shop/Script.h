@@ -116,7 +116,8 @@ struct Word {
 };
 
 /// Splits a line at spaces and tabs. Double quotes hold spaces together; within them a backslash
-/// takes the next quote or backslash as it is. A `#` that begins a word begins a comment.
+/// takes the next quote or backslash as it is. A `#` that begins a word begins a comment, but
+/// for the selector of a page command.
 /// Throws ScriptError for an open quote and for any other escape.
 std::vector<Word> splitLine(std::string_view line);
 
