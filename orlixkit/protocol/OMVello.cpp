@@ -206,7 +206,7 @@ std::string OMVello::getTimeZone() {
   const auto offset =
       std::chrono::duration_cast<std::chrono::minutes>(clock.utcOffset(clock.now())).count();
   const auto minutes = offset < 0 ? -offset : offset;
-  const std::string timeZone =
+  std::string timeZone =
       fmt::format("{}{:02}:{:02}", offset < 0 ? '-' : '+', minutes / 60, minutes % 60);
   log("TimeZone:" + timeZone);
   return timeZone;
