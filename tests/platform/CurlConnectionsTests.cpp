@@ -21,7 +21,7 @@ const Identity& serverIdentity() {
 /// The connections over TLS to a server in this process that does as the contract scripts it.
 class CurlPlatform : public PosixPlatform {
  public:
-  UrlConnections& urlConnections() { return connections_; }
+  ~CurlPlatform() { urlConnections().close(); }
 
   void script(const std::string& path, ScriptedAnswer answer) {
     const std::lock_guard guard(lock_);
@@ -79,7 +79,6 @@ class CurlPlatform : public PosixPlatform {
   std::map<std::string, ScriptedAnswer> answers_;
   std::vector<SeenRequest> seen_;
   TlsServer server_{serverIdentity(), [this](TlsConnection& connection) { serve(connection); }};
-  CurlConnections connections_;
 };
 
 }  // namespace

@@ -8,7 +8,6 @@
 
 #include <gtest/gtest.h>
 
-#include "orlixkit/platform/posix/CurlConnections.h"
 #include "tests/platform/PosixPlatform.h"
 #include "tests/platform/TlsServer.h"
 
@@ -77,7 +76,7 @@ class HttpsFixture : public testing::Test {
   }
 
   PosixPlatform platform;
-  CurlConnections connections;
+  UrlConnections& connections = platform.urlConnections();
   std::shared_ptr<JudgingDelegate> delegate;
 };
 

@@ -9,6 +9,7 @@
 #include <string>
 #include <vector>
 
+#include "orlixkit/platform/posix/CurlConnections.h"
 #include "orlixkit/platform/posix/PosixBackgroundQueues.h"
 #include "orlixkit/platform/posix/PosixClock.h"
 #include "orlixkit/platform/posix/PosixRunLoop.h"
@@ -31,18 +32,20 @@ class CapturedLog : public SystemLog {
   std::vector<std::string> lines_;
 };
 
-/// Queues and clock of one host.
+/// Connections, queues and clock of one host.
 class PosixPlatform {
  public:
   MainQueue& mainQueue() { return mainQueue_; }
   BackgroundQueues& backgroundQueues() { return backgroundQueues_; }
   Clock& clock() { return clock_; }
+  UrlConnections& urlConnections() { return connections_; }
   std::vector<std::string> logged() const { return log_->lines(); }
 
  private:
   std::shared_ptr<CapturedLog> log_ = std::make_shared<CapturedLog>();
   std::stop_source shutdown_;
-  PosixClock clock_{shutdown_.get_token()};
+  CurlConnections connections_;
+  PosixClock clock_{shutdown_.get_token(), connections_.waitingWork()};
   PosixRunLoop mainQueue_{log_};
   PosixBackgroundQueues backgroundQueues_{shutdown_};
 };

@@ -16,4 +16,6 @@ std::shared_ptr<UrlConnection> CurlConnections::newConnection(
 
 void CurlConnections::close() { loop_->close(); }
 
+std::shared_ptr<WaitingWork> CurlConnections::waitingWork() const { return loop_; }
+
 }  // namespace orlix

@@ -1,6 +1,6 @@
 #include "orlixkit/platform/posix/CurlExchange.h"
 
-#include <algorithm>
+#include <new>
 #include <stdexcept>
 #include <string_view>
 #include <utility>
@@ -10,59 +10,13 @@
 
 #include "orlixkit/platform/posix/CurlLoop.h"
 #include "orlixkit/platform/posix/SystemTrust.h"
+#include "orlixkit/platform/posix/TrustChallenge.h"
 
 namespace orlix {
 
 namespace {
 
 constexpr int maximumRedirects = 20;
-
-using UrlPointer = std::unique_ptr<CURLU, decltype(&curl_url_cleanup)>;
-
-std::string partOf(CURLU* url, CURLUPart part, unsigned flags = 0) {
-  char* text = nullptr;
-  std::string found;
-  if (curl_url_get(url, part, &text, flags) == CURLUE_OK && text != nullptr) {
-    found = text;
-  }
-  curl_free(text);
-  return found;
-}
-
-bool holdsControlCharacter(std::string_view text) {
-  return std::any_of(text.begin(), text.end(), [](char unit) {
-    const auto code = static_cast<unsigned char>(unit);
-    return (code < 0x20 && unit != '\t') || code == 0x7F;
-  });
-}
-
-bool isToken(std::string_view name) {
-  return !name.empty() && std::all_of(name.begin(), name.end(), [](char unit) {
-    return (unit >= '0' && unit <= '9') || (unit >= 'a' && unit <= 'z') ||
-           (unit >= 'A' && unit <= 'Z') ||
-           std::string_view("!#$%&'*+-.^_`|~").find(unit) != std::string_view::npos;
-  });
-}
-
-bool isSameName(std::string_view one, std::string_view other) {
-  return std::equal(one.begin(), one.end(), other.begin(), other.end(), [](char a, char b) {
-    return (a >= 'A' && a <= 'Z' ? a + 32 : a) == (b >= 'A' && b <= 'Z' ? b + 32 : b);
-  });
-}
-
-/// The question as the delegate sees it. Lives while the delegate's callback runs.
-class TrustChallenge : public AuthenticationChallenge {
- public:
-  explicit TrustChallenge(SystemTrust& trust) : trust_(trust) {}
-  ServerTrust* serverTrust() override { return &trust_; }
-  void useCredentialForTrust() override { accepted_ = true; }
-  void cancel() override { accepted_ = false; }
-  bool isAccepted() const { return accepted_; }
-
- private:
-  SystemTrust& trust_;
-  bool accepted_ = false;  // no answer is a refusal
-};
 
 }  // namespace
 
@@ -87,6 +41,7 @@ void CurlExchange::start() {
       throw std::logic_error("UrlConnection::start: set the delegate queue first");
     }
     started_ = true;
+    starter_ = std::this_thread::get_id();
   }
   loop_->admit(shared_from_this());
 }
@@ -109,16 +64,8 @@ bool CurlExchange::isOver() const {
   return !delegate_ || ending_;
 }
 
-void CurlExchange::tell(Callback callback) {
-  std::shared_ptr<OperationQueue> queue;
-  {
-    const std::lock_guard lock(lock_);
-    if (!delegate_ || ending_) {
-      return;
-    }
-    queue = queue_;
-  }
-  queue->add([self = shared_from_this(), callback = std::move(callback)] {
+Task CurlExchange::taskFor(Callback callback) {
+  return [self = shared_from_this(), callback = std::move(callback)] {
     std::shared_ptr<UrlConnectionDelegate> delegate;
     {
       const std::lock_guard lock(self->lock_);
@@ -127,7 +74,27 @@ void CurlExchange::tell(Callback callback) {
     if (delegate) {
       callback(*delegate);
     }
-  });
+  };
+}
+
+std::shared_ptr<OperationQueue> CurlExchange::openQueue() const {
+  const std::lock_guard lock(lock_);
+  return delegate_ && !ending_ ? queue_ : nullptr;
+}
+
+void CurlExchange::tell(Callback callback) {
+  const std::shared_ptr<OperationQueue> queue = openQueue();
+  if (!queue) {
+    return;
+  }
+  OwnTasks* const own = loop_->ownTasks(*this);
+  const auto selfServed =
+      own != nullptr ? std::dynamic_pointer_cast<SelfServedQueue>(queue) : nullptr;
+  if (!selfServed) {
+    queue->add(taskFor(std::move(callback)));
+  } else if (Task run = selfServed->addAndTake(taskFor(std::move(callback)))) {
+    own->push_back({selfServed, std::move(run)});
+  }
 }
 
 void CurlExchange::tellEnd(Callback callback) {
@@ -167,18 +134,20 @@ bool CurlExchange::prepare() {
   if (isOver()) {
     return false;
   }
-  easy_.reset(curl_easy_init());
-  if (!easy_) {
-    fail("libcurl: no handle");
-    return false;
-  }
   try {
+    checkRequest(request_);
+    target_ = firstTarget_ = targetOf(request_.url);
+    easy_.reset(curl_easy_init());
+    if (!easy_) {
+      throw std::bad_alloc();
+    }
     setConstantOptions();
+    prepareHop(request_.url);
+    return true;
   } catch (const std::exception& error) {
-    fail(std::string("libcurl: ") + error.what());
+    fail(error.what());
     return false;
   }
-  return prepareHop(request_.url);
 }
 
 void CurlExchange::setConstantOptions() {
@@ -224,38 +193,11 @@ void CurlExchange::setConstantOptions() {
   set(CURLOPT_WRITEDATA, this);
 }
 
-bool CurlExchange::prepareHop(const std::string& address) {
-  const UrlPointer url(curl_url(), curl_url_cleanup);
-  if (!url || curl_url_set(url.get(), CURLUPART_URL, address.c_str(), 0) != CURLUE_OK) {
-    fail("not an address: " + address);
-    return false;
-  }
-  if (partOf(url.get(), CURLUPART_SCHEME) != "https") {
-    fail("only https is spoken, not " + address);
-    return false;
-  }
-  if (request_.method != "GET" && request_.method != "POST") {
-    fail("only GET and POST are sent, not " + request_.method);
-    return false;
-  }
-  for (const auto& [name, value] : request_.headers) {
-    if (!isToken(name) || holdsControlCharacter(value)) {
-      fail(fmt::format("the header field {} would break the request's lines",
-                       isToken(name) ? name : "with a forbidden name"));
-      return false;
-    }
-  }
-  host_ = partOf(url.get(), CURLUPART_HOST);
-  const std::string origin = host_ + ":" + partOf(url.get(), CURLUPART_PORT, CURLU_DEFAULT_PORT);
-  if (host_.size() > 2 && host_.front() == '[') {
-    host_ = host_.substr(1, host_.size() - 2);
-  }
-  if (origin_.empty()) {
-    origin_ = origin;
-  }
+void CurlExchange::prepareHop(const std::string& address) {
+  target_ = targetOf(address);
   // Once another host has had a say in where the request goes, the fields stay out.
-  ownHost_ = ownHost_ && isSameName(origin, origin_);
-  headers_ = headerList();
+  ownHost_ = ownHost_ && target_.hasOriginOf(firstTarget_);
+  headers_ = headerListOf(request_, ownHost_);
 
   newConnection_ = false;
   stale_ = false;
@@ -264,55 +206,19 @@ bool CurlExchange::prepareHop(const std::string& address) {
   errorText_[0] = '\0';
   hopBegin_ = lastByte_ = std::chrono::steady_clock::now();
   setTrust(Trust::unasked);
-  try {
-    set(CURLOPT_URL, address.c_str());
-    set(CURLOPT_FRESH_CONNECT, 0L);
-    set(CURLOPT_HTTPHEADER, headers_.get());
-    if (request_.method == "POST") {
-      set(CURLOPT_POST, 1L);
-      set(CURLOPT_POSTFIELDSIZE_LARGE,
-          static_cast<curl_off_t>(request_.body ? request_.body->size() : 0));
-      // Without a copy: the request outlives the transfer.
-      set(CURLOPT_POSTFIELDS, request_.body && !request_.body->empty()
-                                  ? reinterpret_cast<const char*>(request_.body->data())
-                                  : "");
-    } else {
-      set(CURLOPT_HTTPGET, 1L);
-    }
-  } catch (const std::exception& error) {
-    fail(std::string("libcurl: ") + error.what());
-    return false;
-  }
-  return true;
-}
 
-CurlExchange::HeaderList CurlExchange::headerList() const {
-  HeaderList list;
-  const auto add = [&list](const std::string& line) {
-    curl_slist* longer = curl_slist_append(list.get(), line.c_str());
-    if (longer != nullptr) {
-      list.release();  // NOLINT(bugprone-unused-return-value): `longer` begins with it
-      list.reset(longer);
-    }
-  };
-  bool hasContentType = false;
-  for (const auto& [name, value] : request_.headers) {
-    const bool isContentType = isSameName(name, "Content-Type");
-    if (ownHost_ || isContentType) {
-      const bool blank = value.find_first_not_of(" \t") == std::string::npos;
-      add(blank ? name + ";" : name + ": " + value);
-      hasContentType = hasContentType || isContentType;
-    }
+  set(CURLOPT_URL, address.c_str());
+  set(CURLOPT_FRESH_CONNECT, 0L);
+  set(CURLOPT_HTTPHEADER, headers_.get());
+  if (request_.method == "POST") {
+    const bool empty = !request_.body || request_.body->empty();
+    set(CURLOPT_POST, 1L);
+    set(CURLOPT_POSTFIELDSIZE_LARGE, static_cast<curl_off_t>(empty ? 0 : request_.body->size()));
+    // Without a copy: the request outlives the transfer.
+    set(CURLOPT_POSTFIELDS, empty ? "" : reinterpret_cast<const char*>(request_.body->data()));
+  } else {
+    set(CURLOPT_HTTPGET, 1L);
   }
-  // The phone's own client would add Accept, Accept-Language, Accept-Encoding and User-Agent. None
-  // of them is part of the protocol, no server depends on them, and each would tell something about
-  // the device; so only what HTTP needs goes out beside the given fields.
-  add("Accept:");
-  add("Expect:");
-  if (!hasContentType) {
-    add("Content-Type:");
-  }
-  return list;
 }
 
 curl_socket_t CurlExchange::onOpenSocket(void* self, curlsocktype, curl_sockaddr* address) {
@@ -373,12 +279,12 @@ std::size_t CurlExchange::onData(char* bytes, std::size_t unit, std::size_t coun
 
 bool CurlExchange::followsRedirect() const {
   long status = 0;
-  const curl_header* location = nullptr;
+  curl_header* location = nullptr;
   curl_easy_getinfo(easy_.get(), CURLINFO_RESPONSE_CODE, &status);
   const bool redirects =
       status == 301 || status == 302 || status == 303 || status == 307 || status == 308;
-  return redirects && curl_easy_header(easy_.get(), "Location", 0, CURLH_HEADER, -1,
-                                       const_cast<curl_header**>(&location)) == CURLHE_OK;
+  return redirects &&
+         curl_easy_header(easy_.get(), "Location", 0, CURLH_HEADER, -1, &location) == CURLHE_OK;
 }
 
 bool CurlExchange::endHop(CURLcode result) {
@@ -387,8 +293,8 @@ bool CurlExchange::endHop(CURLcode result) {
     curl_easy_setopt(easy_.get(), CURLOPT_FRESH_CONNECT, 1L);
     return true;
   }
-  if (result == CURLE_OK && followsRedirect() && prepareRedirect()) {
-    return true;
+  if (result == CURLE_OK && followsRedirect()) {
+    return prepareRedirect();
   }
   if (result == CURLE_OK && headerEnded_) {
     tellEnd([](UrlConnectionDelegate& delegate) { delegate.didFinishLoading(); });
@@ -401,7 +307,6 @@ bool CurlExchange::endHop(CURLcode result) {
   } else {
     fail(errorText_[0] != '\0' ? &errorText_[0] : curl_easy_strerror(result));
   }
-  release();
   return false;
 }
 
@@ -414,23 +319,26 @@ bool CurlExchange::prepareRedirect() {
   if (isOver()) {
     return false;
   }
-  if (++redirects_ > maximumRedirects) {
-    fail(fmt::format("more than {} redirects", maximumRedirects));
-    return false;
-  }
   long status = 0;
   const char* target = nullptr;
   curl_easy_getinfo(easy_.get(), CURLINFO_RESPONSE_CODE, &status);
   curl_easy_getinfo(easy_.get(), CURLINFO_REDIRECT_URL, &target);
-  if (target == nullptr) {
-    fail("a redirect to no address");
+  try {
+    if (++redirects_ > maximumRedirects) {
+      throw std::runtime_error(fmt::format("more than {} redirects", maximumRedirects));
+    }
+    if (target == nullptr) {
+      throw std::runtime_error("a redirect to no address");
+    }
+    if (status != 307 && status != 308) {
+      request_.method = "GET";
+    }
+    prepareHop(std::string(target));
+    return true;
+  } catch (const std::exception& error) {
+    fail(error.what());
     return false;
   }
-  if (status != 307 && status != 308) {
-    request_.method = "GET";
-    request_.body.reset();
-  }
-  return prepareHop(std::string(target));
 }
 
 CURLcode CurlExchange::onTlsContext(CURL*, void* context, void* self) {
@@ -443,16 +351,20 @@ CURLcode CurlExchange::onTlsContext(CURL*, void* context, void* self) {
 
 int CurlExchange::onCertificates(X509_STORE_CTX* presented, void* self) {
   auto& exchange = *static_cast<CurlExchange*>(self);
-  const bool trusted = exchange.isTrusted(
-      std::make_shared<SystemTrust>(X509_STORE_CTX_get0_cert(presented),
-                                    X509_STORE_CTX_get0_untrusted(presented), exchange.host_));
+  const bool trusted = exchange.isTrusted(std::make_shared<SystemTrust>(
+      X509_STORE_CTX_get0_cert(presented), X509_STORE_CTX_get0_untrusted(presented),
+      exchange.target_.host));
   X509_STORE_CTX_set_error(presented, trusted ? X509_V_OK : X509_V_ERR_APPLICATION_VERIFICATION);
   return trusted ? 1 : 0;
 }
 
 bool CurlExchange::isTrusted(std::shared_ptr<SystemTrust> trust) {
   setTrust(Trust::asked);
-  tell([self = shared_from_this(), trust](UrlConnectionDelegate& delegate) {
+  const std::shared_ptr<OperationQueue> queue = openQueue();
+  if (!queue) {
+    return false;
+  }
+  queue->add(taskFor([self = shared_from_this(), trust](UrlConnectionDelegate& delegate) {
     bool accepted = false;
     if (delegate.canAuthenticateAgainstProtectionSpace(AuthenticationMethod::serverTrust)) {
       TrustChallenge challenge(*trust);
@@ -464,8 +376,9 @@ bool CurlExchange::isTrusted(std::shared_ptr<SystemTrust> trust) {
     }
     self->setTrust(accepted ? Trust::accepted : Trust::refused);
     self->loop_->wake();
-  });
-  // libcurl cannot set a handshake aside, so the thread rests while the delegate decides.
+  }));
+  loop_->giveAwayOwnTasks();
+  // libcurl cannot set a handshake aside, so the driver rests while the delegate decides.
   loop_->wait(silentUntil(), [this] {
     const std::lock_guard lock(lock_);
     return trust_ != Trust::asked || !delegate_;

@@ -5,20 +5,22 @@
 #include <memory>
 #include <mutex>
 #include <string>
+#include <thread>
 #include <vector>
 
 #include <curl/curl.h>
 #include <openssl/x509_vfy.h>
 
 #include "orlixkit/platform/UrlConnection.h"
+#include "orlixkit/platform/posix/CurlLoop.h"
+#include "orlixkit/platform/posix/CurlRequest.h"
 
 namespace orlix {
 
-class CurlLoop;
 class SystemTrust;
 
 /// One exchange, with one hop for each redirect. The application's threads start and cancel it; the
-/// loop's thread does everything else and hands the callbacks to the delegate's queue.
+/// loop's driver does everything else and hands the callbacks to the delegate's queue.
 class CurlExchange : public UrlConnection, public std::enable_shared_from_this<CurlExchange> {
  public:
   CurlExchange(UrlRequest request, std::shared_ptr<UrlConnectionDelegate> delegate,
@@ -35,7 +37,10 @@ class CurlExchange : public UrlConnection, public std::enable_shared_from_this<C
   void abandon();
   bool isOver() const;
 
-  // From here on: the loop's thread.
+  /// The thread that has started it.
+  std::thread::id starter() const { return starter_; }
+
+  // From here on: the loop's driver.
 
   /// Makes the handle for the first hop; false when the request cannot be sent, which the delegate
   /// then has been told.
@@ -43,32 +48,28 @@ class CurlExchange : public UrlConnection, public std::enable_shared_from_this<C
   CURL* easy() const { return easy_.get(); }
   /// The hop's transfer has ended. True when the handle is ready for a further hop.
   bool endHop(CURLcode result);
-  std::chrono::steady_clock::time_point silentUntil() const { return lastByte_ + request_.timeout; }
+  SteadyTime silentUntil() const { return lastByte_ + request_.timeout; }
   void failSilent();
   /// Gives back the handle and the request's body.
   void release();
 
  private:
   enum class Trust { unasked, asked, accepted, refused };
-  struct CleanUpEasy {
-    void operator()(CURL* easy) const { curl_easy_cleanup(easy); }
-  };
-  struct FreeList {
-    void operator()(curl_slist* list) const { curl_slist_free_all(list); }
-  };
-  using HeaderList = std::unique_ptr<curl_slist, FreeList>;
   using Callback = std::function<void(UrlConnectionDelegate&)>;
 
   template <class Value>
   void set(CURLoption option, Value value);
   void setConstantOptions();
-  /// Sets address, method, header and body of the next hop; false when it has failed.
-  bool prepareHop(const std::string& url);
-  HeaderList headerList() const;
+  /// Sets address, method, header and body of the next hop. Throws when it cannot be made.
+  void prepareHop(const std::string& address);
   bool followsRedirect() const;
   bool prepareRedirect();
 
-  /// Runs the callback on the delegate's queue, unless the exchange is over by then.
+  /// The delegate's queue; none once the exchange is over.
+  std::shared_ptr<OperationQueue> openQueue() const;
+  /// What runs the callback, unless the exchange is over by then.
+  Task taskFor(Callback callback);
+  /// Puts the callback on the delegate's queue, unless the exchange is over.
   void tell(Callback callback);
   /// The same for the last callback.
   void tellEnd(Callback callback);
@@ -93,13 +94,15 @@ class CurlExchange : public UrlConnection, public std::enable_shared_from_this<C
   bool ending_ = false;                              // guarded by lock_; the last callback is owed
   Trust trust_ = Trust::unasked;                     // guarded by lock_
 
-  // The loop's thread, once started.
+  std::thread::id starter_;  // written before the loop hears of the exchange
+
+  // The loop's driver, once started.
   UrlRequest request_;
-  std::unique_ptr<CURL, CleanUpEasy> easy_;
+  EasyHandle easy_;
   HeaderList headers_;
   char errorText_[CURL_ERROR_SIZE] = "";
-  std::string origin_;  // host and port that the header fields are meant for
-  std::string host_;    // of this hop
+  RequestTarget firstTarget_;
+  RequestTarget target_;  // of this hop
   bool ownHost_ = true;
   int redirects_ = 0;
   // Of this hop:
@@ -107,8 +110,8 @@ class CurlExchange : public UrlConnection, public std::enable_shared_from_this<C
   bool stale_ = false;  // the kept connection was found closed before the request went out
   bool requestSent_ = false;
   bool headerEnded_ = false;
-  std::chrono::steady_clock::time_point hopBegin_;
-  std::chrono::steady_clock::time_point lastByte_;
+  SteadyTime hopBegin_;
+  SteadyTime lastByte_;
 };
 
 }  // namespace orlix

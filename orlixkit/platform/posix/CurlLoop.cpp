@@ -1,7 +1,6 @@
 #include "orlixkit/platform/posix/CurlLoop.h"
 
 #include <algorithm>
-#include <chrono>
 #include <pthread.h>
 #include <stdexcept>
 #include <string>
@@ -30,38 +29,24 @@ CurlLoop::CurlLoop() : multi_(makeMulti()) {}
 CurlLoop::~CurlLoop() { close(); }
 
 void CurlLoop::admit(const std::shared_ptr<CurlExchange>& exchange) {
-  bool admitted = false;
   {
     const std::lock_guard lock(lock_);
     if (!closed_) {
-      admitted = true;
       admitted_.push_back(exchange);
+      starters_.insert(exchange->starter());
       if (!thread_.joinable()) {
         thread_ = std::thread([this] { run(); });
         pthread_setname_np(thread_.native_handle(), "orlix-https");
       }
+      if (driven_) {
+        curl_multi_wakeup(multi_.get());
+      } else {
+        changed_.notify_all();
+      }
+      return;
     }
   }
-  if (admitted) {
-    wake();
-  } else {
-    exchange->fail("the network has been shut down");
-  }
-}
-
-void CurlLoop::wake() {
-  {
-    // Whoever waits has either looked already and is woken, or will look at what changed.
-    const std::lock_guard lock(lock_);
-  }
-  changed_.notify_all();
-  curl_multi_wakeup(multi_.get());
-}
-
-void CurlLoop::wait(std::chrono::steady_clock::time_point deadline,
-                    const std::function<bool()>& done) {
-  std::unique_lock lock(lock_);
-  changed_.wait_until(lock, deadline, [this, &done] { return closed_ || done(); });
+  exchange->fail("the network has been shut down");
 }
 
 void CurlLoop::close() {
@@ -70,28 +55,28 @@ void CurlLoop::close() {
     const std::lock_guard lock(lock_);
     closed_ = true;
     ended.swap(thread_);
+    changed_.notify_all();
   }
   wake();
   if (ended.joinable()) {
     ended.join();
   }
-}
-
-void CurlLoop::run() {
-  while (takeNew()) {
-    endCancelledAndSilent();
-    int under_way = 0;
-    curl_multi_perform(multi_.get(), &under_way);
-    if (isClosed()) {
-      break;  // what ended by the close itself is told to nobody
+  {
+    Lock lock(lock_);
+    changed_.wait(lock, [this] { return !driven_; });
+    if (emptied_) {
+      return;
     }
-    endFinished();
-    curl_multi_poll(multi_.get(), nullptr, 0, millisecondsToWait(), nullptr);
+    beginDriving(nullptr);
   }
+  takeNew();
   for (const std::shared_ptr<CurlExchange>& exchange : std::exchange(running_, {})) {
     exchange->abandon();
-    remove(*exchange);
+    leave(*exchange);
   }
+  const std::lock_guard lock(lock_);
+  emptied_ = true;
+  endDriving();
 }
 
 bool CurlLoop::isClosed() {
@@ -99,27 +84,146 @@ bool CurlLoop::isClosed() {
   return closed_;
 }
 
-bool CurlLoop::takeNew() {
+void CurlLoop::beginDriving(OwnTasks* ownTasks) {
+  driven_ = true;
+  driver_ = std::this_thread::get_id();
+  ownTasks_ = ownTasks;
+}
+
+void CurlLoop::endDriving() {
+  driven_ = false;
+  driver_ = {};
+  ownTasks_ = nullptr;
+  changed_.notify_all();
+}
+
+void CurlLoop::run() {
+  Lock lock(lock_);
+  while (!closed_) {
+    if (driven_ || starters_.empty()) {
+      changed_.wait(lock);
+      continue;
+    }
+    beginDriving(nullptr);
+    while (!closed_ && !starters_.empty()) {
+      lock.unlock();
+      step();
+      lock.lock();
+      if (!closed_ && !starters_.empty()) {
+        lock.unlock();
+        poll(SteadyTime::max());
+        lock.lock();
+      }
+    }
+    endDriving();
+  }
+}
+
+bool CurlLoop::isWaitingForMe() {
+  const std::lock_guard lock(lock_);
+  return !closed_ && !driven_ && starters_.contains(std::this_thread::get_id());
+}
+
+void CurlLoop::workUntil(const std::function<bool()>& done, SteadyTime deadline) {
+  const std::thread::id self = std::this_thread::get_id();
+  OwnTasks own;
+  Lock lock(lock_);
+  while (!closed_ && !driven_ && starters_.contains(self) && !done() &&
+         std::chrono::steady_clock::now() < deadline) {
+    beginDriving(&own);
+    lock.unlock();
+    step();
+    if (own.empty()) {
+      poll(deadline);
+    }
+    lock.lock();
+    // Kept between two steps: the I/O thread is told only when this thread turns to something else.
+    driven_ = false;
+    if (!own.empty()) {
+      // A callback may block, or wait for another exchange: meanwhile others may drive.
+      const bool others = starters_.size() > starters_.count(self);
+      if (others || closed_) {
+        changed_.notify_all();
+      }
+      lock.unlock();
+      for (const OwnTask& task : std::exchange(own, {})) {
+        task.run();
+      }
+      lock.lock();
+    }
+  }
+  if (!driven_ && (closed_ || !starters_.empty())) {
+    endDriving();
+  }
+}
+
+void CurlLoop::wake() {
+  const std::lock_guard lock(lock_);
+  if (driven_ && driver_ != std::this_thread::get_id()) {
+    decided_.notify_all();
+    curl_multi_wakeup(multi_.get());
+  }
+}
+
+OwnTasks* CurlLoop::ownTasks(const CurlExchange& exchange) {
+  const std::lock_guard lock(lock_);
+  const std::thread::id self = std::this_thread::get_id();
+  return driven_ && driver_ == self && exchange.starter() == self ? ownTasks_ : nullptr;
+}
+
+void CurlLoop::wait(SteadyTime deadline, const std::function<bool()>& done) {
+  Lock lock(lock_);
+  decided_.wait_until(lock, deadline, [this, &done] { return closed_ || done(); });
+}
+
+void CurlLoop::giveAwayOwnTasks() {
+  OwnTasks own;
+  {
+    const std::lock_guard lock(lock_);
+    if (ownTasks_ != nullptr) {
+      own.swap(*ownTasks_);
+    }
+  }
+  for (OwnTask& task : own) {
+    task.queue->giveBack(std::move(task.run));
+  }
+}
+
+void CurlLoop::step() {
+  takeNew();
+  endCancelledAndSilent();
+  int underWay = 0;
+  curl_multi_perform(multi_.get(), &underWay);
+  if (!isClosed()) {  // what ended by the close itself is told to nobody
+    endFinished();
+  }
+}
+
+void CurlLoop::poll(SteadyTime deadline) {
+  using std::chrono::milliseconds;
+  const auto now = std::chrono::steady_clock::now();
+  SteadyTime until = std::min<SteadyTime>(deadline, now + std::chrono::minutes(1));
+  for (const std::shared_ptr<CurlExchange>& exchange : running_) {
+    until = std::min(until, exchange->silentUntil());
+  }
+  // Rounded up: a moment too early would wake for nothing.
+  const auto left = std::chrono::ceil<milliseconds>(until - now);
+  curl_multi_poll(multi_.get(), nullptr, 0, static_cast<int>(std::max<long long>(0, left.count())),
+                  nullptr);
+}
+
+void CurlLoop::takeNew() {
   std::vector<std::shared_ptr<CurlExchange>> fresh;
-  bool closed = false;
   {
     const std::lock_guard lock(lock_);
     fresh.swap(admitted_);
-    closed = closed_;
   }
   for (const std::shared_ptr<CurlExchange>& exchange : fresh) {
-    if (closed) {
-      exchange->abandon();
+    if (exchange->prepare() && transfer(*exchange)) {
+      running_.push_back(exchange);
     } else {
-      begin(exchange);
+      leave(*exchange);
     }
-  }
-  return !closed;
-}
-
-void CurlLoop::begin(const std::shared_ptr<CurlExchange>& exchange) {
-  if (exchange->prepare() && transfer(*exchange)) {
-    running_.push_back(exchange);
   }
 }
 
@@ -127,7 +231,6 @@ bool CurlLoop::transfer(CurlExchange& exchange) {
   const CURLMcode result = curl_multi_add_handle(multi_.get(), exchange.easy());
   if (result != CURLM_OK) {
     exchange.fail(std::string("libcurl: ") + curl_multi_strerror(result));
-    exchange.release();
   }
   return result == CURLM_OK;
 }
@@ -145,9 +248,11 @@ void CurlLoop::endFinished() {
     if (found == running_.end()) {
       continue;
     }
-    curl_multi_remove_handle(multi_.get(), (*found)->easy());
-    if (!(*found)->endHop(result) || !transfer(**found)) {
+    const std::shared_ptr<CurlExchange> exchange = *found;
+    curl_multi_remove_handle(multi_.get(), exchange->easy());
+    if (!exchange->endHop(result) || !transfer(*exchange)) {
       running_.erase(found);
+      leave(*exchange);
     }
   }
 }
@@ -159,26 +264,19 @@ void CurlLoop::endCancelledAndSilent() {
       exchange->failSilent();
     }
     if (exchange->isOver()) {
-      remove(*exchange);
+      leave(*exchange);
     }
   }
-  std::erase_if(running_, [](const auto& exchange) { return exchange->isOver(); });
+  std::erase_if(running_, [](const auto& exchange) { return exchange->easy() == nullptr; });
 }
 
-void CurlLoop::remove(CurlExchange& exchange) {
-  curl_multi_remove_handle(multi_.get(), exchange.easy());
-  exchange.release();
-}
-
-int CurlLoop::millisecondsToWait() const {
-  using namespace std::chrono;
-  const auto now = steady_clock::now();
-  auto until = now + minutes(1);
-  for (const std::shared_ptr<CurlExchange>& exchange : running_) {
-    until = std::min(until, exchange->silentUntil());
+void CurlLoop::leave(CurlExchange& exchange) {
+  if (exchange.easy() != nullptr) {
+    curl_multi_remove_handle(multi_.get(), exchange.easy());
   }
-  // Rounded up: a moment too early would wake for nothing.
-  return static_cast<int>(std::max<long long>(0, ceil<milliseconds>(until - now).count()));
+  exchange.release();
+  const std::lock_guard lock(lock_);
+  starters_.erase(starters_.find(exchange.starter()));
 }
 
 }  // namespace orlix

@@ -5,64 +5,99 @@
 #include <functional>
 #include <memory>
 #include <mutex>
+#include <set>
 #include <thread>
 #include <vector>
 
 #include <curl/curl.h>
 
 #include "orlixkit/platform/posix/CurlSockets.h"
+#include "orlixkit/platform/posix/WaitingWork.h"
 
 namespace orlix {
 
 class CurlExchange;
 
-/// The I/O thread: drives all exchanges on one multi handle, which keeps their connections.
-class CurlLoop {
+/// What runs an operation queue's tasks, taken from that queue.
+struct OwnTask {
+  std::shared_ptr<SelfServedQueue> queue;
+  Task run;
+};
+using OwnTasks = std::vector<OwnTask>;
+
+struct CleanUpEasy {
+  void operator()(CURL* easy) const { curl_easy_cleanup(easy); }
+};
+using EasyHandle = std::unique_ptr<CURL, CleanUpEasy>;
+
+/// Drives all exchanges on one multi handle, which keeps their connections. One thread at a time is
+/// the driver and may touch the handle: the I/O thread, a thread that waits for its own exchange,
+/// or the one that closes.
+class CurlLoop : public WaitingWork {
  public:
   /// Throws std::runtime_error when libcurl cannot be prepared.
   CurlLoop();
-  ~CurlLoop();
+  ~CurlLoop() override;
 
   /// Starts the exchange. Any thread. After `close` it fails at once.
   void admit(const std::shared_ptr<CurlExchange>& exchange);
-  /// Has the thread look at its exchanges again: one was cancelled, or its trust decided. Any
-  /// thread.
-  void wake();
-  /// The loop's thread: waits for what another thread's `wake` announces; ends at the deadline and
-  /// at `close` as well.
-  void wait(std::chrono::steady_clock::time_point deadline, const std::function<bool()>& done);
-  /// Abandons every exchange and ends the thread. Any thread but the loop's own.
+  /// Abandons every exchange and ends the I/O thread. Any thread but the driver.
   void close();
-  /// The loop's thread.
+
+  bool isWaitingForMe() override;
+  void workUntil(const std::function<bool()>& done, SteadyTime deadline) override;
+  /// Has the driver look at its exchanges again: one was cancelled, or its trust decided.
+  void wake() override;
+
+  /// What the calling thread runs itself once it has left off driving; none unless it drives and
+  /// has started the exchange. Any thread.
+  OwnTasks* ownTasks(const CurlExchange& exchange);
+
+  // From here on: the driver.
+
+  /// Waits for what another thread's `wake` announces; ends at the deadline and at `close` as well.
+  void wait(SteadyTime deadline, const std::function<bool()>& done);
   CurlSockets& sockets() { return sockets_; }
+  /// Leaves the driver's own tasks to other threads: it is about to wait for one that may stand
+  /// behind them in the same queue.
+  void giveAwayOwnTasks();
 
  private:
   struct CleanUpMulti {
     void operator()(CURLM* multi) const { curl_multi_cleanup(multi); }
   };
+  using Lock = std::unique_lock<std::mutex>;
 
   void run();
+  void beginDriving(OwnTasks* ownTasks);
+  void endDriving();
   bool isClosed();
-  /// Takes in what was admitted; false when the loop is closed.
-  bool takeNew();
-  void begin(const std::shared_ptr<CurlExchange>& exchange);
+
+  void step();
+  void poll(SteadyTime deadline);
+  void takeNew();
   /// Hands the exchange's handle to libcurl; false when the exchange has failed.
   bool transfer(CurlExchange& exchange);
   void endFinished();
   void endCancelledAndSilent();
-  void remove(CurlExchange& exchange);
-  /// Until the next time-out, at most a minute.
-  int millisecondsToWait() const;
+  void leave(CurlExchange& exchange);
 
   CurlSockets sockets_;  // before the handle, whose end closes them
   const std::unique_ptr<CURLM, CleanUpMulti> multi_;
-  std::mutex lock_;
-  std::condition_variable changed_;
-  std::vector<std::shared_ptr<CurlExchange>> admitted_;  // guarded by lock_
-  bool closed_ = false;                                  // guarded by lock_
-  std::thread thread_;                                   // guarded by lock_
+  // The driver's:
+  std::vector<std::shared_ptr<CurlExchange>> running_;
 
-  std::vector<std::shared_ptr<CurlExchange>> running_;  // the loop's thread
+  std::mutex lock_;                  // guards all below
+  std::condition_variable changed_;  // there is work without a driver, or the loop is closed
+  std::condition_variable decided_;  // what the driver waits for within an exchange
+  std::vector<std::shared_ptr<CurlExchange>> admitted_;
+  std::multiset<std::thread::id> starters_;  // one for each exchange, admitted or running
+  bool closed_ = false;
+  bool emptied_ = false;  // closed, and nothing is left
+  bool driven_ = false;
+  std::thread::id driver_;
+  OwnTasks* ownTasks_ = nullptr;
+  std::thread thread_;
 };
 
 }  // namespace orlix

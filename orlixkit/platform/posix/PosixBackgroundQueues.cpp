@@ -2,7 +2,9 @@
 
 #include <deque>
 #include <mutex>
+#include <utility>
 
+#include "orlixkit/platform/posix/WaitingWork.h"
 #include "orlixkit/platform/posix/WorkerPool.h"
 
 namespace orlix {
@@ -16,27 +18,35 @@ class SerialTasks : public std::enable_shared_from_this<SerialTasks> {
   explicit SerialTasks(std::shared_ptr<WorkerPool> pool) : pool_(std::move(pool)) {}
 
   void add(Task task) {
-    {
-      const std::lock_guard lock(lock_);
-      if (pool_->isClosed()) {
-        return;
-      }
-      pending_.push_back(std::move(task));
-      if (draining_) {
-        return;
-      }
-      draining_ = true;
+    if (Task drain = addAndTake(std::move(task))) {
+      giveBack(std::move(drain));
     }
-    // Released with the pool's task, whether that is run or dropped.
-    const std::shared_ptr<SerialTasks> drained(
-        this, [self = shared_from_this()](SerialTasks* tasks) { tasks->dropIfClosed(); });
+  }
+
+  void giveBack(Task drain) {
     try {
-      pool_->run([drained] { drained->drain(); });
+      pool_->run(std::move(drain));
     } catch (...) {
       const std::lock_guard lock(lock_);
       draining_ = false;
       throw;
     }
+  }
+
+  /// Empty when the tasks are being run already, or never will be.
+  Task addAndTake(Task task) {
+    const std::lock_guard lock(lock_);
+    if (pool_->isClosed()) {
+      return {};
+    }
+    pending_.push_back(std::move(task));
+    if (std::exchange(draining_, true)) {
+      return {};
+    }
+    // Released with the task that is given back, whether that is run or dropped.
+    const std::shared_ptr<SerialTasks> drained(
+        this, [self = shared_from_this()](SerialTasks* tasks) { tasks->dropIfClosed(); });
+    return [drained] { drained->drain(); };
   }
 
  private:
@@ -73,11 +83,13 @@ class SerialTasks : public std::enable_shared_from_this<SerialTasks> {
   bool draining_ = false;     // guarded by lock_
 };
 
-class SerialQueue : public OperationQueue {
+class SerialQueue : public SelfServedQueue {
  public:
   explicit SerialQueue(std::shared_ptr<WorkerPool> pool)
       : tasks_(std::make_shared<SerialTasks>(std::move(pool))) {}
   void add(Task task) override { tasks_->add(std::move(task)); }
+  void giveBack(Task run) override { tasks_->giveBack(std::move(run)); }
+  Task addAndTake(Task task) override { return tasks_->addAndTake(std::move(task)); }
 
  private:
   const std::shared_ptr<SerialTasks> tasks_;

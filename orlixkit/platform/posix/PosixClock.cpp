@@ -35,7 +35,7 @@ bool PosixClock::sleep(Duration duration) {
 }
 
 std::unique_ptr<Condition> PosixClock::newCondition() {
-  return std::make_unique<PosixCondition>(shutdown_);
+  return std::make_unique<PosixCondition>(shutdown_, work_);
 }
 
 }  // namespace orlix

@@ -35,10 +35,11 @@ Ports makePosixPorts(const PosixOptions& options) {
   const std::stop_source shutdown;
   Ports ports;
   ports.log = std::make_shared<PosixSystemLog>(options.logTarget);
-  ports.clock = std::make_shared<PosixClock>(shutdown.get_token());
+  const auto connections = std::make_shared<CurlConnections>();
+  ports.urlConnections = connections;
+  ports.clock = std::make_shared<PosixClock>(shutdown.get_token(), connections->waitingWork());
   ports.mainQueue = std::make_shared<PosixRunLoop>(ports.log);
   ports.backgroundQueues = std::make_shared<PosixBackgroundQueues>(shutdown);
-  ports.urlConnections = std::make_shared<CurlConnections>();
   ports.userDefaults = std::make_shared<SqliteUserDefaults>(options.stateDirectory / "defaults.db");
   ports.device = std::make_shared<PosixDevice>(
       PosixDevice::Sources{options.applicationName, options.stateDirectory});

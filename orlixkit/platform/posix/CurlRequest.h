@@ -1,0 +1,37 @@
+#pragma once
+
+#include <memory>
+#include <string>
+#include <string_view>
+
+#include <curl/curl.h>
+
+#include "orlixkit/platform/UrlConnection.h"
+
+namespace orlix {
+
+/// What an address says of the server behind it.
+struct RequestTarget {
+  std::string host;    ///< name or address, without brackets
+  std::string origin;  ///< host and port
+  bool hasOriginOf(const RequestTarget& other) const;
+};
+
+/// Throws std::invalid_argument when `address` is none or not an https one.
+RequestTarget targetOf(const std::string& address);
+
+/// Throws std::invalid_argument when the request cannot be sent as it stands: another method than
+/// GET and POST, or a header field that would break the request's lines and so add fields of its
+/// own.
+void checkRequest(const UrlRequest& request);
+
+struct FreeHeaderList {
+  void operator()(curl_slist* list) const { curl_slist_free_all(list); }
+};
+using HeaderList = std::unique_ptr<curl_slist, FreeHeaderList>;
+
+/// The request's header fields in libcurl's notation; only its Content-Type for a host that is not
+/// its own. Throws std::bad_alloc.
+HeaderList headerListOf(const UrlRequest& request, bool ownHost);
+
+}  // namespace orlix
