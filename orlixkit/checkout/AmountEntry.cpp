@@ -4,13 +4,13 @@
 
 #include <fmt/format.h>
 
+#include "orlixkit/widgets/Characters.h"
+
 namespace orlix {
 
 namespace {
 
 constexpr std::int64_t kMost = std::numeric_limits<std::int64_t>::max();
-/// Beyond it one more digit might not fit.
-constexpr std::int64_t kMostBeforeDigit = (kMost - 9) / 10;
 /// Far beyond any amount; keeps an exponent of many digits from overflowing.
 constexpr std::int64_t kMostExponent = 1'000'000;
 
@@ -118,11 +118,11 @@ std::string AmountEntry::textAfter(std::string_view current, std::string_view re
     const bool roundDown = cents < 0 && cents % 10 != 0;
     return textOf(cents / 10 - (roundDown ? 1 : 0));
   }
-  for (const char c : replacement) {
+  for (const char c : decimalDigitsOf(replacement)) {
+    const int digit = c - '0';
     // Digits stop being accepted where the cents would no longer fit, at some 92 quadrillion.
-    const bool fits = cents >= -kMostBeforeDigit && cents <= kMostBeforeDigit;
-    if (isDigit(c) && fits) {
-      cents = cents * 10 + (c - '0');
+    if (cents >= -(kMost / 10) && cents <= (kMost - digit) / 10) {
+      cents = cents * 10 + digit;
     }
   }
   return textOf(cents);

@@ -31,26 +31,26 @@ struct PreMSISDN {
 
 /// A checkout with its arguments by name.
 struct CheckoutRequest {
-  std::string code;
+  std::string code{};
   /// In currency units. 0 or less, and what is no finite number, leaves the amount to code and
   /// user.
   double amount = 0;
-  std::string apiKey;
+  std::string apiKey{};
   OXSystem system = kLiveSystem;
-  std::shared_ptr<ViewController> controller;
-  std::shared_ptr<OXOrlixDelegate> delegate;
-  std::optional<PreMSISDN> preMSISDN;
-  std::optional<CustomerId> customerId;
+  std::shared_ptr<ViewController> controller{};
+  std::shared_ptr<OXOrlixDelegate> delegate{};
+  std::optional<PreMSISDN> preMSISDN{};
+  std::optional<CustomerId> customerId{};
 };
 
 /// A pre-registration or a visit to the wallet.
 struct WalletRequestArguments {
-  std::string apiKey;
+  std::string apiKey{};
   OXSystem system = kLiveSystem;
-  std::shared_ptr<ViewController> controller;
-  std::shared_ptr<OXOrlixDelegate> delegate;
-  std::optional<PreMSISDN> preMSISDN;
-  std::optional<CustomerId> customerId;
+  std::shared_ptr<ViewController> controller{};
+  std::shared_ptr<OXOrlixDelegate> delegate{};
+  std::optional<PreMSISDN> preMSISDN{};
+  std::optional<CustomerId> customerId{};
 };
 
 /// Empty public type, kept for hosts that name it.
@@ -106,8 +106,8 @@ class OXOrlix : public OMVelloDelegate, public std::enable_shared_from_this<OXOr
                         Delegate delegate, std::optional<PreMSISDN> preMSISDN,
                         std::optional<CustomerId> customerId);
 
-  /// "+" and the digits (0 to 9) of a South African or international number (E.164); an empty text
-  /// stays empty.
+  /// "+" and the digits of a South African or international number (E.164), those of any script
+  /// written as 0 to 9; an empty text stays empty.
   static std::string getSuggestedMSISDN(const std::string& number);
   static std::string getLibVelloApiVersion();
   /// Makes this device unknown to the wallet, and says so in an alert. Before the first session

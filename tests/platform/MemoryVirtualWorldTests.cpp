@@ -326,8 +326,9 @@ TEST(Interleavings, StopAtTheirBoundsAndAtAScenarioThatDiffers) {
   EXPECT_THROW(differing.run([&run](const Chooser& chooser) {
     MemoryHost host({.chooser = chooser});
     for (int i = 0; i < 2 + run; ++i) {
-      host.backgroundQueues().global(QualityOfService::high, [] {});
+      host.backgroundQueues().global(QualityOfService::high, [&host] { host.clock().sleep(1s); });
     }
+    host.backgroundQueues().global(QualityOfService::high, [] {});
     ++run;
     host.runUntilIdle();
   }),

@@ -7,6 +7,7 @@ namespace orlix {
 std::size_t Interleavings::run(const std::function<void(const Chooser&)>& scenario) {
   path_.clear();
   complete_ = false;
+  failed_ = false;
   std::size_t runs = 0;
   while (runs < bounds_.runs) {
     position_ = 0;
@@ -24,6 +25,9 @@ std::size_t Interleavings::run(const std::function<void(const Chooser&)>& scenar
 }
 
 std::size_t Interleavings::choose(std::size_t candidates) {
+  if (failed_) {
+    return 0;  // the scenario's host still has to shut down
+  }
   if (position_ == path_.size()) {
     if (path_.size() == bounds_.depth) {
       return 0;
@@ -32,6 +36,7 @@ std::size_t Interleavings::choose(std::size_t candidates) {
   }
   const Choice& choice = path_[position_];
   if (choice.candidates != candidates) {
+    failed_ = true;
     throw std::logic_error("Interleavings: the scenario differs from run to run; choices: " +
                            choices());
   }

@@ -51,6 +51,7 @@ class Interleavings {
   std::vector<Choice> path_;
   std::size_t position_ = 0;
   bool complete_ = false;
+  bool failed_ = false;
 };
 
 }  // namespace orlix

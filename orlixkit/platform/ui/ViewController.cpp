@@ -112,8 +112,15 @@ void ViewController::begin(const std::shared_ptr<ViewController>& controller, bo
     controller->presentationController_ =
         maker->presentationControllerFor(controller, shared_from_this(), shared_from_this());
   }
+  const Size screen = Host::current().application().mainScreenSize();
+  Rect frame{0, 0, screen.width, screen.height};
   if (controller->presentationController_) {
     controller->presentationController_->presentationTransitionWillBegin();
+    frame = controller->presentationController_->frameOfPresentedViewInContainerView();
+  }
+  controller->view_->setFrame(frame);
+  if (const auto child = controller->visibleChild()) {
+    child->view_->setFrame({0, 0, frame.width, frame.height});
   }
   controller->viewWillAppear();
   if (const auto child = controller->visibleChild()) {

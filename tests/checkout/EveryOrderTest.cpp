@@ -1,0 +1,120 @@
+#include <chrono>
+#include <random>
+
+#include <gtest/gtest.h>
+
+#include "orlixkit/checkout/OXSession.h"
+#include "orlixkit/platform/memory/Interleavings.h"
+#include "tests/checkout/Phone.h"
+
+namespace orlix::test {
+
+namespace {
+
+using namespace std::chrono_literals;
+
+/// Every order of the first events, then orders by lot, in which also threads overtake one another.
+void inEveryOrder(const std::function<void(const Chooser&, bool preemptive)>& scenario) {
+  Interleavings search({.depth = 4});
+  search.run([&](const Chooser& chooser) {
+    SCOPED_TRACE(search.choices());
+    scenario(chooser, false);
+  });
+  EXPECT_TRUE(search.complete());
+  for (unsigned seed = 0; seed < 100; ++seed) {
+    SCOPED_TRACE(seed);
+    std::mt19937 lot(seed);
+    scenario([&lot](std::size_t count) { return lot() % count; }, true);
+  }
+}
+
+/// A phone on the payment screen, from where on every order of events is open.
+struct OpenPhone {
+  OpenPhone(const Chooser& chooser, bool preemptive, const std::function<void(FakeWallet&)>& script)
+      : phone(MemoryHostSettings{
+            .chooser = [this, chooser](std::size_t count) { return open ? chooser(count) : 0; },
+            .preemptive = preemptive}) {
+    script(phone.wallet);
+    phone.showPaymentScreen();
+    screen = phone.host.topController();
+    phone.host.type("pinField", "1234");
+    open = true;
+  }
+
+  /// A touch that reaches the screen whenever it may come, even through an alert.
+  void touch(const std::string& action) {
+    phone.host.later(0s, [this, action] { screen->performAction(action); });
+  }
+  void pressWhenThere(const std::string& button) {
+    phone.host.later(0s, [this, button] {
+      if (const auto alert = phone.host.user().topAlert()) {
+        phone.host.pressAlert(button);
+      }
+    });
+  }
+
+  bool open = false;
+  Phone phone;
+  std::shared_ptr<ViewController> screen;
+};
+
+}  // namespace
+
+TEST(EveryOrder, OfAnswersTapsAndAlertsEndsInOneCallbackAndPaysOnce) {
+  struct Case {
+    std::string name;
+    std::function<void(FakeWallet&)> script;
+    std::size_t mostPurchases;
+  };
+  const std::vector<Case> cases{
+      {"paid", [](FakeWallet&) {}, 1},
+      {"declined", [](FakeWallet& wallet) { wallet.purchase = R"({"status":"ERROR"})"; }, 1},
+      {"the purchase fails once", [](FakeWallet& wallet) { wallet.nextFails("/purchase/"); }, 2},
+      {"a poll fails once", [](FakeWallet& wallet) { wallet.nextFails("/receipt/poll/"); }, 1},
+  };
+  for (const Case& row : cases) {
+    for (const std::string button : {"Retry", "Cancel"}) {
+      SCOPED_TRACE(row.name + ", " + button);
+      inEveryOrder([&](const Chooser& chooser, bool preemptive) {
+        OpenPhone run(chooser, preemptive, row.script);
+        run.touch("proceedAction");
+        run.touch("proceedAction");
+        run.pressWhenThere(button);
+        run.touch("cancelAction");
+        run.phone.host.runFor(100s);
+        EXPECT_LE(run.phone.wallet.asked("/purchase/"), row.mostPurchases);
+        EXPECT_EQ(run.phone.app->heard.size(), 1U);
+        EXPECT_EQ(run.phone.host.root()->presentedViewController(), nullptr);
+        EXPECT_FALSE(run.phone.busy());
+      });
+    }
+  }
+}
+
+TEST(EveryOrder, OfAPaymentAndASecondEntryCallLeavesEachHostItsOwnOutcome) {
+  inEveryOrder([&](const Chooser& chooser, bool preemptive) {
+    OpenPhone run(chooser, preemptive, [](FakeWallet& wallet) {
+      wallet.next("/purchase/", ServerReply::of(200, R"({"status":"SUCCESS","transactionId":1})"));
+    });
+    const auto first = run.phone.app;
+    const auto second = std::make_shared<HostApp>();
+    run.touch("proceedAction");
+    run.phone.host.later(0s, [&] {
+      run.phone.app = second;
+      run.phone.facade = OXOrlix::make();
+      run.phone.checkout();
+    });
+    run.touch("cancelAction");
+    run.phone.host.runUntilScreen("Product");
+    run.phone.host.runFor(100s);
+    EXPECT_LE(first->heard.size(), 1U);
+    EXPECT_TRUE(second->heard.empty());
+    run.phone.pay();
+    run.phone.host.runFor(100s);
+    const bool bothPaid = run.phone.wallet.asked("/purchase/") == 2;
+    EXPECT_EQ(second->heard, Heard{bothPaid ? "succeeded 9007199254740993" : "succeeded 1"});
+    EXPECT_LE(first->heard.size(), 1U);
+  });
+}
+
+}  // namespace orlix::test
