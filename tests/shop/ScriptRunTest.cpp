@@ -12,7 +12,7 @@
 namespace orlix::shop {
 namespace {
 
-using std::chrono_literals::operator""s;
+using std::chrono::seconds;
 using testing::HasSubstr;
 using testing::Not;
 
@@ -42,7 +42,7 @@ class ToyScreen : public ViewController, public TextFieldDelegate, public TableV
     });
     action("workAction", [] {
       Host::current().ports().backgroundQueues->newOperationQueue()->add(
-          [] { Host::current().ports().clock->sleep(5s); });
+          [] { Host::current().ports().clock->sleep(seconds(5)); });
     });
   }
 
@@ -160,7 +160,7 @@ TEST_F(ScriptRun, WhatAnActionThrowsIsLoggedAndTheRunGoesOn) {
 TEST_F(ScriptRun, AWaitInVainEndsAfterNinetySecondsAndSaysWhatIsShown) {
   EXPECT_EQ(shop.run("wait screen Elsewhere"),
             "line 1: waited 90 s for the screen Elsewhere in vain; the screen Toy is shown");
-  EXPECT_EQ(elapsed(), 90s);
+  EXPECT_EQ(elapsed(), seconds(90));
   EXPECT_THAT(shop.progress(), HasSubstr("waiting for the screen Elsewhere, 85 s of 90 s"));
 }
 
@@ -171,7 +171,7 @@ TEST_F(ScriptRun, AnAlertDoesNotHideItsScreenFromAWait) {
 
 TEST_F(ScriptRun, IdleMeansThatNoTaskIsLeftInTheBackground) {
   EXPECT_EQ(shop.run("tap workAction\nwait idle"), "");
-  EXPECT_EQ(elapsed(), 5s);
+  EXPECT_EQ(elapsed(), seconds(5));
 }
 
 TEST(ScriptRunOfAFlow, TakesEachOutcomeOnceAndFailsAtOnceOnAnother) {
