@@ -2,6 +2,8 @@
 
 #include <cstdlib>
 #include <fstream>
+#include <map>
+#include <optional>
 
 #include <gtest/gtest.h>
 
@@ -21,17 +23,31 @@ class ServerTrustTest : public HttpsFixture {
   static Identity issued(const CertificateDraft& draft) { return makeIdentity(draft, &root()); }
 };
 
-/// Sets OpenSSL's own variable for the system's bundle while it lives.
+/// Names the system's bundle to OpenSSL, by its own variables, while it lives.
 class SystemBundle {
  public:
   explicit SystemBundle(const std::string& file) {
-    ::setenv("SSL_CERT_FILE", file.c_str(), 1);
-    ::setenv("SSL_CERT_DIR", "/nonexistent", 1);
+    set("SSL_CERT_FILE", file.c_str());
+    set("SSL_CERT_DIR", "/nonexistent");
   }
   ~SystemBundle() {
-    ::unsetenv("SSL_CERT_FILE");
-    ::unsetenv("SSL_CERT_DIR");
+    for (const auto& [name, value] : former_) {
+      if (value) {
+        ::setenv(name.c_str(), value->c_str(), 1);
+      } else {
+        ::unsetenv(name.c_str());
+      }
+    }
   }
+
+ private:
+  void set(const std::string& name, const char* value) {
+    const char* former = std::getenv(name.c_str());
+    former_[name] = former != nullptr ? std::optional<std::string>(former) : std::nullopt;
+    ::setenv(name.c_str(), value, 1);
+  }
+
+  std::map<std::string, std::optional<std::string>> former_;
 };
 
 }  // namespace
