@@ -113,7 +113,7 @@ ssize_t TlsStream::read(char* bytes, size_t size) {
       if (!send(outgoing_.data(), outgoing_.size())) return -1;
       outgoing_.clear();
     }
-    incoming_.resize(16 * 1024);
+    incoming_.resize(size_t{16} * 1024);
     consumed_ = 0;
     const int got = SSL_read(ssl_.get(), incoming_.data(), static_cast<int>(incoming_.size()));
     incoming_.resize(got > 0 ? static_cast<size_t>(got) : 0);
