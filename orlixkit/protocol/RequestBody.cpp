@@ -25,6 +25,8 @@ void appendEscaped(SecretBytes& out, char c) {
       return append(out, "\\\"");
     case '\\':
       return append(out, "\\\\");
+    case '/':
+      return append(out, "\\/");
     case '\b':
       return append(out, "\\b");
     case '\f':
@@ -95,7 +97,10 @@ SecretBytes RequestBody::write() const {
 
 void RequestBody::writeInto(SecretBytes& out, std::size_t depth) const {
   if (fields_.empty()) {
-    return append(out, "{}");
+    // The form that the server has always been sent.
+    append(out, "{\n\n");
+    appendIndent(out, depth);
+    return append(out, "}");
   }
   append(out, "{");
   std::string_view separator = "\n";

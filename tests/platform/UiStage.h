@@ -57,6 +57,7 @@ class UiStage : private UiObserver {
   Diary diary;
   MemoryHost host;
   bool holding = false;
+  int dismissalsAnimated = 0;
 
  private:
   static std::string nameOf(const std::shared_ptr<ViewController>& controller) {
@@ -69,7 +70,9 @@ class UiStage : private UiObserver {
   void didDismiss(const std::shared_ptr<ViewController>& controller) override {
     diary.push_back(nameOf(controller) + " gone");
   }
-  bool animate(const std::shared_ptr<ViewController>&, Transition, const Task& done) override {
+  bool animate(const std::shared_ptr<ViewController>&, Transition transition,
+               const Task& done) override {
+    dismissalsAnimated += transition == Transition::dismissal ? 1 : 0;
     if (holding) {
       held_.push_back(done);
     }

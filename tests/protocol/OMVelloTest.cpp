@@ -58,6 +58,13 @@ struct Driver {
     host.connections().on(sessionPath, ServerReply::of(200, openedSession()));
     vello().setEnvironment(upper);
   }
+  ~Driver() {
+    // The tasks hold the start, which holds the delegate, which holds the upper floors.
+    upper->retry = {};
+    upper->cancel = {};
+  }
+  Driver(const Driver&) = delete;
+  Driver& operator=(const Driver&) = delete;
   static OMVello& vello() { return OMVello::sharedOMVello(); }
   void start(std::int64_t system = 0, const std::string& name = "") {
     vello().initSessionWithLibKey("key" + name, system, std::make_shared<Delegate>(upper, name));

@@ -220,7 +220,7 @@ void ViewController::beginDismissal() {
       one->disappear();
     }
   }
-  if (presented_ && presented_->presentationController_) {
+  if (presented_ && presented_->beingDismissed_ && presented_->presentationController_) {
     presented_->presentationController_->dismissalTransitionWillBegin();
   }
 }
