@@ -353,6 +353,21 @@ TEST_F(CurlExchangeTest, AnUndecidedChallengeHoldsUpNeitherCloseNorCancel) {
   EXPECT_TRUE(other->events.empty());
 }
 
+TEST_F(CurlExchangeTest, AQuestionThatIsDroppedWithItsQueueHoldsUpNobody) {
+  struct Dropping : OperationQueue {
+    void add(Task) override {}
+  };
+  TlsServer server(serverIdentity(), answerAll);
+  const auto connection = connections.newConnection(post(server.address("/")), newDelegate());
+  connection->setDelegateQueue(std::make_shared<Dropping>());
+  EXPECT_LT(timed([&] {
+              connection->start();
+              server.awaitEnded(1);
+            }),
+            promptly);
+  EXPECT_EQ(exchange(post(server.address("/"))).back(), "finish");
+}
+
 TEST_F(CurlExchangeTest, ManyThreadsStartAndCancelAtOnce) {
   TlsServer server(serverIdentity(), answerAll);
   constexpr int threads = 4;

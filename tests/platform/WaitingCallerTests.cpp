@@ -162,7 +162,7 @@ TEST_F(WaitingCallerTest, ASignalFromElsewhereEndsTheWaitAtOnce) {
   std::chrono::steady_clock::time_point signalled;
   inBackground({[&] {
     const auto connection = start(post(server.address("/")), one);
-    platform.backgroundQueues().global(QualityOfService::high, [&] {
+    platform.backgroundQueues().global(QualityOfService::high, [&, one] {
       // Once the handshake is through, the caller waits for the server's answer.
       while (server.handshakes() == 0 && platform.clock().sleep(std::chrono::milliseconds(1))) {
       }

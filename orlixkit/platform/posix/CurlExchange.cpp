@@ -1,5 +1,6 @@
 #include "orlixkit/platform/posix/CurlExchange.h"
 
+#include <atomic>
 #include <new>
 #include <stdexcept>
 #include <string_view>
@@ -205,7 +206,7 @@ void CurlExchange::prepareHop(const std::string& address) {
   headerEnded_ = false;
   errorText_[0] = '\0';
   hopBegin_ = lastByte_ = std::chrono::steady_clock::now();
-  setTrust(Trust::unasked);
+  refused_ = false;
 
   set(CURLOPT_URL, address.c_str());
   set(CURLOPT_FRESH_CONNECT, 0L);
@@ -298,7 +299,7 @@ bool CurlExchange::endHop(CURLcode result) {
   }
   if (result == CURLE_OK && headerEnded_) {
     tellEnd([](UrlConnectionDelegate& delegate) { delegate.didFinishLoading(); });
-  } else if (wasRefused()) {
+  } else if (refused_) {
     fail("the server's certificate was not accepted");
   } else if (requestSent_ && lastByte_ == hopBegin_) {
     fail("the server closed the connection without an answer");
@@ -308,11 +309,6 @@ bool CurlExchange::endHop(CURLcode result) {
     fail(errorText_[0] != '\0' ? &errorText_[0] : curl_easy_strerror(result));
   }
   return false;
-}
-
-bool CurlExchange::wasRefused() const {
-  const std::lock_guard lock(lock_);
-  return trust_ == Trust::refused;
 }
 
 bool CurlExchange::prepareRedirect() {
@@ -359,12 +355,20 @@ int CurlExchange::onCertificates(X509_STORE_CTX* presented, void* self) {
 }
 
 bool CurlExchange::isTrusted(std::shared_ptr<SystemTrust> trust) {
-  setTrust(Trust::asked);
   const std::shared_ptr<OperationQueue> queue = openQueue();
   if (!queue) {
     return false;
   }
-  queue->add(taskFor([self = shared_from_this(), trust](UrlConnectionDelegate& delegate) {
+  enum class Answer { none, accepted, refused };
+  const auto answer = std::make_shared<std::atomic<Answer>>(Answer::none);
+  const auto decide = [answer, loop = loop_](Answer given) {
+    Answer before = Answer::none;
+    answer->compare_exchange_strong(before, given);
+    loop->wake();
+  };
+  // Released with the question. A queue that is shut down drops it, and then nobody else answers.
+  std::shared_ptr<void> dropped(nullptr, [decide](void*) { decide(Answer::refused); });
+  queue->add(taskFor([decide, trust, dropped = std::move(dropped)](auto& delegate) {
     bool accepted = false;
     if (delegate.canAuthenticateAgainstProtectionSpace(AuthenticationMethod::serverTrust)) {
       TrustChallenge challenge(*trust);
@@ -374,22 +378,13 @@ bool CurlExchange::isTrusted(std::shared_ptr<SystemTrust> trust) {
       std::string error;
       accepted = trust->evaluate(error);
     }
-    self->setTrust(accepted ? Trust::accepted : Trust::refused);
-    self->loop_->wake();
+    decide(accepted ? Answer::accepted : Answer::refused);
   }));
   loop_->giveAwayOwnTasks();
   // libcurl cannot set a handshake aside, so the driver rests while the delegate decides.
-  loop_->wait(silentUntil(), [this] {
-    const std::lock_guard lock(lock_);
-    return trust_ != Trust::asked || !delegate_;
-  });
-  const std::lock_guard lock(lock_);
-  return trust_ == Trust::accepted && delegate_ != nullptr;
-}
-
-void CurlExchange::setTrust(Trust trust) {
-  const std::lock_guard lock(lock_);
-  trust_ = trust;
+  loop_->wait(silentUntil(), [&] { return *answer != Answer::none || isOver(); });
+  refused_ = *answer != Answer::accepted || isOver();
+  return !refused_;
 }
 
 }  // namespace orlix

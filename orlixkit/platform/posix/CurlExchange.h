@@ -54,7 +54,6 @@ class CurlExchange : public UrlConnection, public std::enable_shared_from_this<C
   void release();
 
  private:
-  enum class Trust { unasked, asked, accepted, refused };
   using Callback = std::function<void(UrlConnectionDelegate&)>;
 
   template <class Value>
@@ -75,8 +74,6 @@ class CurlExchange : public UrlConnection, public std::enable_shared_from_this<C
   void tellEnd(Callback callback);
   /// Puts the question to the delegate and waits for its answer. No answer is a refusal.
   bool isTrusted(std::shared_ptr<SystemTrust> trust);
-  void setTrust(Trust trust);
-  bool wasRefused() const;
 
   static std::size_t onHeader(char* line, std::size_t unit, std::size_t count, void* self);
   static std::size_t onData(char* bytes, std::size_t unit, std::size_t count, void* self);
@@ -92,7 +89,6 @@ class CurlExchange : public UrlConnection, public std::enable_shared_from_this<C
   std::shared_ptr<OperationQueue> queue_;            // guarded by lock_
   bool started_ = false;                             // guarded by lock_
   bool ending_ = false;                              // guarded by lock_; the last callback is owed
-  Trust trust_ = Trust::unasked;                     // guarded by lock_
 
   std::thread::id starter_;  // written before the loop hears of the exchange
 
@@ -107,7 +103,8 @@ class CurlExchange : public UrlConnection, public std::enable_shared_from_this<C
   int redirects_ = 0;
   // Of this hop:
   bool newConnection_ = false;
-  bool stale_ = false;  // the kept connection was found closed before the request went out
+  bool stale_ = false;    // the kept connection was found closed before the request went out
+  bool refused_ = false;  // the server's certificate
   bool requestSent_ = false;
   bool headerEnded_ = false;
   SteadyTime hopBegin_;
