@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <chrono>
 #include <mutex>
+#include <semaphore>
 
 #include <gtest/gtest.h>
 
@@ -83,13 +84,18 @@ TEST_F(CurlExchangeTest, OneHandshakeServesAllExchangesOneAfterAnother) {
 }
 
 TEST_F(CurlExchangeTest, AConnectionThatTheServerClosedWhileIdleIsReplacedAndJudgedAnew) {
-  TlsServer server(serverIdentity(), [](TlsConnection& connection) {
+  // The server closes only once the client has done with the answer, else it would hear of the
+  // close together with it.
+  std::counting_semaphore<> mayClose(0);
+  TlsServer server(serverIdentity(), [&mayClose](TlsConnection& connection) {
     connection.read();
     connection.write(httpAnswer(200, "", "ok"));
+    mayClose.acquire();
   });
   for (int i = 1; i <= 3; ++i) {
-    EXPECT_EQ(exchange(post(server.address("/"))).back(), "finish");
+    EXPECT_EQ(exchange(post(server.address("/"))).back(), "finish") << delegate->error;
     EXPECT_EQ(delegate->challenges, 1);
+    mayClose.release();
     server.awaitEnded(i);
   }
   EXPECT_EQ(server.handshakes(), 3);
