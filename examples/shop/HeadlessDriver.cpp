@@ -114,7 +114,7 @@ void HeadlessDriver::set(const std::string& outlet, const std::string& text) {
 }
 
 void HeadlessDriver::tap(const std::string& name) {
-  Stage::requireTouchable();
+  Stage::requireTouchable(name);
   const std::shared_ptr<ViewController> screen = Stage::content();
   if (screen->outletNamed(name)) {
     tapOutlet(name, *screen);

@@ -79,12 +79,14 @@ bool Stage::isMoving() {
   return false;
 }
 
-void Stage::requireTouchable() {
+void Stage::requireTouchable(const std::string& name) {
   if (const auto above = alert()) {
     throw ScriptError("the alert \"" + above->title() +
                       "\" stands over the screen: " + above->message());
   }
-  if (application().progressIndicator().blocksInput()) {
+  const std::shared_ptr<ViewController> top = content();
+  const bool passes = top && top->isReachableUnderMask(name);
+  if (application().progressIndicator().blocksInput() && !passes) {
     throw ScriptError("the progress indicator \"" + application().progressIndicator().status() +
                       "\" holds touches back");
   }
@@ -106,7 +108,7 @@ std::shared_ptr<View> Stage::outlet(const std::string& name) {
 }
 
 std::shared_ptr<View> Stage::touchableOutlet(const std::string& name) {
-  requireTouchable();
+  requireTouchable(name);
   std::shared_ptr<View> found = outlet(name);
   if (found->isOutOfSight()) {
     throw ScriptError(name + onScreen() + " is hidden");

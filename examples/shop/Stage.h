@@ -29,7 +29,7 @@ class Stage {
 
   /// Throws while something keeps a user's finger off the screen: an alert, the progress
   /// indicator's mask, or that there is no screen.
-  static void requireTouchable();
+  static void requireTouchable(const std::string& name);
   static std::shared_ptr<View> outlet(const std::string& name);
   /// An outlet that can be seen on a screen that can be touched.
   static std::shared_ptr<View> touchableOutlet(const std::string& name);

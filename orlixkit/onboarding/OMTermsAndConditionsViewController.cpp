@@ -23,6 +23,8 @@ ProgressIndicator& indicator() { return Host::current().application().progressIn
 OMTermsAndConditionsViewController::OMTermsAndConditionsViewController()
     : webView_(outlet<WebPageView>("webView")), backButton_(outlet<Button>("backButton")) {
   backButton_->setTitle("BACK");
+  // A page that cannot be loaded leaves the indicator up; the user still gets back.
+  keepReachableUnderMask({"backButton", "backAction"});
   action("backAction", [this] { backAction(); });
   backButton_->onTouchUpInside = [this] { performAction("backAction"); };
 }

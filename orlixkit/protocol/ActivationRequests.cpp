@@ -12,8 +12,9 @@ MTSmsResponse KCVelloConnection::sendMsisdn(const std::string& msisdn) {
 }
 
 std::int32_t KCVelloConnection::processActivationCode(const std::string& code) {
-  const std::lock_guard turn(turn_);
-  const auto answer = _request<MTSmsResponse>("/sms/activateSession", {{"activationCode", code}});
+  Turn turn(turn_);
+  const auto answer =
+      _request<MTSmsResponse>(turn, "/sms/activateSession", {{"activationCode", code}});
   if (answer.status == SmsResponseStatus::success) {
     if (!dataStore_.po) {
       dataStore_.po = std::make_shared<PersistableObject>();

@@ -78,34 +78,36 @@ RequestBody KCVelloConnection::_pinData(const SecretString& pin) const {
 
 MTPinResponse KCVelloConnection::purchaseAMT(const PurchaseRequest& request,
                                              const SecretString& pin) {
-  const std::lock_guard turn(turn_);
-  return _purchase(request, {{"pinData", _pinData(pin)}}, &pin, withNode("/purchase/"));
+  Turn turn(turn_);
+  return _purchase(turn, request, {{"pinData", _pinData(pin)}}, &pin, withNode("/purchase/"));
 }
 
 MTPinResponse KCVelloConnection::puchaseCNP(const PurchaseRequest& request) {
-  const std::lock_guard turn(turn_);
-  return _purchase(request, {}, nullptr, withNode("/purchase/"));
+  Turn turn(turn_);
+  return _purchase(turn, request, {}, nullptr, withNode("/purchase/"));
 }
 
 MTPinResponse KCVelloConnection::purchaseSecureCode(const PurchaseRequest& request,
                                                     const VelloSecureCodeData& secureCodeData) {
-  const std::lock_guard turn(turn_);
-  return _purchase(request, secureCodeFields(secureCodeData), nullptr, withNode("/purchase/"));
+  Turn turn(turn_);
+  return _purchase(turn, request, secureCodeFields(secureCodeData), nullptr,
+                   withNode("/purchase/"));
 }
 
 MTPinResponse KCVelloConnection::auth3DsCard(const PurchaseRequest& request,
                                              const VelloSecureCodeData& secureCodeData) {
-  const std::lock_guard turn(turn_);
-  return _purchase(request, secureCodeFields(secureCodeData), nullptr, withNode("/auth3Ds/"));
+  Turn turn(turn_);
+  return _purchase(turn, request, secureCodeFields(secureCodeData), nullptr, withNode("/auth3Ds/"));
 }
 
-MTPinResponse KCVelloConnection::_purchase(const PurchaseRequest& request, RequestBody builder,
-                                           const SecretString* pin, const std::string& url) {
+MTPinResponse KCVelloConnection::_purchase(Turn& turn, const PurchaseRequest& request,
+                                           RequestBody builder, const SecretString* pin,
+                                           const std::string& url) {
   addPurchase(builder, request);
   return withNetworkException([&] {
     MTPinResponse response;
     const std::optional<SecretBytes> answer =
-        pin != nullptr ? _sendPurchaseAMT(url, builder, *pin) : _send(url, builder);
+        pin != nullptr ? _sendPurchaseAMT(turn, url, builder, *pin) : _send(turn, url, builder);
     response.parseFromData(bytesOf(answer));
     return response;
   });
@@ -113,9 +115,9 @@ MTPinResponse KCVelloConnection::_purchase(const PurchaseRequest& request, Reque
 
 std::optional<MTReceipt> KCVelloConnection::pollForReceipt(std::int64_t transactionId) {
   return withNetworkException([&]() -> std::optional<MTReceipt> {
-    const std::lock_guard turn(turn_);
+    Turn turn(turn_);
     const std::optional<SecretBytes> answer =
-        _send(withNode("/receipt/poll/"), {{"transactionId", transactionId}});
+        _send(turn, withNode("/receipt/poll/"), {{"transactionId", transactionId}});
     if (!answer || answer->empty()) {
       return std::nullopt;
     }

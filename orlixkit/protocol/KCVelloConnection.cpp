@@ -135,14 +135,23 @@ void KCVelloConnection::_ensureSession() {
   }
 }
 
-std::optional<SecretBytes> KCVelloConnection::_send(const std::string& path,
+NetworkResult KCVelloConnection::_post(Turn& turn, const std::string& path,
+                                       const std::optional<SecretBytes>& body) {
+  const DataStore session = dataStore_;
+  turn.unlock();
+  NetworkResult result = network_->post(url_ + path, body, session);
+  turn.lock();
+  return result;
+}
+
+std::optional<SecretBytes> KCVelloConnection::_send(Turn& turn, const std::string& path,
                                                     const RequestBody& fields) {
   _ensureSession();
   const SecretBytes body = fields.write();
   // No limit on purpose: a server that forgets sessions as fast as they are opened is asked until
   // it stops doing so, opening a session fails, or the host shuts down (the transport then fails).
   for (;;) {
-    NetworkResult result = network_->post(url_ + path, body, dataStore_);
+    NetworkResult result = _post(turn, path, body);
     if (result.responseCode != codeSessionUnknown) {
       return payloadOf(std::move(result));
     }
@@ -151,7 +160,7 @@ std::optional<SecretBytes> KCVelloConnection::_send(const std::string& path,
   }
 }
 
-std::optional<SecretBytes> KCVelloConnection::_sendPurchaseAMT(const std::string& path,
+std::optional<SecretBytes> KCVelloConnection::_sendPurchaseAMT(Turn& turn, const std::string& path,
                                                                RequestBody& fields,
                                                                const SecretString& pin) {
   _ensureSession();
@@ -161,7 +170,7 @@ std::optional<SecretBytes> KCVelloConnection::_sendPurchaseAMT(const std::string
   } catch (const std::invalid_argument& failure) {
     log(failure.what());
   }
-  NetworkResult result = network_->post(url_ + path, body, dataStore_);
+  NetworkResult result = _post(turn, path, body);
   if (result.responseCode != codeSessionUnknown) {
     return payloadOf(std::move(result));
   }
@@ -169,7 +178,7 @@ std::optional<SecretBytes> KCVelloConnection::_sendPurchaseAMT(const std::string
   fields.set("pinData", _pinData(pin));
   // A further 403 in there re-sends this block as it is, although its key has been replaced: such a
   // block can only be refused, and the user is then asked for the PIN once more.
-  return _send(path, fields);
+  return _send(turn, path, fields);
 }
 
 void KCVelloConnection::reset(StorageInterface& storage) {

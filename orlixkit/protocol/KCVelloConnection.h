@@ -38,8 +38,9 @@ class AnswerReader;
 /// path under the server's base address. Opens the session when there is none and renews it when
 /// the server has forgotten it (403), as often as that happens.
 ///
-/// Thread: any but the main thread; operations block, up to 60 seconds per exchange. Two callers at
-/// once take turns. At the host's shutdown every operation under way or waiting fails.
+/// Thread: any but the main thread; operations block, up to 60 seconds per exchange. Several
+/// callers may ask at once; only the opening of a session is one caller's at a time. At the host's
+/// shutdown every operation under way or waiting fails.
 ///
 /// Errors: an operation throws NetworkException (without name and reason) for whatever goes wrong
 /// on the way to the server, there and back, a session that cannot be opened included; offer the
@@ -113,6 +114,9 @@ class KCVelloConnection {
   const Serial& serial() const { return serial_; }
 
  private:
+  /// The right to use the session values.
+  using Turn = std::unique_lock<RequestTurn>;
+
   // The operations with an underscore expect the caller to have taken the turn.
   void _establishSession();
   void keepSession(const AnswerReader& answer);
@@ -120,19 +124,22 @@ class KCVelloConnection {
   /// Opens a session when there is neither token.
   void _ensureSession();
   /// The body of the answer; none when it was cut off after its header.
-  std::optional<SecretBytes> _send(const std::string& path, const RequestBody& fields);
-  std::optional<SecretBytes> _sendPurchaseAMT(const std::string& path, RequestBody& fields,
-                                              const SecretString& pin);
-  MTPinResponse _purchase(const PurchaseRequest& request, RequestBody builder,
+  std::optional<SecretBytes> _send(Turn& turn, const std::string& path, const RequestBody& fields);
+  std::optional<SecretBytes> _sendPurchaseAMT(Turn& turn, const std::string& path,
+                                              RequestBody& fields, const SecretString& pin);
+  /// Posts with the tokens of the moment. Gives the turn up meanwhile: an answer that the server
+  /// holds back must not hold back the other requests, least of all one on the main thread.
+  NetworkResult _post(Turn& turn, const std::string& path, const std::optional<SecretBytes>& body);
+  MTPinResponse _purchase(Turn& turn, const PurchaseRequest& request, RequestBody builder,
                           const SecretString* pin, const std::string& url);
   RequestBody _pinData(const SecretString& pin) const;
   std::string withNode(const std::string& path) const { return path + node_; }
 
   /// Sends, and parses the answer into a new record.
   template <class Record>
-  Record _request(const std::string& path, const RequestBody& fields) {
+  Record _request(Turn& turn, const std::string& path, const RequestBody& fields) {
     return withNetworkException([&] {
-      const std::optional<SecretBytes> answer = _send(path, fields);
+      const std::optional<SecretBytes> answer = _send(turn, path, fields);
       Record record;
       record.parseFromData(bytesOf(answer));
       return record;
@@ -140,8 +147,8 @@ class KCVelloConnection {
   }
   template <class Record>
   Record request(const std::string& path, const RequestBody& fields) {
-    const std::lock_guard turn(turn_);
-    return _request<Record>(path, fields);
+    Turn turn(turn_);
+    return _request<Record>(turn, path, fields);
   }
   /// An absent body reads as an empty one, which the parsers refuse.
   static ByteView bytesOf(const std::optional<SecretBytes>& answer) {

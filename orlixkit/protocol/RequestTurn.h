@@ -6,8 +6,8 @@
 
 namespace orlix {
 
-/// Lets one request of a client run at a time; the others wait on the host's clock, so that they
-/// also wait in virtual time. Lockable like a mutex; not recursive.
+/// Guards the session values of a client; whoever waits for them waits on the host's clock, so that
+/// it also waits in virtual time. Lockable like a mutex; not recursive.
 class RequestTurn {
  public:
   RequestTurn();

@@ -109,12 +109,27 @@ TYPED_TEST_P(BackgroundQueuesContract, ABlockedOperationQueueHoldsUpNoOther) {
 
 TYPED_TEST_P(BackgroundQueuesContract, TasksRunToTheirEndAfterTheirQueueIsReleased) {
   std::shared_ptr<OperationQueue> queue = this->queues.newOperationQueue();
-  bool slept = false;
-  queue->add([&, this] { slept = this->platform.clock().sleep(std::chrono::milliseconds(1)); });
+  const std::unique_ptr<Condition> condition = this->platform.clock().newCondition();
+  bool released = false;
+  bool ranOn = false;
+  queue->add([&, this] {
+    condition->lock();
+    const SteadyTime deadline = this->platform.clock().steadyNow() + std::chrono::seconds(60);
+    while (!released && condition->waitUntil(deadline)) {
+    }
+    ranOn = released;
+    condition->unlock();
+  });
   queue->add([this] { this->report(); });
   queue.reset();
+  this->queues.global(QualityOfService::high, [&] {
+    condition->lock();
+    released = true;
+    condition->unlock();
+    condition->signal();
+  });
   this->awaitReports(1);
-  EXPECT_TRUE(slept);
+  EXPECT_TRUE(ranOn);
 }
 
 TYPED_TEST_P(BackgroundQueuesContract, ATaskMayAddTasksAlsoToItsOwnQueue) {

@@ -72,13 +72,20 @@ TYPED_TEST_P(ClockContract, ASignalWakesEveryWaiterWithTheLockHeldOrNot) {
     const std::unique_ptr<Condition> condition = this->clock.newCondition();
     const SteadyTime deadline = this->clock.steadyNow() + std::chrono::seconds(60);
     constexpr int waiters = 3;
+    const std::unique_ptr<Condition> arrived = this->clock.newCondition();
     int waiting = 0;
+    bool allArrived = false;
     bool open = false;
     int through = 0;
     for (int i = 0; i < waiters; ++i) {
       this->queues.global(QualityOfService::high, [&, this] {
         condition->lock();
-        ++waiting;
+        if (++waiting == waiters) {
+          arrived->lock();
+          allArrived = true;
+          arrived->unlock();
+          arrived->signal();
+        }
         while (!open && condition->waitUntil(deadline)) {
         }
         const bool passed = open;
@@ -87,12 +94,11 @@ TYPED_TEST_P(ClockContract, ASignalWakesEveryWaiterWithTheLockHeldOrNot) {
       });
     }
     this->queues.global(QualityOfService::high, [&, this] {
-      condition->lock();
-      while (waiting < waiters) {
-        condition->unlock();
-        this->clock.sleep(std::chrono::milliseconds(1));
-        condition->lock();
+      arrived->lock();
+      while (!allArrived && arrived->waitUntil(deadline)) {
       }
+      arrived->unlock();
+      condition->lock();
       open = true;
       if (lockHeld) {
         condition->signal();

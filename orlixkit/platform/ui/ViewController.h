@@ -2,6 +2,7 @@
 
 #include <map>
 #include <memory>
+#include <set>
 #include <stdexcept>
 #include <string>
 #include <vector>
@@ -62,6 +63,9 @@ class ViewController : public std::enable_shared_from_this<ViewController> {
   /// None when there is no outlet of this name.
   std::shared_ptr<View> outletNamed(const std::string& name) const;
   bool hasAction(const std::string& name) const { return actions_.contains(name); }
+  /// True for the outlets and actions that can be touched although the progress indicator holds
+  /// touches back: the way out of something that may never come.
+  bool isReachableUnderMask(const std::string& name) const { return underMask_.contains(name); }
   /// Throws std::out_of_range for an unknown name.
   void performAction(const std::string& name);
 
@@ -111,6 +115,7 @@ class ViewController : public std::enable_shared_from_this<ViewController> {
   template <class T>
   std::shared_ptr<T> outlet(const std::string& name, const std::shared_ptr<View>& inside);
   void action(const std::string& name, Task operation);
+  void keepReachableUnderMask(std::set<std::string> names) { underMask_ = std::move(names); }
 
  private:
   friend class Application;
@@ -140,6 +145,7 @@ class ViewController : public std::enable_shared_from_this<ViewController> {
   std::map<std::string, std::shared_ptr<View>> outlets_;
   std::vector<std::string> actionNames_;
   std::map<std::string, Task> actions_;
+  std::set<std::string> underMask_;
   std::shared_ptr<ViewController> presented_;
   std::weak_ptr<ViewController> presenting_;
   std::shared_ptr<PresentationController> presentationController_;
