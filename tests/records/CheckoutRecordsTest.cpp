@@ -14,73 +14,34 @@ namespace orlix {
 
 namespace {
 
-/// One field of the lookup's record: the key, how it is read, how it is flagged.
-template <class Field>
-struct Row {
-  const char* key;
-  Field MTCodeInfo::*field;
-  bool MTCodeInfo::*flag;
-};
-
-const Row<std::optional<std::string>> texts[] = {
-    {"code", &MTCodeInfo::code, &MTCodeInfo::hasCode},
-    {"amountString", &MTCodeInfo::amountString, &MTCodeInfo::hasAmountString},
-    {"currency", &MTCodeInfo::currency, &MTCodeInfo::hasCurrency},
-    {"merchantName", &MTCodeInfo::merchantName, &MTCodeInfo::hasMerchantName},
-    {"shortDescription", &MTCodeInfo::shortDescription, &MTCodeInfo::hasShortDescription},
-    {"acceptedCards", &MTCodeInfo::acceptedCards, &MTCodeInfo::hasAcceptedCards},
-    {"acceptedPayments", &MTCodeInfo::acceptedPayments, &MTCodeInfo::hasAcceptedPayments},
-    {"extraReferenceName", &MTCodeInfo::extraReferenceName, &MTCodeInfo::hasExtraReferenceName},
-    {"vasInput", &MTCodeInfo::vasInput, &MTCodeInfo::hasVasInput},
-    {"vasInputMessage", &MTCodeInfo::vasInputMessage, &MTCodeInfo::hasVasInputMessage},
-    {"vasImageURL", &MTCodeInfo::vasImageURL, &MTCodeInfo::hasVasImageURL},
-    {"amount", &MTCodeInfo::amount, &MTCodeInfo::hasAmount},
-    {"tipFixed", &MTCodeInfo::tipFixed, &MTCodeInfo::hasTipFixed},
-    {"tipPercentage", &MTCodeInfo::tipPercentage, &MTCodeInfo::hasTipPercentage},
-};
-
-const Row<bool> booleans[] = {
-    {"orlixData", &MTCodeInfo::orlixData, &MTCodeInfo::hasOrlixData},
-    {"requestContact", &MTCodeInfo::requestContact, &MTCodeInfo::hasRequestContact},
-    {"requestBilling", &MTCodeInfo::requestBilling, &MTCodeInfo::hasRequestBilling},
-    {"requestShipping", &MTCodeInfo::requestShipping, &MTCodeInfo::hasRequestShipping},
-    {"isOnUs", &MTCodeInfo::isOnUs, &MTCodeInfo::hasIsOnUs},
-    {"requestPartialPayment", &MTCodeInfo::requestPartialPayment,
-     &MTCodeInfo::hasRequestPartialPayment},
-    {"requestTip", &MTCodeInfo::requestTip, &MTCodeInfo::hasRequestTip},
-};
-
 int flagsSet(const MTCodeInfo& info) {
-  int count =
-      info.hasVasProfileId + info.hasExtraInput + info.hasAmountOptions + info.hasVasAccountsList;
-  for (const auto& row : texts) {
-    count += info.*row.flag;
-  }
-  for (const auto& row : booleans) {
-    count += info.*row.flag;
-  }
-  return count;
+  return info.hasCode + info.hasAmountString + info.hasCurrency + info.hasMerchantName +
+         info.hasShortDescription + info.hasAcceptedCards + info.hasAcceptedPayments +
+         info.hasExtraReferenceName + info.hasVasInput + info.hasVasInputMessage +
+         info.hasVasImageURL + info.hasAmount + info.hasTipFixed + info.hasTipPercentage +
+         info.hasOrlixData + info.hasRequestContact + info.hasRequestBilling +
+         info.hasRequestShipping + info.hasIsOnUs + info.hasRequestPartialPayment +
+         info.hasRequestTip;
 }
 
 TEST(CodeInfo, TakesEachFieldFromItsKeyAndFlagsThatAlone) {
-  const auto only = [](const char* key, const char* value) {
-    return parsed<MTCodeInfo>("{\"" + std::string(key) + "\":" + value + "}");
-  };
-  for (const auto& row : texts) {
-    const auto info = only(row.key, R"("text")");
-    EXPECT_EQ(info.*row.field, "text") << row.key;
-    EXPECT_TRUE(info.*row.flag) << row.key;
-    EXPECT_EQ(flagsSet(info), 1) << row.key;
-    EXPECT_TRUE(only(row.key, "null").*row.flag) << row.key;
-  }
-  for (const auto& row : booleans) {
-    const auto info = only(row.key, R"("true")");
-    EXPECT_TRUE(info.*row.field && info.*row.flag) << row.key;
-    EXPECT_EQ(flagsSet(info), 1) << row.key;
-    EXPECT_THROW(only(row.key, "null"), std::invalid_argument) << row.key;
-  }
-  EXPECT_EQ(only("vasProfileId", R"("42")").vasProfileId, 42);
+  const auto info = parsed<MTCodeInfo>(R"({"code":"a","amountString":"b","currency":"c",
+      "merchantName":"d","shortDescription":"e","acceptedCards":"f","acceptedPayments":"g",
+      "extraReferenceName":"h","vasInput":"i","vasInputMessage":"j","vasImageURL":"k","amount":"l",
+      "tipFixed":"m","tipPercentage":"n","orlixData":1,"requestContact":"true","requestBilling":1,
+      "requestShipping":1,"isOnUs":1,"requestPartialPayment":1,"requestTip":1,"vasProfileId":"42"})");
+  EXPECT_EQ(*info.code + *info.amountString + *info.currency + *info.merchantName +
+                *info.shortDescription + *info.acceptedCards + *info.acceptedPayments +
+                *info.extraReferenceName + *info.vasInput + *info.vasInputMessage +
+                *info.vasImageURL + *info.amount + *info.tipFixed + *info.tipPercentage,
+            "abcdefghijklmn");
+  EXPECT_TRUE(info.orlixData && info.requestContact && info.requestBilling &&
+              info.requestShipping && info.isOnUs && info.requestPartialPayment && info.requestTip);
+  EXPECT_EQ(info.vasProfileId, 42);
+  EXPECT_EQ(flagsSet(info), 21);
   EXPECT_EQ(flagsSet(parsed<MTCodeInfo>("{}")), 0);
+  EXPECT_EQ(flagsSet(parsed<MTCodeInfo>(R"({"isOnUs":0,"code":null})")), 2) << "by the key alone";
+  EXPECT_THROW(parsed<MTCodeInfo>(R"({"requestTip":null})"), std::invalid_argument);
 }
 
 TEST(CodeInfo, FillsItsNestedRecords) {
@@ -95,22 +56,11 @@ TEST(CodeInfo, FillsItsNestedRecords) {
   EXPECT_EQ(boost::json::serialize(*info.extraInput), R"({"a":[1]})");
   ASSERT_EQ(info.vasAccountsList->vasAccountsArray_Count, 2U);
   const MTVasAccount& first = info.vasAccountsList->vasAccountsArray[0];
-  EXPECT_EQ(first.company, "c");
-  EXPECT_EQ(first.name, "n");
-  EXPECT_EQ(first.accountNumber, "1");
-  EXPECT_EQ(first.detail, "d");
-  EXPECT_EQ(first.billId, "b");
-  EXPECT_EQ(first.amount, "2.00");
+  EXPECT_EQ(*first.company + *first.name + *first.accountNumber + *first.detail + *first.billId +
+                *first.amount,
+            "cn1db2.00");
   EXPECT_EQ(info.vasAccountsList->vasAccountsArray[1].name, "second");
   EXPECT_FALSE(info.vasAccountsList->vasAccountsArray[1].hasAmount);
-}
-
-TEST(CodeResponse, WithoutCodeInfoHasAMessageOnly) {
-  const auto response = parsed<MTCodeResponse>(R"({"message":"unknown code"})");
-  EXPECT_EQ(response.message, "unknown code");
-  EXPECT_TRUE(response.hasMessage);
-  EXPECT_FALSE(response.codeInfo || response.hasCodeInfo || response.cardList ||
-               response.hasCardList || response.URLResponse || response.hasURLResponse);
 }
 
 TEST(CodeResponse, HoldsTheCodeTheCardsAndTheRawAddressAnswer) {
@@ -120,6 +70,9 @@ TEST(CodeResponse, HoldsTheCodeTheCardsAndTheRawAddressAnswer) {
   EXPECT_EQ(response.cardList->cardsArray_Count, 1);
   ASSERT_TRUE(response.hasCodeInfo && response.hasCardList && response.hasURLResponse);
   EXPECT_EQ(boost::json::serialize(*response.URLResponse), "null");
+  const auto bare = parsed<MTCodeResponse>(R"({"message":"unknown code"})");
+  EXPECT_EQ(bare.message, "unknown code");
+  EXPECT_FALSE(bare.hasCodeInfo || bare.hasCardList || bare.hasURLResponse || !bare.hasMessage);
   EXPECT_THROW(parsed<MTCodeResponse>(R"({"codeInfo":null})"), std::invalid_argument);
   EXPECT_THROW(parsed<MTCodeResponse>(R"({"cardList":{"cards":{}}})"), std::invalid_argument);
   EXPECT_THROW(parsed<MTCodeResponse>("[]"), NetworkException);
@@ -131,41 +84,32 @@ TEST(Receipt, IsTheSameOnItsOwnAndWithinACardResponse) {
   const auto nested = parsed<MTCardResponse>("{\"receipt\":" + text + "}");
   for (const MTReceipt& receipt : {parsed<MTReceipt>(text), *nested.receipt}) {
     EXPECT_EQ(receipt.receiptId, 12);
-    EXPECT_EQ(receipt.preview1, "p1");
-    EXPECT_EQ(receipt.preview2, "p2");
-    EXPECT_EQ(receipt.htmlContent, "<b>");
-    EXPECT_EQ(receipt.status, "SUCCESS");
-    EXPECT_EQ(receipt.amount, "12.5");
+    EXPECT_EQ(*receipt.preview1 + *receipt.preview2 + *receipt.htmlContent + *receipt.status +
+                  *receipt.amount,
+              "p1p2<b>SUCCESS12.5");
     EXPECT_TRUE(receipt.hasReceiptId && receipt.hasPreview1 && receipt.hasPreview2 &&
                 receipt.hasHtmlContent && receipt.hasStatus && receipt.hasAmount);
   }
-  EXPECT_FALSE(parsed<MTReceipt>("{}").hasStatus);
 }
 
 TEST(Automator, LearnsItsTypeFromStatusThenFromType) {
-  using Type = SecureCodeAutomatorType;
-  const struct {
-    const char* body;
-    Type type;
-    bool hasType;
-  } rows[] = {
-      {R"({"status":"SmsOtp"})", Type::smsOtp, true},
-      {R"({"status":"SMSOTP"})", Type::notSet, false},
-      {R"({"type":"SMS_OTP"})", Type::smsOtp, true},
-      {R"({"type":"password"})", Type::password, true},
-      {R"({"type":"Push_Ussd"})", Type::pushUssd, true},
-      {R"({"type":"js_only"})", Type::jsOnly, true},
-      {R"({"status":"SmsOtp","type":"JS_ONLY"})", Type::jsOnly, true},
-      {R"({"status":"SmsOtp","type":"OTHER"})", Type::smsOtp, true},
-      {R"({"type":"OTHER"})", Type::notSet, true},
-      {R"({"type":null})", Type::notSet, true},
-      {"{}", Type::notSet, false},
+  using enum SecureCodeAutomatorType;
+  const std::pair<SecureCodeAutomatorType, std::vector<const char*>> rows[] = {
+      {smsOtp,
+       {R"({"status":"SmsOtp"})", R"({"type":"SMS_OTP"})",
+        R"({"status":"SmsOtp","type":"OTHER"})"}},
+      {password, {R"({"type":"password"})"}},
+      {pushUssd, {R"({"type":"Push_Ussd"})"}},
+      {jsOnly, {R"({"type":"js_only"})", R"({"status":"SmsOtp","type":"JS_ONLY"})"}},
+      {notSet, {R"({"status":"SMSOTP"})", R"({"type":null})", "{}"}},
   };
-  for (const auto& row : rows) {
-    const auto automator = parsed<SecureCodeAutomator>(row.body);
-    EXPECT_EQ(automator.type, row.type) << row.body;
-    EXPECT_EQ(automator.hasType, row.hasType) << row.body;
+  for (const auto& [type, bodies] : rows) {
+    for (const char* body : bodies) {
+      EXPECT_EQ(parsed<SecureCodeAutomator>(body).type, type) << body;
+    }
   }
+  EXPECT_TRUE(parsed<SecureCodeAutomator>(R"({"type":null})").hasType);
+  EXPECT_FALSE(parsed<SecureCodeAutomator>(R"({"status":"SMSOTP"})").hasType);
 }
 
 TEST(SecureCodeAnswer, HoldsThePageOrItsAddress) {
@@ -176,44 +120,27 @@ TEST(SecureCodeAnswer, HoldsThePageOrItsAddress) {
 })");
   EXPECT_TRUE(response.cardSupported && response.htmlPresent);
   EXPECT_EQ(response.secureCodeId, 9);
-  EXPECT_EQ(response.URL, "https://issuer.example");
-  EXPECT_EQ(response.payload, "PaReq");
-  EXPECT_EQ(response.error, "e");
-  EXPECT_EQ(response.htmlContent, "<p>\xE2\x82\xAC</p>");
-  EXPECT_EQ(response.automator->javascript, "go();");
-  EXPECT_EQ(response.automator->smsRegex, "\\d+");
-  EXPECT_EQ(response.automator->inputPrompt, "code?");
+  EXPECT_EQ(*response.URL + *response.payload + *response.error + *response.htmlContent,
+            "https://issuer.examplePaReqe<p>\xE2\x82\xAC</p>");
+  EXPECT_EQ(*response.automator->javascript + *response.automator->smsRegex +
+                *response.automator->inputPrompt,
+            "go();\\d+code?");
   EXPECT_TRUE(response.hasCardSupported && response.hasSecureCodeId && response.hasURL &&
               response.hasAutomator && response.hasPayload && response.hasError &&
               response.hasHtmlPresent && response.hasHtmlContent);
-
-  const auto other = parsed<MTSecureCodeURLResponse>(R"({"URL":"x","htmlPresent":false})");
-  EXPECT_FALSE(other.hasURL) << "the key is in lower case";
-  EXPECT_TRUE(other.hasHtmlPresent);
-  EXPECT_FALSE(other.automator || other.hasAutomator);
+  EXPECT_FALSE(parsed<MTSecureCodeURLResponse>(R"({"URL":"x"})").hasURL) << "in lower case only";
 }
 
 TEST(LocationText, NamesWhatIsKnown) {
-  const struct {
-    const char* name;
-    Location location;
-    const char* text;
-  } rows[] = {
-      {"nothing", {}, ""},
-      {"GPS", {.gpsLatitude = 52.370216, .gpsLongditude = -4.895168}, "[G:52.370216,-4.895168]"},
-      {"whole degrees", {.gpsLatitude = 52, .gpsLongditude = 0}, "[G:52,0]"},
-      {"as exact as the number",
-       {.gpsLatitude = 0.1 + 0.2, .gpsLongditude = 1e-7},
-       "[G:0.30000000000000004,1e-07]"},
-      {"no longitude", {.gpsLatitude = 1.5}, "[G:1.5,(null)]"},
-      {"no latitude", {.gpsLongditude = 1.5}, ""},
-      {"network",
-       {.networkMCC = "204", .networkMNC = "08", .networkCellId = "7", .networkLac = "9"},
-       "[N:204,08,7,9]"},
-      {"network in part", {.networkCellId = "7"}, "[N:(null),(null),7,(null)]"},
-      {"no cell", {.networkMCC = "204"}, ""},
-      {"both",
-       {.gpsLatitude = 1,
+  const std::pair<Location, const char*> rows[] = {
+      {{}, ""},
+      {{.gpsLatitude = 52.370216, .gpsLongditude = -4.895168}, "[G:52.370216,-4.895168]"},
+      {{.gpsLatitude = 0.1 + 0.2, .gpsLongditude = 1e-7}, "[G:0.30000000000000004,1e-07]"},
+      {{.gpsLatitude = 1.5}, "[G:1.5,(null)]"},
+      {{.gpsLongditude = 1.5}, ""},
+      {{.networkCellId = "7"}, "[N:(null),(null),7,(null)]"},
+      {{.networkMCC = "204"}, ""},
+      {{.gpsLatitude = 1,
         .gpsLongditude = 2,
         .networkMCC = "204",
         .networkMNC = "08",
@@ -221,8 +148,8 @@ TEST(LocationText, NamesWhatIsKnown) {
         .networkLac = "9"},
        "[G:1,2],[N:204,08,7,9]"},
   };
-  for (const auto& row : rows) {
-    EXPECT_EQ(row.location.buildLocation(), row.text) << row.name;
+  for (const auto& [location, text] : rows) {
+    EXPECT_EQ(location.buildLocation(), text);
   }
 }
 
