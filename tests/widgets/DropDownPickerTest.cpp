@@ -28,7 +28,7 @@ TEST(DropDownPicker, TakesThePlaceOfTheFormerOneAndLeavesTheText) {
   const auto field = std::make_shared<TextField>();
   auto former = DropDownPicker::attach(field, {"Savings"});
   former->pick(0);
-  const auto picker = DropDownPicker::attach(field, {"Current"});
+  auto picker = DropDownPicker::attach(field, {"Current"});
   EXPECT_EQ(DropDownPicker::of(*field), picker);
   EXPECT_EQ(field->subviews().size(), 1U);
   EXPECT_EQ(field->text(), "Savings");
@@ -37,6 +37,7 @@ TEST(DropDownPicker, TakesThePlaceOfTheFormerOneAndLeavesTheText) {
   field->replaceCharacters({0, 0}, "x");
   EXPECT_EQ(field->text(), "Savings") << "nobody types into it, though the former one is gone";
   picker->removeFromSuperview();
+  picker.reset();
   EXPECT_EQ(DropDownPicker::of(*field), nullptr);
   field->replaceCharacters({0, 7}, "x");
   EXPECT_EQ(field->text(), "x");
