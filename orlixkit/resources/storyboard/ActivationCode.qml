@@ -1,0 +1,62 @@
+import QtQuick
+import QtQuick.Layouts
+import OrlixKit.Components
+
+OxSheet {
+    id: sheet
+
+    title: heading.text
+    ribbon: true
+    primary: main
+    cancel: out
+
+    OxKeyboardScroll {
+        sheet: sheet
+
+        OxTitle {
+            id: heading
+
+            Layout.fillWidth: true
+            text: "Activation code"
+        }
+
+        OxLabel {
+            outlet: sheet.screen.infoLabel
+            Layout.fillWidth: true
+            size: 15
+            color: OxTheme.mutedText
+        }
+
+        OxField {
+            outlet: sheet.screen.codeField
+            Layout.fillWidth: true
+            Layout.topMargin: 4
+            compact: sheet.compact
+            size: 20
+            weight: Font.Bold
+            doneAction: "DoneClicked"
+            onDone: sheet.screen.perform("DoneClicked")
+        }
+    }
+
+    foot: OxFoot {
+        OxButton {
+            id: out
+
+            outlet: sheet.screen.cancelButton
+            actionName: "cancelAction"
+            Layout.preferredWidth: 92
+            compact: sheet.compact
+        }
+
+        OxButton {
+            id: main
+
+            outlet: sheet.screen.proceedButton
+            actionName: "proceedAction"
+            Layout.fillWidth: true
+            primary: true
+            compact: sheet.compact
+        }
+    }
+}

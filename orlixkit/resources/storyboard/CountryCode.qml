@@ -1,0 +1,25 @@
+import QtQuick
+import OrlixKit.Components
+
+OxSheet {
+    id: sheet
+
+    title: "Country codes"
+    ribbon: true
+    cancel: bar.backItem
+
+    head: OxNavigationBar {
+        id: bar
+
+        back: sheet.screen.cancelButton
+        backAction: "cancelAction"
+    }
+
+    OxTable {
+        outlet: sheet.screen.tableView
+        anchors.fill: parent
+        anchors.bottomMargin: sheet.overhang > 0 ? 0 : 12
+        light: true
+        spokenName: sheet.title
+    }
+}

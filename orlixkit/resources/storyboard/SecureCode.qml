@@ -1,0 +1,5 @@
+import OrlixKit.Components
+
+OxIssuerPage {
+    heading: "Confirm with your bank"
+}

@@ -1,0 +1,51 @@
+import QtQuick
+import QtQuick.Layouts
+import OrlixKit.Components
+
+OxSheet {
+    id: sheet
+
+    title: heading.text
+    ribbon: true
+    primary: main
+    cancel: out
+
+    OxKeyboardScroll {
+        sheet: sheet
+
+        OxTitle {
+            id: heading
+
+            Layout.fillWidth: true
+            text: "Changed terms"
+        }
+
+        OxLabel {
+            outlet: sheet.screen.descriptionLabel
+            Layout.fillWidth: true
+            Layout.topMargin: 6
+            lineHeight: 1.2
+        }
+    }
+
+    foot: OxFoot {
+        OxButton {
+            id: out
+
+            outlet: sheet.screen.declineButton
+            actionName: "declineAction"
+            Layout.preferredWidth: 92
+            compact: sheet.compact
+        }
+
+        OxButton {
+            id: main
+
+            outlet: sheet.screen.proceedButton
+            actionName: "proceedAction"
+            Layout.fillWidth: true
+            primary: true
+            compact: sheet.compact
+        }
+    }
+}

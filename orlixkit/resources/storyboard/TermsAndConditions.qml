@@ -1,0 +1,23 @@
+import QtQuick
+import OrlixKit.Components
+
+OxSheet {
+    id: sheet
+
+    title: "Terms and conditions"
+    ribbon: true
+    cancel: bar.backItem
+
+    head: OxNavigationBar {
+        id: bar
+
+        back: sheet.screen.backButton
+        backAction: "backAction"
+    }
+
+    OxWebPage {
+        outlet: sheet.screen.webView
+        anchors.fill: parent
+        anchors.bottomMargin: sheet.overhang > 0 ? 0 : 12
+    }
+}

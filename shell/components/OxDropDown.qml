@@ -1,0 +1,170 @@
+import QtQuick
+import QtQuick.Templates as T
+
+// A field outlet whose text is chosen instead of typed: from its own list, or on another screen.
+T.Button {
+    id: root
+
+    required property var outlet
+    property alias label: box.label
+    property alias compact: box.compact
+    property alias caption: box.caption
+    // Set before the text, such as the "+" of a dialling code.
+    property string prefix: ""
+    // Covers the screen while the list is open.
+    required property Item overlay
+    readonly property bool open: root.outlet.picker !== null && root.outlet.picker.open
+
+    objectName: root.outlet.name
+    visible: root.outlet.shown
+    enabled: root.outlet.enabled && root.outlet.reachable
+    implicitWidth: box.implicitWidth
+    implicitHeight: box.implicitHeight
+    text: root.outlet.text
+
+    Accessible.role: Accessible.ComboBox
+    Accessible.name: root.label !== null ? root.label.text
+                                         : root.caption !== "" ? root.caption : root.outlet.placeholder
+    Accessible.description: root.outlet.text
+    Accessible.onPressAction: root.click()
+
+    Keys.onReturnPressed: root.click()
+    Keys.onEnterPressed: root.click()
+    Keys.onDownPressed: root.click()
+
+    onClicked: {
+        if (root.outlet.picker !== null) {
+            root.outlet.picker.toggle();
+        } else {
+            root.outlet.beginEditing();
+        }
+    }
+
+    background: OxFieldBox {
+        id: box
+
+        outlet: root.outlet
+        editing: root.open || root.visualFocus
+
+        Text {
+            width: parent.width - 24
+            height: parent.height
+            text: root.text === "" ? "" : root.prefix + root.text
+            textFormat: Text.PlainText
+            color: OxTheme.text
+            font.family: OxTheme.family
+            font.pixelSize: 16
+            font.weight: Font.Medium
+            elide: Text.ElideRight
+            verticalAlignment: Text.AlignVCenter
+        }
+    }
+
+    OxPicture {
+        anchors.right: parent.right
+        anchors.rightMargin: 8
+        anchors.verticalCenter: parent.verticalCenter
+        width: 22
+        height: 22
+        source: "image://orlix/dropdown"
+        rotation: root.open ? 180 : 0
+    }
+
+    Loader {
+        parent: root.overlay
+        anchors.fill: parent
+        active: root.open
+        z: 10
+        sourceComponent: openList
+        onLoaded: item.forceActiveFocus()
+    }
+
+    Component {
+        id: openList
+
+        FocusScope {
+            id: cover
+
+            readonly property point below: root.mapToItem(root.overlay, 0, root.height + 4)
+            readonly property bool fitsBelow: cover.below.y + list.height <= cover.height
+
+            Accessible.ignored: true
+            Keys.onEscapePressed: root.outlet.picker.toggle()
+            Keys.onTabPressed: root.outlet.picker.toggle()
+            Component.onDestruction: root.forceActiveFocus()
+
+            MouseArea {
+                anchors.fill: parent
+                onClicked: root.outlet.picker.toggle()
+            }
+
+            Rectangle {
+                id: list
+
+                x: cover.below.x
+                y: cover.fitsBelow ? cover.below.y : cover.below.y - root.height - 8 - list.height
+                width: root.width
+                height: rows.height + 2
+                radius: 6
+                color: OxTheme.fieldFill
+                border.width: 1
+                border.color: OxTheme.accent
+
+                ListView {
+                    id: rows
+
+                    anchors.left: parent.left
+                    anchors.right: parent.right
+                    anchors.top: parent.top
+                    anchors.margins: 1
+                    height: Math.min(rows.contentHeight, 200)
+                    clip: true
+                    focus: true
+                    model: root.outlet.picker !== null ? root.outlet.picker.entries : []
+                    currentIndex: root.outlet.picker !== null ? Math.max(0, root.outlet.picker.current) : 0
+                    keyNavigationWraps: true
+                    boundsBehavior: Flickable.StopAtBounds
+                    Accessible.role: Accessible.List
+                    Accessible.name: root.Accessible.name
+
+                    Keys.onReturnPressed: root.outlet.picker.choose(rows.currentIndex)
+                    Keys.onEnterPressed: root.outlet.picker.choose(rows.currentIndex)
+                    Keys.onSpacePressed: root.outlet.picker.choose(rows.currentIndex)
+
+                    delegate: T.ItemDelegate {
+                        id: entry
+
+                        required property int index
+                        required property string modelData
+
+                        objectName: root.outlet.name + ".entry" + entry.index
+                        width: rows.width
+                        height: 36
+                        text: entry.modelData
+                        focusPolicy: Qt.NoFocus
+                        onClicked: root.outlet.picker.choose(entry.index)
+
+                        Accessible.role: Accessible.ListItem
+                        Accessible.name: entry.text
+                        Accessible.onPressAction: entry.click()
+
+                        background: Rectangle {
+                            radius: 5
+                            color: entry.ListView.isCurrentItem ? OxTheme.accentPlate : "transparent"
+                        }
+                        contentItem: Text {
+                            leftPadding: 11
+                            text: entry.text
+                            textFormat: Text.PlainText
+                            color: OxTheme.text
+                            font.family: OxTheme.family
+                            font.pixelSize: 15
+                            verticalAlignment: Text.AlignVCenter
+                            elide: Text.ElideRight
+                        }
+                    }
+                }
+            }
+        }
+    }
+}

@@ -1,0 +1,142 @@
+import QtQuick
+
+// A field outlet. The text belongs to the outlet: an edit, whether by key, paste or input method, is
+// handed to it, and then its text and caret are shown again. So a secret is never more here than its
+// bullets.
+FocusScope {
+    id: root
+
+    required property var outlet
+    property alias label: box.label
+    property alias compact: box.compact
+    // Performs the action of the button above the keyboard, when the outlet has one.
+    property string doneAction: ""
+    property real size: 16
+    property int weight: Font.Medium
+
+    signal done
+
+    readonly property bool editing: input.activeFocus
+    readonly property string shownText: root.outlet.text
+    readonly property int shownCaret: root.outlet.caret
+    readonly property bool wanted: root.outlet.focused
+
+    objectName: root.outlet.name
+    visible: root.outlet.shown
+    implicitWidth: box.implicitWidth
+    implicitHeight: box.implicitHeight
+
+    onShownTextChanged: input.showOutlet()
+    onShownCaretChanged: input.showOutlet()
+    onWantedChanged: {
+        if (!root.wanted && input.activeFocus) {
+            input.focus = false;
+        }
+    }
+
+    OxFieldBox {
+        id: box
+
+        anchors.fill: parent
+        outlet: root.outlet
+        editing: input.activeFocus
+    }
+
+    // A touch anywhere in the box begins editing.
+    MouseArea {
+        anchors.fill: parent
+        enabled: input.enabled
+        cursorShape: Qt.IBeamCursor
+        onPressed: input.forceActiveFocus(Qt.MouseFocusReason)
+    }
+
+    TextInput {
+        id: input
+
+        property bool showing: false
+
+        x: 12
+        y: box.textTop
+        width: root.width - 24 - (doneButton.visible ? doneButton.width - 4 : 0)
+        height: box.textHeight
+        focus: true
+        activeFocusOnTab: true
+        enabled: root.outlet.enabled && root.outlet.reachable
+        clip: true
+        verticalAlignment: TextInput.AlignVCenter
+        color: OxTheme.text
+        selectionColor: OxTheme.accentPlate
+        selectedTextColor: OxTheme.text
+        selectByMouse: !root.outlet.secure
+        font.family: OxTheme.family
+        font.pixelSize: root.size
+        font.weight: root.weight
+        font.letterSpacing: root.outlet.secure ? 2 : 0
+        inputMethodHints: (root.outlet.numeric ? Qt.ImhDigitsOnly : Qt.ImhNone)
+                          | (root.outlet.phone ? Qt.ImhDialableCharactersOnly : Qt.ImhNone)
+                          | (root.outlet.secure ? Qt.ImhHiddenText | Qt.ImhSensitiveData
+                                                  | Qt.ImhNoPredictiveText : Qt.ImhNone)
+
+        Accessible.role: Accessible.EditableText
+        Accessible.name: root.label !== null ? root.label.text : root.outlet.placeholder
+        Accessible.description: root.label !== null ? root.outlet.placeholder : ""
+        Accessible.passwordEdit: root.outlet.secure
+        Accessible.focusable: true
+
+        function showOutlet(): void {
+            input.showing = true;
+            if (input.text !== root.outlet.text) {
+                input.text = root.outlet.text;
+            }
+            input.cursorPosition = Math.min(root.outlet.caret, input.length);
+            input.showing = false;
+        }
+
+        // What stands behind the caret was there before the edit; what differs before it is new.
+        function handOver(): void {
+            const was = root.outlet.text;
+            const behind = input.length - input.cursorPosition;
+            const head = was.slice(0, Math.max(0, was.length - behind));
+            const now = input.text.slice(0, input.cursorPosition);
+            let same = 0;
+            while (same < head.length && same < now.length && head[same] === now[same]) {
+                ++same;
+            }
+            root.outlet.replaceCharacters(same, head.length - same, now.slice(same));
+            input.showOutlet();
+        }
+
+        Component.onCompleted: input.showOutlet()
+        onTextEdited: input.handOver()
+        onCursorPositionChanged: {
+            if (!input.showing && input.text === root.outlet.text) {
+                root.outlet.moveCaret(input.cursorPosition);
+            }
+        }
+        onActiveFocusChanged: {
+            if (input.activeFocus) {
+                root.outlet.beginEditing();
+            } else {
+                root.outlet.endEditing();
+            }
+        }
+    }
+
+    OxPlate {
+        id: doneButton
+
+        objectName: root.doneAction
+        anchors.right: parent.right
+        anchors.rightMargin: 6
+        anchors.verticalCenter: parent.verticalCenter
+        implicitHeight: 34
+        implicitWidth: 58
+        visible: input.activeFocus && root.doneAction !== "" && root.outlet.toolbarButton !== ""
+        focusPolicy: Qt.NoFocus
+        text: root.outlet.toolbarButton
+        lineWidth: 0
+        letters: OxTheme.accent
+        letterWeight: Font.Bold
+        onClicked: root.done()
+    }
+}

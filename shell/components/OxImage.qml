@@ -1,0 +1,13 @@
+import QtQuick
+
+// An image outlet.
+OxPicture {
+    id: root
+
+    required property var outlet
+
+    objectName: root.outlet.name
+    visible: root.outlet.shown
+    opacity: root.outlet.alpha
+    source: root.outlet.imageSource
+}

@@ -1,0 +1,12 @@
+import QtQuick
+
+// A picture that fits its rectangle, sharp at every scale of the screen.
+Image {
+    id: picture
+
+    fillMode: Image.PreserveAspectFit
+    sourceSize: Qt.size(Math.ceil(picture.width * Screen.devicePixelRatio),
+                        Math.ceil(picture.height * Screen.devicePixelRatio))
+    smooth: true
+    Accessible.ignored: true
+}

@@ -1,0 +1,64 @@
+import QtQuick
+import QtQuick.Templates as T
+
+// A button's face and its keys. `primary` lays a plate of the accent colour under it.
+T.Button {
+    id: root
+
+    property bool primary: false
+    property bool compact: false
+    property color fill: "transparent"
+    property color letters: OxTheme.text
+    property color line: OxTheme.text
+    property real lineWidth: 1
+    property real cornerRadius: 5
+    property int letterWeight: root.primary ? Font.Bold : Font.Medium
+    property int letterSize: 15
+
+    implicitWidth: Math.max(72, face.implicitWidth + 24)
+    implicitHeight: root.compact ? OxTheme.compactButtonHeight : OxTheme.buttonHeight
+    opacity: root.enabled ? 1 : 0.5
+
+    Accessible.role: Accessible.Button
+    Accessible.name: root.text
+    Accessible.onPressAction: root.click()
+
+    Keys.onReturnPressed: root.click()
+    Keys.onEnterPressed: root.click()
+
+    background: Rectangle {
+        radius: root.cornerRadius
+        color: !root.primary ? "transparent" : root.down ? OxTheme.accentPlatePressed
+                                                         : OxTheme.accentPlate
+
+        Rectangle {
+            anchors.fill: parent
+            radius: root.cornerRadius
+            color: root.down && !root.primary ? Qt.rgba(1, 1, 1, 0.16) : root.fill
+            border.width: root.lineWidth
+            border.color: root.line
+        }
+
+        OxFocusRing {
+            on: root.visualFocus
+        }
+    }
+
+    contentItem: Text {
+        id: face
+
+        text: root.text
+        color: root.letters
+        font.family: OxTheme.family
+        font.pixelSize: root.letterSize
+        font.weight: root.letterWeight
+        font.letterSpacing: 0.4
+        fontSizeMode: Text.HorizontalFit
+        minimumPixelSize: 10
+        horizontalAlignment: Text.AlignHCenter
+        verticalAlignment: Text.AlignVCenter
+        textFormat: Text.PlainText
+        leftPadding: 6
+        rightPadding: 6
+    }
+}

@@ -1,0 +1,66 @@
+import QtQuick
+
+// The one indicator that says what the library is busy with, over everything else. It holds nothing
+// back itself: what is out of reach meanwhile knows it.
+Item {
+    id: root
+
+    readonly property var progress: orlixProgress // qmllint disable unqualified
+
+    anchors.fill: parent
+    visible: root.opacity > 0
+    opacity: root.progress.shown ? 1 : 0
+
+    Accessible.role: Accessible.AlertMessage
+    Accessible.name: root.progress.status
+    Accessible.ignored: !root.progress.shown
+
+    Behavior on opacity {
+        NumberAnimation {
+            duration: 150
+        }
+    }
+
+    Image {
+        anchors.fill: parent
+        visible: root.progress.masked
+        source: "image://orlix/progress_mask"
+        sourceSize: Qt.size(200, 200)
+        fillMode: Image.Stretch
+        smooth: true
+        Accessible.ignored: true
+    }
+
+    Rectangle {
+        anchors.centerIn: parent
+        width: Math.max(128, words.implicitWidth + 40)
+        height: 112
+        radius: 14
+        color: "#f20e1016"
+        border.width: 1
+        border.color: "#33ffffff"
+
+        OxActivity {
+            anchors.horizontalCenter: parent.horizontalCenter
+            y: 22
+            width: 36
+            height: 36
+            Accessible.ignored: true
+        }
+
+        Text {
+            id: words
+
+            anchors.horizontalCenter: parent.horizontalCenter
+            anchors.bottom: parent.bottom
+            anchors.bottomMargin: 18
+            text: root.progress.status
+            textFormat: Text.PlainText
+            color: OxTheme.text
+            font.family: OxTheme.family
+            font.pixelSize: 15
+            font.weight: Font.Medium
+            Accessible.ignored: true
+        }
+    }
+}

@@ -1,0 +1,10 @@
+import QtQuick
+
+// The brand's ribbon along the bottom of the screen.
+Image {
+    height: 6
+    source: "image://orlix/bottom_ribbon"
+    fillMode: Image.Stretch
+    sourceSize: Qt.size(600, 12)
+    Accessible.ignored: true
+}

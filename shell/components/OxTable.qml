@@ -1,0 +1,199 @@
+import QtQuick
+import QtQuick.Templates as T
+
+// A table outlet. `light` is the look of a long list to choose from, the other one that of a few
+// things that one owns.
+ListView {
+    id: root
+
+    required property var outlet
+    property bool light: false
+    property string spokenName: ""
+    property string spokenButton: ""
+    readonly property int contentHeightOfRow: 40
+    // Beside the rows, so that the bar covers none of their buttons.
+    readonly property int barSpace: 10
+    readonly property int checkedRow: root.outlet.checkedRow
+
+    objectName: root.outlet.name
+    visible: root.outlet.shown
+    opacity: root.outlet.alpha
+    model: root.outlet.rows
+    clip: true
+    boundsBehavior: Flickable.StopAtBounds
+    activeFocusOnTab: true
+    currentIndex: Math.max(0, root.checkedRow)
+    spacing: root.light ? 0 : 8
+    highlightMoveDuration: 0
+
+    Accessible.role: Accessible.List
+    Accessible.name: root.spokenName
+
+    Keys.onReturnPressed: root.outlet.selectRow(root.currentIndex)
+    Keys.onEnterPressed: root.outlet.selectRow(root.currentIndex)
+    Keys.onSpacePressed: root.outlet.selectRow(root.currentIndex)
+    Keys.onDeletePressed: root.outlet.pressRowButton(root.currentIndex)
+    Keys.onPressed: event => {
+        const page = Math.max(1, Math.floor(root.height / root.contentHeightOfRow) - 1);
+        const steps = {
+            [Qt.Key_Home]: -root.count,
+            [Qt.Key_End]: root.count,
+            [Qt.Key_PageUp]: -page,
+            [Qt.Key_PageDown]: page
+        };
+        if (event.key in steps && root.count > 0) {
+            root.currentIndex = Math.max(0, Math.min(root.count - 1,
+                                                     root.currentIndex + steps[event.key]));
+            event.accepted = true;
+        }
+    }
+
+    function showChecked(): void {
+        if (root.checkedRow >= 0 && root.height > 0) {
+            root.positionViewAtIndex(root.checkedRow, ListView.Center);
+        }
+    }
+
+    // The drawn row, scrolled into sight; null when there is none.
+    function rowItem(row: int): Item {
+        root.positionViewAtIndex(row, ListView.Contain);
+        root.forceLayout();
+        return root.itemAtIndex(row);
+    }
+
+    Component.onCompleted: root.showChecked()
+    onHeightChanged: root.showChecked()
+
+    T.ScrollBar.vertical: T.ScrollBar {
+        implicitWidth: 5
+        visible: size < 1
+        contentItem: Rectangle {
+            implicitWidth: 4
+            radius: 2
+            color: root.light ? "#9aa1ae" : OxTheme.fieldLine
+        }
+    }
+
+    delegate: T.ItemDelegate {
+        id: row
+
+        required property int index
+        required property var model
+
+        objectName: root.outlet.name + ".row" + row.index
+        width: root.width - (root.light ? 0 : root.barSpace)
+        height: root.contentHeightOfRow + (root.light ? 4 : 0)
+        text: row.model.text
+        enabled: root.outlet.reachable
+        focusPolicy: Qt.NoFocus
+        onClicked: {
+            root.currentIndex = row.index;
+            root.outlet.selectRow(row.index);
+        }
+
+        Accessible.role: Accessible.ListItem
+        Accessible.name: row.text
+        Accessible.checked: row.model.checkmark
+        Accessible.checkable: root.light
+        Accessible.onPressAction: row.click()
+
+        background: Rectangle {
+            radius: root.light ? 0 : 6
+            color: root.light ? (row.down ? OxTheme.listLine : OxTheme.listFill)
+                              : (row.down ? OxTheme.fieldLine : OxTheme.fieldFill)
+
+            Rectangle {
+                anchors.bottom: parent.bottom
+                x: 16
+                width: parent.width - 16
+                height: 1
+                color: OxTheme.listLine
+                visible: root.outlet.separators
+            }
+
+            Rectangle {
+                anchors.fill: parent
+                anchors.margins: 1
+                radius: parent.radius
+                color: "transparent"
+                border.width: 2
+                border.color: OxTheme.accent
+                visible: root.activeFocus && row.ListView.isCurrentItem
+            }
+        }
+
+        contentItem: Item {
+            OxPicture {
+                id: picture
+
+                x: 10
+                anchors.verticalCenter: parent.verticalCenter
+                width: 44
+                height: 28
+                visible: row.model.imageSource.toString() !== ""
+                source: row.model.imageSource
+            }
+
+            Text {
+                anchors.left: picture.visible ? picture.right : parent.left
+                anchors.leftMargin: picture.visible ? 12 : 16
+                anchors.right: parent.right
+                anchors.rightMargin: row.model.hasButton || row.model.checkmark ? 44 : 12
+                height: parent.height
+                text: row.text
+                textFormat: Text.PlainText
+                color: root.light ? OxTheme.listText : OxTheme.text
+                font.family: OxTheme.family
+                font.pixelSize: 15
+                font.weight: row.model.checkmark ? Font.DemiBold : Font.Normal
+                verticalAlignment: Text.AlignVCenter
+                elide: Text.ElideRight
+            }
+
+            OxPicture {
+                anchors.right: parent.right
+                anchors.rightMargin: 14
+                anchors.verticalCenter: parent.verticalCenter
+                width: 22
+                height: 22
+                visible: row.model.checkmark
+                source: "image://orlix/checkmark"
+            }
+        }
+
+        T.Button {
+            id: rowButton
+
+            objectName: row.objectName + ".button"
+            x: row.width - 35
+            y: 5
+            width: 30
+            height: 30
+            visible: row.model.hasButton
+            enabled: root.outlet.reachable
+            onClicked: root.outlet.pressRowButton(row.index)
+
+            Accessible.role: Accessible.Button
+            Accessible.name: root.spokenButton + " " + row.text
+            Accessible.onPressAction: rowButton.click()
+            Keys.onReturnPressed: rowButton.click()
+            Keys.onEnterPressed: rowButton.click()
+
+            background: Rectangle {
+                radius: 6
+                color: rowButton.down ? OxTheme.fieldLine : "transparent"
+
+                OxFocusRing {
+                    anchors.margins: 0
+                    on: rowButton.visualFocus
+                }
+            }
+
+            contentItem: OxPicture {
+                width: 22
+                height: 22
+                source: row.model.buttonImage
+            }
+        }
+    }
+}

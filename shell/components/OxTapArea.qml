@@ -1,0 +1,41 @@
+import QtQuick
+import QtQuick.Templates as T
+
+// A view outlet that listens to taps, such as the card that pays.
+T.Button {
+    id: root
+
+    required property var outlet
+    property real roundness: 8
+
+    objectName: root.outlet.name
+    visible: root.outlet.shown
+    enabled: root.outlet.reachable
+    opacity: root.outlet.alpha
+
+    Accessible.role: Accessible.Button
+    Accessible.name: root.text
+    Accessible.onPressAction: root.click()
+
+    Keys.onReturnPressed: root.click()
+    Keys.onEnterPressed: root.click()
+
+    onClicked: root.outlet.tap()
+
+    background: Rectangle {
+        radius: root.roundness
+        color: root.outlet.backgroundColor
+
+        Rectangle {
+            anchors.fill: parent
+            radius: root.roundness
+            color: "black"
+            opacity: root.down ? 0.2 : 0
+        }
+
+        OxFocusRing {
+            radius: root.roundness + 3
+            on: root.visualFocus
+        }
+    }
+}

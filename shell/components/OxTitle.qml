@@ -1,0 +1,16 @@
+import QtQuick
+
+// What a screen is about.
+Text {
+    id: root
+
+    color: OxTheme.text
+    font.family: OxTheme.family
+    font.pixelSize: 19
+    font.weight: Font.Bold
+    wrapMode: Text.Wrap
+    textFormat: Text.PlainText
+
+    Accessible.role: Accessible.Heading
+    Accessible.name: root.text
+}
