@@ -1,3 +1,5 @@
+pragma ComponentBehavior: Bound
+
 import QtQuick
 
 // An alert over the screen, with its buttons side by side. Escape presses the way out, Enter the

@@ -1,3 +1,5 @@
+pragma ComponentBehavior: Bound
+
 import QtQuick
 import QtQuick.Templates as T
 
@@ -26,11 +28,11 @@ T.Button {
     Accessible.name: root.label !== null ? root.label.text
                                          : root.caption !== "" ? root.caption : root.outlet.placeholder
     Accessible.description: root.outlet.text
-    Accessible.onPressAction: root.click()
+    Accessible.onPressAction: root.clicked()
 
-    Keys.onReturnPressed: root.click()
-    Keys.onEnterPressed: root.click()
-    Keys.onDownPressed: root.click()
+    Keys.onReturnPressed: root.clicked()
+    Keys.onEnterPressed: root.clicked()
+    Keys.onDownPressed: root.clicked()
 
     onClicked: {
         if (root.outlet.picker !== null) {
@@ -40,9 +42,10 @@ T.Button {
         }
     }
 
-    background: OxFieldBox {
+    OxFieldBox {
         id: box
 
+        anchors.fill: parent
         outlet: root.outlet
         editing: root.open || root.visualFocus
 
@@ -76,7 +79,7 @@ T.Button {
         active: root.open
         z: 10
         sourceComponent: openList
-        onLoaded: item.forceActiveFocus()
+        onLoaded: (item as Item).forceActiveFocus()
     }
 
     Component {
@@ -146,7 +149,7 @@ T.Button {
 
                         Accessible.role: Accessible.ListItem
                         Accessible.name: entry.text
-                        Accessible.onPressAction: entry.click()
+                        Accessible.onPressAction: entry.clicked()
 
                         background: Rectangle {
                             radius: 5

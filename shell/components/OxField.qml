@@ -9,12 +9,8 @@ FocusScope {
     required property var outlet
     property alias label: box.label
     property alias compact: box.compact
-    // Performs the action of the button above the keyboard, when the outlet has one.
-    property string doneAction: ""
     property real size: 16
     property int weight: Font.Medium
-
-    signal done
 
     readonly property bool editing: input.activeFocus
     readonly property string shownText: root.outlet.text
@@ -57,7 +53,7 @@ FocusScope {
 
         x: 12
         y: box.textTop
-        width: root.width - 24 - (doneButton.visible ? doneButton.width - 4 : 0)
+        width: root.width - 24
         height: box.textHeight
         focus: true
         activeFocusOnTab: true
@@ -120,23 +116,5 @@ FocusScope {
                 root.outlet.endEditing();
             }
         }
-    }
-
-    OxPlate {
-        id: doneButton
-
-        objectName: root.doneAction
-        anchors.right: parent.right
-        anchors.rightMargin: 6
-        anchors.verticalCenter: parent.verticalCenter
-        implicitHeight: 34
-        implicitWidth: 58
-        visible: input.activeFocus && root.doneAction !== "" && root.outlet.toolbarButton !== ""
-        focusPolicy: Qt.NoFocus
-        text: root.outlet.toolbarButton
-        lineWidth: 0
-        letters: OxTheme.accent
-        letterWeight: Font.Bold
-        onClicked: root.done()
     }
 }

@@ -5,8 +5,8 @@ Image {
     id: picture
 
     fillMode: Image.PreserveAspectFit
-    sourceSize: Qt.size(Math.ceil(picture.width * Screen.devicePixelRatio),
-                        Math.ceil(picture.height * Screen.devicePixelRatio))
+    sourceSize.width: Math.ceil(picture.width * Screen.devicePixelRatio)
+    sourceSize.height: Math.ceil(picture.height * Screen.devicePixelRatio)
     smooth: true
     Accessible.ignored: true
 }

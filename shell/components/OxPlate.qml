@@ -15,16 +15,16 @@ T.Button {
     property int letterWeight: root.primary ? Font.Bold : Font.Medium
     property int letterSize: 15
 
-    implicitWidth: Math.max(72, face.implicitWidth + 24)
+    implicitWidth: Math.max(72, implicitContentWidth + 24)
     implicitHeight: root.compact ? OxTheme.compactButtonHeight : OxTheme.buttonHeight
     opacity: root.enabled ? 1 : 0.5
 
     Accessible.role: Accessible.Button
     Accessible.name: root.text
-    Accessible.onPressAction: root.click()
+    Accessible.onPressAction: root.clicked()
 
-    Keys.onReturnPressed: root.click()
-    Keys.onEnterPressed: root.click()
+    Keys.onReturnPressed: root.clicked()
+    Keys.onEnterPressed: root.clicked()
 
     background: Rectangle {
         radius: root.cornerRadius
@@ -45,8 +45,6 @@ T.Button {
     }
 
     contentItem: Text {
-        id: face
-
         text: root.text
         color: root.letters
         font.family: OxTheme.family

@@ -25,7 +25,8 @@ Item {
         anchors.fill: parent
         visible: root.progress.masked
         source: "image://orlix/progress_mask"
-        sourceSize: Qt.size(200, 200)
+        sourceSize.width: 200
+        sourceSize.height: 200
         fillMode: Image.Stretch
         smooth: true
         Accessible.ignored: true

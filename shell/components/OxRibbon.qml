@@ -5,6 +5,7 @@ Image {
     height: 6
     source: "image://orlix/bottom_ribbon"
     fillMode: Image.Stretch
-    sourceSize: Qt.size(600, 12)
+    sourceSize.width: 600
+    sourceSize.height: 12
     Accessible.ignored: true
 }

@@ -47,7 +47,7 @@ FocusScope {
 
     function press(button: var): void {
         if (button !== null && button.enabled && button.visible) {
-            button.click();
+            button.clicked();
         }
     }
 

@@ -1,3 +1,5 @@
+pragma ComponentBehavior: Bound
+
 import QtQuick
 import QtQuick.Templates as T
 
@@ -95,7 +97,7 @@ ListView {
         Accessible.name: row.text
         Accessible.checked: row.model.checkmark
         Accessible.checkable: root.light
-        Accessible.onPressAction: row.click()
+        Accessible.onPressAction: row.clicked()
 
         background: Rectangle {
             radius: root.light ? 0 : 6
@@ -122,43 +124,41 @@ ListView {
             }
         }
 
-        contentItem: Item {
-            OxPicture {
-                id: picture
+        OxPicture {
+            id: picture
 
-                x: 10
-                anchors.verticalCenter: parent.verticalCenter
-                width: 44
-                height: 28
-                visible: row.model.imageSource.toString() !== ""
-                source: row.model.imageSource
-            }
+            x: 10
+            anchors.verticalCenter: parent.verticalCenter
+            width: 44
+            height: 28
+            visible: row.model.imageSource.toString() !== ""
+            source: row.model.imageSource
+        }
 
-            Text {
-                anchors.left: picture.visible ? picture.right : parent.left
-                anchors.leftMargin: picture.visible ? 12 : 16
-                anchors.right: parent.right
-                anchors.rightMargin: row.model.hasButton || row.model.checkmark ? 44 : 12
-                height: parent.height
-                text: row.text
-                textFormat: Text.PlainText
-                color: root.light ? OxTheme.listText : OxTheme.text
-                font.family: OxTheme.family
-                font.pixelSize: 15
-                font.weight: row.model.checkmark ? Font.DemiBold : Font.Normal
-                verticalAlignment: Text.AlignVCenter
-                elide: Text.ElideRight
-            }
+        Text {
+            anchors.left: picture.visible ? picture.right : parent.left
+            anchors.leftMargin: picture.visible ? 12 : 16
+            anchors.right: parent.right
+            anchors.rightMargin: row.model.hasButton || row.model.checkmark ? 44 : 12
+            height: parent.height
+            text: row.text
+            textFormat: Text.PlainText
+            color: root.light ? OxTheme.listText : OxTheme.text
+            font.family: OxTheme.family
+            font.pixelSize: root.light ? 14 : 15
+            font.weight: row.model.checkmark ? Font.DemiBold : Font.Normal
+            verticalAlignment: Text.AlignVCenter
+            wrapMode: Text.Wrap
+        }
 
-            OxPicture {
-                anchors.right: parent.right
-                anchors.rightMargin: 14
-                anchors.verticalCenter: parent.verticalCenter
-                width: 22
-                height: 22
-                visible: row.model.checkmark
-                source: "image://orlix/checkmark"
-            }
+        OxPicture {
+            anchors.right: parent.right
+            anchors.rightMargin: 14
+            anchors.verticalCenter: parent.verticalCenter
+            width: 22
+            height: 22
+            visible: row.model.checkmark
+            source: "image://orlix/checkmark"
         }
 
         T.Button {
@@ -175,9 +175,9 @@ ListView {
 
             Accessible.role: Accessible.Button
             Accessible.name: root.spokenButton + " " + row.text
-            Accessible.onPressAction: rowButton.click()
-            Keys.onReturnPressed: rowButton.click()
-            Keys.onEnterPressed: rowButton.click()
+            Accessible.onPressAction: rowButton.clicked()
+            Keys.onReturnPressed: rowButton.clicked()
+            Keys.onEnterPressed: rowButton.clicked()
 
             background: Rectangle {
                 radius: 6

@@ -15,10 +15,10 @@ T.Button {
 
     Accessible.role: Accessible.Button
     Accessible.name: root.text
-    Accessible.onPressAction: root.click()
+    Accessible.onPressAction: root.clicked()
 
-    Keys.onReturnPressed: root.click()
-    Keys.onEnterPressed: root.click()
+    Keys.onReturnPressed: root.clicked()
+    Keys.onEnterPressed: root.clicked()
 
     onClicked: root.outlet.tap()
 

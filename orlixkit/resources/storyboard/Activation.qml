@@ -34,11 +34,11 @@ OxSheet {
             }
 
             OxField {
+                id: number
+
                 outlet: sheet.screen.msisdnField
                 Layout.fillWidth: true
                 compact: sheet.compact
-                doneAction: "DoneClicked"
-                onDone: sheet.screen.perform("DoneClicked")
             }
         }
 
@@ -48,6 +48,12 @@ OxSheet {
             Layout.topMargin: 6
             lineHeight: 1.15
         }
+    }
+
+    OxKeyboardBar {
+        field: number
+        actionName: "DoneClicked"
+        onClicked: sheet.screen.perform("DoneClicked")
     }
 
     foot: OxFoot {

@@ -28,15 +28,21 @@ OxSheet {
         }
 
         OxField {
+            id: code
+
             outlet: sheet.screen.codeField
             Layout.fillWidth: true
             Layout.topMargin: 4
             compact: sheet.compact
             size: 20
             weight: Font.Bold
-            doneAction: "DoneClicked"
-            onDone: sheet.screen.perform("DoneClicked")
         }
+    }
+
+    OxKeyboardBar {
+        field: code
+        actionName: "DoneClicked"
+        onClicked: sheet.screen.perform("DoneClicked")
     }
 
     foot: OxFoot {

@@ -48,8 +48,6 @@ OxSheet {
             size: sheet.compact ? 14 : 16
             color: OxTheme.mutedText
             horizontalAlignment: Text.AlignHCenter
-            maximumLineCount: 2
-            elide: Text.ElideRight
         }
 
         RowLayout {

@@ -69,7 +69,7 @@ OxSheet {
 
         Text {
             Layout.fillWidth: true
-            text: "Tap the card to choose, add or remove cards."
+            text: "Tap the card to change your cards."
             color: OxTheme.mutedText
             font.family: OxTheme.family
             font.pixelSize: 13
