@@ -9,13 +9,13 @@ namespace orlix::bench {
 
 namespace {
 
-double microsOf(int repetitions, const std::function<void()>& work) {
+double microsOf(int batch, const std::function<void()>& work) {
   const auto begun = std::chrono::steady_clock::now();
-  for (int i = 0; i < repetitions; ++i) {
+  for (int i = 0; i < batch; ++i) {
     work();
   }
   const std::chrono::duration<double, std::micro> took = std::chrono::steady_clock::now() - begun;
-  return took.count() / repetitions;
+  return took.count() / batch;
 }
 
 double median(std::vector<double> values) {
@@ -25,7 +25,7 @@ double median(std::vector<double> values) {
 
 }  // namespace
 
-Row compare(const std::string& name, double target, int rounds, int repetitions,
+Row compare(const std::string& name, double target, Effort effort,
             const std::function<void()>& floor, const std::function<void()>& ours) {
   fmt::print(stderr, "measuring {} ...\n", name);
   floor();
@@ -33,9 +33,15 @@ Row compare(const std::string& name, double target, int rounds, int repetitions,
   std::vector<double> floors;
   std::vector<double> ourTimes;
   std::vector<double> ratios;
-  for (int round = 0; round < rounds; ++round) {
-    floors.push_back(microsOf(repetitions, floor));
-    ourTimes.push_back(microsOf(repetitions, ours));
+  for (int round = 0; round < effort.rounds; ++round) {
+    std::vector<double> floorSamples;
+    std::vector<double> ourSamples;
+    for (int sample = 0; sample < effort.samples; ++sample) {
+      floorSamples.push_back(microsOf(effort.batch, floor));
+      ourSamples.push_back(microsOf(effort.batch, ours));
+    }
+    floors.push_back(median(std::move(floorSamples)));
+    ourTimes.push_back(median(std::move(ourSamples)));
     ratios.push_back(ourTimes.back() / floors.back());
   }
   const auto [least, most] = std::minmax_element(ratios.begin(), ratios.end());

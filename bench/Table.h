@@ -16,9 +16,17 @@ struct Row {
   double target = 0;  ///< 0: none
 };
 
-/// Times both in turns, `rounds` times `repetitions` calls each, so that whatever else the machine
-/// does falls on both alike. Each round gives one ratio; the row has their median.
-Row compare(const std::string& name, double target, int rounds, int repetitions,
+/// How a row is measured.
+struct Effort {
+  int rounds = 5;
+  int samples = 100;  ///< in a round, of each side
+  int batch = 1;      ///< calls in a sample; more than one where the clock is too coarse for one
+};
+
+/// Times both in turns, sample by sample, so that whatever else the machine does falls on both
+/// alike; a sample that was interrupted does not show, since a round takes the median. Each round
+/// gives one ratio; the row has their median.
+Row compare(const std::string& name, double target, Effort effort,
             const std::function<void()>& floor, const std::function<void()>& ours);
 
 /// Prints the rows. False when a target was missed.

@@ -2,6 +2,10 @@
 
 #include <exception>
 #include <filesystem>
+#include <functional>
+#include <stdexcept>
+#include <utility>
+#include <vector>
 
 #include <boost/json.hpp>
 #include <fmt/format.h>
@@ -27,7 +31,8 @@ std::int64_t handshakesOfACheckout(orlix::sandbox::Sandbox& server, const std::s
   return count() - before;
 }
 
-int run() {
+/// All rows, or the one of this name.
+int run(const std::string& only) {
   const auto folder = std::filesystem::temp_directory_path() / "orlix-bench";
   orlix::sandbox::Options options;
   options.enrolled = true;
@@ -35,10 +40,23 @@ int run() {
   orlix::sandbox::Sandbox server(std::move(options));
   server.start();
 
+  const std::vector<std::pair<std::string, std::function<Row()>>> known = {
+      {"request", [&] { return requestRow(server.base(), server.anchorPath()); }},
+      {"checkout", [&] { return checkoutRow(server.base(), server.anchorPath()); }},
+      {"pin-block", pinBlockRow},
+      {"store", [&] { return storeRow(folder / "store.db"); }},
+      {"card-list", cardListRow}};
   const std::int64_t handshakes = handshakesOfACheckout(server, folder);
-  const bool met = print({requestRow(server.base(), server.anchorPath()),
-                          checkoutRow(server.base(), server.anchorPath()), pinBlockRow(),
-                          storeRow(folder / "store.db"), cardListRow()});
+  std::vector<Row> rows;
+  for (const auto& [name, measure] : known) {
+    if (only.empty() || only == name) {
+      rows.push_back(measure());
+    }
+  }
+  if (rows.empty()) {
+    throw std::invalid_argument("knows no row \"" + only + "\"");
+  }
+  const bool met = print(rows);
   rusage usage{};
   getrusage(RUSAGE_SELF, &usage);
   fmt::print("\nTLS handshakes of a checkout: {} (at most 1)\n", handshakes);
@@ -49,9 +67,9 @@ int run() {
 
 }  // namespace
 
-int main() {
+int main(int count, char** values) {
   try {
-    return run();
+    return run(count > 1 ? values[1] : "");
   } catch (const std::exception& failure) {
     fmt::print(stderr, "orlix-bench: {}\n", failure.what());
     return 1;
