@@ -4,6 +4,7 @@
 
 #include <gtest/gtest.h>
 
+#include "orlixkit/platform/PageAddress.h"
 #include "orlixkit/platform/memory/MemoryHost.h"
 
 namespace orlix {
@@ -88,6 +89,21 @@ TEST(FakeWebView, LoadsSecureAndLoopbackAddressesOnly) {
   page.view->loadRequest("file:///etc/passwd");
   EXPECT_EQ(page.heard().size(), 2u);
   EXPECT_EQ(page.fake.loads(), 2);
+}
+
+TEST(PageAddress, IsEncryptedOrOfThisMachineHoweverItIsWritten) {
+  for (const char* allowed :
+       {"https://bank.example", "HTTPS://bank.example:8443/a?b#c", "wss://bank.example/push",
+        "http://127.0.0.1:80/", "http://LocalHost", "http://[::1]:8080/x", "ws://localhost/"}) {
+    EXPECT_TRUE(isPageAddressAllowed(allowed)) << allowed;
+  }
+  for (const char* refused :
+       {"http://bank.example/", "http://127.0.0.1.bank.example/", "http://127.0.0.1@bank.example/",
+        "http://bank.example\\@127.0.0.1/", "http://localhost:80@bank.example/", "http://[::1",
+        "https://", "https:///path", "file:///etc/passwd", "ftp://127.0.0.1/", "data:text/html,x",
+        "javascript:alert(1)", "chrome://version", "view-source:https://bank.example/", ""}) {
+    EXPECT_FALSE(isPageAddressAllowed(refused)) << refused;
+  }
 }
 
 TEST(FakeWebView, OwesEveryScriptAnAnswer) {

@@ -2,17 +2,9 @@
 
 #include <algorithm>
 
+#include "orlixkit/platform/PageAddress.h"
+
 namespace orlix {
-
-namespace {
-
-/// Secure, or of this machine.
-bool mayBeLoaded(const std::string& address) {
-  return address.starts_with("https://") || address.starts_with("http://127.0.0.1") ||
-         address.starts_with("http://localhost") || address.starts_with("http://[::1]");
-}
-
-}  // namespace
 
 FakeWebView::FakeWebView(std::shared_ptr<MainQueue> mainQueue, OnLoad onLoad)
     : mainQueue_(std::move(mainQueue)), onLoad_(std::move(onLoad)) {}
@@ -50,7 +42,7 @@ void FakeWebView::setNavigationDelegate(std::weak_ptr<WebViewDelegate> delegate)
 void FakeWebView::loadHtmlString(const std::string& html) { beginLoad(html, {}); }
 
 void FakeWebView::loadRequest(const std::string& address) {
-  if (mayBeLoaded(address)) {
+  if (isPageAddressAllowed(address)) {
     beginLoad({}, address);
   } else {
     failNavigation("The address " + address + " is not secure.");

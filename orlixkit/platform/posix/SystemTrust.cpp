@@ -135,4 +135,21 @@ std::string SystemTrust::reason(const X509_STORE_CTX& context) const {
   }
 }
 
+bool verifyServerChain(const std::vector<Bytes>& chain, const std::string& host,
+                       const std::vector<Bytes>& anchors, std::string& error) {
+  const CertificatePointer leaf = chain.empty() ? nullptr : certificateFromDer(chain.front());
+  const std::unique_ptr<STACK_OF(X509), void (*)(STACK_OF(X509)*)> presented(
+      sk_X509_new_null(), [](STACK_OF(X509) * stack) { sk_X509_pop_free(stack, X509_free); });
+  for (const Bytes& der : chain) {
+    // One that cannot be read is left out: the link that it would have been is then missing.
+    if (CertificatePointer certificate = certificateFromDer(der)) {
+      sk_X509_push(presented.get(), certificate.release());
+    }
+  }
+  SystemTrust trust(leaf.get(), presented.get(), host);
+  trust.setAnchorCertificates(anchors);
+  trust.setAnchorCertificatesOnly(false);
+  return trust.evaluate(error);
+}
+
 }  // namespace orlix

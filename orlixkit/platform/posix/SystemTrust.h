@@ -45,4 +45,10 @@ class SystemTrust : public ServerTrust {
   bool anchorsOnly_ = false;
 };
 
+/// Judges a chain that somebody else has received, by the same rules: `chain` in DER, the server's
+/// own certificate first; `anchors` are added to the system's roots. False with the reason in
+/// `error`.
+bool verifyServerChain(const std::vector<Bytes>& chain, const std::string& host,
+                       const std::vector<Bytes>& anchors, std::string& error);
+
 }  // namespace orlix

@@ -1,0 +1,89 @@
+#pragma once
+
+namespace orlix::shell {
+
+/// The drawn page of a QtWebView, whose object is its `view`. It keeps nothing on disk, and
+/// whatever a page asks the surroundings for (a window, a file, a password, a permission) it
+/// refuses.
+inline constexpr const char* kWebPage = R"(
+import QtQuick
+import QtWebEngine
+
+WebEngineView {
+  id: page
+  required property QtObject view
+
+  profile: WebEngineProfile {
+    offTheRecord: true
+    httpCacheType: WebEngineProfile.NoCache
+    persistentCookiesPolicy: WebEngineProfile.NoPersistentCookies
+  }
+  settings {
+    allowGeolocationOnInsecureOrigins: false
+    allowRunningInsecureContent: false
+    autoLoadIconsForPage: false
+    dnsPrefetchEnabled: false
+    errorPageEnabled: false
+    fullScreenSupportEnabled: false
+    hyperlinkAuditingEnabled: false
+    javascriptCanAccessClipboard: false
+    javascriptCanOpenWindows: false
+    javascriptCanPaste: false
+    localContentCanAccessFileUrls: false
+    localContentCanAccessRemoteUrls: false
+    navigateOnDropEnabled: false
+    pdfViewerEnabled: false
+    pluginsEnabled: false
+    screenCaptureEnabled: false
+    unknownUrlSchemePolicy: WebEngineSettings.DisallowUnknownUrlSchemes
+    webRTCPublicInterfacesOnly: true
+  }
+
+  // An isolated world: the page can neither see nor change what is evaluated.
+  function evaluate(ticket, script) {
+    runJavaScript(script, WebEngineScript.ApplicationWorld, function(result) {
+      page.view.scriptAnswered(ticket, result)
+    })
+  }
+
+  onCertificateError: function(error) { view.judgeCertificate(error) }
+  onLoadingChanged: function(info) { view.loadingChanged(info) }
+  onNavigationRequested: function(request) { view.judgeNavigation(request) }
+  onRenderProcessTerminated: function(status, code) { view.processTerminated(code) }
+
+  // A window that a page asks for opens when somebody takes it; nobody does.
+  onAuthenticationDialogRequested: function(request) {
+    request.accepted = true
+    request.dialogReject()
+  }
+  onColorDialogRequested: function(request) {
+    request.accepted = true
+    request.dialogReject()
+  }
+  onContextMenuRequested: function(request) { request.accepted = true }
+  onFeaturePermissionRequested: function(origin, feature) {
+    grantFeaturePermission(origin, feature, false)
+  }
+  onFileDialogRequested: function(request) {
+    request.accepted = true
+    request.dialogReject()
+  }
+  onFileSystemAccessRequested: function(request) { request.reject() }
+  onFullScreenRequested: function(request) { request.reject() }
+  // A page that asks whether it may be left may be.
+  onJavaScriptDialogRequested: function(request) {
+    request.accepted = true
+    if (request.type === JavaScriptDialogRequest.DialogTypeBeforeUnload) {
+      request.dialogAccept()
+    } else {
+      request.dialogReject()
+    }
+  }
+  onQuotaRequested: function(request) { request.reject() }
+  onRegisterProtocolHandlerRequested: function(request) { request.reject() }
+  onSelectClientCertificate: function(selection) { selection.selectNone() }
+  onTooltipRequested: function(request) { request.accepted = true }
+}
+)";
+
+}  // namespace orlix::shell

@@ -1,0 +1,17 @@
+#pragma once
+
+#include <QByteArray>
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QString>
+
+namespace orlix::shell {
+
+/// `text` as a string of JavaScript, quotes included; nothing in it can end the string.
+inline std::string quotedForScript(const std::string& text) {
+  const QJsonArray alone{QString::fromStdString(text)};
+  std::string json = QJsonDocument(alone).toJson(QJsonDocument::Compact).toStdString();
+  return json.substr(1, json.size() - 2);
+}
+
+}  // namespace orlix::shell

@@ -1,0 +1,206 @@
+#include "shell/QtWebView.h"
+
+#include <QQuickItem>
+#include <QQuickWebEngineProfile>
+#include <QSslCertificate>
+#include <QVariantList>
+#include <algorithm>
+#include <utility>
+
+#include "orlixkit/platform/Host.h"
+#include "orlixkit/platform/PageAddress.h"
+#include "orlixkit/platform/posix/SystemTrust.h"
+#include "shell/QtWebRequestGuard.h"
+#include "shell/QtWebScript.h"
+
+namespace orlix::shell {
+
+namespace {
+
+std::string refusalOf(const QUrl& address) {
+  return "The address " + address.toEncoded().toStdString() + " is not secure.";
+}
+
+std::vector<Bytes> derOf(const QList<QSslCertificate>& chain) {
+  std::vector<Bytes> all;
+  for (const QSslCertificate& certificate : chain) {
+    const QByteArray der = certificate.toDer();
+    all.emplace_back(der.begin(), der.end());
+  }
+  return all;
+}
+
+}  // namespace
+
+QtWebView::QtWebView(std::shared_ptr<MainQueue> mainQueue, QtWebViews::Anchors anchors)
+    : mainQueue_(std::move(mainQueue)),
+      anchors_(std::move(anchors)),
+      guard_(std::make_unique<QtWebRequestGuard>()) {}
+
+QtWebView::~QtWebView() { failOwed("The page view was released."); }
+
+void QtWebView::adopt(std::unique_ptr<QQuickItem> item) {
+  item_ = std::move(item);
+  auto* const profile = item_->property("profile").value<QQuickWebEngineProfile*>();
+  profile->setUrlRequestInterceptor(guard_.get());
+}
+
+void QtWebView::setNavigationDelegate(std::weak_ptr<WebViewDelegate> delegate) {
+  delegate_ = std::move(delegate);
+}
+
+void QtWebView::loadHtmlString(const std::string& html) {
+  beginLoad();
+  const QString text = QString::fromStdString(html);
+  const qsizetype escaped = QUrl::toPercentEncoding(text).size() + 64;  // the scheme before it
+  if (escaped > kLargestAddress) {
+    fail("A page of " + std::to_string(html.size()) + " bytes is too large to be shown.");
+    return;
+  }
+  QMetaObject::invokeMethod(item_.get(), "loadHtml", Q_ARG(QString, text));
+}
+
+void QtWebView::loadRequest(const std::string& address) {
+  beginLoad();
+  const QUrl url(QString::fromStdString(address), QUrl::StrictMode);
+  if (!url.isValid() || !isPageAddressAllowed(url.toEncoded().toStdString())) {
+    fail("The address " + address + " is not secure.");
+    return;
+  }
+  item_->setProperty("url", url);
+}
+
+void QtWebView::beginLoad() {
+  load_ = std::make_shared<const int>(0);
+  progress_ = Progress::asked;
+}
+
+void QtWebView::stopLoading() {
+  load_ = std::make_shared<const int>(0);
+  progress_ = Progress::none;
+  QMetaObject::invokeMethod(item_.get(), "stop");
+  failOwed("Loading was stopped.");
+}
+
+void QtWebView::evaluateJavaScript(const std::string& script,
+                                   std::function<void(const ScriptResult&)> completion) {
+  Owed owed{++lastTicket_, std::move(completion)};
+  if (!hasPage_) {
+    settle(owed, {std::nullopt, "There is no page."});
+    return;
+  }
+  owed_.push_back(std::move(owed));
+  // The engine reports no exception, so the script catches its own.
+  const std::string guarded = "(function(){try{return [true,String((0,eval)(" +
+                              quotedForScript(script) +
+                              "))]}catch(e){return [false,String(e)]}})()";
+  QMetaObject::invokeMethod(item_.get(), "evaluate", Q_ARG(QVariant, lastTicket_),
+                            Q_ARG(QVariant, QString::fromStdString(guarded)));
+}
+
+void QtWebView::scriptAnswered(int ticket, const QVariant& result) {
+  const auto found = std::find_if(owed_.begin(), owed_.end(),
+                                  [ticket](const Owed& owed) { return owed.ticket == ticket; });
+  if (found == owed_.end()) {
+    return;
+  }
+  const Owed owed = std::move(*found);
+  owed_.erase(found);
+  const QVariantList parts = result.toList();
+  if (parts.size() != 2) {
+    settle(owed, {std::nullopt, "The page was left before it answered."});
+  } else if (parts[0].toBool()) {
+    settle(owed, {parts[1].toString().toStdString(), {}});
+  } else {
+    settle(owed, {std::nullopt, parts[1].toString().toStdString()});
+  }
+}
+
+void QtWebView::judgeCertificate(QWebEngineCertificateError error) {
+  std::string reason = error.description().toStdString();
+  // An unknown issuer is all that anchors of ours can make good. Everything else, a certificate
+  // that was revoked for one, the engine has found for itself.
+  const bool trusted = error.type() == QWebEngineCertificateError::CertificateAuthorityInvalid &&
+                       verifyServerChain(derOf(error.certificateChain()),
+                                         error.url().host().toStdString(), anchors_(), reason);
+  if (trusted) {
+    error.acceptCertificate();
+    return;
+  }
+  log("Certificate validation failed: " + reason);
+  error.rejectCertificate();
+}
+
+void QtWebView::judgeNavigation(QWebEngineNavigationRequest* request) {
+  const QUrl address = request->url();
+  if (progress_ != Progress::none && QtWebRequestGuard::isAllowed(address)) {
+    return;
+  }
+  request->reject();
+  if (progress_ != Progress::none && request->isMainFrame()) {
+    fail(refusalOf(address));
+  }
+}
+
+void QtWebView::loadingChanged(const QWebEngineLoadingInfo& info) {
+  const auto status = info.status();
+  if (status == QWebEngineLoadingInfo::LoadStartedStatus) {
+    if (progress_ != Progress::none) {
+      progress_ = Progress::begun;
+      hasPage_ = true;
+    }
+    return;
+  }
+  // What is said of a load before the one that was asked for last is no news any more, nor is a
+  // load that gave way to another.
+  if (progress_ != Progress::begun || status == QWebEngineLoadingInfo::LoadStoppedStatus) {
+    return;
+  }
+  failOwed("The page was left before it answered.");
+  // A server's own account of an error is a page like another.
+  if (status == QWebEngineLoadingInfo::LoadSucceededStatus ||
+      info.errorDomain() == QWebEngineLoadingInfo::HttpStatusCodeDomain) {
+    tell([](WebViewDelegate& delegate) { delegate.didFinishNavigation(); });
+  } else {
+    fail(info.errorString().toStdString());
+  }
+}
+
+void QtWebView::processTerminated(int exitCode) {
+  load_ = std::make_shared<const int>(0);
+  progress_ = Progress::none;
+  hasPage_ = false;
+  log("OrlixKit: A page's process has ended with " + std::to_string(exitCode) + ".");
+  failOwed("The page's process has ended.");
+  tell([](WebViewDelegate& delegate) { delegate.webContentProcessDidTerminate(); });
+}
+
+void QtWebView::fail(const std::string& description) {
+  tell([description](WebViewDelegate& delegate) { delegate.didFailNavigation(description); });
+}
+
+void QtWebView::tell(std::function<void(WebViewDelegate&)> callback) {
+  mainQueue_->async([this, alive = std::weak_ptr(load_), callback = std::move(callback)] {
+    if (alive.expired()) {
+      return;
+    }
+    if (const std::shared_ptr<WebViewDelegate> delegate = delegate_.lock()) {
+      callback(*delegate);
+    }
+  });
+}
+
+void QtWebView::settle(const Owed& owed, ScriptResult result) {
+  if (owed.completion) {
+    mainQueue_->async(
+        [completion = owed.completion, result = std::move(result)] { completion(result); });
+  }
+}
+
+void QtWebView::failOwed(const std::string& reason) {
+  for (const Owed& owed : std::exchange(owed_, {})) {
+    settle(owed, {std::nullopt, reason});
+  }
+}
+
+}  // namespace orlix::shell

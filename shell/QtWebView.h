@@ -1,0 +1,84 @@
+#pragma once
+
+#include <QObject>
+#include <QVariant>
+#include <QWebEngineCertificateError>
+#include <QWebEngineLoadingInfo>
+#include <QWebEngineNavigationRequest>
+#include <deque>
+#include <functional>
+#include <memory>
+#include <string>
+
+#include "orlixkit/platform/MainQueue.h"
+#include "shell/DrawnWebView.h"
+#include "shell/QtWebViews.h"
+
+namespace orlix::shell {
+
+class QtWebRequestGuard;
+
+/// A web view drawn by Qt's web engine, with a profile of its own that goes with it.
+///
+/// Every callback is a task of the main queue, never made from inside the engine: the engine stands
+/// still while it waits for a callback of its own, so that whoever ran the main loop in one would
+/// wait for ever.
+class QtWebView : public QObject, public DrawnWebView {
+  Q_OBJECT
+
+ public:
+  /// The engine takes a page's text as an address, escaped; it drops longer ones without a word.
+  static constexpr qsizetype kLargestAddress = 2 * 1024 * 1024;
+
+  QtWebView(std::shared_ptr<MainQueue> mainQueue, QtWebViews::Anchors anchors);
+  ~QtWebView() override;
+  QtWebView(const QtWebView&) = delete;
+  QtWebView& operator=(const QtWebView&) = delete;
+
+  QQuickItem* item() override { return item_.get(); }
+  /// Called once, by the maker.
+  void adopt(std::unique_ptr<QQuickItem> item);
+
+  void setNavigationDelegate(std::weak_ptr<WebViewDelegate> delegate) override;
+  /// A text that takes more than kLargestAddress when it is escaped is refused as a failed load.
+  void loadHtmlString(const std::string& html) override;
+  void loadRequest(const std::string& address) override;
+  void stopLoading() override;
+  /// Runs apart from the page's own scripts: it sees the page's elements, not its variables.
+  void evaluateJavaScript(const std::string& script,
+                          std::function<void(const ScriptResult&)> completion) override;
+
+  // Called by the drawn page.
+  Q_INVOKABLE void judgeCertificate(QWebEngineCertificateError error);
+  Q_INVOKABLE void judgeNavigation(QWebEngineNavigationRequest* request);
+  Q_INVOKABLE void loadingChanged(const QWebEngineLoadingInfo& info);
+  Q_INVOKABLE void processTerminated(int exitCode);
+  Q_INVOKABLE void scriptAnswered(int ticket, const QVariant& result);
+
+ private:
+  struct Owed {
+    int ticket;
+    std::function<void(const ScriptResult&)> completion;
+  };
+  enum class Progress { none, asked, begun };
+
+  void beginLoad();
+  void fail(const std::string& description);
+  void tell(std::function<void(WebViewDelegate&)> callback);
+  void settle(const Owed& owed, ScriptResult result);
+  void failOwed(const std::string& reason);
+
+  const std::shared_ptr<MainQueue> mainQueue_;
+  const QtWebViews::Anchors anchors_;
+  std::unique_ptr<QtWebRequestGuard> guard_;
+  std::unique_ptr<QQuickItem> item_;  ///< goes before the guard, which its profile asks
+  std::weak_ptr<WebViewDelegate> delegate_;
+  Progress progress_ = Progress::none;
+  bool hasPage_ = false;
+  int lastTicket_ = 0;
+  std::deque<Owed> owed_;
+  /// Held by this object and by what it has set going; replaced when that is to be forgotten.
+  std::shared_ptr<const int> load_ = std::make_shared<const int>(0);
+};
+
+}  // namespace orlix::shell
