@@ -34,6 +34,11 @@ T.Button {
     Keys.onEnterPressed: root.clicked()
     Keys.onDownPressed: root.clicked()
 
+    function take(index: int): void {
+        root.forceActiveFocus();
+        root.outlet.picker.choose(index);
+    }
+
     onClicked: {
         if (root.outlet.picker !== null) {
             root.outlet.picker.toggle();
@@ -73,98 +78,100 @@ T.Button {
         rotation: root.open ? 180 : 0
     }
 
-    Loader {
+    FocusScope {
+        id: cover
+
+        readonly property point below: root.open ? root.mapToItem(root.overlay, 0, root.height + 4)
+                                                 : Qt.point(0, 0)
+        readonly property bool fitsBelow: cover.below.y + list.height <= cover.height
+
         parent: root.overlay
         anchors.fill: parent
-        active: root.open
         z: 10
-        sourceComponent: openList
-        onLoaded: (item as Item).forceActiveFocus()
-    }
+        visible: root.open
 
-    Component {
-        id: openList
+        Keys.onEscapePressed: root.forceActiveFocus()
 
-        FocusScope {
-            id: cover
-
-            readonly property point below: root.mapToItem(root.overlay, 0, root.height + 4)
-            readonly property bool fitsBelow: cover.below.y + list.height <= cover.height
-
-            Accessible.ignored: true
-            Keys.onEscapePressed: root.outlet.picker.toggle()
-            Keys.onTabPressed: root.outlet.picker.toggle()
-            Component.onDestruction: root.forceActiveFocus()
-
-            MouseArea {
-                anchors.fill: parent
-                onClicked: root.outlet.picker.toggle()
+        onVisibleChanged: {
+            if (cover.visible) {
+                rows.currentIndex = Math.max(0, root.outlet.picker.current);
+                cover.forceActiveFocus();
             }
+        }
+        // Whatever takes the keyboard elsewhere closes the list.
+        onActiveFocusChanged: {
+            if (!cover.activeFocus && root.open) {
+                root.outlet.picker.toggle();
+            }
+        }
 
-            Rectangle {
-                id: list
+        MouseArea {
+            anchors.fill: parent
+            onClicked: root.forceActiveFocus()
+        }
 
-                x: cover.below.x
-                y: cover.fitsBelow ? cover.below.y : cover.below.y - root.height - 8 - list.height
-                width: root.width
-                height: rows.height + 2
-                radius: 6
-                color: OxTheme.fieldFill
-                border.width: 1
-                border.color: OxTheme.accent
+        Rectangle {
+            id: list
 
-                ListView {
-                    id: rows
+            x: cover.below.x
+            y: cover.fitsBelow ? cover.below.y : cover.below.y - root.height - 8 - list.height
+            width: root.width
+            height: rows.height + 2
+            radius: 6
+            color: OxTheme.fieldFill
+            border.width: 1
+            border.color: OxTheme.accent
 
-                    anchors.left: parent.left
-                    anchors.right: parent.right
-                    anchors.top: parent.top
-                    anchors.margins: 1
-                    height: Math.min(rows.contentHeight, 200)
-                    clip: true
-                    focus: true
-                    model: root.outlet.picker !== null ? root.outlet.picker.entries : []
-                    currentIndex: root.outlet.picker !== null ? Math.max(0, root.outlet.picker.current) : 0
-                    keyNavigationWraps: true
-                    boundsBehavior: Flickable.StopAtBounds
-                    Accessible.role: Accessible.List
-                    Accessible.name: root.Accessible.name
+            ListView {
+                id: rows
 
-                    Keys.onReturnPressed: root.outlet.picker.choose(rows.currentIndex)
-                    Keys.onEnterPressed: root.outlet.picker.choose(rows.currentIndex)
-                    Keys.onSpacePressed: root.outlet.picker.choose(rows.currentIndex)
+                anchors.left: parent.left
+                anchors.right: parent.right
+                anchors.top: parent.top
+                anchors.margins: 1
+                height: Math.min(rows.contentHeight, 200)
+                clip: true
+                focus: true
+                model: root.outlet.picker !== null ? root.outlet.picker.entries : []
+                keyNavigationWraps: true
+                boundsBehavior: Flickable.StopAtBounds
+                Accessible.role: Accessible.List
+                Accessible.name: root.Accessible.name
 
-                    delegate: T.ItemDelegate {
-                        id: entry
+                Keys.onReturnPressed: root.take(rows.currentIndex)
+                Keys.onEnterPressed: root.take(rows.currentIndex)
+                Keys.onSpacePressed: root.take(rows.currentIndex)
 
-                        required property int index
-                        required property string modelData
+                delegate: T.ItemDelegate {
+                    id: entry
 
-                        objectName: root.outlet.name + ".entry" + entry.index
-                        width: rows.width
-                        height: 36
-                        text: entry.modelData
-                        focusPolicy: Qt.NoFocus
-                        onClicked: root.outlet.picker.choose(entry.index)
+                    required property int index
+                    required property string modelData
 
-                        Accessible.role: Accessible.ListItem
-                        Accessible.name: entry.text
-                        Accessible.onPressAction: entry.clicked()
+                    objectName: root.outlet.name + ".entry" + entry.index
+                    width: rows.width
+                    height: 36
+                    text: entry.modelData
+                    focusPolicy: Qt.NoFocus
+                    onClicked: root.take(entry.index)
 
-                        background: Rectangle {
-                            radius: 5
-                            color: entry.ListView.isCurrentItem ? OxTheme.accentPlate : "transparent"
-                        }
-                        contentItem: Text {
-                            leftPadding: 11
-                            text: entry.text
-                            textFormat: Text.PlainText
-                            color: OxTheme.text
-                            font.family: OxTheme.family
-                            font.pixelSize: 15
-                            verticalAlignment: Text.AlignVCenter
-                            elide: Text.ElideRight
-                        }
+                    Accessible.role: Accessible.ListItem
+                    Accessible.name: entry.text
+                    Accessible.onPressAction: entry.clicked()
+
+                    background: Rectangle {
+                        radius: 5
+                        color: entry.ListView.isCurrentItem ? OxTheme.accentPlate : "transparent"
+                    }
+                    contentItem: Text {
+                        leftPadding: 11
+                        text: entry.text
+                        textFormat: Text.PlainText
+                        color: OxTheme.text
+                        font.family: OxTheme.family
+                        font.pixelSize: 15
+                        verticalAlignment: Text.AlignVCenter
+                        elide: Text.ElideRight
                     }
                 }
             }

@@ -1,25 +1,17 @@
 import QtQuick
 
 // The one indicator that says what the library is busy with, over everything else. It holds nothing
-// back itself: what is out of reach meanwhile knows it.
+// back itself, and whoever presents it fades it.
 Item {
     id: root
 
     readonly property var progress: orlixProgress // qmllint disable unqualified
 
     anchors.fill: parent
-    visible: root.opacity > 0
-    opacity: root.progress.shown ? 1 : 0
 
     Accessible.role: Accessible.AlertMessage
     Accessible.name: root.progress.status
     Accessible.ignored: !root.progress.shown
-
-    Behavior on opacity {
-        NumberAnimation {
-            duration: 150
-        }
-    }
 
     Image {
         anchors.fill: parent

@@ -87,6 +87,7 @@ FocusScope {
         anchors.top: head.bottom
         anchors.topMargin: head.height > 0 ? 0 : root.compact ? 10 : 18
         anchors.bottom: foot.top
+        anchors.bottomMargin: foot.height > 0 ? 6 : 0
         width: root.width
     }
 

@@ -102,40 +102,38 @@ OxSheet {
             implicitHeight: sheet.compact ? 44 : 54
             text: sheet.screen.cardHintView.text
 
-            contentItem: Item {
-                OxImage {
-                    id: brand
+            OxImage {
+                id: brand
 
-                    outlet: sheet.screen.cardImageView
-                    x: 10
-                    anchors.verticalCenter: parent.verticalCenter
-                    width: sheet.compact ? 48 : 56
-                    height: sheet.compact ? 31 : 36
-                }
+                outlet: sheet.screen.cardImageView
+                x: 10
+                anchors.verticalCenter: parent.verticalCenter
+                width: sheet.compact ? 48 : 56
+                height: sheet.compact ? 31 : 36
+            }
 
-                OxLabel {
-                    outlet: sheet.screen.cardHintView
-                    anchors.left: brand.right
-                    anchors.leftMargin: 12
-                    anchors.right: marker.left
-                    height: parent.height
-                    size: 17
-                    font.weight: Font.DemiBold
-                    verticalAlignment: Text.AlignVCenter
-                    wrapMode: Text.NoWrap
-                    elide: Text.ElideRight
-                }
+            OxLabel {
+                outlet: sheet.screen.cardHintView
+                anchors.left: brand.right
+                anchors.leftMargin: 12
+                anchors.right: marker.left
+                height: parent.height
+                size: 17
+                font.weight: Font.DemiBold
+                verticalAlignment: Text.AlignVCenter
+                wrapMode: Text.NoWrap
+                elide: Text.ElideRight
+            }
 
-                OxImage {
-                    id: marker
+            OxImage {
+                id: marker
 
-                    outlet: sheet.screen.cardViewDropdown
-                    anchors.right: parent.right
-                    anchors.rightMargin: 10
-                    anchors.verticalCenter: parent.verticalCenter
-                    width: 24
-                    height: 24
-                }
+                outlet: sheet.screen.cardViewDropdown
+                anchors.right: parent.right
+                anchors.rightMargin: 10
+                anchors.verticalCenter: parent.verticalCenter
+                width: 24
+                height: 24
             }
         }
 

@@ -1,0 +1,48 @@
+import QtQuick
+import QtQuick.Templates as T
+
+// A button of the shop: filled, or with a line around it.
+T.Button {
+    id: root
+
+    property bool filled: true
+
+    implicitWidth: implicitContentWidth + 32
+    implicitHeight: 40
+    opacity: root.enabled ? 1 : 0.45
+
+    Accessible.role: Accessible.Button
+    Accessible.name: root.text
+    Accessible.onPressAction: root.clicked()
+
+    Keys.onReturnPressed: root.clicked()
+    Keys.onEnterPressed: root.clicked()
+
+    background: Rectangle {
+        radius: 10
+        color: root.filled ? (root.down ? "#0d4a35" : "#15694c") : root.down ? "#dfe6e2" : "white"
+        border.width: root.filled ? 0 : 1
+        border.color: "#b9c6bf"
+
+        Rectangle {
+            anchors.fill: parent
+            anchors.margins: -3
+            radius: 13
+            color: "transparent"
+            border.width: 2
+            border.color: "#f2a93b"
+            visible: root.visualFocus
+        }
+    }
+
+    contentItem: Text {
+        text: root.text
+        color: root.filled ? "white" : "#1d2b25"
+        font.family: "Inter"
+        font.pixelSize: 15
+        font.weight: Font.DemiBold
+        horizontalAlignment: Text.AlignHCenter
+        verticalAlignment: Text.AlignVCenter
+        textFormat: Text.PlainText
+    }
+}
