@@ -1,6 +1,7 @@
 #pragma once
 
 #include <atomic>
+#include <chrono>
 #include <memory>
 #include <string>
 #include <utility>
@@ -12,6 +13,8 @@
 #include "tests/platform/TlsServer.h"
 
 namespace orlix {
+
+constexpr auto promptly = std::chrono::milliseconds(500);
 
 /// Judges the chain by its anchors, as the transport does.
 class JudgingDelegate : public RecordingDelegate {
@@ -39,13 +42,29 @@ class JudgingDelegate : public RecordingDelegate {
 class HttpsFixture : public testing::Test {
  protected:
   static const Identity& root() {
-    static const Identity made =
-        makeIdentity({.commonName = "OrlixKit test root", .authority = true});
+    static const Identity made = makeIdentity({.commonName = "Test root", .authority = true});
     return made;
   }
   static const Identity& serverIdentity() {
     static const Identity made = makeIdentity({}, &root());
     return made;
+  }
+  static void answerAll(TlsConnection& connection) {
+    while (connection.read() && connection.write(httpAnswer(200, "", "ok"))) {
+    }
+  }
+  /// Answers with `start` and leaves the connection open.
+  static TlsServer::Serve silentAfter(const std::string& start) {
+    return [start](TlsConnection& connection) {
+      connection.read();
+      connection.write(start);
+      connection.awaitClose();
+    };
+  }
+  static std::chrono::nanoseconds timed(const Task& task) {
+    const auto before = std::chrono::steady_clock::now();
+    task();
+    return std::chrono::steady_clock::now() - before;
   }
 
   static UrlRequest post(const std::string& url, const std::string& body = "{}") {

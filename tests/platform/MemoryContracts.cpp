@@ -13,25 +13,18 @@ namespace {
 
 ServerReply replyFor(const ScriptedAnswer& answer) {
   ServerReply reply;
-  if (answer.end == AnswerEnd::beforeHeader) {
-    return reply.fail("The connection was lost.");
-  }
-  if (answer.end == AnswerEnd::mute) {
-    return reply.silence();
-  }
-  reply.status(answer.status);
-  if (!answer.body.empty()) {
-    reply.body(answer.body);
-  }
-  for (const auto& [name, value] : answer.headers) {
-    if (name == "Location") {
-      reply.redirect(value);
+  if (answer.end != AnswerEnd::beforeHeader && answer.end != AnswerEnd::mute) {
+    reply.status(answer.status);
+    if (!answer.body.empty()) {
+      reply.body(answer.body);
+    }
+    if (!answer.location.empty()) {
+      reply.redirect(answer.location);
     }
   }
-  if (answer.end == AnswerEnd::insideBody) {
+  if (answer.end == AnswerEnd::beforeHeader || answer.end == AnswerEnd::insideBody) {
     reply.fail("The connection was lost.");
-  }
-  if (answer.end == AnswerEnd::silence) {
+  } else if (answer.end != AnswerEnd::complete) {
     reply.silence();
   }
   return reply;

@@ -1,4 +1,3 @@
-#include <chrono>
 #include <memory>
 #include <set>
 #include <string>
@@ -25,73 +24,46 @@ std::string messageOf(const Task& task) {
   return "not stuck";
 }
 
-}  // namespace
+class VirtualWorldTest : public testing::Test {
+ protected:
+  void inBackground(Task task) {
+    host.backgroundQueues().global(QualityOfService::high, std::move(task));
+  }
+  /// Writes down what happened, with the second at which it did.
+  void note(const std::string& what) {
+    const auto at = std::chrono::floor<std::chrono::seconds>(host.clock().steadyNow() - start);
+    ran.push_back(std::to_string(at.count()) + " " + what);
+  }
 
-TEST(VirtualWorld, TimeMovesOnlyWhenEverythingWaits) {
   MemoryHost host;
   const SteadyTime start = host.clock().steadyNow();
+  const std::unique_ptr<Condition> condition = host.clock().newCondition();
   std::vector<std::string> ran;
-  const auto note = [&](const std::string& what) {
-    const auto at =
-        std::chrono::duration_cast<std::chrono::seconds>(host.clock().steadyNow() - start);
-    ran.push_back(what + " at " + std::to_string(at.count()));
-  };
-  host.backgroundQueues().global(QualityOfService::high, [&] {
+};
+
+TEST_F(VirtualWorldTest, TimeMovesOnlyWhenEverythingWaitsAndNoDeadlineWithTheCalendar) {
+  inBackground([&] {
     host.clock().sleep(60s);
     note("slept 60");
   });
-  host.backgroundQueues().global(QualityOfService::high, [&] {
+  inBackground([&] {
     host.clock().sleep(2s);
     note("slept 2");
     host.mainQueue().async([&] { note("main"); });
   });
   host.runUntilIdle();
   EXPECT_TRUE(ran.empty()) << "no time has passed";
+  host.later(2s, [&] { note("set up later"); });
   host.runFor(1s);
   note("test");
-  host.runUntil([&] { return ran.size() == 4; });
-  EXPECT_EQ(ran,
-            (std::vector<std::string>{"test at 1", "slept 2 at 2", "main at 2", "slept 60 at 60"}));
+  host.clock().setNow(host.clock().now() + 24h);
+  host.runUntil([&] { return ran.size() == 5; });
+  EXPECT_EQ(ran, (std::vector<std::string>{"1 test", "2 slept 2", "2 set up later", "2 main",
+                                           "60 slept 60"}));
 }
 
-TEST(VirtualWorld, WhatIsDueAtOneMomentComesInTheOrderOfItsSetUp) {
-  MemoryHost host;
-  std::vector<int> ran;
-  host.world().inBackground(
-      "one", [&] { ran.push_back(1); }, 5s);
-  host.backgroundQueues().global(QualityOfService::high, [&] {
-    host.clock().sleep(5s);
-    ran.push_back(2);
-  });
-  host.runUntilIdle();
-  host.later(5s, [&] { ran.push_back(3); });
-  host.world().inBackground(
-      "four", [&] { ran.push_back(4); }, 5s);
-  host.runFor(5s);
-  EXPECT_EQ(ran, (std::vector<int>{1, 2, 3, 4}));
-}
-
-TEST(VirtualWorld, AMinuteOfPollingTakesMilliseconds) {
-  MemoryHost host;
-  int polls = 0;
-  host.backgroundQueues().newOperationQueue()->add([&] {
-    const SteadyTime deadline = host.clock().steadyNow() + 60s;
-    while (host.clock().steadyNow() < deadline) {
-      ++polls;
-      host.clock().sleep(2s);
-    }
-    host.mainQueue().async([&polls] { polls += 100; });
-  });
-  const auto before = std::chrono::steady_clock::now();
-  host.runUntil([&] { return polls > 100; });
-  EXPECT_EQ(polls, 130);
-  EXPECT_LT(std::chrono::steady_clock::now() - before, 1s);
-}
-
-TEST(VirtualWorld, SaysWhoWaitsWhenNothingCanEverRun) {
-  MemoryHost host;
-  const auto condition = host.clock().newCondition();
-  host.backgroundQueues().global(QualityOfService::high, [&] {
+TEST_F(VirtualWorldTest, SaysWhoWaitsWhenNothingCanEverRunAndNoTaskCanHideIt) {
+  inBackground([&] {
     condition->lock();
     condition->waitUntil(kNever);
     condition->unlock();
@@ -99,19 +71,12 @@ TEST(VirtualWorld, SaysWhoWaitsWhenNothingCanEverRun) {
   EXPECT_EQ(
       messageOf([&] { host.runUntil([] { return false; }); }),
       "VirtualWorld: what is waited for does not come; waiting: high task waits for a signal");
-  host.runUntilIdle();
-
   const auto own = host.clock().newCondition();
   own->lock();
   EXPECT_EQ(messageOf([&] { own->lock(); }),
             "VirtualWorld: nothing can run; waiting: high task waits for a signal, "
             "the main thread waits for a lock");
   own->unlock();
-  host.shutdown();  // while the condition that the task waits on still stands
-}
-
-TEST(VirtualWorld, ATaskCannotSwallowThatItIsStuck) {
-  MemoryHost host;
   host.mainQueue().async([&] {
     try {
       host.mainQueue().runUntil([] { return false; });
@@ -121,10 +86,10 @@ TEST(VirtualWorld, ATaskCannotSwallowThatItIsStuck) {
   });
   EXPECT_THROW(host.runUntilIdle(), StuckError);
   host.runUntilIdle();
+  host.shutdown();  // while the condition that the task waits on still stands
 }
 
-TEST(VirtualWorld, ARunWithoutEndIsCutOff) {
-  MemoryHost host;
+TEST_F(VirtualWorldTest, ARunWithoutEndIsCutOffAndAStrangersWaitRefused) {
   host.world().inBackground(
       "late", [] {}, 2h);
   EXPECT_THROW(host.runUntil([] { return false; }), StuckError) << "an hour is the limit";
@@ -132,144 +97,67 @@ TEST(VirtualWorld, ARunWithoutEndIsCutOff) {
   std::function<void()> again = [&] { host.mainQueue().async(again); };
   host.mainQueue().async(again);
   EXPECT_THROW(host.runUntilIdle(), StuckError) << "no time passes";
+  std::thread([&] { EXPECT_THROW(host.clock().sleep(1s), std::logic_error); }).join();
 }
 
-TEST(VirtualWorld, ALockHeldByASleeperHoldsUpWhoeverWantsIt) {
-  MemoryHost host;
-  const auto condition = host.clock().newCondition();
-  std::vector<std::string> ran;
-  host.backgroundQueues().global(QualityOfService::high, [&] {
-    condition->lock();
-    host.clock().sleep(3s);
-    ran.emplace_back("sleeper");
-    condition->unlock();
-  });
-  host.backgroundQueues().global(QualityOfService::high, [&] {
-    condition->lock();
-    ran.emplace_back("second");
-    condition->unlock();
-  });
-  host.runUntilIdle();
-  condition->lock();
-  ran.emplace_back("main");
-  condition->unlock();
-  host.runUntilIdle();
-  EXPECT_EQ(ran, (std::vector<std::string>{"sleeper", "second", "main"}));
+TEST_F(VirtualWorldTest, WhileTheMainThreadWaitsForALockItsQueueStandsStillAndTasksGoOn) {
+  host.mainQueue().async([&] { note("main task"); });
+  for (const char* name : {"first", "second"}) {
+    inBackground([&, name] {
+      condition->lock();
+      host.clock().sleep(3s);
+      note(name);
+      condition->unlock();
+    });
+  }
+  host.world().inBackground(
+      "signal", [&] { condition->signal(); }, 10s);
+  host.world().inBackground(
+      "other", [&] { note("other"); }, 1s);
   EXPECT_THROW(condition->unlock(), std::logic_error);
   EXPECT_THROW(condition->waitUntil(kNever), std::logic_error);
-}
-
-TEST(VirtualWorld, WhileTheMainThreadWaitsItsQueueStandsStillAndTasksGoOn) {
-  MemoryHost host;
-  const auto condition = host.clock().newCondition();
-  bool mainTaskRan = false;
-  host.mainQueue().async([&] { mainTaskRan = true; });
-  host.later(1s, [&] { mainTaskRan = true; });
-  host.backgroundQueues().global(QualityOfService::high, [&] {
-    host.clock().sleep(10s);
-    condition->signal();
-  });
   condition->lock();
-  EXPECT_TRUE(condition->waitUntil(host.clock().steadyNow() + 60s));
-  EXPECT_FALSE(condition->waitUntil(host.clock().steadyNow() + 60s));
+  EXPECT_TRUE(condition->waitUntil(start + 60s));
+  EXPECT_FALSE(condition->waitUntil(start + 60s));
   condition->unlock();
-  EXPECT_FALSE(mainTaskRan);
+  EXPECT_EQ(ran, (std::vector<std::string>{"1 other", "3 first", "6 second"}));
   host.runUntilIdle();
-  EXPECT_TRUE(mainTaskRan);
+  EXPECT_EQ(ran.back(), "60 main task");
 }
 
-TEST(VirtualWorld, SettingTheCalendarMovesNoDeadline) {
-  MemoryHost host;
-  bool woke = false;
-  host.backgroundQueues().global(QualityOfService::high, [&] {
-    host.clock().sleep(60s);
-    woke = true;
-  });
-  host.runFor(10s);
-  const CalendarTime before = host.clock().now();
-  host.clock().setNow(before + 24h);
-  host.runFor(49s);
-  EXPECT_FALSE(woke);
-  EXPECT_EQ(host.clock().now() - before, 24h + 49s);
-  host.runFor(1s);
-  EXPECT_TRUE(woke);
-}
-
-TEST(VirtualWorld, OnlyItsOwnThreadsMayWait) {
-  MemoryHost host;
-  bool refused = false;
-  std::thread stranger([&] {
-    try {
-      host.clock().sleep(1s);
-    } catch (const std::logic_error&) {
-      refused = true;
-    }
-  });
-  stranger.join();
-  EXPECT_TRUE(refused);
-}
-
-TEST(VirtualWorld, ShutsDownFromInsideATaskOfTheMainThread) {
-  MemoryHost host;
-  std::vector<std::string> ran;
-  host.backgroundQueues().global(QualityOfService::high, [&] {
-    ran.emplace_back(host.clock().sleep(1h) ? "slept" : "woken");
-    host.mainQueue().async([&] { ran.emplace_back("report"); });
-  });
-  host.mainQueue().async([&] {
-    host.shutdown();
-    ran.emplace_back("shut down");
-  });
-  host.runUntil([&] { return ran.size() == 2; });
-  EXPECT_EQ(ran, (std::vector<std::string>{"woken", "shut down"}));
-  EXPECT_EQ(host.world().threadCount(), 0u);
-}
-
-TEST(Interleavings, TryEveryOrderOnce) {
-  Interleavings search;
+TEST(Interleavings, TryEveryOrderOnceUpToTheirBounds) {
   std::set<std::string> orders;
-  const std::size_t runs = search.run([&](const Chooser& chooser) {
+  std::size_t tasks = 4;
+  const auto scenario = [&](const Chooser& chooser) {
     MemoryHost host({.chooser = chooser});
     std::string order;
-    for (const char name : {'a', 'b', 'c'}) {
-      host.backgroundQueues().global(QualityOfService::high, [&order, name] { order += name; });
+    for (std::size_t i = 0; i < tasks; ++i) {
+      host.backgroundQueues().global(QualityOfService::high,
+                                     [&order, i] { order += std::to_string(i); });
     }
     host.runUntilIdle();
     orders.insert(order);
-  });
-  EXPECT_EQ(runs, 6u);
-  EXPECT_EQ(orders, (std::set<std::string>{"abc", "acb", "bac", "bca", "cab", "cba"}));
-  EXPECT_TRUE(search.complete());
-}
-
-TEST(Interleavings, KeepTheOrderOfTheMainQueueAndOfAnOperationQueue) {
+  };
   Interleavings search;
-  std::set<std::string> orders;
-  search.run([&](const Chooser& chooser) {
-    MemoryHost host({.chooser = chooser});
-    const auto queue = host.backgroundQueues().newOperationQueue();
-    std::string order;
-    for (const char* names : {"m1", "m2"}) {
-      host.mainQueue().async([&order, names] { order += names; });
-    }
-    for (const char* names : {"q1", "q2"}) {
-      queue->add([&order, names] { order += names; });
-    }
-    host.runUntilIdle();
-    EXPECT_LT(order.find("m1"), order.find("m2"));
-    EXPECT_LT(order.find("q1"), order.find("q2"));
-    orders.insert(order);
-  });
-  EXPECT_EQ(orders.size(), 6u) << "every way to merge the two queues";
+  EXPECT_EQ(search.run(scenario), 24u);
+  EXPECT_EQ(orders.size(), 24u);
   EXPECT_TRUE(search.complete());
+  Interleavings few({.depth = 20, .runs = 10});
+  EXPECT_EQ(few.run(scenario), 10u);
+  EXPECT_FALSE(few.complete());
+  EXPECT_EQ(Interleavings({.depth = 2}).run(scenario), 4u * 3u);
+  const auto differing = [&](const Chooser& chooser) {
+    scenario(chooser);
+    --tasks;
+  };
+  EXPECT_THROW(Interleavings().run(differing), std::logic_error);
 }
 
-TEST(Interleavings, FindALostUpdateOnlyWhereOneMayBeOvertaken) {
-  for (const bool preemptive : {false, true}) {
-    Interleavings search;
+TEST(Interleavings, FindALostUpdateWhereOneMayBeOvertakenAndADeadlineThatPassesBeforeAnAnswer) {
+  for (const bool unkind : {false, true}) {
     std::set<int> ends;
-    search.run([&](const Chooser& chooser) {
-      MemoryHost host({.chooser = chooser, .preemptive = preemptive});
+    Interleavings().run([&](const Chooser& chooser) {
+      MemoryHost host({.chooser = chooser, .preemptive = unkind});
       int counter = 0;
       for (int i = 0; i < 2; ++i) {
         host.backgroundQueues().global(QualityOfService::high, [&] {
@@ -281,58 +169,25 @@ TEST(Interleavings, FindALostUpdateOnlyWhereOneMayBeOvertaken) {
       host.runUntilIdle();
       ends.insert(counter);
     });
-    EXPECT_EQ(ends, preemptive ? (std::set<int>{1, 2}) : (std::set<int>{2}));
-  }
-}
+    EXPECT_EQ(ends, unkind ? (std::set<int>{1, 2}) : (std::set<int>{2}));
 
-TEST(Interleavings, LetADeadlinePassBeforeAnAnswerThatIsReady) {
-  for (const bool timeCompetes : {false, true}) {
-    Interleavings search;
-    std::set<bool> outcomes;
-    search.run([&](const Chooser& chooser) {
-      MemoryHost host({.chooser = chooser, .timeCompetes = timeCompetes});
+    std::set<bool> answered;
+    Interleavings().run([&](const Chooser& chooser) {
+      MemoryHost host({.chooser = chooser, .timeCompetes = unkind});
       const auto condition = host.clock().newCondition();
       host.backgroundQueues().global(QualityOfService::high, [&] {
         condition->lock();
-        outcomes.insert(condition->waitUntil(host.clock().steadyNow() + 60s));
+        answered.insert(condition->waitUntil(host.clock().steadyNow() + 60s));
         condition->unlock();
       });
       host.world().runFor(1s);
       host.backgroundQueues().global(QualityOfService::high, [&] { condition->signal(); });
       host.runFor(120s);
     });
-    EXPECT_EQ(outcomes.size(), timeCompetes ? 2u : 1u);
-    EXPECT_TRUE(search.complete());
+    EXPECT_EQ(answered, unkind ? (std::set<bool>{false, true}) : (std::set<bool>{true}));
   }
 }
 
-TEST(Interleavings, StopAtTheirBoundsAndAtAScenarioThatDiffers) {
-  const auto manyTasks = [](const Chooser& chooser) {
-    MemoryHost host({.chooser = chooser});
-    for (int i = 0; i < 8; ++i) {
-      host.backgroundQueues().global(QualityOfService::high, [] {});
-    }
-    host.runUntilIdle();
-  };
-  Interleavings few({.depth = 20, .runs = 50});
-  EXPECT_EQ(few.run(manyTasks), 50u);
-  EXPECT_FALSE(few.complete());
-  Interleavings shallow({.depth = 2});
-  EXPECT_EQ(shallow.run(manyTasks), 8u * 7u);
-  EXPECT_TRUE(shallow.complete());
-
-  int run = 0;
-  Interleavings differing;
-  EXPECT_THROW(differing.run([&run](const Chooser& chooser) {
-    MemoryHost host({.chooser = chooser});
-    for (int i = 0; i < 2 + run; ++i) {
-      host.backgroundQueues().global(QualityOfService::high, [&host] { host.clock().sleep(1s); });
-    }
-    host.backgroundQueues().global(QualityOfService::high, [] {});
-    ++run;
-    host.runUntilIdle();
-  }),
-               std::logic_error);
-}
+}  // namespace
 
 }  // namespace orlix

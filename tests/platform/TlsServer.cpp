@@ -1,7 +1,8 @@
 #include "tests/platform/TlsServer.h"
 
+#include <algorithm>
 #include <csignal>
-#include <cstdlib>
+#include <sstream>
 #include <stdexcept>
 #include <unistd.h>
 
@@ -51,26 +52,19 @@ std::optional<SeenRequest> TlsConnection::read() {
       return std::nullopt;
     }
   }
-  SeenRequest request;
-  std::size_t bodySize = 0;
-  std::size_t at = received_.find("\r\n");
-  const std::string first = received_.substr(0, at);
-  request.method = first.substr(0, first.find(' '));
-  request.path = first.substr(first.find(' ') + 1, first.rfind(' ') - first.find(' ') - 1);
-  while (at < headerEnd) {
-    const std::size_t begin = at + 2;
-    at = received_.find("\r\n", begin);
-    const std::string line = received_.substr(begin, at - begin);
-    const std::size_t colon = line.find(':');
-    const std::string name = line.substr(0, colon);
-    std::string value = colon == std::string::npos ? "" : line.substr(colon + 1);
-    value.erase(0, value.find_first_not_of(' '));
-    if (name == "Content-Length") {
-      bodySize = std::strtoul(value.c_str(), nullptr, 10);
-    }
-    request.headers.emplace_back(name, value);
-  }
+  std::istringstream header(received_.substr(0, headerEnd));
   received_.erase(0, headerEnd + 4);
+  SeenRequest request;
+  std::string line;
+  header >> request.method >> request.path;
+  std::getline(header, line);
+  while (std::getline(header, line)) {
+    line.erase(line.find_last_not_of('\r') + 1);
+    const std::size_t colon = line.find(':');
+    const std::size_t value = std::min(line.find_first_not_of(' ', colon + 1), line.size());
+    request.headers.emplace_back(line.substr(0, colon), line.substr(value));
+  }
+  const std::size_t bodySize = std::stoul(request.field("Content-Length").value_or("0"));
   while (received_.size() < bodySize) {
     if (!readMore()) {
       return std::nullopt;

@@ -1,14 +1,69 @@
 #include <memory>
 #include <string>
+#include <vector>
 
 #include <gtest/gtest.h>
 
-#include "orlixkit/platform/ui/Containers.h"
-#include "tests/platform/UiStage.h"
+#include "orlixkit/platform/memory/MemoryHost.h"
+#include "orlixkit/platform/ui/AlertController.h"
+#include "orlixkit/platform/ui/PresentationController.h"
 
 namespace orlix {
 
-TEST(Presentation, AnAnimatedScreenAppearsAfterItsPresenterHasReturned) {
+namespace {
+
+/// What the controllers of a test were told, one line each.
+using Diary = std::vector<std::string>;
+
+/// A screen that writes down what it is told.
+class DiaryScreen : public ViewController {
+ public:
+  DiaryScreen(const std::string& name, Diary& entries) : diary(entries) { setIdentifier(name); }
+  void viewDidLoad() override { note("loaded"); }
+  void viewWillAppear() override { note("will appear"); }
+  void viewDidAppear() override { note("appeared"); }
+  void viewWillDisappear() override { note("will disappear"); }
+
+  void note(const std::string& what) { diary.push_back(identifier() + " " + what); }
+
+  Diary& diary;
+};
+
+/// A host with an observer that writes down who has come and gone.
+class UiStage : private UiObserver {
+ public:
+  UiStage() { host.application().setObserver(this); }
+
+  std::shared_ptr<DiaryScreen> screen(const std::string& name) {
+    return std::make_shared<DiaryScreen>(name, diary);
+  }
+  Task note(const std::string& what) {
+    return [this, what] { diary.push_back(what); };
+  }
+  /// What was written since the last call.
+  Diary read() {
+    Diary entries;
+    entries.swap(diary);
+    return entries;
+  }
+  ViewController& root() { return *host.root(); }
+  Diary diary;
+  MemoryHost host;
+
+ private:
+  static std::string nameOf(const std::shared_ptr<ViewController>& controller) {
+    const auto alert = std::dynamic_pointer_cast<AlertController>(controller);
+    return alert ? "alert " + alert->title() : controller->identifier();
+  }
+  void didPresent(const std::shared_ptr<ViewController>& controller) override {
+    diary.push_back(nameOf(controller) + " presented");
+  }
+  void didDismiss(const std::shared_ptr<ViewController>& controller) override {
+    diary.push_back(nameOf(controller) + " gone");
+  }
+};
+
+TEST(Presentation, AppearsAfterItsPresenterHasReturnedUnlessItIsACut) {
   UiStage stage;
   stage.root().present(stage.screen("A"), true, stage.note("completed"));
   EXPECT_EQ(stage.read(), (Diary{"A loaded", "A will appear"}));
@@ -16,18 +71,35 @@ TEST(Presentation, AnAnimatedScreenAppearsAfterItsPresenterHasReturned) {
   stage.host.runUntilIdle();
   EXPECT_EQ(stage.read(), (Diary{"A appeared", "A presented", "completed"}));
   EXPECT_TRUE(stage.host.topController()->hasAppeared());
-}
-
-TEST(Presentation, ACutHappensBeforeThePresenterReturns) {
-  UiStage stage;
+  stage.root().dismiss(false, stage.note("removed"));
+  EXPECT_EQ(stage.read(), (Diary{"A will disappear", "A gone", "removed"}));
   stage.root().present(stage.screen("A"), false, stage.note("shown"));
   EXPECT_EQ(stage.read(),
             (Diary{"A loaded", "A will appear", "A appeared", "A presented", "shown"}));
-  stage.root().dismiss(false, stage.note("removed"));
-  EXPECT_EQ(stage.read(), (Diary{"A will disappear", "A gone", "removed"}));
-  EXPECT_EQ(stage.host.topController(), stage.host.root());
+  stage.root().dismiss(false);
+  stage.read();
   stage.root().dismiss(true, stage.note("nothing there"));
   EXPECT_EQ(stage.read(), (Diary{"nothing there"}));
+}
+
+TEST(Dismissal, TakesTheWholeStackFromTheTopDownAndFinishesWhatIsUnderWay) {
+  UiStage stage;
+  const auto a = stage.screen("A");
+  const auto b = stage.screen("B");
+  stage.root().present(a, false);
+  a->present(b, true, stage.note("B was presented"));
+  b->present(std::make_shared<AlertController>("Warning", ""), false);
+  stage.read();
+  stage.root().dismiss(true, [] { throw std::runtime_error("the first broke"); });
+  stage.root().dismiss(true, stage.note("done"));
+  stage.host.runUntilIdle();
+  EXPECT_EQ(stage.read(),
+            (Diary{"B appeared", "B presented", "B was presented", "B will disappear",
+                   "A will disappear", "alert Warning gone", "B gone", "A gone", "done"}));
+  EXPECT_TRUE(stage.host.log().contains("the first broke"));
+  EXPECT_FALSE(b->isBeingDismissed() || b->hasAppeared());
+  EXPECT_EQ(b->presentingViewController(), nullptr);
+  EXPECT_EQ(a->presentedViewController(), nullptr);
 }
 
 TEST(Presentation, IsRefusedWithALogLineWhereItHasNoPlace) {
@@ -41,10 +113,8 @@ TEST(Presentation, IsRefusedWithALogLineWhereItHasNoPlace) {
   b->present(a, true);
   b->present(b, true);
   b->present(stage.host.root(), true);
-  stage.holding = true;
   a->dismiss(true);
   b->present(stage.screen("C"), true);
-  stage.endAnimations();
   stage.host.runUntilIdle();
   EXPECT_EQ(stage.read(), (Diary{"B will disappear", "B gone"}));
   EXPECT_EQ(stage.host.log().lines(),
@@ -67,72 +137,6 @@ TEST(Presentation, WaitsWhileItsPlaceIsBeingLeft) {
                                  "B appeared", "B presented", "B was presented"}));
 }
 
-TEST(Presentation, UsesTheTransitioningDelegateForTheCustomStyleOnly) {
-  class Card : public PresentationController {
-   public:
-    using PresentationController::PresentationController;
-    void presentationTransitionWillBegin() override { ++begun; }
-    void dismissalTransitionWillBegin() override { ++ended; }
-    int begun = 0;
-    int ended = 0;
-  };
-  struct Cards : TransitioningDelegate {
-    std::shared_ptr<PresentationController> presentationControllerFor(
-        const std::shared_ptr<ViewController>& presented,
-        const std::shared_ptr<ViewController>& presenting,
-        const std::shared_ptr<ViewController>&) override {
-      return last = std::make_shared<Card>(presented, presenting);
-    }
-    std::shared_ptr<Card> last;
-  };
-  UiStage stage;
-  const auto cards = std::make_shared<Cards>();
-  const auto a = stage.screen("A");
-  a->transitioningDelegate = cards;
-  stage.root().present(a, false);
-  EXPECT_EQ(cards->last, nullptr);
-  stage.root().dismiss(false);
-
-  a->modalPresentationStyle = ModalPresentationStyle::custom;
-  stage.root().present(a, true);
-  ASSERT_NE(cards->last, nullptr);
-  EXPECT_EQ(a->presentationController(), cards->last);
-  EXPECT_EQ(cards->last->presentingViewController(), stage.host.root());
-  EXPECT_EQ(cards->last->frameOfPresentedViewInContainerView(), (Rect{0, 0, 375, 667}));
-  EXPECT_EQ(cards->last->begun, 1);
-  stage.root().dismiss(true);
-  EXPECT_EQ(cards->last->ended, 1);
-  stage.host.runUntilIdle();
-  EXPECT_EQ(a->presentationController(), nullptr);
-}
-
-TEST(Dismissal, TakesTheWholeStackAndTellsItFromTheTopDown) {
-  for (const bool animated : {false, true}) {
-    UiStage stage;
-    const auto a = stage.screen("A");
-    const auto b = stage.screen("B");
-    stage.root().present(a, false);
-    a->present(b, false);
-    b->present(std::make_shared<AlertController>("Warning", ""), false);
-    stage.read();
-    stage.root().dismiss(animated, stage.note("done"));
-    if (animated) {
-      EXPECT_EQ(stage.read(), (Diary{"B will disappear", "A will disappear"}));
-      EXPECT_TRUE(b->isBeingDismissed());
-      EXPECT_EQ(stage.host.topController(), stage.host.root());
-      stage.host.runUntilIdle();
-      EXPECT_EQ(stage.read(), (Diary{"alert Warning gone", "B gone", "A gone", "done"}));
-    } else {
-      EXPECT_EQ(stage.read(), (Diary{"B will disappear", "A will disappear", "alert Warning gone",
-                                     "B gone", "A gone", "done"}));
-    }
-    EXPECT_FALSE(b->isBeingDismissed());
-    EXPECT_FALSE(b->hasAppeared());
-    EXPECT_EQ(b->presentingViewController(), nullptr);
-    EXPECT_EQ(a->presentedViewController(), nullptr);
-  }
-}
-
 TEST(Dismissal, JoinsTheOneUnderWayAndACutEndsItAtOnce) {
   UiStage stage;
   const auto a = stage.screen("A");
@@ -148,19 +152,6 @@ TEST(Dismissal, JoinsTheOneUnderWayAndACutEndsItAtOnce) {
   stage.host.runUntilIdle();
   EXPECT_TRUE(stage.read().empty()) << "the overtaken animation ends without effect";
   EXPECT_EQ(stage.host.topController(), a);
-}
-
-TEST(Dismissal, FinishesAPresentationThatIsUnderWay) {
-  UiStage stage;
-  const auto a = stage.screen("A");
-  stage.root().present(a, true, stage.note("A was presented"));
-  a->present(stage.screen("B"), true, stage.note("B was presented"));
-  stage.read();
-  stage.root().dismiss(true, stage.note("done"));
-  stage.host.runUntilIdle();
-  EXPECT_EQ(stage.read(), (Diary{"A appeared", "A presented", "A was presented", "B appeared",
-                                 "B presented", "B was presented", "B will disappear",
-                                 "A will disappear", "B gone", "A gone", "done"}));
 }
 
 TEST(Dismissal, OfAPresenterLeavesNoRoomForWhatWaitsToStandOnIt) {
@@ -189,17 +180,6 @@ TEST(Dismissal, MayBeCutShortByWhoIsToldOfIt) {
   EXPECT_EQ(stage.read(), (Diary{"A appeared", "A presented", "A gone", "dismissed", "cut",
                                  "B loaded", "B will appear", "B appeared", "B presented"}));
   EXPECT_EQ(stage.host.topController()->identifier(), "B");
-  EXPECT_EQ(stage.dismissalsAnimated, 0);
-}
-
-TEST(Dismissal, RunsEveryCompletionThoughOneThrows) {
-  UiStage stage;
-  stage.root().present(stage.screen("A"), false);
-  stage.root().dismiss(true, [] { throw std::runtime_error("the first broke"); });
-  stage.root().dismiss(true, stage.note("the second ran"));
-  stage.host.runUntilIdle();
-  EXPECT_EQ(stage.read().back(), "the second ran");
-  EXPECT_TRUE(stage.host.log().contains("the first broke"));
 }
 
 TEST(Dismissal, LeavesNothingBehindWhenTheHostEndsInTheMiddle) {
@@ -226,121 +206,35 @@ TEST(Dismissal, LeavesNothingBehindWhenTheHostEndsInTheMiddle) {
   EXPECT_TRUE(waiting.expired());
 }
 
-TEST(Segue, PresentsItsDestinationUnderItsNameAfterThePreparation) {
-  class Origin : public DiaryScreen {
-   public:
-    using DiaryScreen::DiaryScreen;
-    void prepareForSegue(const std::string& name,
-                         const std::shared_ptr<ViewController>& destination) override {
-      note("prepares " + name + (destination->isViewLoaded() ? " late" : ""));
-    }
-  };
-  UiStage stage;
-  const auto origin = std::make_shared<Origin>("Activation", stage.diary);
-  stage.host.application().storyboard().add(
-      "TermsAndConditions", [&] { return NavigationController::make(stage.screen("inner")); });
-  std::string missing;
-  stage.host.application().storyboard().onMissing = [&](const std::string& text) {
-    missing = text;
-  };
-  stage.root().present(origin, false);
-  stage.read();
-  origin->performSegue("TermsAndConditions");
-  stage.host.runUntilIdle();
-  EXPECT_EQ(stage.read(), (Diary{"Activation prepares TermsAndConditions",
-                                 "TermsAndConditions loaded", "TermsAndConditions will appear",
-                                 "TermsAndConditions appeared", "TermsAndConditions presented"}));
-  EXPECT_EQ(stage.host.topController()->identifier(), "TermsAndConditions");
-  EXPECT_EQ(missing, "");
-
-  stage.host.topController()->performSegue("Nowhere");
-  EXPECT_EQ(missing, "The storyboard has no screen \"Nowhere\".");
-  EXPECT_TRUE(stage.host.log().contains(missing));
-}
-
-TEST(Containers, PresentAndAreDismissedForTheControllerInside) {
-  UiStage stage;
-  const auto inside = stage.screen("inside");
-  const auto navigation = NavigationController::make(inside);
-  const auto tabs = std::make_shared<TabBarController>();
-  tabs->setChildren({stage.screen("other"), navigation}, 1);
-  tabs->tabBar = std::make_shared<TabBar>();
-  EXPECT_EQ(inside->navigationController(), navigation);
-  EXPECT_EQ(inside->tabBarController(), tabs);
-
-  stage.root().present(tabs, false);
-  EXPECT_EQ(stage.host.topController(), inside);
-  EXPECT_EQ(inside->presentingViewController(), stage.host.root());
-  inside->present(stage.screen("above"), false);
-  EXPECT_EQ(tabs->presentedViewController()->identifier(), "above");
-  EXPECT_EQ(inside->presentedViewController(), tabs->presentedViewController());
-  inside->dismiss(false);
-  EXPECT_EQ(stage.host.topController(), inside);
-  inside->presentingViewController()->dismiss(true);
-  EXPECT_TRUE(inside->isBeingDismissed());
-  stage.host.runUntilIdle();
-  EXPECT_EQ(stage.host.topController(), stage.host.root());
-  EXPECT_EQ(inside->presentingViewController(), nullptr);
-}
-
-TEST(Alert, GoesBeforeItsHandlerRunsAndHearsOnePressOnly) {
-  UiStage stage;
-  const auto alert = std::make_shared<AlertController>("Delete Card", "Sure?");
-  alert->addAction({"Cancel", AlertActionStyle::cancel, {}});
-  alert->addAction({"Delete", AlertActionStyle::destructive, stage.note("deletes")});
-  alert->press(1);
-  stage.root().present(alert, true);
-  stage.host.runUntilAlert("Delete Card");
-  alert->press(2);
-  EXPECT_FALSE(alert->isBeingDismissed()) << "there is no third button";
-  stage.host.pressAlert("Delete");
-  alert->press(1);
-  alert->press(0);
-  EXPECT_EQ(stage.read(), (Diary{"alert Delete Card presented"}));
-  stage.host.runUntilIdle();
-  EXPECT_EQ(stage.read(), (Diary{"alert Delete Card gone", "deletes"}));
-}
-
-TEST(Alert, DoesNothingWhenItIsPressedOnItsWayOutWithItsScreen) {
+TEST(Alert, GoesBeforeItsHandlerRunsAndHearsOnePressOnlyWhileItStands) {
   for (const bool pressedBefore : {false, true}) {
     UiStage stage;
     const auto a = stage.screen("A");
-    const auto alert = std::make_shared<AlertController>("Connection problem", "");
+    const auto alert = std::make_shared<AlertController>("Problem", "");
+    alert->addAction({"Cancel", AlertActionStyle::cancel, {}});
     alert->addAction({"Retry", AlertActionStyle::standard, stage.note("retries")});
+    alert->press(1);
     stage.root().present(a, false);
     a->present(alert, false);
+    alert->press(2);
+    EXPECT_FALSE(alert->isBeingDismissed()) << "there is no third button";
     stage.read();
     if (pressedBefore) {
-      alert->press(0);
+      alert->press(1);
     }
     stage.root().dismiss(true, stage.note("done"));
+    alert->press(1);
     alert->press(0);
     stage.host.runUntilIdle();
-    alert->press(0);
-    Diary expected{"A will disappear", "alert Connection problem gone", "A gone", "done"};
+    alert->press(1);
+    Diary expected{"A will disappear", "alert Problem gone", "A gone", "done"};
     if (pressedBefore) {
-      expected = {"A will disappear", "alert Connection problem gone", "retries", "A gone", "done"};
+      expected.insert(expected.begin() + 2, "retries");
     }
-    EXPECT_EQ(stage.read(), expected) << "a press that came before holds";
+    EXPECT_EQ(stage.read(), expected) << "only a press that came before holds";
   }
 }
 
-TEST(ProgressIndicator, RunsTheCompletionWhenItIsGone) {
-  UiStage stage;
-  ProgressIndicator& progress = stage.host.application().progressIndicator();
-  progress.dismiss(stage.note("was not shown"));
-  EXPECT_EQ(stage.read(), (Diary{"was not shown"}));
-  progress.show("Please wait", ProgressMask::gradient);
-  EXPECT_TRUE(progress.blocksInput());
-  EXPECT_EQ(progress.status(), "Please wait");
-  progress.dismiss(stage.note("faded out"));
-  EXPECT_FALSE(progress.visible());
-  EXPECT_FALSE(progress.blocksInput());
-  EXPECT_TRUE(stage.read().empty());
-  stage.host.runUntilIdle();
-  EXPECT_EQ(stage.read(), (Diary{"faded out"}));
-  progress.show("Fetching");
-  EXPECT_FALSE(progress.blocksInput()) << "without a mask the screen can be touched";
-}
+}  // namespace
 
 }  // namespace orlix

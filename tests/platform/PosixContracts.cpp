@@ -1,10 +1,14 @@
+// The Linux ports keep the ports' rules: connections over TLS, queues and clock.
+
 #include <map>
 #include <mutex>
 
 #include <fmt/format.h>
 #include <gtest/gtest.h>
 
-#include "orlixkit/platform/posix/CurlConnections.h"
+#include "tests/platform/BackgroundQueuesContract.h"
+#include "tests/platform/ClockContract.h"
+#include "tests/platform/MainQueueContract.h"
 #include "tests/platform/PosixPlatform.h"
 #include "tests/platform/TlsServer.h"
 #include "tests/platform/UrlConnectionsContract.h"
@@ -36,14 +40,11 @@ class CurlPlatform : public PosixPlatform {
  private:
   void serve(TlsConnection& connection) {
     while (const std::optional<SeenRequest> request = connection.read()) {
-      ScriptedAnswer answer{.status = 404, .headers = {}, .body = ""};
+      ScriptedAnswer answer;
       {
         const std::lock_guard guard(lock_);
         seen_.push_back(*request);
-        const auto found = answers_.find(request->path);
-        if (found != answers_.end()) {
-          answer = found->second;
-        }
+        answer = answers_[request->path];
       }
       if (!send(connection, answer)) {
         return;
@@ -51,26 +52,17 @@ class CurlPlatform : public PosixPlatform {
     }
   }
   static bool send(TlsConnection& connection, const ScriptedAnswer& answer) {
-    std::string fields;
-    for (const auto& [name, value] : answer.headers) {
-      fields += name + ": " + value + "\r\n";
+    const std::string fields =
+        answer.location.empty() ? "" : "Location: " + answer.location + "\r\n";
+    if (answer.end == AnswerEnd::complete) {
+      return connection.write(httpAnswer(answer.status, fields, answer.body));
     }
-    switch (answer.end) {
-      case AnswerEnd::complete:
-        return connection.write(httpAnswer(answer.status, fields, answer.body));
-      case AnswerEnd::beforeHeader:
-        return false;
-      case AnswerEnd::mute:
-        connection.awaitClose();
-        return false;
-      case AnswerEnd::insideBody:
-      case AnswerEnd::silence:
-        connection.write(fmt::format("HTTP/1.1 {} Status\r\n{}Content-Length: {}\r\n\r\n{}",
-                                     answer.status, fields, answer.body.size() + 100, answer.body));
-        if (answer.end == AnswerEnd::silence) {
-          connection.awaitClose();
-        }
-        return false;
+    if (answer.end == AnswerEnd::insideBody || answer.end == AnswerEnd::silence) {
+      connection.write(fmt::format("HTTP/1.1 {} Status\r\n{}Content-Length: {}\r\n\r\n{}",
+                                   answer.status, fields, answer.body.size() + 100, answer.body));
+    }
+    if (answer.end == AnswerEnd::silence || answer.end == AnswerEnd::mute) {
+      connection.awaitClose();
     }
     return false;
   }
@@ -83,6 +75,9 @@ class CurlPlatform : public PosixPlatform {
 
 }  // namespace
 
+INSTANTIATE_TYPED_TEST_SUITE_P(Posix, MainQueueContract, PosixPlatform);
+INSTANTIATE_TYPED_TEST_SUITE_P(Posix, BackgroundQueuesContract, PosixPlatform);
+INSTANTIATE_TYPED_TEST_SUITE_P(Posix, ClockContract, PosixPlatform);
 INSTANTIATE_TYPED_TEST_SUITE_P(Curl, UrlConnectionsContract, CurlPlatform);
 
 }  // namespace orlix
