@@ -71,7 +71,7 @@ std::shared_ptr<OXOrlix> OXOrlix::make() { return std::make_shared<OXOrlix>(); }
 void OXOrlix::begin(const Entry& entry) {
   checkCustomerId(entry.customerId);
   clearScreensOf(*OXSession::currentSession(), waitingController_);
-  Host::current().application().progressIndicator().dismiss();
+  OXUtil::indicator().dismiss();
   OXSession::reset();
   const std::shared_ptr<OXSession> session = OXSession::currentSession();
   session->presentingController = entry.controller;

@@ -19,8 +19,6 @@ constexpr Color kBackground{27.0 / 255, 30.0 / 255, 38.0 / 255, 1};
 constexpr Color kCardArea{116.0 / 255, 116.0 / 255, 116.0 / 255, 1};
 constexpr std::size_t kShortestPin = 4;
 
-ProgressIndicator& indicator() { return Host::current().application().progressIndicator(); }
-
 void warn(const std::string& message) { OXUtil::showAlertWithTitle("Warning", message); }
 
 }  // namespace
@@ -319,7 +317,7 @@ void OXProductViewController::makeCnpPayment() {
 
 void OXProductViewController::pay(Purchase purchase, Step again) {
   underWay_ = true;
-  indicator().show("Making Payment...");
+  OXUtil::indicator().show("Making Payment...");
   requestInBackground<MTPinResponse>(
       RequestQueue::newOperationQueue, std::move(purchase),
       [screen = self()](MTPinResponse response) {
@@ -328,15 +326,15 @@ void OXProductViewController::pay(Purchase purchase, Step again) {
           screen->pollForReceipt();
           return;
         }
-        indicator().dismiss();
+        OXUtil::indicator().dismiss();
         screen->session()->returnError(2);
       },
       [screen = self(), again] { screen->offerRetry(again); });
 }
 
 void OXProductViewController::pollForReceipt() {
-  if (!indicator().visible()) {
-    indicator().show("Making Payment...");
+  if (!OXUtil::indicator().visible()) {
+    OXUtil::indicator().show("Making Payment...");
   }
   const Task retry = [screen = self()] {
     screen->offerRetry(&OXProductViewController::pollForReceipt);
@@ -349,7 +347,7 @@ void OXProductViewController::pollForReceipt() {
 }
 
 void OXProductViewController::receiptArrived(const MTReceipt& receipt) {
-  indicator().dismiss();
+  OXUtil::indicator().dismiss();
   const std::string reference = std::to_string(pinResponse_.transactionId);
   if (receipt.status == "SUCCESS") {
     session()->returnPaymentSucceededWithTransactionReference(reference);
@@ -359,7 +357,7 @@ void OXProductViewController::receiptArrived(const MTReceipt& receipt) {
 }
 
 void OXProductViewController::offerRetry(Step step) {
-  indicator().dismiss();
+  OXUtil::indicator().dismiss();
   OXUtil::showNetworkErrorRetryObject([screen = self(), step] { ((*screen).*step)(); },
                                       [screen = self()] { screen->underWay_ = false; });
 }

@@ -3,6 +3,7 @@
 #include <mutex>
 #include <utility>
 
+#include "orlixkit/checkout/OXUtil.h"
 #include "orlixkit/checkout/PurchaseInputs.h"
 #include "orlixkit/checkout/ScreenChange.h"
 #include "orlixkit/platform/Host.h"
@@ -118,7 +119,7 @@ void OXSession::end(const std::string& operation, HostCallback callback) {
     return;
   }
   ended_ = true;
-  Host::current().application().progressIndicator().dismiss();
+  OXUtil::indicator().dismiss();
   leave([receiver = delegate, callback = std::move(callback)] {
     if (receiver) {
       callback(*receiver);

@@ -20,8 +20,6 @@ constexpr int kTagOfUnstyledButtons = 9999;
 constexpr double kHeightOfSmallScreen = 320;
 constexpr double kHeightOfLogo = 46;
 
-ProgressIndicator& indicator() { return Host::current().application().progressIndicator(); }
-
 std::string lastUsedCardKey() { return OXUtil::storageKeyForItem("lastUsedCard"); }
 
 /// Wraps a handler so that it is dropped once the session is over. Weak: an alert on the session's
@@ -42,7 +40,7 @@ std::shared_ptr<AlertController> connectionProblemAlert(const std::shared_ptr<OX
   auto alert = std::make_shared<AlertController>(
       "Connection problem", "Please check your network connection and try again.");
   const Task afterCancel = [cancel = std::move(cancel)] {
-    indicator().dismiss();
+    OXUtil::indicator().dismiss();
     if (cancel) {
       cancel();
     }
@@ -63,6 +61,8 @@ std::string OXUtil::velloUrl() {
   const Deployment& deployment = Host::current().deployment();
   return OMVello::sharedOMVello().system() != 0 ? deployment.testBase : deployment.liveBase;
 }
+
+ProgressIndicator& OXUtil::indicator() { return Host::current().application().progressIndicator(); }
 
 std::string OXUtil::deviceModel() { return Host::current().ports().device->model(); }
 

@@ -7,6 +7,7 @@
 
 #include "orlixkit/platform/Bytes.h"
 #include "orlixkit/platform/ui/AlertController.h"
+#include "orlixkit/platform/ui/ProgressIndicator.h"
 #include "orlixkit/platform/ui/View.h"
 #include "orlixkit/platform/ui/ViewController.h"
 #include "orlixkit/records/CardOption.h"
@@ -25,6 +26,8 @@ class OXUtil {
   /// Any thread.
   static std::string deviceModel();
 
+  /// The application's one progress indicator.
+  static ProgressIndicator& indicator();
   /// An alert with one button "Ok".
   static void showAlertWithTitle(const std::string& title, const std::string& message);
   /// The "Connection problem" alert, shown when the progress indicator is gone: "Retry" runs

@@ -27,6 +27,15 @@ double heightOfShownTabBar(const ViewController& screen) {
 
 }  // namespace
 
+std::shared_ptr<Button> OrlixViewController::button(const std::string& outletName,
+                                                    const std::string& title,
+                                                    const std::string& actionName) {
+  std::shared_ptr<Button> made = outlet<Button>(outletName);
+  made->setTitle(title);
+  made->onTouchUpInside = [this, actionName] { performAction(actionName); };
+  return made;
+}
+
 void OrlixViewController::viewDidLoad() {
   view()->setBackgroundColor(OXUtil::primaryColor());
   changeFontForView(view());

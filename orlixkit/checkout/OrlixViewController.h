@@ -1,6 +1,7 @@
 #pragma once
 
 #include <memory>
+#include <string>
 
 #include "orlixkit/checkout/SessionScreen.h"
 
@@ -22,6 +23,10 @@ class OrlixViewController : public SessionScreen {
   static void debugPrintFonts();
 
  protected:
+  /// The button of this outlet, with its title and the action that a touch performs.
+  std::shared_ptr<Button> button(const std::string& outletName, const std::string& title,
+                                 const std::string& actionName);
+
   /// The secure code screens leave their frame alone in landscape.
   virtual bool isSecureScreen() const { return false; }
 

@@ -9,10 +9,8 @@
 namespace orlix {
 
 OMCountryCodeViewController::OMCountryCodeViewController()
-    : cancelButton_(outlet<Button>("cancelButton")) {
-  cancelButton_->setTitle("CANCEL");
+    : cancelButton_(button("cancelButton", "CANCEL", "cancelAction")) {
   action("cancelAction", [this] { cancelAction(); });
-  cancelButton_->onTouchUpInside = [this] { performAction("cancelAction"); };
 }
 
 void OMCountryCodeViewController::viewDidLoad() {

@@ -16,17 +16,14 @@ constexpr const char* kViewportScript =
     "user-scalable=yes');"
     "document.getElementsByTagName('head')[0].appendChild(meta);";
 
-ProgressIndicator& indicator() { return Host::current().application().progressIndicator(); }
-
 }  // namespace
 
 OMTermsAndConditionsViewController::OMTermsAndConditionsViewController()
-    : webView_(outlet<WebPageView>("webView")), backButton_(outlet<Button>("backButton")) {
-  backButton_->setTitle("BACK");
+    : webView_(outlet<WebPageView>("webView")),
+      backButton_(button("backButton", "BACK", "backAction")) {
   // A page that cannot be loaded leaves the indicator up; the user still gets back.
   keepReachableUnderMask({"backButton", "backAction"});
   action("backAction", [this] { backAction(); });
-  backButton_->onTouchUpInside = [this] { performAction("backAction"); };
 }
 
 void OMTermsAndConditionsViewController::viewDidLoad() {
@@ -50,23 +47,23 @@ void OMTermsAndConditionsViewController::viewDidAppear() {
   OrlixViewController::viewDidAppear();
   // Only for a page that is still to come: nothing else would take the indicator away.
   if (tcWebView_ && !pageFinished_) {
-    indicator().show("Please wait", ProgressMask::gradient);
+    OXUtil::indicator().show("Please wait", ProgressMask::gradient);
   }
 }
 
 void OMTermsAndConditionsViewController::didFinishNavigation() {
   pageFinished_ = true;
-  indicator().dismiss();
+  OXUtil::indicator().dismiss();
   tcWebView_->evaluateJavaScript(kViewportScript, [](const ScriptResult&) {});
 }
 
 void OMTermsAndConditionsViewController::didFailLoadWithError(const std::string& description) {
-  indicator().dismiss();
+  OXUtil::indicator().dismiss();
   OXUtil::showAlertWithTitle("Error", description);
 }
 
 void OMTermsAndConditionsViewController::backAction() {
-  indicator().dismiss();
+  OXUtil::indicator().dismiss();
   closeScreen(*this);
 }
 

@@ -10,29 +10,19 @@
 
 namespace orlix {
 
-namespace {
-
-ProgressIndicator& indicator() { return Host::current().application().progressIndicator(); }
-
-}  // namespace
-
 OXActivationCodeViewController::OXActivationCodeViewController()
     : infoLabel_(outlet<Label>("infoLabel")),
       codeField_(outlet<TextField>("codeField")),
-      proceedButton_(outlet<Button>("proceedButton")),
-      cancelButton_(outlet<Button>("cancelButton")) {
+      proceedButton_(button("proceedButton", "PROCEED", "proceedAction")),
+      cancelButton_(button("cancelButton", "CANCEL", "cancelAction")) {
   codeField_->setPlaceholder("Activation code");
   codeField_->setKeyboard(Keyboard::numberPad);
-  proceedButton_->setTitle("PROCEED");
-  cancelButton_->setTitle("CANCEL");
   action("proceedAction", [this] { proceedAction(); });
   action("cancelAction", [this] { cancelAction(); });
   action("DoneClicked", [this] {
     log("Done Clicked.");
     codeField_->endEditing();
   });
-  proceedButton_->onTouchUpInside = [this] { performAction("proceedAction"); };
-  cancelButton_->onTouchUpInside = [this] { performAction("cancelAction"); };
 }
 
 void OXActivationCodeViewController::viewDidLoad() {
@@ -48,7 +38,7 @@ void OXActivationCodeViewController::proceedAction() {
   if (!session()) {
     return;
   }
-  indicator().show("Please wait...", ProgressMask::gradient);
+  OXUtil::indicator().show("Please wait...", ProgressMask::gradient);
   const auto screen = std::static_pointer_cast<OXActivationCodeViewController>(shared_from_this());
   requestInBackground<std::int32_t>(
       RequestQueue::globalBackground,
@@ -63,7 +53,7 @@ void OXActivationCodeViewController::proceedAction() {
 }
 
 void OXActivationCodeViewController::answered(std::int32_t status) {
-  indicator().dismiss();
+  OXUtil::indicator().dismiss();
   if (status == 1) {
     OXUtil::showAlertWithTitle("Warning", "Invalid activation code.");
     return;

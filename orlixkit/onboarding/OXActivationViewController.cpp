@@ -17,20 +17,16 @@ namespace {
 constexpr const char* kTermsSentence =
     "By clicking on proceed you accept the Orlix terms and conditions found <a href=''>here</a>";
 
-ProgressIndicator& indicator() { return Host::current().application().progressIndicator(); }
-
 }  // namespace
 
 OXActivationViewController::OXActivationViewController()
     : countryCodeField_(outlet<TextField>("countryCodeField")),
       msisdnField_(outlet<TextField>("msisdnField")),
       descriptionLabel_(outlet<Label>("descriptionLabel")),
-      proceedButton_(outlet<Button>("proceedButton")),
-      cancelButton_(outlet<Button>("cancelButton")) {
+      proceedButton_(button("proceedButton", "PROCEED", "proceedAction")),
+      cancelButton_(button("cancelButton", "CANCEL", "cancelAction")) {
   msisdnField_->setPlaceholder("Mobile number");
   msisdnField_->setKeyboard(Keyboard::phonePad);
-  proceedButton_->setTitle("PROCEED");
-  cancelButton_->setTitle("CANCEL");
   action("proceedAction", [this] { proceedAction(); });
   action("cancelAction", [this] { cancelAction(); });
   action("descriptionTapped", [this] { descriptionTapped(); });
@@ -38,8 +34,6 @@ OXActivationViewController::OXActivationViewController()
     log("Done Clicked.");
     msisdnField_->endEditing();
   });
-  proceedButton_->onTouchUpInside = [this] { performAction("proceedAction"); };
-  cancelButton_->onTouchUpInside = [this] { performAction("cancelAction"); };
   descriptionLabel_->onTap = [this] { performAction("descriptionTapped"); };
 }
 
@@ -134,7 +128,7 @@ void OXActivationViewController::sendMsisdn() {
 }
 
 void OXActivationViewController::ask(const std::string& msisdn) {
-  indicator().show("Please wait...", ProgressMask::gradient);
+  OXUtil::indicator().show("Please wait...", ProgressMask::gradient);
   requestInBackground<MTSmsResponse>(
       RequestQueue::globalBackground,
       [msisdn](KCVelloConnection& connection) {
@@ -142,13 +136,13 @@ void OXActivationViewController::ask(const std::string& msisdn) {
       },
       [screen = self()](const MTSmsResponse& response) { screen->answered(response); },
       [screen = self()] {
-        indicator().dismiss();
+        OXUtil::indicator().dismiss();
         OXUtil::showNetworkErrorRetryObject([screen] { screen->sendMsisdn(); });
       });
 }
 
 void OXActivationViewController::answered(const MTSmsResponse& response) {
-  indicator().dismiss();
+  OXUtil::indicator().dismiss();
   if (response.status != SmsResponseStatus::success) {
     OXUtil::showAlertWithTitle("Warning", "Could not send msisdn.");
     return;

@@ -5,14 +5,11 @@
 #include "orlixkit/checkout/WalletRequest.h"
 #include "orlixkit/onboarding/CardDates.h"
 #include "orlixkit/onboarding/ScreenSetUp.h"
-#include "orlixkit/platform/Host.h"
 #include "orlixkit/widgets/Characters.h"
 
 namespace orlix {
 
 namespace {
-
-ProgressIndicator& indicator() { return Host::current().application().progressIndicator(); }
 
 std::size_t lengthOf(std::string_view text) { return charactersOf(text).size(); }
 
@@ -30,8 +27,8 @@ OXAddCardViewController::OXAddCardViewController()
       cardAccountGroupView_(outlet<View>("cardAccountGroupView")),
       cardAccountLabel_(outlet<Label>("cardAccountLabel", cardAccountGroupView_)),
       cardAccountField_(outlet<TextField>("cardAccountField", cardAccountGroupView_)),
-      proceedButton_(outlet<Button>("proceedButton")),
-      cancelButton_(outlet<Button>("cancelButton")) {
+      proceedButton_(button("proceedButton", "PROCEED", "proceedAction")),
+      cancelButton_(button("cancelButton", "CANCEL", "cancelAction")) {
   cardNumberField_->setPlaceholder("Card number");
   cardHolderField_->setPlaceholder("Name on card");
   expiryDateLabel_->setText("Expiry date");
@@ -40,12 +37,8 @@ OXAddCardViewController::OXAddCardViewController()
   dateOfBirthField_->setPlaceholder("DD/MM/YYYY");
   cardAccountLabel_->setText("Account");
   cardAccountField_->setPlaceholder("Select an account");
-  proceedButton_->setTitle("PROCEED");
-  cancelButton_->setTitle("CANCEL");
   action("proceedAction", [this] { proceedAction(); });
   action("cancelAction", [this] { cancelAction(); });
-  proceedButton_->onTouchUpInside = [this] { performAction("proceedAction"); };
-  cancelButton_->onTouchUpInside = [this] { performAction("cancelAction"); };
 }
 
 std::shared_ptr<OXAddCardViewController> OXAddCardViewController::self() {
@@ -105,7 +98,7 @@ void OXAddCardViewController::checkCard() {
   if (!session()) {
     return;
   }
-  indicator().show("Loading...", ProgressMask::none, ProgressStyle::information);
+  OXUtil::indicator().show("Loading...", ProgressMask::none, ProgressStyle::information);
   requestInBackground<MTBinInfo>(
       RequestQueue::newOperationQueue,
       [number = cardNumber_](KCVelloConnection& connection) {
@@ -113,7 +106,7 @@ void OXAddCardViewController::checkCard() {
       },
       [screen = self()](const MTBinInfo& info) { screen->lookedUp(info); },
       [screen = self()] {
-        indicator().dismiss();
+        OXUtil::indicator().dismiss();
         if (!screen->wasLeft()) {
           OXUtil::showNetworkErrorRetryObject([screen] { screen->checkCard(); });
         }
@@ -124,11 +117,11 @@ void OXAddCardViewController::lookedUp(const MTBinInfo& info) {
   binInfo_ = info;
   if (wasLeft()) {
     // The user has thought better of it: a card must not be linked behind his back.
-    indicator().dismiss();
+    OXUtil::indicator().dismiss();
     return;
   }
   if (!binInfo_.cardSupported) {
-    indicator().dismiss();
+    OXUtil::indicator().dismiss();
     warn("This bank card is not supported");
     return;
   }
@@ -153,7 +146,7 @@ bool OXAddCardViewController::takeExpiryDate(CardInfoResponse& card) {
   }
   const std::optional<ExpiryDate> date = splitExpiryDate(expiryDate_);
   if (!date || !isValidExpiryDate(expiryDate_)) {
-    indicator().dismiss();
+    OXUtil::indicator().dismiss();
     warn("Invalid expiry date");
     return false;
   }
@@ -168,7 +161,7 @@ bool OXAddCardViewController::takeDateOfBirth(CardInfoResponse& card) {
   }
   const std::optional<std::string> formatted = dateOfBirthFromYear(dateOfBirth_, "");
   if (!formatted || !isValidDateOfBirth(dateOfBirth_)) {
-    indicator().dismiss();
+    OXUtil::indicator().dismiss();
     warn("Enter a valid date of birth DD/MM/YYYY");
     return false;
   }
@@ -184,11 +177,11 @@ bool OXAddCardViewController::takeAccount(CardInfoResponse& card) {
   if (cardAccountGroupView_->subviews().front()->hidden()) {
     // Without a word: the row that appears says it. The next proceed asks for all of it again.
     cardAccountGroupView_->setSubviewsHidden(false);
-    indicator().dismiss();
+    OXUtil::indicator().dismiss();
     return false;
   }
   if (cardAccountField_->text().empty()) {
-    indicator().dismiss();
+    OXUtil::indicator().dismiss();
     warn("Please select an account.");
     return false;
   }
@@ -205,7 +198,7 @@ void OXAddCardViewController::linkCard(const std::shared_ptr<CardInfoResponse>& 
       [card](KCVelloConnection& connection) { return connection.linkCard(*card); },
       [screen = self(), card](const MTCardResponse& response) { screen->answered(response, card); },
       [screen = self(), card] {
-        indicator().dismiss();
+        OXUtil::indicator().dismiss();
         OXUtil::showNetworkErrorRetryObject([screen, card] { screen->linkCard(card); });
       });
 }
@@ -213,20 +206,20 @@ void OXAddCardViewController::linkCard(const std::shared_ptr<CardInfoResponse>& 
 void OXAddCardViewController::answered(const MTCardResponse& response,
                                        const std::shared_ptr<CardInfoResponse>& card) {
   if (response.status == CardResponseStatus::success) {
-    indicator().dismiss();
+    OXUtil::indicator().dismiss();
     linked(response);
     return;
   }
   if (wasLeft()) {
     // A form that is gone has nothing to ask.
-    indicator().dismiss();
+    OXUtil::indicator().dismiss();
     return;
   }
   if (response.status == CardResponseStatus::failed) {
-    indicator().dismiss();
+    OXUtil::indicator().dismiss();
     warn("There seems to be some problem adding this card");
   } else if (response.status == CardResponseStatus::relink) {
-    indicator().dismiss();
+    OXUtil::indicator().dismiss();
     session()->cardInfoResponse = card;
     session()->showMsisdnRelinkScreen();
   }

@@ -8,31 +8,20 @@
 #include "orlixkit/checkout/WalletRequest.h"
 #include "orlixkit/onboarding/CardDates.h"
 #include "orlixkit/onboarding/ScreenSetUp.h"
-#include "orlixkit/platform/Host.h"
 
 namespace orlix {
-
-namespace {
-
-ProgressIndicator& indicator() { return Host::current().application().progressIndicator(); }
-
-}  // namespace
 
 OXCardValidationViewController::OXCardValidationViewController()
     : infoLabel_(outlet<Label>("infoLabel")),
       dobGroupView_(outlet<View>("dobGroupView")),
       dateOfBirthLabel_(outlet<Label>("dateOfBirthLabel", dobGroupView_)),
       dateOfBirthField_(outlet<FormattedTextField>("dateOfBirthField", dobGroupView_)),
-      proceedButton_(outlet<Button>("proceedButton")),
-      cancelButton_(outlet<Button>("cancelButton")) {
+      proceedButton_(button("proceedButton", "PROCEED", "proceedAction")),
+      cancelButton_(button("cancelButton", "CANCEL", "cancelAction")) {
   dateOfBirthLabel_->setText("Date of birth");
   dateOfBirthField_->setPlaceholder("DD/MM/YYYY");
-  proceedButton_->setTitle("PROCEED");
-  cancelButton_->setTitle("CANCEL");
   action("proceedAction", [this] { proceedAction(); });
   action("cancelAction", [this] { cancelAction(); });
-  proceedButton_->onTouchUpInside = [this] { performAction("proceedAction"); };
-  cancelButton_->onTouchUpInside = [this] { performAction("cancelAction"); };
 }
 
 void OXCardValidationViewController::viewDidLoad() {
@@ -69,7 +58,7 @@ void OXCardValidationViewController::unlockCardWithDateOfBirth(const std::string
   if (!session()) {
     return;
   }
-  indicator().show("Please wait...");
+  OXUtil::indicator().show("Please wait...");
   const auto screen = std::static_pointer_cast<OXCardValidationViewController>(shared_from_this());
   requestInBackground<MTCardValidateResponse>(
       RequestQueue::globalBackground,
@@ -78,14 +67,14 @@ void OXCardValidationViewController::unlockCardWithDateOfBirth(const std::string
       },
       [screen](const MTCardValidateResponse& response) { screen->answered(response); },
       [screen, dateOfBirth] {
-        indicator().dismiss();
+        OXUtil::indicator().dismiss();
         OXUtil::showNetworkErrorRetryObject(
             [screen, dateOfBirth] { screen->unlockCardWithDateOfBirth(dateOfBirth); });
       });
 }
 
 void OXCardValidationViewController::answered(const MTCardValidateResponse& response) {
-  indicator().dismiss();
+  OXUtil::indicator().dismiss();
   // The sentence alone decides, to the letter: the server has no other sign of success.
   if (response.message == "Your card has been added") {
     OXOrlix::loadCodeInfo(nullptr);

@@ -6,28 +6,17 @@
 #include "orlixkit/checkout/OXUtil.h"
 #include "orlixkit/checkout/WalletRequest.h"
 #include "orlixkit/onboarding/ScreenSetUp.h"
-#include "orlixkit/platform/Host.h"
 #include "orlixkit/platform/ui/AlertController.h"
 
 namespace orlix {
 
-namespace {
-
-ProgressIndicator& indicator() { return Host::current().application().progressIndicator(); }
-
-}  // namespace
-
 OXCardsViewController::OXCardsViewController()
     : tableView_(outlet<TableView>("tableView")),
-      addCardButton_(outlet<Button>("addCardButton")),
-      cancelButton_(outlet<Button>("cancelButton")) {
+      addCardButton_(button("addCardButton", "ADD CARD", "addCardAction")),
+      cancelButton_(button("cancelButton", "CANCEL", "cancelAction")) {
   tableView_->setDataSource(this);
-  addCardButton_->setTitle("ADD CARD");
-  cancelButton_->setTitle("CANCEL");
   action("addCardAction", [this] { addCardAction(); });
   action("cancelAction", [this] { showScreen(); });
-  addCardButton_->onTouchUpInside = [this] { performAction("addCardAction"); };
-  cancelButton_->onTouchUpInside = [this] { performAction("cancelAction"); };
 }
 
 OXCardsViewController::~OXCardsViewController() { tableView_->setDataSource(nullptr); }
@@ -113,7 +102,7 @@ void OXCardsViewController::deleteCard(const CardOption& card) {
   if (!session()) {
     return;
   }
-  indicator().show("Please wait...");
+  OXUtil::indicator().show("Please wait...");
   requestInBackground<MTCardResponse>(
       RequestQueue::newOperationQueue,
       [cardId = card.cardId](KCVelloConnection& connection) {
@@ -121,7 +110,7 @@ void OXCardsViewController::deleteCard(const CardOption& card) {
       },
       [screen = self()](const MTCardResponse&) {
         // Whatever the answer says: the reloaded list shows the truth.
-        indicator().dismiss();
+        OXUtil::indicator().dismiss();
         OXOrlix::loadCodeInfo(nullptr);
         screen->tableView_->reloadData();
       },

@@ -4,30 +4,19 @@
 #include "orlixkit/checkout/OXUtil.h"
 #include "orlixkit/checkout/WalletRequest.h"
 #include "orlixkit/onboarding/ScreenSetUp.h"
-#include "orlixkit/platform/Host.h"
 
 namespace orlix {
-
-namespace {
-
-ProgressIndicator& indicator() { return Host::current().application().progressIndicator(); }
-
-}  // namespace
 
 OXMsisdnRelinkViewController::OXMsisdnRelinkViewController()
     : infoLabel_(outlet<Label>("infoLabel")),
       msisdnField_(outlet<TextField>("msisdnField")),
-      proceedButton_(outlet<Button>("proceedButton")),
-      backButton_(outlet<Button>("backButton")) {
+      proceedButton_(button("proceedButton", "PROCEED", "proceedAction")),
+      backButton_(button("backButton", "BACK", "back")) {
   infoLabel_->setText("Please confirm the mobile number that is linked to this card.");
   msisdnField_->setPlaceholder("Mobile number");
   msisdnField_->setKeyboard(Keyboard::phonePad);
-  proceedButton_->setTitle("PROCEED");
-  backButton_->setTitle("BACK");
   action("proceedAction", [this] { proceedAction(); });
   action("back", [this] { back(); });
-  proceedButton_->onTouchUpInside = [this] { performAction("proceedAction"); };
-  backButton_->onTouchUpInside = [this] { performAction("back"); };
 }
 
 void OXMsisdnRelinkViewController::viewDidLoad() {
@@ -44,7 +33,7 @@ void OXMsisdnRelinkViewController::proceedAction() {
     current->cardInfoResponse = std::make_shared<CardInfoResponse>();
   }
   current->cardInfoResponse->linkedMsisdn = msisdnField_->text();
-  indicator().show("Please wait...");
+  OXUtil::indicator().show("Please wait...");
   const auto screen = std::static_pointer_cast<OXMsisdnRelinkViewController>(shared_from_this());
   requestInBackground<MTCardResponse>(
       RequestQueue::globalBackground,
@@ -54,13 +43,13 @@ void OXMsisdnRelinkViewController::proceedAction() {
       },
       [screen](const MTCardResponse& response) { screen->answered(response); },
       [screen] {
-        indicator().dismiss();
+        OXUtil::indicator().dismiss();
         OXUtil::showNetworkErrorRetryObject([screen] { screen->proceedAction(); });
       });
 }
 
 void OXMsisdnRelinkViewController::answered(const MTCardResponse& response) {
-  indicator().dismiss();
+  OXUtil::indicator().dismiss();
   switch (response.status) {
     case CardResponseStatus::success:
       linked(response);

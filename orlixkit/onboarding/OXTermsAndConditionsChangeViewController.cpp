@@ -19,15 +19,11 @@ constexpr const char* kTermsSentence =
 
 OXTermsAndConditionsChangeViewController::OXTermsAndConditionsChangeViewController()
     : descriptionLabel_(outlet<Label>("descriptionLabel")),
-      proceedButton_(outlet<Button>("proceedButton")),
-      declineButton_(outlet<Button>("declineButton")) {
-  proceedButton_->setTitle("PROCEED");
-  declineButton_->setTitle("DECLINE");
+      proceedButton_(button("proceedButton", "PROCEED", "proceedAction")),
+      declineButton_(button("declineButton", "DECLINE", "declineAction")) {
   action("proceedAction", [this] { proceedAction(); });
   action("declineAction", [this] { declineAction(); });
   action("descriptionTapped", [this] { descriptionTapped(); });
-  proceedButton_->onTouchUpInside = [this] { performAction("proceedAction"); };
-  declineButton_->onTouchUpInside = [this] { performAction("declineAction"); };
   descriptionLabel_->onTap = [this] { performAction("descriptionTapped"); };
 }
 

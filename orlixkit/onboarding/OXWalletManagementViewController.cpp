@@ -12,12 +12,10 @@ OXWalletManagementViewController::OXWalletManagementViewController()
     : cardView_(outlet<View>("cardView")),
       cardImageView_(outlet<ImageView>("cardImageView", cardView_)),
       cardHintView_(outlet<Label>("cardHintView", cardView_)),
-      doneButton_(outlet<Button>("doneButton")) {
-  doneButton_->setTitle("DONE");
+      doneButton_(button("doneButton", "DONE", "DoneClicked")) {
   action("cardAction", [this] { cardAction(); });
   action("DoneClicked", [this] { DoneClicked(); });
   cardView_->onTap = [this] { performAction("cardAction"); };
-  doneButton_->onTouchUpInside = [this] { performAction("DoneClicked"); };
 }
 
 void OXWalletManagementViewController::viewDidLoad() {

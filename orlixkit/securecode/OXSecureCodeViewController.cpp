@@ -10,19 +10,11 @@
 
 namespace orlix {
 
-namespace {
-
-ProgressIndicator& indicator() { return Host::current().application().progressIndicator(); }
-
-}  // namespace
-
 OXSecureCodeViewController::OXSecureCodeViewController()
     : secureCodewebView_(outlet<WebPageView>("secureCodewebView")),
-      cancelButton_(outlet<Button>("cancelButton")) {
-  cancelButton_->setTitle("CANCEL");
+      cancelButton_(button("cancelButton", "CANCEL", "cancelButton")) {
   action("cancelButton", [this] { cancelTransaction(); });
   action("cancelAction", [this] { cancelTransaction(); });
-  cancelButton_->onTouchUpInside = [this] { performAction("cancelButton"); };
 }
 
 std::shared_ptr<OXSecureCodeViewController> OXSecureCodeViewController::self() {
@@ -36,7 +28,7 @@ void OXSecureCodeViewController::viewDidLoad() {
 
 void OXSecureCodeViewController::viewDidAppear() {
   if (!settled_) {
-    indicator().show("Please wait");
+    OXUtil::indicator().show("Please wait");
   }
   OrlixViewController::viewDidAppear();
   appeared_ = true;
@@ -53,7 +45,7 @@ void OXSecureCodeViewController::addWebView() {
 }
 
 void OXSecureCodeViewController::offerRetry(void (OXSecureCodeViewController::*step)()) {
-  indicator().dismiss();
+  OXUtil::indicator().dismiss();
   OXUtil::showNetworkErrorRetryObject([screen = self(), step] { ((*screen).*step)(); },
                                       [screen = self()] { screen->cancelTransaction(); });
 }
@@ -90,7 +82,7 @@ void OXSecureCodeViewController::secureCodeInfoLoaded() {
     return;
   }
   if (!secureCodeInfo_->cardSupported) {
-    indicator().dismiss();
+    OXUtil::indicator().dismiss();
     session()->returnError(6);
     return;
   }
@@ -120,7 +112,7 @@ void OXSecureCodeViewController::didFinishNavigation() {
     return;
   }
   const unsigned thisLoad = ++navigations_;
-  indicator().dismiss();
+  OXUtil::indicator().dismiss();
   const std::optional<std::string> markup = stringByEvaluatingJavaScriptFromString(
       "document.documentElement.outerHTML", secureCodewebView_->page());
   // Meanwhile another page may have finished, and been read by a call of its own, or the user may
@@ -130,7 +122,7 @@ void OXSecureCodeViewController::didFinishNavigation() {
     return;
   }
   returned_ = true;
-  indicator().show("Please wait");
+  OXUtil::indicator().show("Please wait");
   paRes_ = IssuerPage::parsePaRes(*markup);
   log(paRes_);
   makePayment();
@@ -200,7 +192,7 @@ void OXSecureCodeViewController::makePayment() {
       [screen = self()](MTPinResponse response) {
         screen->pinResponse_ = std::move(response);
         if (screen->pinResponse_.status != PinResponseStatus::success) {
-          indicator().dismiss();
+          OXUtil::indicator().dismiss();
           screen->session()->returnError(2);
           return;
         }
@@ -214,7 +206,7 @@ void OXSecureCodeViewController::pollForReceipt() {
   ends.answered = [screen = self()](const MTReceipt& receipt) { screen->receiptArrived(receipt); };
   // The time-out reports nothing: whether the payment went through is not known, and the user
   // leaves by cancel.
-  ends.timedOut = [] { indicator().dismiss(); };
+  ends.timedOut = [] { OXUtil::indicator().dismiss(); };
   ends.failed = [screen = self()] {
     screen->offerRetry(&OXSecureCodeViewController::pollForReceipt);
   };
@@ -222,7 +214,7 @@ void OXSecureCodeViewController::pollForReceipt() {
 }
 
 void OXSecureCodeViewController::receiptArrived(const MTReceipt& receipt) {
-  indicator().dismiss();
+  OXUtil::indicator().dismiss();
   const std::string reference = std::to_string(pinResponse_.transactionId);
   if (receipt.status == "SUCCESS") {
     succeeded(reference);
@@ -256,7 +248,7 @@ void OXSecureCodeViewController::cancelTransaction() {
   if (settled_ || !session()) {
     return;
   }
-  indicator().dismiss();
+  OXUtil::indicator().dismiss();
   if (secureCodewebView_->page()) {
     secureCodewebView_->page()->stopLoading();
   }
