@@ -37,6 +37,10 @@ class ShopCounter : public QObject {
   QStringList messages() const { return messages_; }
   void addMessage(const QString& text);
 
+  /// The wallet has gone from the screen, and whoever was to hear of it has. A few flows end without an
+  /// outcome.
+  void leftAlone();
+
   Q_INVOKABLE void pay(int article);
   Q_INVOKABLE void registerUser();
   Q_INVOKABLE void openWallet();
