@@ -79,6 +79,8 @@ WebEngineView {
       request.dialogReject()
     }
   }
+  // What a page says to itself may hold anything: it reaches no log.
+  onJavaScriptConsoleMessage: function() {}
   onQuotaRequested: function(request) { request.reject() }
   onRegisterProtocolHandlerRequested: function(request) { request.reject() }
   onSelectClientCertificate: function(selection) { selection.selectNone() }
