@@ -13,6 +13,9 @@ namespace orlix {
 
 namespace {
 
+/// How long the I/O thread leaves a new exchange to its starter, who mostly waits for it himself.
+constexpr std::chrono::milliseconds startersTime{1};
+
 CURLM* makeMulti() {
   initialiseCurl();
   CURLM* multi = curl_multi_init();
@@ -40,7 +43,7 @@ void CurlLoop::admit(const std::shared_ptr<CurlExchange>& exchange) {
       }
       if (driven_) {
         curl_multi_wakeup(multi_.get());
-      } else {
+      } else if (!watching_) {
         changed_.notify_all();
       }
       return;
@@ -86,6 +89,7 @@ bool CurlLoop::isClosed() {
 
 void CurlLoop::beginDriving(OwnTasks* ownTasks) {
   driven_ = true;
+  left_ = false;
   driver_ = std::this_thread::get_id();
   ownTasks_ = ownTasks;
 }
@@ -94,7 +98,14 @@ void CurlLoop::endDriving() {
   driven_ = false;
   driver_ = {};
   ownTasks_ = nullptr;
+  left_ = !starters_.empty();
   changed_.notify_all();
+}
+
+void CurlLoop::watch(Lock& lock) {
+  watching_ = true;
+  changed_.wait_for(lock, startersTime, [this] { return closed_ || left_; });
+  watching_ = false;
 }
 
 void CurlLoop::run() {
@@ -103,6 +114,12 @@ void CurlLoop::run() {
     if (driven_ || starters_.empty()) {
       changed_.wait(lock);
       continue;
+    }
+    if (!left_) {
+      watch(lock);
+      if (closed_ || driven_ || starters_.empty()) {
+        continue;
+      }
     }
     beginDriving(nullptr);
     while (!closed_ && !starters_.empty()) {
@@ -143,6 +160,7 @@ void CurlLoop::workUntil(const std::function<bool()>& done, SteadyTime deadline)
       // A callback may block, or wait for another exchange: meanwhile others may drive.
       const bool others = starters_.size() > starters_.count(self);
       if (others || closed_) {
+        left_ = others;
         changed_.notify_all();
       }
       lock.unlock();

@@ -71,6 +71,7 @@ class CurlLoop : public WaitingWork {
   void run();
   void beginDriving(OwnTasks* ownTasks);
   void endDriving();
+  void watch(Lock& lock);
   bool isClosed();
 
   void step();
@@ -95,6 +96,8 @@ class CurlLoop : public WaitingWork {
   bool closed_ = false;
   bool emptied_ = false;  // closed, and nothing is left
   bool driven_ = false;
+  bool watching_ = false;  // the I/O thread looks at the exchanges again by itself
+  bool left_ = false;      // a driver has gone and left exchanges to whoever is there
   std::thread::id driver_;
   OwnTasks* ownTasks_ = nullptr;
   std::thread thread_;

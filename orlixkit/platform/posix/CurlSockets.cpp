@@ -30,7 +30,7 @@ curl_socket_t CurlSockets::open(const curl_sockaddr& address) {
   const curl_socket_t made =
       ::socket(address.family, address.socktype | SOCK_CLOEXEC, address.protocol);
   if (made != CURL_SOCKET_BAD) {
-    sockets_.insert(made);
+    sockets_[made] = {};
   }
   return made;
 }
@@ -40,13 +40,16 @@ int CurlSockets::onClose(void* self, curl_socket_t socket) {
   return ::close(socket);
 }
 
-bool CurlSockets::isIdle(int localPort, int serverPort) const {
-  const auto found = std::find_if(sockets_.begin(), sockets_.end(), [&](curl_socket_t socket) {
-    return portOf(socket, ::getsockname) == localPort &&
-           portOf(socket, ::getpeername) == serverPort;
+bool CurlSockets::isIdle(int localPort, int serverPort) {
+  const auto found = std::find_if(sockets_.begin(), sockets_.end(), [&](auto& entry) {
+    auto& [socket, ports] = entry;
+    if (ports.server == 0) {
+      ports = {portOf(socket, ::getsockname), portOf(socket, ::getpeername)};
+    }
+    return ports.local == localPort && ports.server == serverPort;
   });
   char byte = 0;
-  return found != sockets_.end() && ::recv(*found, &byte, 1, MSG_PEEK | MSG_DONTWAIT) < 0 &&
+  return found != sockets_.end() && ::recv(found->first, &byte, 1, MSG_PEEK | MSG_DONTWAIT) < 0 &&
          (errno == EAGAIN || errno == EWOULDBLOCK);
 }
 

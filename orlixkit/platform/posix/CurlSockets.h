@@ -1,6 +1,6 @@
 #pragma once
 
-#include <set>
+#include <map>
 
 #include <curl/curl.h>
 
@@ -16,10 +16,15 @@ class CurlSockets {
 
   /// Whether the connection between these ports is open and has brought nothing that waits to be
   /// read: before a request there is nothing to come but the server's closing words.
-  bool isIdle(int localPort, int serverPort) const;
+  bool isIdle(int localPort, int serverPort);
 
  private:
-  std::set<curl_socket_t> sockets_;
+  /// Zero until somebody has asked for them once the socket was connected.
+  struct Ports {
+    int local = 0;
+    int server = 0;
+  };
+  std::map<curl_socket_t, Ports> sockets_;
 };
 
 }  // namespace orlix
