@@ -54,42 +54,6 @@ TYPED_TEST_P(ClockContract, ASleepAndAWaitLastAtLeastAsLongAsAskedOnBothScales) 
   }
 }
 
-TYPED_TEST_P(ClockContract, ASignalWakesEveryWaiterWithTheLockHeldOrNot) {
-  const SteadyTime deadline = this->clock.steadyNow() + std::chrono::seconds(60);
-  for (const bool lockHeld : {true, false}) {
-    constexpr int waiters = 3;
-    int waiting = 0;
-    bool open = false;
-    int through = 0;
-    for (int i = 0; i < waiters; ++i) {
-      this->queues.global(QualityOfService::high, [&, this] {
-        this->condition->lock();
-        ++waiting;
-        this->condition->signal();
-        while (!open && this->condition->waitUntil(deadline)) {
-        }
-        this->condition->unlock();
-        this->mainQueue.async([&through] { ++through; });
-      });
-    }
-    this->inBackground([&, this] {
-      this->condition->lock();
-      while (waiting < waiters && this->condition->waitUntil(deadline)) {
-      }
-      open = true;
-      if (lockHeld) {
-        this->condition->signal();
-      }
-      this->condition->unlock();
-      if (!lockHeld) {
-        this->condition->signal();
-      }
-    });
-    this->mainQueue.runUntil([&] { return through == waiters; });
-    EXPECT_LT(this->clock.steadyNow(), deadline);
-  }
-}
-
 TYPED_TEST_P(ClockContract, NothingWaitsAfterTheShutdown) {
   this->queues.close();
   const SteadyTime before = this->clock.steadyNow();
@@ -105,7 +69,6 @@ TYPED_TEST_P(ClockContract, NothingWaitsAfterTheShutdown) {
 }
 
 REGISTER_TYPED_TEST_SUITE_P(ClockContract, ASleepAndAWaitLastAtLeastAsLongAsAskedOnBothScales,
-                            ASignalWakesEveryWaiterWithTheLockHeldOrNot,
                             NothingWaitsAfterTheShutdown);
 
 }  // namespace orlix

@@ -102,32 +102,6 @@ TEST_F(CurlExchangeTest, ReadsEveryFormOfAnswerAndRefusesWhatIsNone) {
   }
 }
 
-TEST_F(CurlExchangeTest, OnlyTheContentTypeFollowsToAnotherHostAndTheTokensStayOutForGood) {
-  std::mutex lock;
-  std::vector<SeenRequest> seen;
-  std::map<std::string, std::string> next;
-  TlsServer server(serverIdentity(), [&](TlsConnection& connection) {
-    while (const std::optional<SeenRequest> request = connection.read()) {
-      const std::lock_guard guard(lock);
-      seen.push_back(*request);
-      const std::string target = next[request->path];
-      connection.write(target.empty() ? httpAnswer(200, "", "ok")
-                                      : httpAnswer(307, "Location: " + target + "\r\n", "moved"));
-    }
-  });
-  next["/start"] = server.address("/foreign", "localhost");
-  next["/foreign"] = server.address("/end");
-  EXPECT_EQ(exchange(post(server.address("/start"), "{\"a\": 1}")),
-            (Events{"response 307", "response 307", "response 200", "data", "finish"}));
-  ASSERT_EQ(seen.size(), 3u);
-  EXPECT_TRUE(seen[0].field("x-session-token1"));
-  for (const std::size_t later : {1u, 2u}) {
-    EXPECT_FALSE(seen[later].field("x-session-token1")) << later;
-    EXPECT_TRUE(seen[later].field("Content-Type")) << later;
-    EXPECT_EQ(seen[later].body, "{\"a\": 1}") << "a 307 keeps the body";
-  }
-}
-
 TEST_F(CurlExchangeTest, ARedirectsTargetMayBeRelativeAndMayNotBringAUser) {
   for (const auto& [location, path] : {std::pair{"end?x=1", "/a/end?x=1"},
                                        {"/end", "/end"},
@@ -147,20 +121,6 @@ TEST_F(CurlExchangeTest, ARedirectsTargetMayBeRelativeAndMayNotBringAUser) {
     EXPECT_EQ(exchange(post(server.address("/a/start"))).back(), *path != '\0' ? "finish" : "fail");
     EXPECT_EQ(last, path);
   }
-}
-
-TEST_F(CurlExchangeTest, ACancelHangsUpAtOnce) {
-  TlsServer server(serverIdentity(), silentAfter("HTTP/1.1 200 OK\r\nContent-Length: 9\r\n\r\n"));
-  bool answered = false;
-  delegate = newDelegate();
-  delegate->onResponse = [&] { platform.mainQueue().async([&answered] { answered = true; }); };
-  const auto connection = start(post(server.address("/")), delegate);
-  platform.mainQueue().runUntil([&answered] { return answered; });
-  EXPECT_LT(timed([&] {
-              connection->cancel();
-              server.awaitEnded(1);
-            }),
-            promptly);
 }
 
 /// Decides only when it is let.

@@ -50,6 +50,7 @@ struct MemoryPlatform {
     return all;
   }
   std::string address(const std::string& path) { return "https://server.example" + path; }
+  std::string foreign(const std::string& path) { return "https://elsewhere.example" + path; }
 };
 
 }  // namespace

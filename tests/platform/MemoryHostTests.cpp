@@ -13,6 +13,16 @@ namespace {
 
 using namespace std::chrono_literals;
 
+std::shared_ptr<UrlConnection> pay(MemoryHost& host, std::shared_ptr<UrlConnectionDelegate> to) {
+  UrlRequest request;
+  request.url = "https://server.example/vello/pay";
+  request.method = "POST";
+  auto connection = host.connections().newConnection(request, std::move(to));
+  connection->setDelegateQueue(host.backgroundQueues().newOperationQueue());
+  connection->start();
+  return connection;
+}
+
 /// Why the user cannot do it; empty when it was done.
 std::string obstacle(const Task& touch) {
   try {
@@ -74,6 +84,35 @@ TEST(MemoryHost, AUserReachesWhatTheTopScreenShowsAndNothingElse) {
   }
 }
 
+TEST(MemoryHost, AServersAnswerComesInTimeAndEachByteStartsTheTimeOutAnew) {
+  const struct {
+    ServerReply reply;
+    Events events;
+    int seconds;
+  } rows[] = {
+      {ServerReply().after(3s).status(200).body("a").after(2s).body("b"),
+       {"response 200", "data", "finish"},
+       5},
+      {ServerReply().silence(), {"fail"}, 60},
+      {ServerReply().after(5s).status(200).silence(), {"response 200", "fail"}, 65},
+      {ServerReply().after(50s).status(200).after(50s).body("a").after(60s).body("b"),
+       {"response 200", "data", "finish"},
+       160},
+      {ServerReply().after(50s).after(50s).status(200), {"fail"}, 60},
+  };
+  for (const auto& row : rows) {
+    MemoryHost host;
+    host.connections().on("/vello", row.reply);
+    const auto delegate = std::make_shared<RecordingDelegate>(host.mainQueue());
+    const SteadyTime start = host.clock().steadyNow();
+    const auto connection = pay(host, delegate);
+    delegate->await();
+    EXPECT_EQ(delegate->events, row.events);
+    EXPECT_EQ((host.clock().steadyNow() - start) / 1s, row.seconds);
+    EXPECT_EQ(host.connections().underWay(), 0u);
+  }
+}
+
 TEST(MemoryHost, EndsInTheMiddleOfEverythingAndCallsNobodyBack) {
   std::vector<std::string> calls;
   std::weak_ptr<RecordingDelegate> delegate;
@@ -84,11 +123,7 @@ TEST(MemoryHost, EndsInTheMiddleOfEverythingAndCallsNobodyBack) {
     const auto made = std::make_shared<RecordingDelegate>(host.mainQueue());
     delegate = made;
     made->onResponse = [&] { calls.emplace_back("response"); };
-    UrlRequest request;
-    request.url = "https://server.example/";
-    const auto connection = host.connections().newConnection(request, made);
-    connection->setDelegateQueue(host.backgroundQueues().newOperationQueue());
-    connection->start();
+    const auto connection = pay(host, made);
     const auto view = host.webViews().newWebView();
     page = host.webViews().last();
     host.runUntil([&] { return !calls.empty(); });

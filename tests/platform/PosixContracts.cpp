@@ -36,6 +36,7 @@ class CurlPlatform : public PosixPlatform {
     return seen_;
   }
   std::string address(const std::string& path) { return server_.address(path); }
+  std::string foreign(const std::string& path) { return server_.address(path, "localhost"); }
 
  private:
   void serve(TlsConnection& connection) {

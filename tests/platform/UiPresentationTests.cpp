@@ -30,9 +30,9 @@ class DiaryScreen : public ViewController {
 };
 
 /// A host with an observer that writes down who has come and gone.
-class UiStage : private UiObserver {
- public:
-  UiStage() { host.application().setObserver(this); }
+class Presentation : public testing::Test, private UiObserver {
+ protected:
+  Presentation() { host.application().setObserver(this); }
 
   std::shared_ptr<DiaryScreen> screen(const std::string& name) {
     return std::make_shared<DiaryScreen>(name, diary);
@@ -47,6 +47,7 @@ class UiStage : private UiObserver {
     return entries;
   }
   ViewController& root() { return *host.root(); }
+
   Diary diary;
   MemoryHost host;
 
@@ -63,61 +64,58 @@ class UiStage : private UiObserver {
   }
 };
 
-TEST(Presentation, AppearsAfterItsPresenterHasReturnedUnlessItIsACut) {
-  UiStage stage;
-  stage.root().present(stage.screen("A"), true, stage.note("completed"));
-  EXPECT_EQ(stage.read(), (Diary{"A loaded", "A will appear"}));
-  EXPECT_FALSE(stage.host.topController()->hasAppeared());
-  stage.host.runUntilIdle();
-  EXPECT_EQ(stage.read(), (Diary{"A appeared", "A presented", "completed"}));
-  EXPECT_TRUE(stage.host.topController()->hasAppeared());
-  stage.root().dismiss(false, stage.note("removed"));
-  EXPECT_EQ(stage.read(), (Diary{"A will disappear", "A gone", "removed"}));
-  stage.root().present(stage.screen("A"), false, stage.note("shown"));
-  EXPECT_EQ(stage.read(),
-            (Diary{"A loaded", "A will appear", "A appeared", "A presented", "shown"}));
-  stage.root().dismiss(false);
-  stage.read();
-  stage.root().dismiss(true, stage.note("nothing there"));
-  EXPECT_EQ(stage.read(), (Diary{"nothing there"}));
+using Dismissal = Presentation;
+
+TEST_F(Presentation, AppearsAfterItsPresenterHasReturnedUnlessItIsACut) {
+  root().present(screen("A"), true, note("completed"));
+  EXPECT_EQ(read(), (Diary{"A loaded", "A will appear"}));
+  EXPECT_FALSE(host.topController()->hasAppeared());
+  host.runUntilIdle();
+  EXPECT_EQ(read(), (Diary{"A appeared", "A presented", "completed"}));
+  EXPECT_TRUE(host.topController()->hasAppeared());
+  root().dismiss(false, note("removed"));
+  EXPECT_EQ(read(), (Diary{"A will disappear", "A gone", "removed"}));
+  root().present(screen("A"), false, note("shown"));
+  EXPECT_EQ(read(), (Diary{"A loaded", "A will appear", "A appeared", "A presented", "shown"}));
+  root().dismiss(false);
+  read();
+  root().dismiss(true, note("nothing there"));
+  EXPECT_EQ(read(), (Diary{"nothing there"}));
 }
 
-TEST(Dismissal, TakesTheWholeStackFromTheTopDownAndFinishesWhatIsUnderWay) {
-  UiStage stage;
-  const auto a = stage.screen("A");
-  const auto b = stage.screen("B");
-  stage.root().present(a, false);
-  a->present(b, true, stage.note("B was presented"));
+TEST_F(Dismissal, TakesTheWholeStackFromTheTopDownAndFinishesWhatIsUnderWay) {
+  const auto a = screen("A");
+  const auto b = screen("B");
+  root().present(a, false);
+  a->present(b, true, note("B was presented"));
   b->present(std::make_shared<AlertController>("Warning", ""), false);
-  stage.read();
-  stage.root().dismiss(true, [] { throw std::runtime_error("the first broke"); });
-  stage.root().dismiss(true, stage.note("done"));
-  stage.host.runUntilIdle();
-  EXPECT_EQ(stage.read(),
-            (Diary{"B appeared", "B presented", "B was presented", "B will disappear",
-                   "A will disappear", "alert Warning gone", "B gone", "A gone", "done"}));
-  EXPECT_TRUE(stage.host.log().contains("the first broke"));
+  read();
+  root().dismiss(true, [] { throw std::runtime_error("the first broke"); });
+  root().dismiss(true, note("done"));
+  host.runUntilIdle();
+  EXPECT_EQ(read(), (Diary{"B appeared", "B presented", "B was presented", "B will disappear",
+                           "A will disappear", "alert Warning gone", "B gone", "A gone", "done"}));
+  EXPECT_TRUE(host.log().contains("the first broke"));
   EXPECT_FALSE(b->isBeingDismissed() || b->hasAppeared());
   EXPECT_EQ(b->presentingViewController(), nullptr);
   EXPECT_EQ(a->presentedViewController(), nullptr);
 }
 
-TEST(Presentation, IsRefusedWithALogLineWhereItHasNoPlace) {
-  UiStage stage;
-  const auto a = stage.screen("A");
-  const auto b = stage.screen("B");
-  stage.root().present(a, false);
+TEST_F(Presentation, IsRefusedWithALogLineWhereItHasNoPlace) {
+  const auto a = screen("A");
+  const auto b = screen("B");
+  root().present(a, false);
   a->present(b, false);
-  stage.read();
-  stage.root().present(stage.screen("C"), true, stage.note("completed"));
+  read();
+  root().present(screen("C"), true, note("completed"));
   b->present(a, true);
   b->present(b, true);
-  b->present(stage.host.root(), true);
+  b->present(host.root(), true);
   a->dismiss(true);
-  b->present(stage.screen("C"), true);
-  stage.host.runUntilIdle();
-  EXPECT_EQ(stage.read(), (Diary{"B will disappear", "B gone"}));
-  EXPECT_EQ(stage.host.log().lines(),
+  b->present(screen("C"), true);
+  host.runUntilIdle();
+  EXPECT_EQ(read(), (Diary{"B will disappear", "B gone"}));
+  EXPECT_EQ(host.log().lines(),
             (std::vector<std::string>{"Attempt to present C on , which presents A already",
                                       "Attempt to present A on B, but it is shown already",
                                       "Attempt to present B on B, but it is shown already",
@@ -125,113 +123,104 @@ TEST(Presentation, IsRefusedWithALogLineWhereItHasNoPlace) {
                                       "Attempt to present C on B, which is on its way out"}));
 }
 
-TEST(Presentation, WaitsWhileItsPlaceIsBeingLeft) {
-  UiStage stage;
-  stage.root().present(stage.screen("A"), false);
-  stage.root().dismiss(true, stage.note("A was dismissed"));
-  stage.read();
-  stage.root().present(stage.screen("B"), false, stage.note("B was presented"));
-  EXPECT_TRUE(stage.read().empty());
-  stage.host.runUntilIdle();
-  EXPECT_EQ(stage.read(), (Diary{"A gone", "A was dismissed", "B loaded", "B will appear",
-                                 "B appeared", "B presented", "B was presented"}));
+TEST_F(Presentation, WaitsWhileItsPlaceIsBeingLeft) {
+  root().present(screen("A"), false);
+  root().dismiss(true, note("A was dismissed"));
+  read();
+  root().present(screen("B"), false, note("B was presented"));
+  EXPECT_TRUE(read().empty());
+  host.runUntilIdle();
+  EXPECT_EQ(read(), (Diary{"A gone", "A was dismissed", "B loaded", "B will appear", "B appeared",
+                           "B presented", "B was presented"}));
 }
 
-TEST(Dismissal, JoinsTheOneUnderWayAndACutEndsItAtOnce) {
-  UiStage stage;
-  const auto a = stage.screen("A");
-  stage.root().present(a, false);
-  stage.read();
-  stage.root().dismiss(true, stage.note("first"));
-  stage.root().dismiss(true, stage.note("second"));
-  EXPECT_EQ(stage.read(), (Diary{"A will disappear"}));
-  stage.root().dismiss(false, stage.note("cut"));
-  EXPECT_EQ(stage.read(), (Diary{"A gone", "first", "second", "cut"}));
-  stage.root().present(a, false);
-  stage.read();
-  stage.host.runUntilIdle();
-  EXPECT_TRUE(stage.read().empty()) << "the overtaken animation ends without effect";
-  EXPECT_EQ(stage.host.topController(), a);
+TEST_F(Dismissal, JoinsTheOneUnderWayAndACutEndsItAtOnce) {
+  const auto a = screen("A");
+  root().present(a, false);
+  read();
+  root().dismiss(true, note("first"));
+  root().dismiss(true, note("second"));
+  EXPECT_EQ(read(), (Diary{"A will disappear"}));
+  root().dismiss(false, note("cut"));
+  EXPECT_EQ(read(), (Diary{"A gone", "first", "second", "cut"}));
+  root().present(a, false);
+  read();
+  host.runUntilIdle();
+  EXPECT_TRUE(read().empty()) << "the overtaken animation ends without effect";
+  EXPECT_EQ(host.topController(), a);
 }
 
-TEST(Dismissal, OfAPresenterLeavesNoRoomForWhatWaitsToStandOnIt) {
-  UiStage stage;
-  const auto a = stage.screen("A");
-  stage.root().present(a, false);
-  a->present(stage.screen("B"), false);
-  a->dismiss(true, stage.note("B was dismissed"));
-  a->present(stage.screen("C"), false);
-  stage.read();
-  stage.root().dismiss(false, stage.note("A was dismissed"));
-  stage.host.runUntilIdle();
-  EXPECT_EQ(stage.read(),
+TEST_F(Dismissal, OfAPresenterLeavesNoRoomForWhatWaitsToStandOnIt) {
+  const auto a = screen("A");
+  root().present(a, false);
+  a->present(screen("B"), false);
+  a->dismiss(true, note("B was dismissed"));
+  a->present(screen("C"), false);
+  read();
+  root().dismiss(false, note("A was dismissed"));
+  host.runUntilIdle();
+  EXPECT_EQ(read(),
             (Diary{"A will disappear", "B gone", "A gone", "B was dismissed", "A was dismissed"}));
 }
 
-TEST(Dismissal, MayBeCutShortByWhoIsToldOfIt) {
-  UiStage stage;
-  stage.root().present(stage.screen("A"), true, [&] {
-    stage.root().dismiss(false, stage.note("cut"));
-    stage.root().present(stage.screen("B"), false);
+TEST_F(Dismissal, MayBeCutShortByWhoIsToldOfIt) {
+  root().present(screen("A"), true, [&] {
+    root().dismiss(false, note("cut"));
+    root().present(screen("B"), false);
   });
-  stage.read();
-  stage.root().dismiss(true, stage.note("dismissed"));
-  stage.host.runUntilIdle();
-  EXPECT_EQ(stage.read(), (Diary{"A appeared", "A presented", "A gone", "dismissed", "cut",
-                                 "B loaded", "B will appear", "B appeared", "B presented"}));
-  EXPECT_EQ(stage.host.topController()->identifier(), "B");
+  read();
+  root().dismiss(true, note("dismissed"));
+  host.runUntilIdle();
+  EXPECT_EQ(read(), (Diary{"A appeared", "A presented", "A gone", "dismissed", "cut", "B loaded",
+                           "B will appear", "B appeared", "B presented"}));
+  EXPECT_EQ(host.topController()->identifier(), "B");
 }
 
-TEST(Dismissal, LeavesNothingBehindWhenTheHostEndsInTheMiddle) {
-  std::weak_ptr<ViewController> shown;
-  std::weak_ptr<ViewController> waiting;
-  std::weak_ptr<ViewController> root;
+TEST(HostsEnd, InTheMiddleOfADismissalLeavesNothingBehindAndCallsNobodyBack) {
+  std::vector<std::weak_ptr<ViewController>> all;
   Diary diary;
   {
     MemoryHost host;
-    root = host.root();
     const auto a = std::make_shared<DiaryScreen>("A", diary);
     const auto b = std::make_shared<DiaryScreen>("B", diary);
-    shown = a;
-    waiting = b;
+    all = {host.root(), a, b};
     host.root()->present(a, false);
     a->present(std::make_shared<AlertController>("Warning", ""), true, [a] {});
     host.root()->dismiss(true, [held = host.root()] {});
     host.root()->present(b, true);
     diary.clear();
   }
-  EXPECT_TRUE(diary.empty()) << "nobody is called back";
-  EXPECT_TRUE(root.expired());
-  EXPECT_TRUE(shown.expired());
-  EXPECT_TRUE(waiting.expired());
+  EXPECT_TRUE(diary.empty());
+  for (const std::weak_ptr<ViewController>& one : all) {
+    EXPECT_TRUE(one.expired());
+  }
 }
 
-TEST(Alert, GoesBeforeItsHandlerRunsAndHearsOnePressOnlyWhileItStands) {
+TEST_F(Presentation, OfAnAlertEndsBeforeItsHandlerRunsAndHearsOnePressOnly) {
   for (const bool pressedBefore : {false, true}) {
-    UiStage stage;
-    const auto a = stage.screen("A");
+    const auto a = screen("A");
     const auto alert = std::make_shared<AlertController>("Problem", "");
     alert->addAction({"Cancel", AlertActionStyle::cancel, {}});
-    alert->addAction({"Retry", AlertActionStyle::standard, stage.note("retries")});
+    alert->addAction({"Retry", AlertActionStyle::standard, note("retries")});
     alert->press(1);
-    stage.root().present(a, false);
+    root().present(a, false);
     a->present(alert, false);
     alert->press(2);
     EXPECT_FALSE(alert->isBeingDismissed()) << "there is no third button";
-    stage.read();
+    read();
     if (pressedBefore) {
       alert->press(1);
     }
-    stage.root().dismiss(true, stage.note("done"));
+    root().dismiss(true, note("done"));
     alert->press(1);
     alert->press(0);
-    stage.host.runUntilIdle();
+    host.runUntilIdle();
     alert->press(1);
     Diary expected{"A will disappear", "alert Problem gone", "A gone", "done"};
     if (pressedBefore) {
       expected.insert(expected.begin() + 2, "retries");
     }
-    EXPECT_EQ(stage.read(), expected) << "only a press that came before holds";
+    EXPECT_EQ(read(), expected) << "only a press that came before holds";
   }
 }
 

@@ -75,18 +75,6 @@ class WaitingCallerTest : public HttpsFixture {
   }
 };
 
-TEST_F(WaitingCallerTest, SavesItselfTheHandOverToOtherThreads) {
-  TlsServer server(serverIdentity(), answerAll);
-  int own = 0;
-  inBackground({[&] {
-    for (int i = 0; i < 50; ++i) {
-      own += call(server) ? 1 : 0;
-    }
-  }});
-  EXPECT_GT(own, 0) << "now and then the I/O thread may be faster";
-  EXPECT_EQ(server.handshakes(), 1);
-}
-
 TEST_F(WaitingCallerTest, CallersDoNotStandInEachOthersWayThoughTheyShareAQueue) {
   const std::shared_ptr<OperationQueue> shared = platform.backgroundQueues().newOperationQueue();
   for (const auto& queue : {shared, std::shared_ptr<OperationQueue>()}) {

@@ -51,15 +51,6 @@ TEST(CardOption, KnowsItsMethodInAnyCase) {
   }
 }
 
-TEST(CardList, AppendsInTheServersOrder) {
-  const auto body = view(R"({"cards":[{"cardId":3},{"cardId":1},{"cardId":2}]})");
-  MTCardList list;
-  list.parseFromData(body).parseFromData(body);
-  EXPECT_EQ(list.parseFromData(view("{}")).cardsArray_Count, 6);
-  EXPECT_EQ(list.cardsArray[2].cardId, 2);
-  EXPECT_EQ(list.cardsArray[3].cardId, 3);
-}
-
 TEST(CardResponse, KnowsItsStatusByTheExactTextOnly) {
   using enum CardResponseStatus;
   const std::pair<const char*, CardResponseStatus> rows[] = {
@@ -72,12 +63,15 @@ TEST(CardResponse, KnowsItsStatusByTheExactTextOnly) {
     EXPECT_EQ(response.hasStatus, status != notSet) << body;
     EXPECT_FALSE(response.hasReceipt || response.hasCardList) << body;
   }
-  const auto body = view(R"({"receipt":{"receiptId":8},"cardList":{"cards":[{}]}})");
+  const auto body =
+      view(R"({"receipt":{"receiptId":8},"cardList":{"cards":[{"cardId":3},{"cardId":1}]}})");
   MTCardResponse response;
   response.parseFromData(body).parseFromData(body);
   EXPECT_TRUE(response.hasReceipt && response.hasCardList);
   EXPECT_EQ(response.receipt->receiptId, 8);
-  EXPECT_EQ(response.cardList->cardsArray_Count, 2) << "it goes on filling the same list";
+  EXPECT_EQ(response.cardList->cardsArray_Count, 4) << "it goes on filling the same list";
+  EXPECT_EQ(response.cardList->cardsArray[1].cardId, 1);
+  EXPECT_EQ(response.cardList->cardsArray[2].cardId, 3);
 }
 
 TEST(PinResponse, KnowsItsStatusInAnyCaseAndFlagsTheKey) {
