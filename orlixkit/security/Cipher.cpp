@@ -13,12 +13,25 @@ namespace {
 
 using Context = std::unique_ptr<EVP_CIPHER_CTX, decltype(&EVP_CIPHER_CTX_free)>;
 
+struct FreeCipher {
+  void operator()(EVP_CIPHER* kind) const { EVP_CIPHER_free(kind); }
+};
+using FetchedCipher = std::unique_ptr<EVP_CIPHER, FreeCipher>;
+
+/// Looked up once and kept: the look-up costs as much as enciphering a block. None when the system
+/// has no such cipher, which then fails as any other failure does.
+FetchedCipher fetch(const char* name) {
+  FetchedCipher kind(EVP_CIPHER_fetch(nullptr, name, nullptr));
+  ERR_clear_error();
+  return kind;
+}
+
 std::optional<SecretBytes> run(const EVP_CIPHER* kind, Cipher::Direction direction, bool padded,
                                const SecretBytes& key, const std::uint8_t* vector, ByteView data) {
   constexpr auto longest =
       static_cast<std::size_t>(std::numeric_limits<int>::max() - EVP_MAX_BLOCK_LENGTH);
   const Context context(EVP_CIPHER_CTX_new(), &EVP_CIPHER_CTX_free);
-  if (!context || data.size() > longest) {
+  if (kind == nullptr || !context || data.size() > longest) {
     return std::nullopt;
   }
   SecretBytes out(data.size() + EVP_MAX_BLOCK_LENGTH, 0);
@@ -41,12 +54,14 @@ std::optional<SecretBytes> run(const EVP_CIPHER* kind, Cipher::Direction directi
 
 std::optional<SecretBytes> Cipher::aes128Cbc(Direction direction, const SecretBytes& key,
                                              ByteView vector, ByteView data) {
-  return run(EVP_aes_128_cbc(), direction, true, key, vector.data(), data);
+  static const FetchedCipher kind = fetch("AES-128-CBC");
+  return run(kind.get(), direction, true, key, vector.data(), data);
 }
 
 std::optional<SecretBytes> Cipher::tripleDesEcb(Direction direction, const SecretBytes& key,
                                                 ByteView data) {
-  return run(EVP_des_ede3_ecb(), direction, false, key, nullptr, data);
+  static const FetchedCipher kind = fetch("DES-EDE3");
+  return run(kind.get(), direction, false, key, nullptr, data);
 }
 
 SecretBytes Cipher::fitted(const SecretBytes& key, std::size_t size) {

@@ -2,9 +2,6 @@
 
 #include <algorithm>
 #include <cstdlib>
-#include <iterator>
-
-#include <fmt/format.h>
 
 namespace orlix {
 
@@ -21,10 +18,12 @@ Bytes Hex::convert(std::string_view text) {
 }
 
 std::string Hex::encode(ByteView bytes) {
+  constexpr std::string_view digitOf = "0123456789ABCDEF";
   std::string text;
   text.reserve(bytes.size() * 2);
   for (const std::uint8_t byte : bytes) {
-    fmt::format_to(std::back_inserter(text), "{:02X}", byte);
+    text += digitOf[byte >> 4U];
+    text += digitOf[byte & 0xFU];
   }
   return text;
 }
