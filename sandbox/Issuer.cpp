@@ -78,7 +78,7 @@ HttpAnswer Issuer::oneTimeCode(const HttpRequest& request) {
                             .termUrl = field(request, "TermUrl"),
                             .md = field(request, "MD"),
                             .amount = found->amount,
-                            .message = "That code is not right."}));
+                            .wrongCodes = found->wrongCodes}));
   }
   if (found->paRes.empty()) state_.authentications.end(*found, passes);
   return html(returningPage(field(request, "TermUrl"), found->paRes, field(request, "MD")));

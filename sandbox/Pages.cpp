@@ -78,13 +78,15 @@ std::string issuerPage(const IssuerForm& form) {
   return page(
       "First Sandbox Bank",
       fmt::format("<header>First Sandbox Bank</header><main><div class='card'><p>{}</p>"
-                  "<p id='message'>{}</p><form id='authentication' method='post' action='{}'>"
+                  "<p id='message' data-wrong='{}'>{}</p><form id='authentication' method='post' "
+                  "action='{}'>"
                   "{}{}{}<label for='otp'>One-time code</label>"
                   "<input type='text' id='otp' name='otp' inputmode='numeric' autocomplete='off'>"
                   "<button type='submit' id='submit' name='choice' value='submit'>Confirm</button>"
                   "<button type='submit' id='cancel' name='choice' value='cancel'>Cancel</button>"
                   "</form></div></main>",
-                  what, escaped(form.message), escaped(form.action), hidden("PaReq", form.paReq),
+                  what, form.wrongCodes, form.wrongCodes > 0 ? "That code is not right." : "",
+                  escaped(form.action), hidden("PaReq", form.paReq),
                   hidden("TermUrl", form.termUrl), hidden("MD", form.md)));
 }
 

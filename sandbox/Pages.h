@@ -11,11 +11,12 @@ struct IssuerForm {
   std::string paReq;
   std::string termUrl;
   std::string md;
-  std::string amount;     ///< Empty when the card alone is authenticated.
-  std::string message{};  ///< What went wrong at the try before, if anything.
+  std::string amount;  ///< Empty when the card alone is authenticated.
+  int wrongCodes = 0;  ///< How many were sent before.
 };
 
 /// The access-control page: #otp takes the one-time code, #submit sends it, #cancel gives up.
+/// After N wrong codes the message is `#message[data-wrong='N']`.
 std::string issuerPage(const IssuerForm& form);
 
 /// Posts PaRes and MD to `termUrl` by itself as soon as it is loaded.
