@@ -30,7 +30,7 @@ Code fixed(std::string_view name, std::string_view amount = "25.00") {
   Code code = named(name, "Corner Coffee", "Two flat whites");
   code.amount = amount;
   code.info["amount"] = amount;
-  code.info["amountString"] = "R " + std::string(amount);
+  code.info["amountString"] = amount;
   return code;
 }
 

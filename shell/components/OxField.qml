@@ -57,7 +57,8 @@ FocusScope {
         height: box.textHeight
         focus: true
         activeFocusOnTab: true
-        enabled: root.outlet.enabled && root.outlet.reachable
+        // Not by `reachable`: what holds touches back for a moment must not end the editing.
+        enabled: root.outlet.enabled
         clip: true
         verticalAlignment: TextInput.AlignVCenter
         color: OxTheme.text
