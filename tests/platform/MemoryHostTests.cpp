@@ -37,30 +37,16 @@ TEST(MemoryHost, AUserReachesWhatTheTopScreenShowsAndNothingElse) {
   struct Form : ViewController {
     Form() {
       setIdentifier("Form");
-      action("breakAction", [] { throw std::runtime_error("it broke"); });
+      outlet<TextField>("pin", outlet<View>("group"))->superview()->setHidden(true);
+      outlet<TextField>("name")->setEnabled(false);
+      outlet<Button>("pay")->setEnabled(false);
+      action("leaveAction", [] {});
     }
-    std::shared_ptr<View> group = outlet<View>("group");
-    std::shared_ptr<TextField> pin = outlet<TextField>("pin", group);
-    std::shared_ptr<TextField> name = outlet<TextField>("name");
-    std::shared_ptr<Button> pay = outlet<Button>("pay");
   };
   MemoryHost host;
   const auto form = std::make_shared<Form>();
   host.root()->present(form, true);
   host.runUntilScreen("Form");
-  form->name->setText("old");
-  form->name->setCaret(0);
-  host.type("name", "erx");
-  host.user().erase("name", 1);
-  EXPECT_EQ(form->name->text(), "older") << "the cursor goes behind the text";
-  host.tap("pin");
-  EXPECT_TRUE(form->pin->editing() && !form->name->editing());
-  host.tap("breakAction");
-  EXPECT_TRUE(host.log().contains("it broke"));
-
-  form->group->setHidden(true);
-  form->name->setEnabled(false);
-  form->pay->setEnabled(false);
   const auto alert = std::make_shared<AlertController>("Warning", "");
   alert->addAction({"Ok", AlertActionStyle::cancel, {}});
   const std::pair<Task, std::string> rows[] = {
@@ -76,8 +62,8 @@ TEST(MemoryHost, AUserReachesWhatTheTopScreenShowsAndNothingElse) {
       {[&] { host.pressAlert("Ok"); }, ""},
       {[&] { host.runUntilIdle(); }, ""},
       {[&] { host.application().progressIndicator().show("Wait", ProgressMask::gradient); }, ""},
-      {[&] { host.tap("breakAction"); },
-       "the progress indicator holds back the touch on breakAction"},
+      {[&] { host.tap("leaveAction"); },
+       "the progress indicator holds back the touch on leaveAction"},
   };
   for (const auto& [touch, reason] : rows) {
     EXPECT_EQ(obstacle(touch), reason);

@@ -13,7 +13,6 @@
 #include "orlixkit/platform/posix/AnchorBundle.h"
 #include "orlixkit/platform/posix/ChainedBundle.h"
 #include "orlixkit/platform/posix/DirectoryBundle.h"
-#include "orlixkit/platform/posix/FixedLocationManager.h"
 #include "orlixkit/platform/posix/PosixDevice.h"
 #include "orlixkit/platform/posix/PosixPorts.h"
 #include "tests/platform/PosixPlatform.h"
@@ -111,7 +110,7 @@ TEST(PosixSystemLog, AMessageIsOneLineThatDrivesNoTerminal) {
   }
 }
 
-TEST(FixedLocationManager, EachStartBringsOneFixUnlessStoppedBefore) {
+TEST(PosixPorts, MakeAHostThatShutsDownPromptlyWhileWorkIsUnderWay) {
   struct Recorder : LocationManagerDelegate {
     void didUpdateLocations(const std::vector<LocationFix>& fixes) override {
       heard += fmt::format("{} {},", fixes.at(0).latitude, fixes.at(0).longitude);
@@ -119,32 +118,6 @@ TEST(FixedLocationManager, EachStartBringsOneFixUnlessStoppedBefore) {
     void didFailWithError(const std::string&) override { ADD_FAILURE(); }
     std::string heard;
   } recorder;
-  PosixPlatform platform;
-  // Ports are shared; these live as long as the test.
-  const std::shared_ptr<MainQueue> queue(&platform.mainQueue(), [](MainQueue*) {});
-  const std::shared_ptr<Clock> clock(&platform.clock(), [](Clock*) {});
-  auto manager = std::make_unique<FixedLocationManager>(59.91, 10.75, queue, clock);
-  const auto drain = [&queue] {
-    bool done = false;
-    queue->async([&done] { done = true; });
-    queue->runUntil([&done] { return done; });
-  };
-  manager->startUpdatingLocation();
-  drain();
-  manager->setDelegate(&recorder);
-  manager->startUpdatingLocation();
-  EXPECT_EQ(recorder.heard, "") << "neither without a delegate nor before the start has returned";
-  drain();
-  manager->startUpdatingLocation();
-  manager->stopUpdatingLocation();
-  drain();
-  manager->startUpdatingLocation();
-  manager.reset();
-  drain();
-  EXPECT_EQ(recorder.heard, "59.91 10.75,");
-}
-
-TEST(PosixPorts, MakeAHostThatShutsDownPromptlyWhileWorkIsUnderWay) {
   const TemporaryFolder folder;
   write(folder.path() / "resources" / "a.plist", "list");
   PosixOptions options;
@@ -160,10 +133,16 @@ TEST(PosixPorts, MakeAHostThatShutsDownPromptlyWhileWorkIsUnderWay) {
   EXPECT_NE(ports.device->model() + ports.device->systemVersion(), "");
   EXPECT_THAT(ports.device->bundleShortVersion(),
               testing::MatchesRegex("[0-9]+\\.[0-9]+\\.[0-9]+"));
-  EXPECT_NE(ports.locationManager, nullptr);
   ports.userDefaults->setInteger("key", 7);
   EXPECT_TRUE(std::filesystem::exists(folder.path() / "state" / "defaults.db"));
 
+  // Each start brings one fix, not from inside the call and not after a stop.
+  ports.locationManager->startUpdatingLocation();
+  ports.locationManager->setDelegate(&recorder);
+  ports.locationManager->startUpdatingLocation();
+  ports.locationManager->stopUpdatingLocation();
+  ports.locationManager->startUpdatingLocation();
+  EXPECT_EQ(recorder.heard, "");
   bool sleeping = false;
   std::atomic<bool> whole = true;
   ports.backgroundQueues->global(QualityOfService::high, [&] {
@@ -171,6 +150,7 @@ TEST(PosixPorts, MakeAHostThatShutsDownPromptlyWhileWorkIsUnderWay) {
     whole = ports.clock->sleep(std::chrono::hours(1));
   });
   ports.mainQueue->runUntil([&sleeping] { return sleeping; });
+  EXPECT_EQ(recorder.heard, "59.91 10.75,");
   const auto before = std::chrono::steady_clock::now();
   host.shutdown();
   EXPECT_LT(std::chrono::steady_clock::now() - before, std::chrono::milliseconds(500));

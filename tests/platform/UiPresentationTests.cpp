@@ -123,17 +123,6 @@ TEST_F(Presentation, IsRefusedWithALogLineWhereItHasNoPlace) {
                                       "Attempt to present C on B, which is on its way out"}));
 }
 
-TEST_F(Presentation, WaitsWhileItsPlaceIsBeingLeft) {
-  root().present(screen("A"), false);
-  root().dismiss(true, note("A was dismissed"));
-  read();
-  root().present(screen("B"), false, note("B was presented"));
-  EXPECT_TRUE(read().empty());
-  host.runUntilIdle();
-  EXPECT_EQ(read(), (Diary{"A gone", "A was dismissed", "B loaded", "B will appear", "B appeared",
-                           "B presented", "B was presented"}));
-}
-
 TEST_F(Dismissal, JoinsTheOneUnderWayAndACutEndsItAtOnce) {
   const auto a = screen("A");
   root().present(a, false);
