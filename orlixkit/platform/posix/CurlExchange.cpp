@@ -137,7 +137,6 @@ bool CurlExchange::prepare() {
   }
   try {
     checkRequest(request_);
-    target_ = firstTarget_ = targetOf(request_.url);
     easy_.reset(curl_easy_init());
     if (!easy_) {
       throw std::bad_alloc();
@@ -197,6 +196,9 @@ void CurlExchange::setConstantOptions() {
 void CurlExchange::prepareHop(const std::string& address) {
   target_ = targetOf(address);
   // Once another host has had a say in where the request goes, the fields stay out.
+  if (firstTarget_.host.empty()) {
+    firstTarget_ = target_;
+  }
   ownHost_ = ownHost_ && target_.hasOriginOf(firstTarget_);
   headers_ = headerListOf(request_, ownHost_);
 
