@@ -13,10 +13,12 @@
 #include "orlixkit/platform/posix/PosixPorts.h"
 #include "orlixkit/resources/CompiledBundle.h"
 #include "sandbox/Sandbox.h"
-#include "tests/shop/TemporaryFolder.h"
+#include "tests/TemporaryFolder.h"
 
 namespace orlix::shop {
 namespace {
+
+using orlix::test::TemporaryFolder;
 
 /// A wallet server, and the last code that it sent by SMS.
 class Server {
