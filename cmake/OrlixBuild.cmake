@@ -18,6 +18,12 @@ if(ORLIX_CCACHE AND NOT CMAKE_CXX_COMPILER_LAUNCHER)
   set(CMAKE_CXX_COMPILER_LAUNCHER ${ORLIX_CCACHE})
 endif()
 
+# Several times as fast as the system's linker, which shows in a build of a dozen test programs.
+find_program(ORLIX_LLD ld.lld)
+if(ORLIX_LLD)
+  add_link_options(-fuse-ld=lld)
+endif()
+
 find_package(Threads REQUIRED)
 find_package(OpenSSL 3 REQUIRED)
 find_package(CURL REQUIRED)
