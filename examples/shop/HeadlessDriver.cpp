@@ -44,28 +44,6 @@ std::shared_ptr<TextField> editedField(const std::string& outlet) {
   return field;
 }
 
-void requireRow(const TableView& table, const std::string& name, std::size_t row) {
-  if (row >= table.rowCount()) {
-    throw ScriptError(name + " has no row " + std::to_string(row) + "; it has " +
-                      std::to_string(table.rowCount()) + " rows");
-  }
-}
-
-std::size_t rowOf(const TableView& table, const std::string& name, const RowChoice& row) {
-  if (const auto* number = std::get_if<std::size_t>(&row)) {
-    requireRow(table, name, *number);
-    return *number;
-  }
-  const auto& text = std::get<std::string>(row);
-  for (std::size_t i = 0; i < table.rowCount(); ++i) {
-    if (table.cell(i).text == text) {
-      return i;
-    }
-  }
-  throw ScriptError(name + " has no row \"" + text + "\" among its " +
-                    std::to_string(table.rowCount()));
-}
-
 void tapOutlet(const std::string& name, ViewController& screen) {
   const std::shared_ptr<View> view = Stage::touchableOutlet(name);
   if (const auto button = std::dynamic_pointer_cast<Button>(view)) {
@@ -128,15 +106,14 @@ void HeadlessDriver::tap(const std::string& name) {
 
 void HeadlessDriver::selectRow(const std::string& table, const RowChoice& row) {
   const std::shared_ptr<TableView> view = Stage::touchableTable(table);
-  const std::size_t chosen = rowOf(*view, table, row);
+  const std::size_t chosen = Stage::rowOf(*view, table, row);
   const std::shared_ptr<ViewController> whole = Stage::content();
   runLogged([&] { view->select(chosen); });
 }
 
 void HeadlessDriver::pressRowButton(const std::string& table, std::size_t row) {
   const std::shared_ptr<TableView> view = Stage::touchableTable(table);
-  requireRow(*view, table, row);
-  const std::shared_ptr<Button> button = view->cell(row).button;
+  const std::shared_ptr<Button> button = view->cell(Stage::rowOf(*view, table, row)).button;
   if (!button || !button->onTouchUpInside) {
     throw ScriptError("row " + std::to_string(row) + " of " + table + " has no button");
   }

@@ -43,6 +43,9 @@ void Outcomes::orlixInvalidCode() { came("orlixInvalidCode"); }
 void Outcomes::came(const std::string& callback, OutcomeArgument argument) {
   events_.outcome(callback, argument);
   notTaken_.push_back({callback, std::move(argument)});
+  if (onOutcome) {
+    onOutcome(notTaken_.back());
+  }
 }
 
 }  // namespace orlix::shop

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <deque>
+#include <functional>
 #include <optional>
 #include <string>
 
@@ -24,6 +25,9 @@ struct Outcome {
 class Outcomes : public OXOrlixDelegate {
  public:
   explicit Outcomes(EventLines& events) : events_(events) {}
+
+  /// Hears of each outcome as it comes; may be empty.
+  std::function<void(const Outcome&)> onOutcome;
 
   /// The earliest outcome that has not been taken yet.
   std::optional<Outcome> take();

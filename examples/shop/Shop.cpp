@@ -31,9 +31,6 @@ Ports headlessPorts(const ShopOptions& options) {
 }
 
 void runHeadless(const ShopOptions& options, std::ostream& out, std::ostream& err) {
-  if (!options.headless) {
-    throw UsageError("this build has no drawn shell; add --headless");
-  }
   const std::unique_ptr<ScriptSource> script = openScript(*options.script);
   Shop shop(options, headlessPorts(options), out, err);
   HeadlessDriver driver;
@@ -48,17 +45,24 @@ Shop::Shop(ShopOptions options, const Ports& ports, std::ostream& out, std::ostr
       events_(out),
       progress_(progress),
       reporter_(events_),
+      observers_({&reporter_}),
       outcomes_(std::make_shared<Outcomes>(events_)) {
   installOrlixKit(std::make_shared<Host>(WorkCount::count(ports, work_),
                                          Deployment{.liveBase = options_.server,
                                                     .testBase = options_.server,
                                                     .termsAddress = options_.terms}));
   Application& application = Host::current().application();
-  application.setObserver(&reporter_);
+  application.setObserver(&observers_);
   application.showMainWindow(hostScreen_);
 }
 
 Shop::~Shop() { Host::uninstall(); }
+
+void Shop::drawnBy(UiObserver* drawing) {
+  // What is drawn stands before it is reported.
+  observers_.set(drawing != nullptr ? std::vector<UiObserver*>{drawing, &reporter_}
+                                    : std::vector<UiObserver*>{&reporter_});
+}
 
 void Shop::run(ScriptSource& script, ShopDriver& driver) {
   ScriptRunner({.driver = driver,
@@ -72,14 +76,21 @@ void Shop::run(ScriptSource& script, ShopDriver& driver) {
       .run(script);
 }
 
-int runShop(const std::vector<std::string>& arguments, std::ostream& out, std::ostream& err) {
+int runShop(const std::vector<std::string>& arguments, std::ostream& out, std::ostream& err,
+            const DrawnRun& drawn) {
   try {
     const ShopOptions options = parseOptions(arguments);
     if (options.help) {
       out << usage();
       return kHeld;
     }
-    runHeadless(options, out, err);
+    if (options.headless) {
+      runHeadless(options, out, err);
+    } else if (drawn) {
+      drawn(options, out, err);
+    } else {
+      throw UsageError("this build has no drawn shell; add --headless");
+    }
     return kHeld;
   } catch (const UsageError& error) {
     err << fmt::format("orlix-shop: {}\n\n{}", error.what(), usage());

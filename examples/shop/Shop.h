@@ -1,6 +1,8 @@
 #pragma once
 
+#include <functional>
 #include <memory>
+#include <optional>
 #include <ostream>
 #include <string>
 #include <vector>
@@ -11,6 +13,7 @@
 #include "examples/shop/ScriptSource.h"
 #include "examples/shop/ShopDriver.h"
 #include "examples/shop/ShopOptions.h"
+#include "examples/shop/UiObservers.h"
 #include "examples/shop/Waiter.h"
 #include "examples/shop/WorkCount.h"
 #include "orlixkit/platform/Host.h"
@@ -29,6 +32,13 @@ class Shop {
   Shop(const Shop&) = delete;
   Shop& operator=(const Shop&) = delete;
 
+  /// Lets `drawing` draw what is presented, and play the animations. It must outlive the shop, or
+  /// be taken out again by none.
+  void drawnBy(UiObserver* drawing);
+
+  const std::shared_ptr<ViewController>& hostScreen() const { return hostScreen_; }
+  const std::shared_ptr<Outcomes>& outcomes() const { return outcomes_; }
+
   /// Runs the script to its end. Throws ScriptError with the line number and the reason.
   void run(ScriptSource& script, ShopDriver& driver);
 
@@ -39,12 +49,18 @@ class Shop {
   EventLines events_;
   std::ostream& progress_;
   ScreenReporter reporter_;
+  UiObservers observers_;
   std::shared_ptr<Outcomes> outcomes_;
   std::shared_ptr<ViewController> hostScreen_ = std::make_shared<ViewController>();
 };
 
-/// Runs the shop without a window, from the command line's arguments to the exit status: 0, 1 when
-/// the script failed, 2 when the arguments make no sense.
-int runShop(const std::vector<std::string>& arguments, std::ostream& out, std::ostream& err);
+/// Runs the shop in a window, by a script or by its user. Throws UsageError or ScriptError.
+using DrawnRun =
+    std::function<void(const ShopOptions& options, std::ostream& out, std::ostream& err)>;
+
+/// Runs the shop from the command line's arguments to the exit status: 0, 1 when the script failed,
+/// 2 when the arguments make no sense. `drawn` is empty in a build without the drawn shell.
+int runShop(const std::vector<std::string>& arguments, std::ostream& out, std::ostream& err,
+            const DrawnRun& drawn = {});
 
 }  // namespace orlix::shop

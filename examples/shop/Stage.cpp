@@ -1,6 +1,5 @@
 #include "examples/shop/Stage.h"
 
-#include "examples/shop/Script.h"
 #include "orlixkit/platform/Host.h"
 
 namespace orlix::shop {
@@ -126,6 +125,24 @@ std::shared_ptr<TextField> Stage::touchableField(const std::string& name) {
 
 std::shared_ptr<TableView> Stage::touchableTable(const std::string& name) {
   return touchable<TableView>(name, "table");
+}
+
+std::size_t Stage::rowOf(const TableView& table, const std::string& name, const RowChoice& row) {
+  const std::string count = std::to_string(table.rowCount());
+  if (const auto* number = std::get_if<std::size_t>(&row)) {
+    if (*number >= table.rowCount()) {
+      throw ScriptError(name + " has no row " + std::to_string(*number) + "; it has " + count +
+                        " rows");
+    }
+    return *number;
+  }
+  const auto& text = std::get<std::string>(row);
+  for (std::size_t i = 0; i < table.rowCount(); ++i) {
+    if (table.cell(i).text == text) {
+      return i;
+    }
+  }
+  throw ScriptError(name + " has no row \"" + text + "\" among its " + count);
 }
 
 std::size_t Stage::alertButton(const AlertController& alert, const std::string& title) {

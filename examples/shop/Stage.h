@@ -3,6 +3,7 @@
 #include <memory>
 #include <string>
 
+#include "examples/shop/Script.h"
 #include "orlixkit/platform/ui/AlertController.h"
 #include "orlixkit/platform/ui/TableView.h"
 #include "orlixkit/platform/ui/TextField.h"
@@ -36,6 +37,8 @@ class Stage {
   /// The same for a field that takes keys.
   static std::shared_ptr<TextField> touchableField(const std::string& name);
   static std::shared_ptr<TableView> touchableTable(const std::string& name);
+  /// Index of the row that is meant.
+  static std::size_t rowOf(const TableView& table, const std::string& name, const RowChoice& row);
   /// Index of the button with this title on the alert on top.
   static std::size_t alertButton(const AlertController& alert, const std::string& title);
 };

@@ -1,14 +1,12 @@
 #include "examples/shop/window/DrawnShop.h"
 
-#include <stdexcept>
-
-#include <unistd.h>
-
 #include <QGuiApplication>
 #include <QQmlComponent>
 #include <QQmlEngine>
 #include <QQuickItem>
 #include <QQuickWindow>
+#include <stdexcept>
+#include <unistd.h>
 
 #include "examples/shop/Shop.h"
 #include "examples/shop/window/QtDriver.h"
@@ -33,8 +31,8 @@ struct Arguments {
 
 /// What the toolkit looks for in the environment, where nobody has said otherwise.
 void prepareEnvironment() {
-  const bool display = qEnvironmentVariableIsSet("DISPLAY") ||
-                       qEnvironmentVariableIsSet("WAYLAND_DISPLAY");
+  const bool display =
+      qEnvironmentVariableIsSet("DISPLAY") || qEnvironmentVariableIsSet("WAYLAND_DISPLAY");
   if (!display && !qEnvironmentVariableIsSet("QT_QPA_PLATFORM")) {
     qputenv("QT_QPA_PLATFORM", "offscreen");
     qputenv("QT_QUICK_BACKEND", "software");
@@ -69,11 +67,10 @@ std::unique_ptr<QQuickItem> drawCounter(QQmlEngine& engine, QQuickWindow& window
   if (!made) {
     throw std::runtime_error("the shop cannot be drawn: " + component.errorString().toStdString());
   }
-  QQuickItem* const root = window.contentItem();
-  made->setParentItem(root);
-  const auto fill = [root, item = made.get()] { item->setSize(root->size()); };
-  QObject::connect(root, &QQuickItem::widthChanged, made.get(), fill);
-  QObject::connect(root, &QQuickItem::heightChanged, made.get(), fill);
+  made->setParentItem(window.contentItem());
+  const auto fill = [&window, item = made.get()] { item->setSize(window.size()); };
+  QObject::connect(&window, &QWindow::widthChanged, made.get(), fill);
+  QObject::connect(&window, &QWindow::heightChanged, made.get(), fill);
   fill();
   return made;
 }

@@ -1,10 +1,9 @@
 #include "examples/shop/window/Finger.h"
 
-#include <algorithm>
-
 #include <QCoreApplication>
 #include <QKeyEvent>
 #include <QMouseEvent>
+#include <algorithm>
 
 #include "examples/shop/Script.h"
 
@@ -34,8 +33,9 @@ QQuickItem* receiverAt(QQuickItem& item, QPointF scene) {
     return nullptr;
   }
   QList<QQuickItem*> children = item.childItems();
-  std::stable_sort(children.begin(), children.end(),
-                   [](const QQuickItem* one, const QQuickItem* other) { return one->z() < other->z(); });
+  std::stable_sort(
+      children.begin(), children.end(),
+      [](const QQuickItem* one, const QQuickItem* other) { return one->z() < other->z(); });
   for (auto child = children.rbegin(); child != children.rend(); ++child) {
     if (QQuickItem* found = receiverAt(**child, scene)) {
       return found;

@@ -13,9 +13,9 @@ class Finger {
  public:
   explicit Finger(QQuickWindow& window) : window_(window) { clock_.start(); }
 
-  /// Touches the item in the middle of what can be seen of it. What takes the touch must be the item
-  /// or inside it: throws ScriptError, with `name` in it, for an item that is hidden, out of the
-  /// window, covered or disabled.
+  /// Touches the item in the middle of what can be seen of it. What takes the touch must be the
+  /// item or inside it: throws ScriptError, with `name` in it, for an item that is hidden, out of
+  /// the window, covered or disabled.
   void touch(QQuickItem& item, const QString& name);
   /// Presses and releases a key on whatever has the keyboard.
   void press(int key, const QString& text = {});

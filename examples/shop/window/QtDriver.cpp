@@ -8,6 +8,7 @@
 #include "orlixkit/platform/MainQueue.h"
 #include "orlixkit/platform/ui/WebPageView.h"
 #include "orlixkit/widgets/DropDownPicker.h"
+#include "shell/FindItem.h"
 
 namespace orlix::shop {
 
@@ -26,7 +27,7 @@ std::shared_ptr<WebView> shownPage() {
 int keyOf(const QString& text) {
   const char16_t unit = text.size() == 1 ? text.front().toUpper().unicode() : u'\0';
   // Printable ASCII characters are their own key codes.
-  return unit >= u' ' && unit <= u'~' ? unit : Qt::Key_unknown;
+  return unit >= u' ' && unit <= u'~' ? static_cast<int>(unit) : static_cast<int>(Qt::Key_unknown);
 }
 
 }  // namespace
@@ -41,8 +42,7 @@ QtDriver::QtDriver(shell::ScreenPresenter& presenter, std::shared_ptr<MainQueue>
 QQuickItem* QtDriver::find(const std::string& name) const {
   const shell::DrawnScreen* const top = presenter_.top();
   QQuickItem* const content = top != nullptr ? top->content() : nullptr;
-  return content != nullptr ? content->findChild<QQuickItem*>(QString::fromStdString(name))
-                            : nullptr;
+  return content != nullptr ? shell::findItem(*content, QString::fromStdString(name)) : nullptr;
 }
 
 QQuickItem& QtDriver::item(const std::string& name) const {
@@ -111,11 +111,9 @@ void QtDriver::tap(const std::string& name) {
   }
   QQuickItem* drawn = find(name);
   if (drawn == nullptr) {
-    const auto all = presenter_.top()->content()->findChildren<QQuickItem*>();
-    const auto found = std::find_if(all.begin(), all.end(), [&](const QQuickItem* one) {
-      return one->property("actionName").toString().toStdString() == name;
+    drawn = shell::findItem(*presenter_.top()->content(), [&](const QQuickItem& one) {
+      return one.property("actionName").toString().toStdString() == name;
     });
-    drawn = found == all.end() ? nullptr : *found;
   }
   if (drawn != nullptr && drawn->isVisible()) {
     touch(*drawn, name);

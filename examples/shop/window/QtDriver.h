@@ -15,7 +15,8 @@ namespace orlix::shop {
 /// outlet's item by the outlet's name, and refuses what a user's finger could not reach.
 class QtDriver : public ShopDriver {
  public:
-  /// `presenter` must outlive the driver; `snapshots` is where pictures go, made when it is missing.
+  /// `presenter` must outlive the driver; `snapshots` is where pictures go, made when it is
+  /// missing.
   QtDriver(shell::ScreenPresenter& presenter, std::shared_ptr<MainQueue> mainQueue,
            std::optional<std::string> snapshots);
 

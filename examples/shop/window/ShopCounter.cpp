@@ -1,9 +1,8 @@
 #include "examples/shop/window/ShopCounter.h"
 
+#include <QVariantMap>
 #include <array>
 #include <utility>
-
-#include <QVariantMap>
 
 namespace orlix::shop {
 
@@ -31,7 +30,8 @@ QVariant told(const QString& title, const QString& detail, const char* tone) {
 
 QString reasonOf(const std::string& code) {
   if (code == "2") {
-    return "Your card's bank did not accept the payment. Nothing was taken. You can try another card.";
+    return "Your card's bank did not accept the payment. Nothing was taken. You can try another "
+           "card.";
   }
   if (code == "6") {
     return "This card takes no part in the bank's online check. Please choose another card.";
@@ -102,16 +102,14 @@ std::shared_ptr<OXOrlix> ShopCounter::begin() {
     return nullptr;
   }
   facade_ = OXOrlix::make();
-  outcome_ = {};
+  outcome_ = QVariant::fromValue(nullptr);
   Q_EMIT changed();
   return facade_;
 }
 
 WalletRequestArguments ShopCounter::request() const {
-  return {.apiKey = "shop-key",
-          .system = system_,
-          .controller = hostScreen_,
-          .delegate = outcomes_};
+  return {
+      .apiKey = "shop-key", .system = system_, .controller = hostScreen_, .delegate = outcomes_};
 }
 
 void ShopCounter::pay(int article) {
@@ -141,7 +139,7 @@ void ShopCounter::openWallet() {
 }
 
 void ShopCounter::clearOutcome() {
-  outcome_ = {};
+  outcome_ = QVariant::fromValue(nullptr);
   Q_EMIT changed();
 }
 
@@ -154,7 +152,8 @@ void ShopCounter::ended(const Outcome& outcome) {
 void ShopCounter::leftAlone() {
   if (facade_ && !hostScreen_->presentedViewController()) {
     facade_.reset();
-    outcome_ = told("The wallet was closed", "Please check your bank before you pay again.", "neutral");
+    outcome_ =
+        told("The wallet was closed", "Please check your bank before you pay again.", "neutral");
     Q_EMIT changed();
   }
 }

@@ -1,10 +1,9 @@
 #pragma once
 
-#include <memory>
-
 #include <QObject>
 #include <QStringList>
 #include <QVariant>
+#include <memory>
 
 #include "examples/shop/Outcomes.h"
 #include "orlixkit/checkout/OXOrlix.h"
@@ -37,8 +36,8 @@ class ShopCounter : public QObject {
   QStringList messages() const { return messages_; }
   void addMessage(const QString& text);
 
-  /// The wallet has gone from the screen, and whoever was to hear of it has. A few flows end without an
-  /// outcome.
+  /// The wallet has gone from the screen, and whoever was to hear of it has. A few flows end
+  /// without an outcome.
   void leftAlone();
 
   Q_INVOKABLE void pay(int article);
@@ -59,7 +58,7 @@ class ShopCounter : public QObject {
   std::shared_ptr<Outcomes> outcomes_;
   OXSystem system_;
   std::shared_ptr<OXOrlix> facade_;
-  QVariant outcome_;
+  QVariant outcome_ = QVariant::fromValue(nullptr);
   QStringList messages_;
 };
 

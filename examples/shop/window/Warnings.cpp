@@ -1,8 +1,7 @@
 #include "examples/shop/window/Warnings.h"
 
+#include <QtGlobal>
 #include <mutex>
-
-#include <QtLogging>
 
 namespace orlix::shop {
 
@@ -19,8 +18,14 @@ Kept& kept() {
   return one;
 }
 
+/// The web engine's own module says of its own types that they are no proper ones, at each import.
+bool isOfTheWebEngineItself(const QString& text) {
+  return text.startsWith(QStringLiteral("QWebEngine")) &&
+         text.contains(QStringLiteral("neither a QObject"));
+}
+
 void keep(QtMsgType type, const QMessageLogContext& context, const QString& text) {
-  if (type == QtWarningMsg || type == QtCriticalMsg) {
+  if ((type == QtWarningMsg || type == QtCriticalMsg) && !isOfTheWebEngineItself(text)) {
     const std::lock_guard lock(kept().lock);
     kept().texts.append(text);
   }

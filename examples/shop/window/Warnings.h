@@ -4,8 +4,8 @@
 
 namespace orlix::shop {
 
-/// Keeps what the toolkit warns of, for as long as it lives; it goes to where it went as well. One at
-/// a time. Main thread.
+/// Keeps what the toolkit warns of, for as long as it lives; it goes to where it went as well. One
+/// at a time. Main thread.
 class Warnings {
  public:
   Warnings();

@@ -1,0 +1,64 @@
+#include "shell/AlertAdapter.h"
+
+#include "orlixkit/platform/Host.h"
+
+namespace orlix::shell {
+
+namespace {
+
+QString word(AlertActionStyle style) {
+  switch (style) {
+    case AlertActionStyle::cancel:
+      return QStringLiteral("cancel");
+    case AlertActionStyle::destructive:
+      return QStringLiteral("destructive");
+    case AlertActionStyle::standard:
+      break;
+  }
+  return QStringLiteral("standard");
+}
+
+/// An alert's view is looked at, not touched.
+std::shared_ptr<const OutletAdapter::Screen> nothingToTouch() {
+  return std::make_shared<OutletAdapter::Screen>(
+      OutletAdapter::Screen{.touch = [](const std::string&, const Task&) {},
+                            .changed = [] {},
+                            .perform = [](const std::string&) {},
+                            .hasAction = [](const std::string&) { return false; },
+                            .endOtherEditing = [](const TextField*) {},
+                            .reachable = [](const std::string&) { return true; }});
+}
+
+}  // namespace
+
+AlertAdapter::AlertAdapter(const std::shared_ptr<AlertController>& alert)
+    : alert_(alert),
+      title_(QString::fromStdString(alert->title())),
+      message_(QString::fromStdString(alert->message())),
+      titleFont_(alert->titleFont),
+      messageFont_(alert->messageFont),
+      textColor_(toQColor(alert->textColor)),
+      view_(std::make_unique<OutletAdapter>("view", alert->view(), nothingToTouch())) {
+  for (const AlertAction& action : alert->actions()) {
+    buttons_.append(QString::fromStdString(action.title));
+    styles_.append(word(action.style));
+  }
+}
+
+void AlertAdapter::detach() {
+  alert_.reset();
+  view_->detach();
+}
+
+int AlertAdapter::cancelIndex() const {
+  return buttons_.size() == 1 ? 0 : static_cast<int>(styles_.indexOf(QStringLiteral("cancel")));
+}
+
+void AlertAdapter::press(int index) {
+  const auto alert = alert_.lock();
+  if (alert && alert->hasAppeared() && index >= 0) {
+    runLogged([&] { alert->press(static_cast<std::size_t>(index)); });
+  }
+}
+
+}  // namespace orlix::shell

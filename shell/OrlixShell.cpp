@@ -1,0 +1,32 @@
+#include "shell/OrlixShell.h"
+
+#include <utility>
+
+#include <QtWebEngineQuick/qtwebenginequickglobal.h>
+
+#include "orlixkit/resources/CompiledBundle.h"
+#include "shell/QtPorts.h"
+
+namespace orlix::shell {
+
+void OrlixShell::initialize() { QtWebEngineQuick::initialize(); }
+
+OrlixShell::OrlixShell(QQmlEngine& engine, QQuickWindow& window, PosixOptions options,
+                       Deployment deployment) {
+  options.bundles.push_back(std::make_shared<CompiledBundle>());
+  const Ports ports = makeQtPorts(options, engine);
+  installOrlixKit(std::make_shared<Host>(ports, std::move(deployment)));
+  prepareEngine(engine, ports.bundle);
+  presenter_ = std::make_unique<ScreenPresenter>(engine, window);
+  Application& application = Host::current().application();
+  application.setObserver(presenter_.get());
+  application.showMainWindow(hostScreen_);
+}
+
+OrlixShell::~OrlixShell() {
+  Host::current().application().setObserver(nullptr);
+  presenter_.reset();
+  Host::uninstall();
+}
+
+}  // namespace orlix::shell

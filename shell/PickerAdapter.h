@@ -1,0 +1,41 @@
+#pragma once
+
+#include <QObject>
+#include <QStringList>
+#include <functional>
+#include <memory>
+
+#include "orlixkit/platform/Bytes.h"
+#include "orlixkit/platform/ui/TextField.h"
+
+namespace orlix::shell {
+
+/// The drop-down of a field: open while the field is being edited. Main thread.
+class PickerAdapter : public QObject {
+  Q_OBJECT
+  Q_PROPERTY(QStringList entries READ entries NOTIFY changed)
+  Q_PROPERTY(int current READ current NOTIFY changed)
+  Q_PROPERTY(bool open READ open NOTIFY changed)
+
+ public:
+  /// `touch` runs a user's doing, when a finger could do it now.
+  PickerAdapter(std::shared_ptr<TextField> field, std::function<void(const Task&)> touch);
+  void detach() { field_.reset(); }
+
+  QStringList entries() const;
+  /// Index of the entry that the field shows; -1 for none.
+  int current() const;
+  bool open() const { return field_ && field_->editing(); }
+
+  Q_INVOKABLE void choose(int index);
+  Q_INVOKABLE void toggle();
+
+ Q_SIGNALS:
+  void changed();
+
+ private:
+  std::shared_ptr<TextField> field_;
+  std::function<void(const Task&)> touch_;
+};
+
+}  // namespace orlix::shell

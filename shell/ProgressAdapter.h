@@ -1,0 +1,47 @@
+#pragma once
+
+#include <QObject>
+#include <QString>
+
+#include "orlixkit/platform/ui/ProgressIndicator.h"
+
+namespace orlix::shell {
+
+/// The progress indicator as the drawing language sees it. While it fades its last status stands.
+class ProgressAdapter : public QObject {
+  Q_OBJECT
+  Q_PROPERTY(bool shown READ shown NOTIFY changed)
+  Q_PROPERTY(QString status READ status NOTIFY changed)
+  Q_PROPERTY(bool masked READ masked NOTIFY changed)
+  Q_PROPERTY(bool information READ information NOTIFY changed)
+
+ public:
+  bool shown() const { return shown_; }
+  QString status() const { return status_; }
+  /// The screen is dimmed by a gradient, and touches are held back.
+  bool masked() const { return masked_; }
+  bool information() const { return information_; }
+
+  void show(const ProgressIndicator& indicator) {
+    shown_ = true;
+    status_ = QString::fromStdString(indicator.status());
+    masked_ = indicator.blocksInput();
+    information_ = indicator.style() == ProgressStyle::information;
+    Q_EMIT changed();
+  }
+  void hide() {
+    shown_ = false;
+    Q_EMIT changed();
+  }
+
+ Q_SIGNALS:
+  void changed();
+
+ private:
+  bool shown_ = false;
+  QString status_;
+  bool masked_ = false;
+  bool information_ = false;
+};
+
+}  // namespace orlix::shell

@@ -1,0 +1,105 @@
+#include "shell/QtLocationManager.h"
+
+#include <QMetaObject>
+#include <chrono>
+
+namespace orlix::shell {
+
+namespace {
+
+/// Above this a source may save power by its cheaper methods (masts, wireless networks).
+constexpr double kCoarseMetres = 500;
+
+std::string describe(QGeoPositionInfoSource::Error error) {
+  switch (error) {
+    case QGeoPositionInfoSource::AccessError:
+      return "access to the position is refused";
+    case QGeoPositionInfoSource::ClosedError:
+      return "the position source has closed";
+    case QGeoPositionInfoSource::UpdateTimeoutError:
+      return "no position was found in time";
+    default:
+      return "the position source failed";
+  }
+}
+
+LocationFix fixFrom(const QGeoPositionInfo& info) {
+  LocationFix fix;
+  fix.latitude = info.coordinate().latitude();
+  fix.longitude = info.coordinate().longitude();
+  // A negative accuracy says that the fix is worth nothing, so an unknown one gets none.
+  if (info.hasAttribute(QGeoPositionInfo::HorizontalAccuracy)) {
+    fix.horizontalAccuracy = info.attribute(QGeoPositionInfo::HorizontalAccuracy);
+  }
+  fix.timestamp = CalendarTime(std::chrono::duration_cast<CalendarTime::duration>(
+      std::chrono::milliseconds(info.timestamp().toMSecsSinceEpoch())));
+  return fix;
+}
+
+}  // namespace
+
+QtLocationManager::QtLocationManager()
+    : QtLocationManager(std::unique_ptr<QGeoPositionInfoSource>(
+          QGeoPositionInfoSource::createDefaultSource(nullptr))) {}
+
+QtLocationManager::QtLocationManager(std::unique_ptr<QGeoPositionInfoSource> source)
+    : source_(std::move(source)) {
+  if (source_) {
+    connect(source_.get(), &QGeoPositionInfoSource::positionUpdated, this,
+            &QtLocationManager::updated);
+    connect(source_.get(), &QGeoPositionInfoSource::errorOccurred, this,
+            &QtLocationManager::failed);
+  }
+}
+
+void QtLocationManager::setDesiredAccuracy(double metres) {
+  if (source_) {
+    source_->setPreferredPositioningMethods(
+        metres > kCoarseMetres ? QGeoPositionInfoSource::NonSatellitePositioningMethods
+                               : QGeoPositionInfoSource::AllPositioningMethods);
+  }
+}
+
+void QtLocationManager::startUpdatingLocation() {
+  updates_ = std::make_shared<int>(0);
+  last_ = {};
+  if (!source_) {
+    failLater("this device has no position source");
+    return;
+  }
+  source_->startUpdates();
+}
+
+void QtLocationManager::stopUpdatingLocation() {
+  updates_.reset();
+  if (source_) {
+    source_->stopUpdates();
+  }
+}
+
+void QtLocationManager::updated(const QGeoPositionInfo& info) {
+  const bool moved = !last_.isValid() || last_.distanceTo(info.coordinate()) >= distanceFilter_;
+  if (updates_ && delegate_ != nullptr && info.isValid() && moved) {
+    last_ = info.coordinate();
+    delegate_->didUpdateLocations({fixFrom(info)});
+  }
+}
+
+void QtLocationManager::failed(QGeoPositionInfoSource::Error error) {
+  if (updates_ && error != QGeoPositionInfoSource::NoError) {
+    failLater(describe(error));
+  }
+}
+
+void QtLocationManager::failLater(const std::string& description) {
+  QMetaObject::invokeMethod(
+      this,
+      [this, description, update = std::weak_ptr(updates_)] {
+        if (!update.expired() && delegate_ != nullptr) {
+          delegate_->didFailWithError(description);
+        }
+      },
+      Qt::QueuedConnection);
+}
+
+}  // namespace orlix::shell

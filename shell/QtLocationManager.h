@@ -1,0 +1,41 @@
+#pragma once
+
+#include <QGeoPositionInfoSource>
+#include <QObject>
+#include <memory>
+
+#include "orlixkit/platform/LocationManager.h"
+
+namespace orlix::shell {
+
+/// The position source of the platform that Qt runs on. Without one, and with one that refuses,
+/// each start brings one error; the delegate hears nothing while it is stopped. Main thread.
+class QtLocationManager : public QObject, public LocationManager {
+ public:
+  /// `source` may be none.
+  explicit QtLocationManager(std::unique_ptr<QGeoPositionInfoSource> source);
+  /// On the platform's default source.
+  QtLocationManager();
+
+  void setDelegate(LocationManagerDelegate* delegate) override { delegate_ = delegate; }
+  void setDesiredAccuracy(double metres) override;
+  void setDistanceFilter(double metres) override { distanceFilter_ = metres; }
+  void setPurpose(const std::string&) override {}
+  void requestWhenInUseAuthorization() override {}
+  void startUpdatingLocation() override;
+  void stopUpdatingLocation() override;
+
+ private:
+  void updated(const QGeoPositionInfo& info);
+  void failed(QGeoPositionInfoSource::Error error);
+  /// Tells it later: whoever starts the updates is not called back before that has returned.
+  void failLater(const std::string& description);
+
+  std::unique_ptr<QGeoPositionInfoSource> source_;
+  LocationManagerDelegate* delegate_ = nullptr;
+  double distanceFilter_ = 0;
+  std::shared_ptr<int> updates_;  ///< replaced by each start and stop
+  QGeoCoordinate last_;           ///< the last fix that was told
+};
+
+}  // namespace orlix::shell

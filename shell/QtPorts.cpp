@@ -1,0 +1,25 @@
+#include "shell/QtPorts.h"
+
+#include "orlixkit/platform/posix/FixedLocationManager.h"
+#include "orlixkit/protocol/OMNetwork.h"
+#include "shell/QtLocationManager.h"
+#include "shell/QtMainQueue.h"
+#include "shell/QtWebViews.h"
+
+namespace orlix::shell {
+
+Ports makeQtPorts(const PosixOptions& options, QQmlEngine& engine) {
+  Ports ports = makePosixPorts(options);
+  ports.mainQueue = std::make_shared<QtMainQueue>(ports.log);
+  if (options.location) {
+    ports.locationManager = std::make_shared<FixedLocationManager>(
+        options.location->first, options.location->second, ports.mainQueue, ports.clock);
+  } else {
+    ports.locationManager = std::make_shared<QtLocationManager>();
+  }
+  ports.webViews =
+      std::make_shared<QtWebViews>(engine, ports.mainQueue, &OMNetwork::pinnedCertificates);
+  return ports;
+}
+
+}  // namespace orlix::shell

@@ -1,0 +1,16 @@
+#pragma once
+
+#include <QQmlEngine>
+
+#include "orlixkit/platform/Host.h"
+#include "orlixkit/platform/posix/PosixPorts.h"
+
+namespace orlix::shell {
+
+/// The ports for a Qt Quick host: those of Linux, with the main queue on Qt's event loop, positions
+/// by QtPositioning (unless the options fix one) and web views by QtWebEngine. On the application's
+/// thread; `engine` must outlive the ports.
+/// Throws std::runtime_error when the state directory or the anchor file cannot be used.
+Ports makeQtPorts(const PosixOptions& options, QQmlEngine& engine);
+
+}  // namespace orlix::shell

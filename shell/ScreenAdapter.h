@@ -1,0 +1,53 @@
+#pragma once
+
+#include <QQmlPropertyMap>
+#include <QString>
+#include <map>
+#include <memory>
+#include <string>
+
+#include "orlixkit/platform/ui/ViewController.h"
+#include "shell/OutletAdapter.h"
+
+namespace orlix::shell {
+
+/// A screen as the drawing language sees it: each outlet by its name (`screen.merchantView`),
+/// `view` for the screen's own view, and the actions. Once detached it does nothing. Main thread.
+class ScreenAdapter : public QQmlPropertyMap {
+  Q_OBJECT
+  Q_PROPERTY(QString identifier READ identifier CONSTANT)
+
+ public:
+  /// `controller` has loaded its view.
+  explicit ScreenAdapter(const std::shared_ptr<ViewController>& controller);
+  ~ScreenAdapter() override;
+  void detach();
+
+  QString identifier() const { return identifier_; }
+  Q_INVOKABLE bool hasAction(const QString& name) const;
+  /// Runs the action when a finger could do it now; one that the screen lacks is logged.
+  Q_INVOKABLE void perform(const QString& name);
+
+  /// The mask of the progress indicator has come or gone.
+  void refreshReachable();
+  /// True while a user's finger could do something there: the screen has arrived, nothing stands on
+  /// it, and no mask holds touches back from the name.
+  bool isReachable(const std::string& name) const;
+
+ protected:
+  /// What the drawing language writes is not taken.
+  QVariant updateValue(const QString& key, const QVariant& input) override;
+
+ private:
+  void add(const std::string& name, const std::shared_ptr<View>& view);
+  void touch(const std::string& name, const Task& doing);
+  void endOtherEditing(const TextField* except);
+  void refreshShown();
+
+  QString identifier_;
+  std::weak_ptr<ViewController> controller_;
+  std::shared_ptr<const OutletAdapter::Screen> screen_;
+  std::map<std::string, std::unique_ptr<OutletAdapter>> outlets_;
+};
+
+}  // namespace orlix::shell

@@ -1,0 +1,43 @@
+#pragma once
+
+#include <QQuickItem>
+#include <functional>
+#include <memory>
+#include <vector>
+
+namespace orlix::shell {
+
+/// Holds touches back while the progress indicator wants it, but for the items that stay in reach:
+/// the way out of something that may never come.
+class TouchMask : public QQuickItem {
+ public:
+  /// `holes` names the items in reach, asked for at each touch.
+  TouchMask(QQuickItem* parent, std::function<std::vector<QQuickItem*>()> holes)
+      : QQuickItem(parent), holes_(std::move(holes)) {
+    setAcceptedMouseButtons(Qt::AllButtons);
+    setAcceptTouchEvents(true);
+    setAcceptHoverEvents(true);
+  }
+
+  bool contains(const QPointF& point) const override {
+    if (!QQuickItem::contains(point)) {
+      return false;
+    }
+    for (const QQuickItem* hole : holes_()) {
+      if (hole->isVisible() && hole->contains(mapToItem(hole, point))) {
+        return false;
+      }
+    }
+    return true;
+  }
+
+ protected:
+  void mousePressEvent(QMouseEvent* event) override { event->accept(); }
+  void wheelEvent(QWheelEvent* event) override { event->accept(); }
+  void touchEvent(QTouchEvent* event) override { event->accept(); }
+
+ private:
+  const std::function<std::vector<QQuickItem*>()> holes_;
+};
+
+}  // namespace orlix::shell
