@@ -1,37 +1,26 @@
 #include "tests/sandbox/Wallet.h"
 
 #include <array>
-#include <atomic>
-#include <cstdio>
-#include <filesystem>
 #include <fstream>
 #include <iterator>
 
 #include <fmt/format.h>
 #include <openssl/evp.h>
-#include <openssl/pem.h>
+#include <openssl/x509.h>
 
 namespace orlix::sandbox::test {
 
 namespace {
 
-/// The root as a PEM file beside it, which is what cpp-httplib's client reads.
-std::string pemBeside(const std::string& derFile) {
+X509_STORE* storeOf(const std::string& derFile) {
   std::ifstream file(derFile, std::ios::binary);
   const std::string der((std::istreambuf_iterator<char>(file)), {});
   const auto* bytes = reinterpret_cast<const unsigned char*>(der.data());
   X509* root = d2i_X509(nullptr, &bytes, static_cast<long>(der.size()));
-  static std::atomic<int> made = 0;
-  const std::string pemFile = derFile + ".pem";
-  const std::string unfinished = pemFile + std::to_string(++made);
-  if (FILE* out = std::fopen(unfinished.c_str(), "w")) {
-    if (root != nullptr) PEM_write_X509(out, root);
-    std::fclose(out);
-    // In one step: another client of the same sandbox may be reading it.
-    std::filesystem::rename(unfinished, pemFile);
-  }
+  X509_STORE* store = X509_STORE_new();
+  X509_STORE_add_cert(store, root);
   X509_free(root);
-  return pemFile;
+  return store;
 }
 
 std::string fromBase64(const std::string& text) {
@@ -43,31 +32,28 @@ std::string fromBase64(const std::string& text) {
   return bytes;
 }
 
-}  // namespace
-
-EventLog::Sink Events::sink() {
-  return [this](std::string_view line) {
-    const std::lock_guard lock(mutex_);
-    lines_.emplace_back(line);
-  };
-}
-
-std::string Events::codeFor(std::string_view msisdn) const {
-  const std::lock_guard lock(mutex_);
-  std::string code;
-  for (const std::string& line : lines_) {
-    const auto event = parseObject(line);
-    if (event && textOf(*event, "event") == "sms" && textOf(*event, "msisdn") == msisdn) {
-      code = textOf(*event, "code");
-    }
+/// The PIN's clear block (ISO 9564 format 0) under a two-key triple-DES key.
+std::string pinBlock(std::string_view pin, std::string_view key) {
+  std::string field = fmt::format("0{}{}", pin.size(), pin);
+  field.resize(16, 'F');
+  std::array<unsigned char, 8> clear{};
+  for (size_t i = 0; i < clear.size(); ++i) {
+    clear.at(i) = static_cast<unsigned char>(std::stoi(field.substr(2 * i, 2), nullptr, 16));
   }
-  return code;
+  const std::string tripleKey = std::string(key) + std::string(key.substr(0, 8));
+  std::array<unsigned char, 16> out{};
+  int size = 0;
+  EVP_CIPHER_CTX* context = EVP_CIPHER_CTX_new();
+  EVP_EncryptInit_ex(context, EVP_des_ede3_ecb(), nullptr,
+                     reinterpret_cast<const unsigned char*>(tripleKey.data()), nullptr);
+  EVP_EncryptUpdate(context, out.data(), &size, clear.data(), 8);
+  EVP_CIPHER_CTX_free(context);
+  std::string text;
+  for (size_t i = 0; i < 8; ++i) text += fmt::format("{:02X}", out.at(i));
+  return text;
 }
 
-std::vector<std::string> Events::lines() const {
-  const std::lock_guard lock(mutex_);
-  return lines_;
-}
+}  // namespace
 
 Reply replyOf(const httplib::Result& result) {
   Reply reply;
@@ -76,23 +62,6 @@ Reply replyOf(const httplib::Result& result) {
   reply.text = result->body;
   reply.body = parseObject(reply.text).value_or(json::object{});
   return reply;
-}
-
-std::string enciphered(std::string_view clearBlock, std::string_view key) {
-  const std::string tripleKey = std::string(key) + std::string(key.substr(0, 8));
-  std::array<unsigned char, 64> out{};
-  int size = 0;
-  EVP_CIPHER_CTX* context = EVP_CIPHER_CTX_new();
-  EVP_EncryptInit_ex(context, EVP_des_ede3_ecb(), nullptr,
-                     reinterpret_cast<const unsigned char*>(tripleKey.data()), nullptr);
-  EVP_CIPHER_CTX_set_padding(context, 0);
-  EVP_EncryptUpdate(context, out.data(), &size,
-                    reinterpret_cast<const unsigned char*>(clearBlock.data()),
-                    static_cast<int>(clearBlock.size()));
-  EVP_CIPHER_CTX_free(context);
-  std::string text;
-  for (int i = 0; i < size; ++i) text += fmt::format("{:02X}", out.at(static_cast<size_t>(i)));
-  return text;
 }
 
 Wallet::Wallet(const Sandbox& sandbox, std::string_view serial)
@@ -109,7 +78,7 @@ Wallet::Wallet(const Sandbox& sandbox, std::string_view serial)
                {"os", "IOS"},
                {"libKey", "shop-key"},
                {"osVersion", "12"}}}} {
-  http.set_ca_cert_path(pemBeside(sandbox.anchorPath()).c_str());
+  http.set_ca_cert_store(storeOf(sandbox.anchorPath()));
   http.enable_server_certificate_verification(true);
   http.set_keep_alive(true);
   http.set_tcp_nodelay(true);
@@ -120,33 +89,21 @@ Reply Wallet::post(std::string_view path, const json::object& body) {
   httplib::Headers headers;
   if (!token1.empty()) headers.emplace("x-session-token1", token1);
   if (!token2.empty()) headers.emplace("x-session-token2", token2);
-  return replyOf(http.Post(std::string(path), headers, json::serialize(body), "application/json"));
+  return replyOf(
+      http.Post("/vello/" + std::string(path), headers, json::serialize(body), "application/json"));
 }
 
 Reply Wallet::start() {
   device["ssToken"] = ssToken;
-  const Reply reply = post("/vello/session/new/TALU", device);
+  const Reply reply = post("session/new/TALU", device);
   token1 = textOf(reply.body, "sessionId");
   token2 = textOf(reply.body, "sessionId2");
   pinKey = fromBase64(textOf(reply.body, "pinKey"));
   return reply;
 }
 
-Reply Wallet::enrol(const Events& events, const std::string& msisdn) {
-  if (token1.empty()) start();
-  post("/vello/sms/send", {{"msisdn", msisdn}});
-  const Reply reply =
-      post("/vello/sms/activateSession", {{"activationCode", events.codeFor(msisdn)}});
-  ssToken = textOf(reply.body, "newSsToken");
-  return reply;
-}
-
-Reply Wallet::lookUp(std::string_view code) {
-  return post("/vello/lookup/query/v2/TALU", {{"qrValue", code}, {"method", "inapp"}});
-}
-
 std::int64_t Wallet::cardEnding(std::string_view hint) {
-  const Reply reply = post("/vello/card/list/TALU", {});
+  const Reply reply = post("card/list/TALU");
   const json::value* cards = reply.body.if_contains("cards");
   if (cards == nullptr) return 0;
   for (const json::value& card : cards->get_array()) {
@@ -157,21 +114,39 @@ std::int64_t Wallet::cardEnding(std::string_view hint) {
   return 0;
 }
 
-json::object Wallet::purchase(std::string_view code, std::string_view hint,
-                              std::string_view amount) {
-  return {{"code", code},        {"cardId", cardEnding(hint)}, {"billingListId", 0},
-          {"shippingListId", 0}, {"amount", amount},           {"locationInfo", ""}};
+json::object Wallet::purchase(std::string_view code, std::string_view hint, std::string_view amount,
+                              std::string_view pin, std::string_view cvv) {
+  json::object body{{"code", code},        {"cardId", cardEnding(hint)}, {"billingListId", 0},
+                    {"shippingListId", 0}, {"amount", amount},           {"locationInfo", ""}};
+  if (!pin.empty()) body["pinData"] = {{"pinBlock", pinBlock(pin, pinKey)}};
+  if (!cvv.empty()) body["cvv"] = cvv;
+  return body;
 }
 
-json::object Wallet::withPin(json::object purchase, std::string_view pin) const {
-  std::string field = fmt::format("0{}{}", pin.size(), pin);
-  field.resize(16, 'F');
-  std::string clear;
-  for (size_t i = 0; i < field.size(); i += 2) {
-    clear += static_cast<char>(std::stoi(field.substr(i, 2), nullptr, 16));
-  }
-  purchase["pinData"] = {{"pinBlock", enciphered(clear, pinKey)}};
-  return purchase;
+Bench::Bench(bool enrolled, const std::string& database)
+    : sandbox_(
+          {.database = database, .enrolled = enrolled, .onEvent = [this](std::string_view line) {
+             const json::object event = parseObject(line).value();
+             const std::lock_guard lock(mutex_);
+             if (textOf(event, "event") == "sms")
+               codes_[textOf(event, "msisdn")] = event.at("code");
+           }}) {
+  sandbox_.start();
+  wallet_.emplace(sandbox_);
+  EXPECT_EQ(wallet_->start().status, 200);
+}
+
+Reply Bench::enrol(Wallet& wallet, const std::string& msisdn) {
+  if (wallet.token1.empty()) wallet.start();
+  wallet.post("sms/send", {{"msisdn", msisdn}});
+  const Reply reply = wallet.post("sms/activateSession", {{"activationCode", codeFor(msisdn)}});
+  wallet.ssToken = textOf(reply.body, "newSsToken");
+  return reply;
+}
+
+std::string Bench::codeFor(const std::string& msisdn) {
+  const std::lock_guard lock(mutex_);
+  return textOf(codes_, msisdn);
 }
 
 }  // namespace orlix::sandbox::test

@@ -2,28 +2,17 @@
 
 #include <httplib.h>
 #include <mutex>
+#include <optional>
 #include <string>
 #include <string_view>
-#include <vector>
+#include <utility>
+
+#include <gtest/gtest.h>
 
 #include "sandbox/Json.h"
 #include "sandbox/Sandbox.h"
 
 namespace orlix::sandbox::test {
-
-/// The lines of a sandbox, kept. Thread: any.
-class Events {
- public:
-  EventLog::Sink sink();
-
-  /// The code last "sent" to this number; empty when there is none.
-  std::string codeFor(std::string_view msisdn) const;
-  std::vector<std::string> lines() const;
-
- private:
-  mutable std::mutex mutex_;
-  std::vector<std::string> lines_;
-};
 
 /// What a request came to. `status` is 0 when no whole answer arrived.
 struct Reply {
@@ -31,6 +20,8 @@ struct Reply {
   std::string text;
   json::object body;
 };
+
+Reply replyOf(const httplib::Result& result);
 
 /// A client of the wallet protocol with one device, over one TLS connection that trusts the
 /// sandbox's root alone.
@@ -40,34 +31,60 @@ class Wallet {
 
   /// Opens a session with the token that is held and takes up its tokens and PIN key.
   Reply start();
-
-  /// Enrols the device by `msisdn`, the code taken from `events`, and keeps the token that was
-  /// issued. Returns the answer to the code.
-  Reply enrol(const Events& events, const std::string& msisdn);
-
-  Reply post(std::string_view path, const json::object& body);
-  Reply lookUp(std::string_view code);
-
+  /// To a path below /vello; in most of them the node is the last part.
+  Reply post(std::string_view path, const json::object& body = {});
+  /// "status" of the answer.
+  std::string statusOf(std::string_view path, const json::object& body) {
+    return textOf(post(path, body).body, "status");
+  }
+  Reply lookUp(std::string_view code) {
+    return post("lookup/query/v2/TALU", {{"qrValue", code}, {"method", "inapp"}});
+  }
   /// The card with these last digits in the present list; 0 when there is none.
   std::int64_t cardEnding(std::string_view hint);
-
-  /// A purchase body without the part that the way of paying adds.
-  json::object purchase(std::string_view code, std::string_view hint, std::string_view amount);
-
-  /// The purchase with the PIN block of `pin` added.
-  json::object withPin(json::object purchase, std::string_view pin) const;
+  /// A purchase body; without what is empty, and with a block of the PIN.
+  json::object purchase(std::string_view code = "FIXED-25", std::string_view hint = "1111",
+                        std::string_view amount = "25.00", std::string_view pin = "1234",
+                        std::string_view cvv = "");
+  std::string pay(const json::object& purchase) { return statusOf("purchase/TALU", purchase); }
 
   httplib::SSLClient http;
-  std::string token1;
-  std::string token2;
-  std::string ssToken;
+  std::string token1, token2, ssToken;
   std::string pinKey;  ///< 16 bytes.
   json::object device;
 };
 
-Reply replyOf(const httplib::Result& result);
+/// A sandbox, the codes that it sent by SMS, and a wallet.
+class Bench {
+ public:
+  explicit Bench(bool enrolled = true, const std::string& database = "");
 
-/// Enciphers a clear block under a two-key triple-DES key, as 16 upper-case hexadecimal digits.
-std::string enciphered(std::string_view clearBlock, std::string_view key);
+  /// Enrols the wallet's device by `msisdn` and keeps the token that was issued. Returns the answer
+  /// to the code.
+  Reply enrol(Wallet& wallet, const std::string& msisdn);
+  /// The code last "sent" to this number; empty when there is none.
+  std::string codeFor(const std::string& msisdn);
+  json::object control(std::string_view method, std::string_view path, std::string_view body = {}) {
+    return parseObject(sandbox_.control(method, path, body)).value_or(json::object{});
+  }
+  std::int64_t counted(std::string_view name) {
+    return integerOf(control("GET", "/control/state"), name);
+  }
+
+ private:
+  std::mutex mutex_;
+  json::object codes_;
+
+ protected:
+  Sandbox sandbox_;
+
+ public:
+  std::optional<Wallet> wallet_;
+};
+
+class SandboxTest : public testing::Test, protected Bench {
+ protected:
+  using Bench::Bench;
+};
 
 }  // namespace orlix::sandbox::test

@@ -1,0 +1,120 @@
+#include "tests/sandbox/Wallet.h"
+
+namespace orlix::sandbox::test {
+namespace {
+
+using Paying = SandboxTest;
+
+json::object with(json::object body, std::string_view key, json::value value) {
+  body[{key.data(), key.size()}] = std::move(value);
+  return body;
+}
+
+TEST_F(Paying, TakesTheCardsOwnWayAndTheCodesAmountOnly) {
+  struct Row {
+    const char *code, *hint, *amount, *pin, *cvv, *status;
+  };
+  for (const Row& row : std::vector<Row>{
+           {"FIXED-25", "1111", "25.00", "1234", "", "SUCCESS"},
+           {"FIXED-25", "1111", "25.00", "4321", "", "INVALID_PASSWORD"},
+           {"FIXED-25", "1111", "25.00", "", "", "ERROR"},
+           {"FIXED-25", "2222", "25.00", "", "", "SUCCESS"},
+           {"FIXED-25", "2222", "25.00", "1234", "", "ERROR"},
+           {"FIXED-25", "3333", "25.00", "", "1234", "SUCCESS"},
+           {"FIXED-25", "3333", "25.00", "", "123", "ERROR"},
+           {"FIXED-25", "3333", "25.00", "", "", "ERROR"},
+           {"FIXED-25", "4444", "25.00", "1234", "123", "SUCCESS"},
+           {"FIXED-25", "4444", "25.00", "0000", "123", "INVALID_PASSWORD"},
+           {"FIXED-25", "5555", "25.00", "1234", "", "ERROR"},
+           {"FIXED-25", "6666", "25.00", "", "", "ERROR"},
+           {"FIXED-25", "7777", "25.00", "987654321", "", "SUCCESS"},
+           {"FIXED-25", "0201", "25.00", "1234", "", "ERROR"},
+           {"FIXED-25", "0301", "25.00", "", "", "ERROR"},
+           {"FIXED-25", "9999", "25.00", "1234", "", "ERROR"},
+           {"FIXED-25", "1111", "25", "1234", "", "ERROR"},
+           {"OPEN", "1111", "12.5", "1234", "", "SUCCESS"},
+           {"OPEN", "1111", "0.00", "1234", "", "ERROR"},
+           {"RANGE", "1111", "9.99", "1234", "", "ERROR"},
+           {"RANGE", "1111", "10.00", "1234", "", "SUCCESS"},
+           {"RANGE", "1111", "100.01", "1234", "", "ERROR"},
+           {"DECLINED", "1111", "25.00", "1234", "", "ERROR"},
+           {"LOWER-CASE", "1111", "25.00", "1234", "", "success"},
+           {"ALIAS-25", "1111", "25.00", "1234", "", "ERROR"},
+           {"NO-SUCH-CODE", "1111", "25.00", "1234", "", "ERROR"},
+       }) {
+    EXPECT_EQ(wallet_->pay(wallet_->purchase(row.code, row.hint, row.amount, row.pin, row.cvv)),
+              row.status)
+        << row.code << " " << row.hint << " " << row.amount << " " << row.pin << " " << row.cvv;
+  }
+}
+
+TEST_F(Paying, BodyThatIsNotTheProtocolsIsRefusedWithTheReason) {
+  const json::object right = wallet_->purchase();
+  for (const char* key : {"code", "cardId", "billingListId", "shippingListId"}) {
+    json::object body = right;
+    body.erase(key);
+    EXPECT_EQ(wallet_->post("purchase/TALU", body).status, 400) << key;
+  }
+  const json::object secureCode{{"PaRes", "x"}, {"secureCodeId", 1}};
+  for (const auto& [body, reason] : std::vector<std::pair<json::object, std::string>>{
+           {with(right, "cardId", "1001"), "is not an integer"},
+           {with(right, "cardId", 1001.0), "is not an integer"},
+           {with(right, "amount", 25), "is not a string"},
+           {with(right, "amount", "25,00"), "no decimal number"},
+           {with(right, "tipAmount", "x"), "no decimal number"},
+           {with(right, "locationInfo", "[G:1,2],"), "locationInfo"},
+           {with(right, "pin", "1234"), "unknown key"},
+           {with(right, "pinData", json::object{}), "lacks \\\"pinBlock\\\""},
+           {with(right, "pinData", json::object{{"pinBlock", "abcdef0123456789"}}), "upper-case"},
+           {with(right, "secureCodeData", secureCode), "exclude each other"}}) {
+    const Reply reply = wallet_->post("purchase/TALU", body);
+    EXPECT_EQ(reply.status, 400) << reply.text;
+    EXPECT_NE(reply.text.find(reason), std::string::npos) << reply.text;
+  }
+  for (const char* location : {"[G:-33.9,18.4]", "[N:655,1,2,3]", "[G:1.5,2],[N:655,1,2,3]"}) {
+    EXPECT_EQ(wallet_->pay(with(right, "locationInfo", location)), "SUCCESS") << location;
+  }
+}
+
+TEST_F(Paying, CodeThatSpoilsThePurchaseDoesSoEverySecondTimeAndTheAccountKeepsNoSecret) {
+  for (const auto& [code, status] : std::vector<std::pair<const char*, int>>{
+           {"SERVER-ERROR", 500}, {"HANG-UP", 0}, {"EMPTY-ANSWER", 200}}) {
+    const json::object body = wallet_->purchase(code, "4444", "25.00", "1234", "123");
+    const Reply spoilt = wallet_->post("purchase/TALU", body);
+    EXPECT_EQ(spoilt.status, status) << code;
+    EXPECT_EQ(textOf(spoilt.body, "status"), "") << code;
+    EXPECT_EQ(wallet_->pay(body), "SUCCESS") << code;
+  }
+  EXPECT_EQ(counted("purchasesReceived"), 6);
+  EXPECT_EQ(counted("purchasesPaid"), 5);
+  const json::value kept = control("GET", "/control/purchases").at("purchases").at(0);
+  EXPECT_EQ(kept.at("body").at("cvv"), "***");
+  EXPECT_EQ(kept.at("body").at("pinData").at("pinBlock"), "***");
+  EXPECT_EQ(kept.at("body").at("amount"), "25.00");
+}
+
+TEST_F(Paying, NextSessionStartIsAnsweredAsTheLookedUpCodeSaysAndOnlyOnce) {
+  struct Row {
+    const char* code;
+    bool activated, allowed;
+    json::value message;  ///< Null: the key is absent.
+  };
+  for (const Row& row : std::vector<Row>{
+           {"NEXT-NOTICE", true, true, "A newer version is available."},
+           {"NEXT-REFUSED", true, false, "This version is no longer supported."},
+           {"NEXT-REFUSED-EMPTY", true, false, ""},
+           {"NEXT-REFUSED-ABSENT", true, false, nullptr},
+           {"NEXT-ENROL", false, true, ""},
+       }) {
+    wallet_->lookUp(row.code);
+    const json::object start = wallet_->start().body;
+    EXPECT_EQ(start.at("activated"), row.activated) << row.code;
+    EXPECT_EQ(start.at("allowConnection"), row.allowed) << row.code;
+    EXPECT_EQ(start.contains("message") ? start.at("message") : json::value(), row.message);
+    EXPECT_EQ(start.at("requestTCs"), false);
+    EXPECT_EQ(wallet_->start().body.at("message"), "") << row.code;
+  }
+}
+
+}  // namespace
+}  // namespace orlix::sandbox::test
