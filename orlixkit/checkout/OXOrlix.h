@@ -6,12 +6,12 @@
 #include <string>
 
 #include "orlixkit/checkout/OXDelegates.h"
-#include "orlixkit/checkout/OXSession.h"
-#include "orlixkit/checkout/OXTransitioningDelegate.h"
 #include "orlixkit/platform/ui/ViewController.h"
-#include "orlixkit/protocol/OMVello.h"
+#include "orlixkit/protocol/OMVelloDelegate.h"
 
 namespace orlix {
+
+class OXTransitioningDelegate;
 
 /// 0 selects the live server, any other value (1 by convention) the test server.
 using OXSystem = std::int64_t;

@@ -8,16 +8,9 @@
 
 #include "orlixkit/platform/Bytes.h"
 #include "orlixkit/protocol/KCVelloConnection.h"
+#include "orlixkit/protocol/OMVelloDelegate.h"
 
 namespace orlix {
-
-/// Hears how a start ends. Both on the main thread.
-class OMVelloDelegate {
- public:
-  virtual ~OMVelloDelegate() = default;
-  virtual void velloNotActivated() = 0;
-  virtual void velloSessionEstablished() = 0;
-};
 
 /// What the session driver needs from the floors above it.
 class OMVelloEnvironment {
