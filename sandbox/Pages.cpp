@@ -8,13 +8,14 @@ namespace {
 
 constexpr std::string_view style = R"(
 body{margin:0;font-family:Inter,Helvetica,Arial,sans-serif;background:#f3f4f7;color:#1b1e26}
-header{background:#1b1e26;color:#fff;padding:14px 18px;font-weight:bold}
-main{padding:18px;max-width:32em;margin:0 auto}
-.card{background:#fff;border-radius:8px;padding:16px;box-shadow:0 1px 4px rgba(0,0,0,.15)}
-label{display:block;margin:14px 0 6px}
+header{background:#1b1e26;color:#fff;padding:10px 14px;font-weight:bold}
+main{padding:12px;max-width:32em;margin:0 auto}
+p{margin:0 0 8px}
+.card{background:#fff;border-radius:8px;padding:14px;box-shadow:0 1px 4px rgba(0,0,0,.15)}
+label{display:block;margin:8px 0 6px}
 input[type=text]{font-size:20px;letter-spacing:4px;padding:8px;width:100%;box-sizing:border-box;
 border:1px solid #707174;border-radius:5px}
-button{font-size:16px;padding:10px 18px;margin:16px 8px 0 0;border-radius:5px;border:1px solid #1b1e26}
+button{font:inherit;padding:10px 18px;margin:14px 8px 0 0;border-radius:5px;border:1px solid #1b1e26}
 #submit{background:#1b1e26;color:#fff}#cancel{background:#fff;color:#1b1e26}
 #message{color:#b3261e;min-height:1.2em}
 )";

@@ -28,6 +28,18 @@ std::string touching(const std::string& selector, const std::string& doing) {
          doing + "return '';})()";
 }
 
+/// Gives "found" when the element is there and the page has been drawn since, so that a picture
+/// shows what a script has waited for; a hidden page draws nothing.
+std::string lookingFor(const std::string& selector) {
+  return "(function(){try{if(!document.querySelector(" + quotedForScript(selector) +
+         "))return '';"
+         "if(document.hidden||globalThis.drawnFrames>=3)return 'found';"
+         "if(globalThis.drawnFrames===undefined){globalThis.drawnFrames=0;"
+         "const count=function(){if(++globalThis.drawnFrames<3)requestAnimationFrame(count);};"
+         "requestAnimationFrame(count);}"
+         "return '';}catch(e){return String(e);}})()";
+}
+
 }  // namespace
 
 void PageFinger::touch(const std::string& selector, const std::string& doing) {
@@ -71,9 +83,7 @@ void PageFinger::wait(const std::string& selector, std::chrono::milliseconds lim
     std::string refusal;
   };
   const auto look = std::make_shared<Look>();
-  const std::string script = "(function(){try{return document.querySelector(" +
-                             quotedForScript(selector) +
-                             ")?'found':'';}catch(e){return String(e);}})()";
+  const std::string script = lookingFor(selector);
   const auto lookAgain = [this, look, &script] {
     const std::shared_ptr<WebView> page = look->underWay ? nullptr : shownPage_();
     if (!page) {

@@ -24,7 +24,7 @@ class PageFinger {
   /// Touches the element and types the text behind what it holds, one character at a time.
   void type(const std::string& selector, const std::string& text);
   void click(const std::string& selector);
-  /// Returns when the shown page, whichever it is by then, has such an element.
+  /// Returns when the shown page, whichever it is by then, has such an element and has been drawn.
   void wait(const std::string& selector,
             std::chrono::milliseconds limit = std::chrono::seconds(90));
 
