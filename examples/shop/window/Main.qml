@@ -38,7 +38,10 @@ Rectangle {
             anchors.verticalCenter: parent.verticalCenter
             enabled: !root.shop.busy
             checked: root.shop.live
-            onToggled: root.shop.live = checked
+            onToggled: {
+                root.shop.live = checked;
+                checked = Qt.binding(() => root.shop.live);
+            }
         }
     }
 
