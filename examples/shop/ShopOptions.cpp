@@ -47,6 +47,21 @@ std::pair<double, double> location(const std::string& text) {
   return {degrees(text.substr(0, comma), 90), degrees(text.substr(comma + 1), 180)};
 }
 
+std::pair<int, int> windowSize(const std::string& text) {
+  std::pair<int, int> size;
+  const char* const end = text.data() + text.size();
+  const auto width = std::from_chars(text.data(), end, size.first);
+  const bool apart = width.ec == std::errc() && width.ptr != end && *width.ptr == 'x';
+  const auto height = apart ? std::from_chars(width.ptr + 1, end, size.second) : width;
+  constexpr int kMost = 8192;
+  const auto fits = [](int points) { return points >= 1 && points <= kMost; };
+  if (!apart || height.ec != std::errc() || height.ptr != end || !fits(size.first) ||
+      !fits(size.second)) {
+    throw UsageError("--window needs WIDTHxHEIGHT in points, such as 375x667");
+  }
+  return size;
+}
+
 std::int64_t systemNumber(const std::string& text) {
   if (text != "0" && text != "1") {
     throw UsageError("--system is 0 (live) or 1 (test), not \"" + text + "\"");
@@ -72,6 +87,7 @@ ShopOptions parseOptions(const std::vector<std::string>& arguments) {
       {"--location", [&](auto& value) { options.location = location(value); }},
       {"--terms", [&](auto& value) { options.terms = httpsAddress("--terms", value); }},
       {"--script", [&](auto& value) { options.script = value; }},
+      {"--window", [&](auto& value) { options.window = windowSize(value); }},
       {"--snapshots", [&](auto& value) { options.snapshots = value; }},
   };
   std::set<std::string> seen;
@@ -112,7 +128,7 @@ ShopOptions parseOptions(const std::vector<std::string>& arguments) {
 std::string usage() {
   return R"(usage: orlix-shop --server BASE --anchor FILE --state DIR
                   [--system 0|1] [--location LAT,LON] [--terms URL]
-                  [--script FILE] [--headless] [--snapshots DIR]
+                  [--script FILE] [--headless] [--snapshots DIR] [--window WxH]
 
   --server BASE       base address of the wallet server, such as https://127.0.0.1:8443/vello
   --anchor FILE       certificate to trust besides the system's roots (PEM or DER)
@@ -123,6 +139,7 @@ std::string usage() {
   --script FILE       commands to run, one a line; a pipe is read while the script runs
   --headless          run without a window
   --snapshots DIR     where the drawn shell saves its pictures
+  --window WxH        size of the window in points (default 375x667)
 
 Exit status: 0 every expectation of the script held, 1 one did not, 2 the command line is wrong.
 )";

@@ -26,6 +26,7 @@ struct ShopOptions {
   std::optional<std::string> script;
   bool headless = false;
   std::optional<std::string> snapshots;
+  std::pair<int, int> window{375, 667};  ///< width and height in points
   bool help = false;
 };
 

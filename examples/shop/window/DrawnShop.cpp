@@ -1,16 +1,13 @@
 #include "examples/shop/window/DrawnShop.h"
 
-#include <QGuiApplication>
-#include <QQmlComponent>
-#include <QQmlEngine>
-#include <QQuickItem>
-#include <QQuickWindow>
 #include <stdexcept>
+
 #include <unistd.h>
 
-#include "examples/shop/Shop.h"
+#include <QGuiApplication>
+#include <QQmlComponent>
+
 #include "examples/shop/window/QtDriver.h"
-#include "examples/shop/window/ShopCounter.h"
 #include "examples/shop/window/Warnings.h"
 #include "orlixkit/resources/CompiledBundle.h"
 #include "shell/OrlixShell.h"
@@ -20,28 +17,12 @@ namespace orlix::shop {
 
 namespace {
 
-constexpr QSize kPortrait(375, 667);
-
 /// The toolkit's arguments: none but a program's name.
 struct Arguments {
   int count = 1;
   char name[11] = "orlix-shop";
   char* values[2] = {name, nullptr};
 };
-
-/// What the toolkit looks for in the environment, where nobody has said otherwise.
-void prepareEnvironment() {
-  const bool display =
-      qEnvironmentVariableIsSet("DISPLAY") || qEnvironmentVariableIsSet("WAYLAND_DISPLAY");
-  if (!display && !qEnvironmentVariableIsSet("QT_QPA_PLATFORM")) {
-    qputenv("QT_QPA_PLATFORM", "offscreen");
-    qputenv("QT_QUICK_BACKEND", "software");
-  }
-  if (geteuid() == 0) {
-    // The web engine does not start as root otherwise.
-    qputenv("QTWEBENGINE_DISABLE_SANDBOX", "1");
-  }
-}
 
 Ports drawnPorts(const ShopOptions& options, QQmlEngine& engine) {
   try {
@@ -58,61 +39,76 @@ Ports drawnPorts(const ShopOptions& options, QQmlEngine& engine) {
   }
 }
 
-/// The shop's own drawing, filling the window.
-std::unique_ptr<QQuickItem> drawCounter(QQmlEngine& engine, QQuickWindow& window,
-                                        ShopCounter& counter) {
-  QQmlComponent component(&engine, QUrl(QStringLiteral("qrc:/orlix/shop/Main.qml")));
-  std::unique_ptr<QQuickItem> made(qobject_cast<QQuickItem*>(component.createWithInitialProperties(
-      {{QStringLiteral("shop"), QVariant::fromValue<QObject*>(&counter)}})));
-  if (!made) {
-    throw std::runtime_error("the shop cannot be drawn: " + component.errorString().toStdString());
+}  // namespace
+
+void DrawnShop::prepareEnvironment() {
+  const bool display =
+      qEnvironmentVariableIsSet("DISPLAY") || qEnvironmentVariableIsSet("WAYLAND_DISPLAY");
+  if (!display && !qEnvironmentVariableIsSet("QT_QPA_PLATFORM")) {
+    qputenv("QT_QPA_PLATFORM", "offscreen");
+    qputenv("QT_QUICK_BACKEND", "software");
   }
-  made->setParentItem(window.contentItem());
-  const auto fill = [&window, item = made.get()] { item->setSize(window.size()); };
-  QObject::connect(&window, &QWindow::widthChanged, made.get(), fill);
-  QObject::connect(&window, &QWindow::heightChanged, made.get(), fill);
-  fill();
-  return made;
+  if (geteuid() == 0) {
+    // The web engine does not start as root otherwise.
+    qputenv("QTWEBENGINE_DISABLE_SANDBOX", "1");
+  }
 }
 
-}  // namespace
+DrawnShop::DrawnShop(const ShopOptions& options, std::ostream& out, std::ostream& progress)
+    : options_(options),
+      ports_(drawnPorts(options, engine_)),
+      shop_(options, ports_, out, progress) {
+  window_.setTitle(QStringLiteral("Corner Shop"));
+  window_.resize(options.window.first, options.window.second);
+  shell::prepareEngine(engine_, ports_.bundle);
+  counter_ = std::make_unique<ShopCounter>(shop_.hostScreen(), shop_.outcomes(), options.system);
+  drawCounter();
+  presenter_ = std::make_unique<shell::ScreenPresenter>(engine_, window_);
+  QObject::connect(presenter_.get(), &shell::ScreenPresenter::emptied, counter_.get(),
+                   [this] { ports_.mainQueue->async([this] { counter_->leftAlone(); }); });
+  shop_.drawnBy(presenter_.get());
+  window_.show();
+  window_.requestActivate();
+  drawn_->forceActiveFocus();
+}
+
+DrawnShop::~DrawnShop() { shop_.drawnBy(nullptr); }
+
+void DrawnShop::drawCounter() {
+  QQmlComponent component(&engine_, QUrl(QStringLiteral("qrc:/orlix/shop/Main.qml")));
+  drawn_.reset(qobject_cast<QQuickItem*>(component.createWithInitialProperties(
+      {{QStringLiteral("shop"), QVariant::fromValue<QObject*>(counter_.get())}})));
+  if (!drawn_) {
+    throw std::runtime_error("the shop cannot be drawn: " + component.errorString().toStdString());
+  }
+  drawn_->setParentItem(window_.contentItem());
+  const auto fill = [this] { drawn_->setSize(window_.size()); };
+  QObject::connect(&window_, &QWindow::widthChanged, drawn_.get(), fill);
+  QObject::connect(&window_, &QWindow::heightChanged, drawn_.get(), fill);
+  fill();
+}
+
+void DrawnShop::run(ScriptSource& script) {
+  const Warnings warnings;
+  QtDriver driver(*presenter_, ports_.mainQueue, options_.snapshots);
+  shop_.run(script, driver);
+  if (!warnings.texts().isEmpty()) {
+    throw ScriptError("the drawing warned: " + warnings.texts().join("; ").toStdString());
+  }
+}
 
 void runDrawn(const ShopOptions& options, std::ostream& out, std::ostream& err) {
   const std::unique_ptr<ScriptSource> script =
       options.script ? openScript(*options.script) : nullptr;
-  prepareEnvironment();
+  DrawnShop::prepareEnvironment();
   shell::OrlixShell::initialize();
   Arguments arguments;
   const QGuiApplication application(arguments.count, arguments.values);
-  const Warnings warnings;
-  QQmlEngine engine;
-  const Ports ports = drawnPorts(options, engine);
-  QQuickWindow window;
-  window.setTitle(QStringLiteral("Corner Shop"));
-  window.resize(kPortrait);
-  Shop shop(options, ports, out, err);
-  shell::prepareEngine(engine, ports.bundle);
-  ShopCounter counter(shop.hostScreen(), shop.outcomes(), options.system);
-  const std::unique_ptr<QQuickItem> drawn = drawCounter(engine, window, counter);
-  shell::ScreenPresenter presenter(engine, window);
-  QObject::connect(&presenter, &shell::ScreenPresenter::emptied, &counter,
-                   [&] { ports.mainQueue->async([&] { counter.leftAlone(); }); });
-  shop.drawnBy(&presenter);
-  window.show();
-  window.requestActivate();
-  drawn->forceActiveFocus();
-  struct AtEnd {
-    Shop& shop;
-    ~AtEnd() { shop.drawnBy(nullptr); }
-  } const atEnd{shop};
-  if (!script) {
+  DrawnShop shop(options, out, err);
+  if (script) {
+    shop.run(*script);
+  } else {
     QGuiApplication::exec();
-    return;
-  }
-  QtDriver driver(presenter, ports.mainQueue, options.snapshots);
-  shop.run(*script, driver);
-  if (!warnings.texts().isEmpty()) {
-    throw ScriptError("the drawing warned: " + warnings.texts().join("; ").toStdString());
   }
 }
 

@@ -1,15 +1,54 @@
 #pragma once
 
+#include <memory>
 #include <ostream>
 
-#include "examples/shop/ShopOptions.h"
+#include <QQmlEngine>
+#include <QQuickItem>
+#include <QQuickWindow>
+
+#include "examples/shop/Shop.h"
+#include "examples/shop/window/ShopCounter.h"
+#include "shell/ScreenPresenter.h"
 
 namespace orlix::shop {
 
-/// Runs the shop in a window: by the script when the options name one, else until its user closes
-/// it. Without a display it is drawn all the same, and nobody sees it. A script fails also by a
-/// warning of the drawing language. Throws UsageError or ScriptError. Main thread; once in a
-/// process.
+/// The shop in a window, and the wallet drawn over it. Made on the application's thread, after the
+/// application object. Main thread.
+class DrawnShop {
+ public:
+  /// Throws UsageError when the options name something that cannot be used.
+  DrawnShop(const ShopOptions& options, std::ostream& out, std::ostream& progress);
+  ~DrawnShop();
+  DrawnShop(const DrawnShop&) = delete;
+  DrawnShop& operator=(const DrawnShop&) = delete;
+
+  /// Runs the script to its end. Throws ScriptError with the line number and the reason, also for a
+  /// warning of the toolkit: what is drawn is to draw without a word.
+  void run(ScriptSource& script);
+
+  QQuickWindow& window() { return window_; }
+  shell::ScreenPresenter& presenter() { return *presenter_; }
+
+  /// What the toolkit finds in the environment, where nobody has said otherwise: without a display
+  /// it draws all the same, and nobody sees it. To be called before the application object is made.
+  static void prepareEnvironment();
+
+ private:
+  void drawCounter();
+
+  ShopOptions options_;
+  QQmlEngine engine_;
+  QQuickWindow window_;
+  Ports ports_;
+  Shop shop_;
+  std::unique_ptr<ShopCounter> counter_;
+  std::unique_ptr<QQuickItem> drawn_;
+  std::unique_ptr<shell::ScreenPresenter> presenter_;
+};
+
+/// Runs the shop in a window: by the script when the options name one, else until its user closes it.
+/// Throws UsageError or ScriptError. Once in a process.
 void runDrawn(const ShopOptions& options, std::ostream& out, std::ostream& err);
 
 }  // namespace orlix::shop

@@ -18,14 +18,16 @@ Kept& kept() {
   return one;
 }
 
-/// The web engine's own module says of its own types that they are no proper ones, at each import.
-bool isOfTheWebEngineItself(const QString& text) {
-  return text.startsWith(QStringLiteral("QWebEngine")) &&
-         text.contains(QStringLiteral("neither a QObject"));
+/// The web engine's module says of its own types that they are no proper ones, at each import, and
+/// that it draws in software where there is nothing else.
+bool isOfTheWebEngineItself(const QMessageLogContext& context, const QString& text) {
+  return qstrcmp(context.category, "qt.webenginecontext") == 0 ||
+         (text.startsWith(QStringLiteral("QWebEngine")) &&
+          text.contains(QStringLiteral("neither a QObject")));
 }
 
 void keep(QtMsgType type, const QMessageLogContext& context, const QString& text) {
-  if ((type == QtWarningMsg || type == QtCriticalMsg) && !isOfTheWebEngineItself(text)) {
+  if ((type == QtWarningMsg || type == QtCriticalMsg) && !isOfTheWebEngineItself(context, text)) {
     const std::lock_guard lock(kept().lock);
     kept().texts.append(text);
   }
