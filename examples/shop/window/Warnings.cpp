@@ -20,14 +20,14 @@ Kept& kept() {
 
 /// The web engine's module says of its own types that they are no proper ones, at each import, and
 /// that it draws in software where there is nothing else.
-bool isOfTheWebEngineItself(const QMessageLogContext& context, const QString& text) {
-  return qstrcmp(context.category, "qt.webenginecontext") == 0 ||
+bool isOfTheWebEngineItself(const QString& text) {
+  return text.startsWith(QStringLiteral("No suitable graphics backend found")) ||
          (text.startsWith(QStringLiteral("QWebEngine")) &&
           text.contains(QStringLiteral("neither a QObject")));
 }
 
 void keep(QtMsgType type, const QMessageLogContext& context, const QString& text) {
-  if ((type == QtWarningMsg || type == QtCriticalMsg) && !isOfTheWebEngineItself(context, text)) {
+  if ((type == QtWarningMsg || type == QtCriticalMsg) && !isOfTheWebEngineItself(text)) {
     const std::lock_guard lock(kept().lock);
     kept().texts.append(text);
   }
