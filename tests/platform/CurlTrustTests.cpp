@@ -117,10 +117,10 @@ TEST_F(ServerTrustTest, NothingBelowTls12IsSpokenEvenWhereTheSystemAllowsIt) {
                             "CipherString = DEFAULT@SECLEVEL=0\n";
   ASSERT_EQ(CONF_modules_load_file(lenient.c_str(), nullptr, 0), 1);
   {
-    TlsServer old(serverIdentity(), answerAll, {.highestVersion = TLS1_1_VERSION});
+    TlsServer old(serverIdentity(), answerAll, TLS1_1_VERSION);
     EXPECT_EQ(exchange(post(old.address("/"))), (Events{"fail"}));
     EXPECT_EQ(old.handshakes(), 0);
-    TlsServer enough(serverIdentity(), answerAll, {.highestVersion = TLS1_2_VERSION});
+    TlsServer enough(serverIdentity(), answerAll, TLS1_2_VERSION);
     EXPECT_EQ(exchange(post(enough.address("/"))).back(), "finish");
   }
   CONF_modules_unload(1);

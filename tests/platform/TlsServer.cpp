@@ -84,8 +84,8 @@ void TlsConnection::awaitClose() {
   }
 }
 
-TlsServer::TlsServer(const Identity& identity, Serve serve, Options options)
-    : context_(makeContext(identity, options.highestVersion)), serve_(std::move(serve)) {
+TlsServer::TlsServer(const Identity& identity, Serve serve, int highestVersion)
+    : context_(makeContext(identity, highestVersion)), serve_(std::move(serve)) {
   std::signal(SIGPIPE, SIG_IGN);  // the tests hang up while the other end writes
   listener_ = ::socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0);
   sockaddr_in address{};

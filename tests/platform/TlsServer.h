@@ -42,13 +42,10 @@ class TlsConnection {
 /// a thread of its own, and hangs up when that returns.
 class TlsServer {
  public:
-  struct Options {
-    int highestVersion = 0;  ///< TLS1_1_VERSION and so on; 0 for any
-  };
   using Serve = std::function<void(TlsConnection&)>;
 
-  TlsServer(const Identity& identity, Serve serve, Options options);
-  TlsServer(const Identity& identity, Serve serve) : TlsServer(identity, std::move(serve), {}) {}
+  /// `highestVersion`: TLS1_1_VERSION and so on; 0 for any.
+  TlsServer(const Identity& identity, Serve serve, int highestVersion = 0);
   ~TlsServer();
   TlsServer(const TlsServer&) = delete;
   TlsServer& operator=(const TlsServer&) = delete;
