@@ -1,17 +1,11 @@
-#include <chrono>
 #include <random>
 
-#include <gtest/gtest.h>
-
-#include "orlixkit/checkout/OXSession.h"
 #include "orlixkit/platform/memory/Interleavings.h"
-#include "tests/checkout/Phone.h"
+#include "tests/phone/Phone.h"
 
 namespace orlix::test {
 
 namespace {
-
-using namespace std::chrono_literals;
 
 /// Every order of the first events, then orders by lot, in which also threads overtake one another.
 void inEveryOrder(const std::function<void(const Chooser&, bool preemptive)>& scenario) {
@@ -45,13 +39,6 @@ struct OpenPhone {
   void touch(const std::string& action) {
     phone.host.later(0s, [this, action] { screen->performAction(action); });
   }
-  void pressWhenThere(const std::string& button) {
-    phone.host.later(0s, [this, button] {
-      if (const auto alert = phone.host.user().topAlert()) {
-        phone.host.pressAlert(button);
-      }
-    });
-  }
 
   bool open = false;
   Phone phone;
@@ -69,8 +56,8 @@ TEST(EveryOrder, OfAnswersTapsAndAlertsEndsInOneCallbackAndPaysOnce) {
   const std::vector<Case> cases{
       {"paid", [](FakeWallet&) {}, 1},
       {"declined", [](FakeWallet& wallet) { wallet.purchase = R"({"status":"ERROR"})"; }, 1},
-      {"the purchase fails once", [](FakeWallet& wallet) { wallet.nextFails("/purchase/"); }, 2},
-      {"a poll fails once", [](FakeWallet& wallet) { wallet.nextFails("/receipt/poll/"); }, 1},
+      {"the purchase fails", [](FakeWallet& w) { w.next("/purchase/", unreachable()); }, 2},
+      {"a poll fails", [](FakeWallet& w) { w.next("/receipt/poll/", unreachable()); }, 1},
   };
   for (const Case& row : cases) {
     for (const std::string button : {"Retry", "Cancel"}) {
@@ -79,7 +66,11 @@ TEST(EveryOrder, OfAnswersTapsAndAlertsEndsInOneCallbackAndPaysOnce) {
         OpenPhone run(chooser, preemptive, row.script);
         run.touch("proceedAction");
         run.touch("proceedAction");
-        run.pressWhenThere(button);
+        run.phone.host.later(0s, [&] {
+          if (run.phone.host.user().topAlert()) {
+            run.phone.host.pressAlert(button);
+          }
+        });
         run.touch("cancelAction");
         run.phone.host.runFor(100s);
         EXPECT_LE(run.phone.wallet.asked("/purchase/"), row.mostPurchases);
@@ -94,19 +85,16 @@ TEST(EveryOrder, OfAnswersTapsAndAlertsEndsInOneCallbackAndPaysOnce) {
 TEST(EveryOrder, OfAPaymentAndASecondEntryCallLeavesEachHostItsOwnOutcome) {
   inEveryOrder([&](const Chooser& chooser, bool preemptive) {
     OpenPhone run(chooser, preemptive, [](FakeWallet& wallet) {
-      wallet.next("/purchase/", ServerReply::of(200, R"({"status":"SUCCESS","transactionId":1})"));
+      wallet.next("/purchase/", ok(R"({"status":"SUCCESS","transactionId":1})"));
     });
     const auto first = run.phone.app;
-    const auto second = std::make_shared<HostApp>();
     run.touch("proceedAction");
-    run.phone.host.later(0s, [&] {
-      run.phone.app = second;
-      run.phone.facade = OXOrlix::make();
-      run.phone.checkout();
-    });
+    run.phone.host.later(0s, [&] { run.phone.beginAnew(Entry::checkout); });
     run.touch("cancelAction");
     run.phone.host.runUntilScreen("Product");
     run.phone.host.runFor(100s);
+    const auto second = run.phone.app;
+    EXPECT_NE(second, first);
     EXPECT_LE(first->heard.size(), 1U);
     EXPECT_TRUE(second->heard.empty());
     run.phone.pay();
@@ -115,6 +103,24 @@ TEST(EveryOrder, OfAPaymentAndASecondEntryCallLeavesEachHostItsOwnOutcome) {
     EXPECT_EQ(second->heard, Heard{bothPaid ? "succeeded 9007199254740993" : "succeeded 1"});
     EXPECT_LE(first->heard.size(), 1U);
   });
+}
+
+TEST(EveryOrder, OfTwoEntryCallsAtOnceTheLastOneCounts) {
+  for (unsigned seed = 0; seed < 100; ++seed) {
+    SCOPED_TRACE(seed);
+    std::mt19937 lot(seed);
+    Phone phone(
+        {.chooser = [&lot](std::size_t count) { return lot() % count; }, .preemptive = true});
+    phone.begin(Entry::preRegister);
+    const auto first = phone.app;
+    phone.beginAnew(Entry::checkout);
+    phone.host.runFor(100s);
+    EXPECT_EQ(phone.screen(), "Product");
+    phone.pay();
+    phone.host.runFor(100s);
+    EXPECT_TRUE(first->heard.empty());
+    EXPECT_EQ(phone.app->heard, Heard{"succeeded 9007199254740993"});
+  }
 }
 
 }  // namespace orlix::test

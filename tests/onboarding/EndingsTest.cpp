@@ -1,157 +1,91 @@
-#include <functional>
-#include <map>
 #include <random>
-#include <string>
-#include <vector>
-
-#include <gtest/gtest.h>
 
 #include "orlixkit/platform/ui/TableView.h"
-#include "tests/onboarding/Flow.h"
+#include "orlixkit/records/Failures.h"
+#include "tests/phone/Phone.h"
 
-namespace orlix {
+namespace orlix::test {
+
 namespace {
 
 using std::chrono::milliseconds;
-using std::chrono::seconds;
 
 struct Ending {
   std::string name;
-  std::function<void(Flow&)> reach;  ///< up to the last tap, that included
-  Calls expected;
+  std::function<void(Phone&)> reach;
+  std::string lastTap;
+  Heard expected;
 };
 
-void tap(Flow& flow, const std::string& name) { flow.host.topController()->performAction(name); }
-
-void relinkInPreRegistration(Flow& flow) {
-  flow.answer("/card/link/", Answers::kRelink);
-  flow.beginAddCard(Entry::preRegister);
-  flow.proceedWithCard();
-  flow.host.runUntilScreen("MsisdnRelink");
-  flow.answer("/card/link/", Answers::kLinked);
-  tap(flow, "proceedAction");
+void askToRelink(Phone& phone) {
+  phone.wallet.next("/card/link/", ok(answers::kRelink));
+  phone.beginAddCard(Entry::preRegister);
+  phone.proceedWithCard();
+  phone.host.runUntilScreen("MsisdnRelink");
 }
 
-void declineTerms(Flow& flow) {
-  flow.answer("/session/new", Answers::kNewTerms);
-  flow.answer("/lookup/", "{}", seconds(30));
-  flow.begin(Entry::checkout, "TermsAndConditionChange", "");
-  tap(flow, "declineAction");
+void askForTerms(Phone& phone) {
+  phone.wallet.session = answers::kNewTerms;
+  phone.wallet.always("/lookup/", late(30s, "{}"));
+  phone.begin(Entry::checkout, "TermsAndConditionChange");
+}
+
+/// An enrolment up to its last tap, with this answer to the lookup that follows.
+std::function<void(Phone&)> enrolWith(const std::string& lookup) {
+  return [lookup](Phone& phone) {
+    phone.wallet.always("/lookup/", lookup);
+    phone.beginEnrolment(Entry::checkout);
+  };
+}
+
+void fillInCard(Phone& phone) {
+  phone.beginAddCard(Entry::preRegister);
+  phone.host.user().replaceAll("cardNumberField", "4000123412341234");
+  phone.host.user().replaceAll("cardHolderField", "A N Other");
 }
 
 const std::vector<Ending>& endings() {
+  const auto number = [](Phone& phone) { phone.beginActivation(Entry::checkout, ""); };
+  const auto code = [](Phone& phone) { phone.beginEnrolment(Entry::checkout); };
+  const auto codeToRegister = [](Phone& phone) { phone.beginEnrolment(Entry::preRegister); };
+  const auto form = [](Phone& phone) { phone.beginAddCard(Entry::preRegister); };
+  const auto wallet = [](Phone& phone) { phone.begin(Entry::wallet, "WalletManagement"); };
+  const auto withTip = enrolWith(R"({"codeInfo":{"code":"C","requestTip":true}})");
   static const std::vector<Ending> kEndings{
-      {"cancel on the number",
-       [](Flow& flow) {
-         flow.answer("/session/new", Answers::kNotActivated);
-         flow.begin(Entry::checkout, "Activation", "");
-         tap(flow, "cancelAction");
-       },
-       {"cancelled"}},
-      {"cancel on the code",
-       [](Flow& flow) {
-         flow.beginEnrolment(Entry::checkout);
-         tap(flow, "cancelAction");
-       },
-       {"cancelled"}},
-      {"enrolled for pre-registration, with a card",
-       [](Flow& flow) {
-         flow.beginEnrolment(Entry::preRegister);
-         tap(flow, "proceedAction");
-       },
-       {"registered"}},
-      {"enrolled for a code that asks for a tip",
-       [](Flow& flow) {
-         flow.answer("/lookup/", R"({"codeInfo":{"code":"C","requestTip":true}})");
-         flow.beginEnrolment(Entry::checkout);
-         tap(flow, "proceedAction");
-       },
-       {"error 4"}},
-      {"cancel of the form in pre-registration",
-       [](Flow& flow) {
-         flow.beginAddCard(Entry::preRegister);
-         tap(flow, "cancelAction");
-       },
-       {"cancelled"}},
-      {"a card linked in pre-registration",
-       [](Flow& flow) {
-         flow.beginAddCard(Entry::preRegister);
-         flow.proceedWithCard();
-       },
-       {"registered"}},
-      {"a card confirmed in pre-registration", relinkInPreRegistration, {"registered"}},
-      {"the wallet closed",
-       [](Flow& flow) {
-         flow.begin(Entry::wallet, "WalletManagement", "");
-         tap(flow, "DoneClicked");
-       },
-       {"completed"}},
-      {"changed terms declined", declineTerms, {"cancelled"}},
-      {"no code information after the enrolment: a path without a callback",
-       [](Flow& flow) {
-         flow.answer("/lookup/", "{}");
-         flow.beginEnrolment(Entry::checkout);
-         tap(flow, "proceedAction");
-       },
-       {}},
+      {"cancel on the number", number, "cancelAction", {"cancelled"}},
+      {"cancel on the code", code, "cancelAction", {"cancelled"}},
+      {"enrolled, with a card", codeToRegister, "proceedAction", {"registered"}},
+      {"enrolled for a code that asks for a tip", withTip, "proceedAction", {"error 4"}},
+      {"enrolled for no code: a path without a callback", enrolWith("{}"), "proceedAction", {}},
+      {"cancel of the form in pre-registration", form, "cancelAction", {"cancelled"}},
+      {"a card linked in pre-registration", fillInCard, "proceedAction", {"registered"}},
+      {"a card confirmed in pre-registration", askToRelink, "proceedAction", {"registered"}},
+      {"the wallet closed", wallet, "DoneClicked", {"wallet done"}},
+      {"changed terms declined", askForTerms, "declineAction", {"cancelled"}},
   };
   return kEndings;
 }
 
 TEST(Ending, MakesOneCallbackAfterEveryScreenIsGone) {
   for (const Ending& ending : endings()) {
-    Flow flow;
-    ending.reach(flow);
-    const auto last = flow.host.topController();
-    flow.host.runFor(seconds(100));
-    EXPECT_EQ(flow.application->calls, ending.expected) << ending.name;
+    SCOPED_TRACE(ending.name);
+    Phone phone;
+    ending.reach(phone);
+    phone.act(ending.lastTap);
+    const auto last = phone.host.topController();
+    phone.host.runFor(100s);
+    EXPECT_EQ(phone.app->heard, ending.expected);
     if (ending.expected.empty()) {
       continue;
     }
-    EXPECT_EQ(flow.host.topController(), flow.host.root()) << ending.name;
-    EXPECT_FALSE(flow.indicatorIsUp()) << ending.name;
+    EXPECT_EQ(phone.host.topController(), phone.host.root());
+    EXPECT_FALSE(phone.busy());
     for (const std::string& action : last->actionNames()) {
       last->performAction(action);
     }
-    flow.host.runFor(seconds(100));
-    EXPECT_EQ(flow.application->calls, ending.expected) << ending.name << ", tapped once more";
-    EXPECT_EQ(flow.host.topController(), flow.host.root()) << ending.name;
-  }
-}
-
-TEST(Ending, ComesOnceThoughTheLastTapIsMadeTwice) {
-  for (const Ending& ending : endings()) {
-    Flow flow;
-    ending.reach(flow);
-    const auto top = flow.host.topController();
-    for (const char* action : {"proceedAction", "cancelAction", "DoneClicked", "declineAction"}) {
-      if (top->hasAction(action)) {
-        top->performAction(action);
-      }
-    }
-    flow.host.runFor(seconds(100));
-    EXPECT_LE(flow.application->calls.size(), 1U) << ending.name;
-  }
-}
-
-TEST(Ending, OfAReplacedFlowReachesNeitherHostTwice) {
-  for (const Ending& ending : endings()) {
-    Flow flow;
-    ending.reach(flow);
-    const auto replaced = flow.application;
-    const Calls before = replaced->calls;
-    flow.application = std::make_shared<RecordingHost>();
-    flow.answer("/session/new", Answers::kSession);
-    flow.setCards({cardJson(5, "0005")});
-    flow.begin(Entry::wallet);
-    flow.host.runFor(seconds(100));
-    // A return that was under way is owed to its host; nothing else is.
-    EXPECT_TRUE(replaced->calls.empty() || replaced->calls == ending.expected) << ending.name;
-    EXPECT_EQ(flow.application->calls, Calls{}) << ending.name;
-    EXPECT_EQ(flow.screen(), "WalletManagement") << ending.name;
-    tap(flow, "DoneClicked");
-    flow.host.runFor(seconds(100));
-    EXPECT_EQ(flow.application->calls, Calls{"completed"}) << ending.name;
+    phone.host.runFor(100s);
+    EXPECT_EQ(phone.app->heard, ending.expected) << "tapped once more";
+    EXPECT_EQ(phone.host.topController(), phone.host.root());
   }
 }
 
@@ -161,97 +95,95 @@ class Story {
  public:
   explicit Story(unsigned seed)
       : random_(seed),
-        flow_({.chooser = [this](std::size_t n) { return pick(n); },
-               .timeCompetes = seed % 2 == 1,
-               .preemptive = seed % 3 == 0}) {
+        phone_({.chooser = [this](std::size_t n) { return pick(n); },
+                .timeCompetes = seed % 2 == 1,
+                .preemptive = seed % 3 == 0}) {
     letTheServerWaver();
   }
 
   void play() {
     enter();
     for (int i = 0; i < 40; ++i) {
-      flow_.host.later(milliseconds(pick(20'000)), [this] { doSomething(); });
+      phone_.host.later(milliseconds(pick(20'000)), [this] { doSomething(); });
     }
-    flow_.host.runFor(seconds(300));
-    letTheServerAnswer();
+    phone_.host.runFor(300s);
+    wavers_ = false;
     leave();
   }
 
-  const std::vector<std::shared_ptr<RecordingHost>>& applications() const { return applications_; }
-  bool endsWithoutACallback() const { return silent_; }
-  std::string told() const { return told_; }
+  std::vector<std::shared_ptr<HostApp>> applications;
+  bool endsWithoutACallback = false;
+  std::string told;
 
  private:
   std::size_t pick(std::size_t n) { return static_cast<std::size_t>(random_() % n); }
 
   void enter() {
-    flow_.application = std::make_shared<RecordingHost>();
-    applications_.push_back(flow_.application);
-    flow_.begin(static_cast<Entry>(pick(3)), pick(2) == 0 ? "" : "0821234567");
-    told_ += " enter";
+    phone_.app = std::make_shared<HostApp>();
+    applications.push_back(phone_.app);
+    phone_.begin(static_cast<Entry>(pick(3)), "", pick(2) == 0 ? "" : "0821234567");
+    told += " enter";
   }
 
   void letTheServerWaver() {
-    const std::vector<std::pair<std::string, std::vector<std::string>>> answers{
-        {"/session/new", {Answers::kSession, Answers::kNotActivated, Answers::kNewTerms}},
-        {"/sms/", {Answers::kSmsSent, Answers::kSmsSent, Answers::kFailed}},
-        {"/card/link/", {Answers::kLinked, Answers::kRelink, Answers::kFailed, "{}"}},
-        {"/card/bin/",
-         {Answers::kNothingNeeded, R"({"cardSupported":true,"needAccount":true})", "{}"}},
-        {"/card/validate/", {R"({"message":"Your card has been added"})", "{}"}},
-        {"/card/list/", {R"({"cards":[]})", R"({"cards":[{"cardId":5}]})"}},
+    using namespace answers;
+    const std::vector<std::pair<std::string, std::vector<std::string>>> bodies{
+        {"/session/new", {kSession, kNotActivated, kNewTerms}},
+        {"/lookup/",
+         {R"({"codeInfo":{"code":"C","amountString":"5.00","amount":"5.00"},)"
+          R"("cardList":{"cards":[{"cardId":5,"method":"CNP"}]}})"}},
+        {"/sms/", {kSmsSent, kSmsSent, kFailed}},
+        {"/card/link/", {kLinked, kRelink, kFailed, "{}"}},
+        {"/card/bin/", {kNothingNeeded, R"({"cardSupported":true,"needAccount":true})", "{}"}},
+        {"/card/validate/", {kValidated, "{}"}},
+        {"/card/list/", {R"({"cards":[{"cardId":5}]})", R"({"cards":[]})"}},
         {"/card/delink/", {"{}"}},
         {"/profile/updateTC", {"{}"}},
     };
-    for (const auto& [path, bodies] : answers) {
-      flow_.host.connections().on(path, [this, bodies = bodies](const RecordedRequest&) {
-        ServerReply reply = ServerReply().after(milliseconds(pick(4'000)));
-        if (pick(5) == 0) {
-          return reply.fail("unreachable");
+    for (const auto& [path, choice] : bodies) {
+      phone_.host.connections().on(path, [this, choice = choice](const RecordedRequest&) {
+        if (!wavers_) {
+          return ok(choice.front());
         }
-        return reply.status(200).body(bodies[pick(bodies.size())]);
+        ServerReply reply = ServerReply().after(milliseconds(pick(4'000)));
+        return pick(5) == 0 ? reply.fail("unreachable")
+                            : reply.status(200).body(choice[pick(choice.size())]);
       });
     }
   }
 
-  void letTheServerAnswer() {
-    flow_.answer("/session/new", Answers::kSession);
-    flow_.answer("/card/link/", Answers::kLinked);
-    flow_.setCards({cardJson(5, "0005")});
-  }
-
   void doSomething() {
-    const auto top = flow_.host.topController();
+    const auto top = phone_.host.topController();
+    const auto table = std::dynamic_pointer_cast<TableView>(top->outletNamed("tableView"));
     if (pick(15) == 0) {
       enter();
     } else if (const auto alert = std::dynamic_pointer_cast<AlertController>(top)) {
-      told_ += " " + alert->title();
+      told += " " + alert->title();
       alert->press(pick(alert->actions().size()));
-    } else if (const auto table =
-                   std::dynamic_pointer_cast<TableView>(top->outletNamed("tableView"));
-               table && table->rowCount() > 0 && pick(2) == 0) {
-      told_ += " row";
+    } else if (table && table->rowCount() > 0 && pick(2) == 0) {
+      told += " row";
       const auto button = table->cell(0).button;
       button&& pick(2) == 0 ? button->onTouchUpInside() : table->select(0);
     } else if (!top->actionNames().empty()) {
       fillIn(*top);
       const std::string action = top->actionNames()[pick(top->actionNames().size())];
-      told_ += " " + top->identifier() + "." + action;
+      told += " " + top->identifier() + "." + action;
       // Without asking the indicator's mask: a script may get past it.
       try {
         top->performAction(action);
       } catch (const NetworkException&) {
-        told_ += " (failed)";
+        told += " (failed)";
       }
     }
   }
 
   static void fillIn(ViewController& screen) {
-    const std::map<std::string, std::string> texts{{"msisdnField", "0821234567"},
-                                                   {"codeField", "1234"},
-                                                   {"cardNumberField", "4000123412341234"},
-                                                   {"cardHolderField", "A N Other"},
-                                                   {"dateOfBirthField", "31121999"}};
+    const std::vector<std::pair<std::string, std::string>> texts{
+        {"msisdnField", "0821234567"},
+        {"codeField", "1234"},
+        {"cardNumberField", "4000123412341234"},
+        {"cardHolderField", "A N Other"},
+        {"dateOfBirthField", "31121999"}};
     for (const auto& [name, text] : texts) {
       if (const auto field = std::dynamic_pointer_cast<TextField>(screen.outletNamed(name))) {
         field->setText(text);
@@ -261,40 +193,37 @@ class Story {
 
   /// Presses the first button of every alert and goes back from every screen.
   void leave() {
-    static const std::vector<std::string> kWaysOut{"DoneClicked", "declineAction", "backAction",
-                                                   "cancelAction", "back"};
     for (int i = 0; i < 30; ++i) {
-      flow_.host.runFor(seconds(100));
-      const auto top = flow_.host.topController();
-      if (top == flow_.host.root()) {
+      phone_.host.runFor(100s);
+      const auto top = phone_.host.topController();
+      if (top == phone_.host.root()) {
+        return;
+      }
+      if (top->identifier() == "Waiting") {
+        endsWithoutACallback = true;
         return;
       }
       if (const auto alert = std::dynamic_pointer_cast<AlertController>(top)) {
         alert->press(0);
         continue;
       }
-      if (top->identifier() == "Waiting") {
-        silent_ = true;
-        return;
-      }
-      for (const std::string& action : kWaysOut) {
+      for (const std::string action :
+           {"DoneClicked", "declineAction", "backAction", "cancelAction", "back"}) {
         const bool endsEditingOnly =
             action == "DoneClicked" && top->identifier() != "WalletManagement";
         if (top->hasAction(action) && !endsEditingOnly) {
-          told_ += " " + top->identifier() + "." + action;
+          told += " " + top->identifier() + "." + action;
           top->performAction(action);
           break;
         }
       }
     }
-    ADD_FAILURE() << "no way out:" << told_;
+    ADD_FAILURE() << "no way out:" << told;
   }
 
   std::mt19937 random_;
-  Flow flow_;
-  std::vector<std::shared_ptr<RecordingHost>> applications_;
-  bool silent_ = false;
-  std::string told_;
+  bool wavers_ = true;
+  Phone phone_;
 };
 
 TEST(Ending, ComesExactlyOnceInWhateverOrderTapsAlertsAndAnswersCome) {
@@ -302,12 +231,12 @@ TEST(Ending, ComesExactlyOnceInWhateverOrderTapsAlertsAndAnswersCome) {
   for (unsigned seed = 0; seed < 300; ++seed) {
     Story story(seed);
     story.play();
-    const auto& applications = story.applications();
-    for (const auto& application : applications) {
-      EXPECT_LE(application->calls.size(), 1U) << "seed " << seed << ":" << story.told();
+    SCOPED_TRACE("seed " + std::to_string(seed) + ":" + story.told);
+    for (const auto& application : story.applications) {
+      EXPECT_LE(application->heard.size(), 1U);
     }
-    if (!story.endsWithoutACallback()) {
-      EXPECT_EQ(applications.back()->calls.size(), 1U) << "seed " << seed << ":" << story.told();
+    if (!story.endsWithoutACallback) {
+      EXPECT_EQ(story.applications.back()->heard.size(), 1U);
       ++ended;
     }
   }
@@ -315,4 +244,4 @@ TEST(Ending, ComesExactlyOnceInWhateverOrderTapsAlertsAndAnswersCome) {
 }
 
 }  // namespace
-}  // namespace orlix
+}  // namespace orlix::test

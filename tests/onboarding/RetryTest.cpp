@@ -1,154 +1,156 @@
-#include <functional>
-#include <string>
-#include <vector>
+#include "tests/phone/Phone.h"
 
-#include <gtest/gtest.h>
+namespace orlix::test {
 
-#include "tests/onboarding/Flow.h"
-
-namespace orlix {
 namespace {
 
-constexpr const char* kConnectionProblem =
-    "Connection problem: Please check your network connection and try again.";
-
-/// A step of these screens whose request may fail.
+/// A step whose request may fail. Those that lead to no screen of ours end the flow.
 struct Step {
-  std::string name;
-  std::string path;
-  /// Up to the tap that makes the request, that included.
-  std::function<void(Flow&)> take;
-  std::string screen;      ///< where the user stands while it fails
-  int attempts;            ///< requests before the user is asked
-  std::string answer;      ///< that lets the flow go on
-  std::string nextScreen;  ///< where it goes on
+  std::string name, path;
+  std::size_t attempts;               ///< requests before the user is asked
+  std::string answer;                 ///< that lets the flow go on
+  std::string goesOnTo, cancelledTo;  ///< screens; "" for the host's own
+  std::function<void(Phone&)> take;   ///< up to the tap that makes the request, that included
+
+  Heard outcome() const { return goesOnTo.empty() ? Heard{"succeeded 1"} : Heard{}; }
+  Heard outcomeOfCancel() const { return cancelledTo.empty() ? Heard{"cancelled"} : Heard{}; }
 };
 
-void openCards(Flow& flow) {
-  flow.begin(Entry::wallet, "WalletManagement", "");
-  flow.host.tap("cardView");
-  flow.host.runUntilIdle();
+void checkout(Phone& phone) { phone.checkout(); }
+void payFor(Phone& phone) {
+  phone.wallet.purchase = R"({"status":"SUCCESS","transactionId":1})";
+  phone.showPaymentScreen();
+  phone.pay();
+}
+void sendNumber(Phone& phone) {
+  phone.beginActivation(Entry::checkout, "0821234567");
+  phone.host.tap("proceedButton");
+}
+void sendCode(Phone& phone) {
+  phone.beginEnrolment(Entry::checkout);
+  phone.host.type("codeField", "1234");
+  phone.host.tap("proceedButton");
+}
+void linkCard(Phone& phone) {
+  phone.beginAddCard(Entry::wallet);
+  phone.wallet.next("/card/link/", ok(answers::kRelink), 9);
+  phone.proceedWithCard();
+}
+void linkOnce(Phone& phone) {
+  phone.beginAddCard(Entry::wallet);
+  phone.proceedWithCard();
+}
+void confirmNumber(Phone& phone) {
+  phone.beginAddCard(Entry::wallet);
+  const auto session = OXSession::currentSession();
+  session->cardInfoResponse = std::make_shared<CardInfoResponse>();
+  session->cardInfoResponse->cardNumber = "4000123412341234";
+  session->showMsisdnRelinkScreen();
+  phone.wallet.cards = {cardJson(12, "0012")};
+  phone.host.type("msisdnField", "0821234567");
+  phone.host.tap("proceedButton");
+}
+void validate(Phone& phone) {
+  phone.showPaymentScreen();
+  OXSession::currentSession()->showCardValidationScreen();
+  phone.host.tap("proceedButton");
+}
+void deleteCard(Phone& phone) {
+  phone.begin(Entry::wallet, "WalletManagement");
+  phone.tap("cardView");
+  phone.host.user().tapRowButton("tableView", 0);
+  phone.host.runUntilIdle();
+  phone.host.pressAlert("Delete");
 }
 
 const std::vector<Step>& steps() {
+  using namespace answers;
+  const std::string code = R"({"codeInfo":{"code":"C-1","amountString":""}})";
+  const std::string paid = R"({"status":"SUCCESS","transactionId":1})";
+  const std::string noCards = R"({"cards":[]})";
   static const std::vector<Step> kSteps{
-      {"sending the number", "/sms/send",
-       [](Flow& flow) {
-         flow.answer("/session/new", Answers::kNotActivated);
-         flow.begin(Entry::checkout, "Activation", "0821234567");
-         flow.host.tap("proceedButton");
-       },
-       "Activation", 2, Answers::kSmsSent, "ActivationCode"},
-      {"sending the code", "/sms/activateSession",
-       [](Flow& flow) {
-         flow.beginEnrolment(Entry::checkout);
-         flow.host.type("codeField", "1234");
-         flow.host.tap("proceedButton");
-       },
-       "ActivationCode", 2, Answers::kSmsSent, "Product"},
-      {"looking the card number up", "/card/bin/",
-       [](Flow& flow) {
-         flow.beginAddCard(Entry::wallet);
-         flow.answer("/card/link/", Answers::kRelink);
-         flow.proceedWithCard();
-       },
-       "AddCard", 1, Answers::kNothingNeeded, "MsisdnRelink"},
-      {"linking the card", "/card/link/",
-       [](Flow& flow) {
-         flow.beginAddCard(Entry::wallet);
-         flow.proceedWithCard();
-       },
-       "AddCard", 1, Answers::kRelink, "MsisdnRelink"},
-      {"confirming the number", "/card/link/",
-       [](Flow& flow) {
-         flow.beginAddCard(Entry::wallet);
-         OXSession::currentSession()->cardInfoResponse = std::make_shared<CardInfoResponse>();
-         OXSession::currentSession()->cardInfoResponse->cardNumber = "4000123412341234";
-         OXSession::currentSession()->showMsisdnRelinkScreen();
-         flow.setCards({cardJson(12, "0012")});
-         flow.host.type("msisdnField", "0821234567");
-         flow.host.tap("proceedButton");
-       },
-       "MsisdnRelink", 1, Answers::kLinked, "WalletManagement"},
-      {"validating the card", "/card/validate/",
-       [](Flow& flow) {
-         flow.begin(Entry::checkout, "Product", "");
-         OXSession::currentSession()->showCardValidationScreen();
-         flow.host.tap("proceedButton");
-       },
-       "CardValidation", 1, R"({"message":"Your card has been added"})", "Product"},
-      {"deleting the card", "/card/delink/",
-       [](Flow& flow) {
-         openCards(flow);
-         flow.host.user().tapRowButton("tableView", 1);
-         flow.host.runUntilIdle();
-         flow.host.pressAlert("Delete");
-       },
-       "Cards", 1, "{}", "WalletManagement"},
+      {"session", "/session/new/", 1, kSession, "Product", "", checkout},
+      // Cancel leaves the user before the waiting screen and tells nobody.
+      {"code", "/lookup/", 1, code, "Product", "Waiting", checkout},
+      {"cards", "/card/list/", 1, noCards, "AddCard", "Waiting",
+       [](Phone& phone) { phone.begin(Entry::preRegister); }},
+      {"purchase", "/purchase/", 1, paid, "", "Product", payFor},
+      {"receipt", "/receipt/poll/", 1, R"({"status":"SUCCESS"})", "", "Product", payFor},
+      {"number", "/sms/send", 2, kSmsSent, "ActivationCode", "Activation", sendNumber},
+      {"SMS code", "/sms/activateSession", 2, kSmsSent, "Product", "ActivationCode", sendCode},
+      {"card number", "/card/bin/", 1, kNothingNeeded, "MsisdnRelink", "AddCard", linkCard},
+      {"link", "/card/link/", 1, kRelink, "MsisdnRelink", "AddCard", linkOnce},
+      {"relink", "/card/link/", 1, kLinked, "WalletManagement", "MsisdnRelink", confirmNumber},
+      {"validation", "/card/validate/", 1, kValidated, "Product", "CardValidation", validate},
+      {"deletion", "/card/delink/", 1, "{}", "WalletManagement", "Cards", deleteCard},
   };
   return kSteps;
 }
 
-TEST(NetworkAlert, RetryThatSucceedsTakesTheSameStepWithTheSameInput) {
+/// Takes the step, whose request fails `times` times, up to the alert.
+void fail(Phone& phone, const Step& step, std::size_t times) {
+  phone.wallet.always(step.path, step.answer);
+  phone.wallet.next(step.path, unreachable(), static_cast<int>(times));
+  step.take(phone);
+  phone.host.runUntilAlert("Connection problem");
+  EXPECT_EQ(phone.alert(), kConnectionProblem);
+  EXPECT_FALSE(phone.busy());
+  EXPECT_EQ(phone.wallet.asked(step.path), step.attempts);
+  EXPECT_TRUE(phone.app->heard.empty());
+}
+
+}  // namespace
+
+TEST(NetworkAlert, RetryTakesTheSameStepWithTheSameInput) {
   for (const Step& step : steps()) {
-    Flow flow;
-    flow.fail(step.path, step.attempts, step.answer);
-    step.take(flow);
-    flow.host.runUntilAlert("Connection problem");
-    EXPECT_EQ(flow.alert(), kConnectionProblem) << step.name;
-    EXPECT_FALSE(flow.indicatorIsUp()) << step.name;
-    EXPECT_EQ(flow.requestsTo(step.path), static_cast<std::size_t>(step.attempts)) << step.name;
-    flow.host.pressAlert("Retry");
-    flow.host.runUntilIdle();
-    const auto requests = flow.host.connections().requestsTo(step.path);
-    ASSERT_EQ(requests.size(), static_cast<std::size_t>(step.attempts) + 1) << step.name;
-    EXPECT_EQ(requests.front().body, requests.back().body) << step.name;
-    EXPECT_EQ(flow.screen(), step.nextScreen) << step.name;
-    EXPECT_FALSE(flow.indicatorIsUp()) << step.name;
-    EXPECT_EQ(flow.application->calls, Calls{}) << step.name;
+    SCOPED_TRACE(step.name);
+    Phone phone;
+    fail(phone, step, step.attempts);
+    phone.press("Retry");
+    const auto requests = phone.host.connections().requestsTo(step.path);
+    ASSERT_EQ(requests.size(), step.attempts + 1);
+    EXPECT_EQ(requests.front().body, requests.back().body);
+    EXPECT_EQ(phone.screen(), step.goesOnTo);
+    EXPECT_FALSE(phone.busy());
+    EXPECT_EQ(phone.app->heard, step.outcome());
   }
 }
 
 TEST(NetworkAlert, RetryThatFailsAgainAsksAgainAndCancelLeavesTheUserThere) {
   for (const Step& step : steps()) {
-    Flow flow;
-    flow.fail(step.path);
-    step.take(flow);
-    flow.host.runUntilAlert("Connection problem");
-    flow.host.pressAlert("Retry");
-    flow.host.runUntilIdle();
-    EXPECT_EQ(flow.alert(), kConnectionProblem) << step.name;
-    EXPECT_EQ(flow.requestsTo(step.path), 2U * static_cast<std::size_t>(step.attempts))
-        << step.name;
-    flow.host.pressAlert("Cancel");
-    flow.host.runUntilIdle();
-    EXPECT_EQ(flow.screen(), step.screen) << step.name;
-    EXPECT_FALSE(flow.indicatorIsUp()) << step.name;
-    EXPECT_EQ(flow.requestsTo(step.path), 2U * static_cast<std::size_t>(step.attempts))
-        << step.name;
-    EXPECT_EQ(flow.application->calls, Calls{}) << step.name;
+    SCOPED_TRACE(step.name);
+    Phone phone;
+    fail(phone, step, 2 * step.attempts);
+    phone.press("Retry");
+    EXPECT_EQ(phone.alert(), kConnectionProblem);
+    EXPECT_EQ(phone.wallet.asked(step.path), 2 * step.attempts);
+    phone.press("Cancel");
+    EXPECT_EQ(phone.screen(), step.cancelledTo);
+    EXPECT_FALSE(phone.busy());
+    EXPECT_EQ(phone.wallet.asked(step.path), 2 * step.attempts);
+    EXPECT_EQ(phone.app->heard, step.outcomeOfCancel());
   }
 }
 
 TEST(NetworkAlert, OfAFlowThatASecondEntryCallReplacedDoesNothing) {
   for (const Step& step : steps()) {
-    Flow flow;
-    flow.fail(step.path);
-    step.take(flow);
-    flow.host.runUntilAlert("Connection problem");
-    const auto alert = flow.host.user().topAlert();
-    const auto replaced = flow.application;
-    flow.application = std::make_shared<RecordingHost>();
-    flow.answer("/session/new", Answers::kSession);
-    flow.begin(Entry::wallet);
-    alert->press(1);
-    const std::size_t asked = flow.requestsTo(step.path);
-    flow.host.runUntilIdle();
-    EXPECT_EQ(flow.requestsTo(step.path), asked) << step.name;
-    EXPECT_EQ(flow.alert(), "") << step.name;
-    EXPECT_EQ(replaced->calls, Calls{}) << step.name;
+    for (const std::size_t button : {0U, 1U}) {
+      SCOPED_TRACE(step.name);
+      Phone phone;
+      fail(phone, step, step.attempts);
+      const auto alert = phone.host.user().topAlert();
+      const auto replaced = phone.app;
+      phone.wallet.always("/session/new", answers::kSession);
+      phone.beginAnew(Entry::wallet);
+      phone.host.runUntilIdle();
+      const std::size_t asked = phone.wallet.asked(step.path);
+      alert->press(button);
+      phone.host.runUntilIdle();
+      EXPECT_EQ(phone.wallet.asked(step.path), asked);
+      EXPECT_EQ(phone.alert(), "");
+      EXPECT_TRUE(replaced->heard.empty() && phone.app->heard.empty());
+    }
   }
 }
 
-}  // namespace
-}  // namespace orlix
+}  // namespace orlix::test

@@ -1,169 +1,93 @@
-#include <string>
-#include <vector>
-
-#include <gtest/gtest.h>
-
+#include "orlixkit/checkout/OXUtil.h"
 #include "orlixkit/platform/ui/TableView.h"
-#include "tests/onboarding/Flow.h"
+#include "tests/phone/Phone.h"
 
-namespace orlix {
+namespace orlix::test {
+
 namespace {
 
-class Wallet : public FlowTest {
- protected:
-  void beginWithCards(Entry entry) {
-    flow.begin(entry, entry == Entry::wallet ? "WalletManagement" : "Product", "");
-    flow.host.tap(entry == Entry::wallet ? "cardView" : "cardAction");
-    flow.host.runUntilIdle();
-    ASSERT_EQ(flow.screen(), "Cards");
+/// On the list of a wallet of two cards.
+struct CardList : Phone {
+  explicit CardList(Entry entry) : before(entry == Entry::wallet ? "WalletManagement" : "Product") {
+    wallet.cards = {cardJson(5, "0005"), cardJson(9, "0009")};
+    begin(entry, before);
+    tap("cardView");
+    EXPECT_EQ(screen(), "Cards");
   }
+  std::shared_ptr<TableView> table() { return host.user().outlet<TableView>("tableView"); }
 
-  std::shared_ptr<TableView> table() { return flow.host.user().outlet<TableView>("tableView"); }
+  std::string before;
 };
 
-TEST_F(Wallet, ShowsTheCardThatPays) {
-  struct Row {
-    std::string name;
-    std::vector<std::string> cards;
-    std::string hint;
-    std::string image;
-    std::string logged;
-  };
-  const std::vector<Row> rows{
-      {"no validation state", {cardJson(5, "0005")}, "xxx-0005", "visa100", "card.hasValidated: 0"},
-      {"validated",
-       {cardJson(5, "0005", R"(,"validated":true)")},
-       "xxx-0005",
-       "visa100",
-       "card.validated: 1"},
-      {"a type that the screen knows",
-       {cardJson(5, "0005", R"(,"validated":false,"validationtype":"DOB")")},
-       "xxx-0005",
-       "visa100",
-       "card.validationtype: DOB"},
-      {"a type that it does not",
-       {cardJson(5, "0005", R"(,"validated":false,"validationtype":"3DS")")},
-       "xxx-0005",
-       "visa100",
-       "Unsupported card validation type 3DS"},
-  };
-  for (const Row& row : rows) {
-    Flow& fresh = anew();
-    fresh.setCards(row.cards);
-    fresh.begin(Entry::wallet, "WalletManagement", "");
-    EXPECT_EQ(fresh.shown("cardHintView"), row.hint) << row.name;
-    EXPECT_EQ(fresh.shown("cardImageView"), row.image) << row.name;
-    EXPECT_TRUE(fresh.host.log().contains(row.logged)) << row.name;
-    EXPECT_EQ(fresh.host.log().contains("Unsupported"), row.logged.starts_with("Unsupported"))
-        << row.name;
+}  // namespace
+
+TEST(Wallet, ShowsTheCardThatPaysOrOffersToAddOne) {
+  Phone phone;
+  phone.wallet.cards = {cardJson(5, "0005", R"(,"validated":false,"validationtype":"3DS")")};
+  phone.begin(Entry::wallet, "WalletManagement");
+  EXPECT_EQ(phone.shown("cardHintView") + phone.shown("cardImageView"), "xxx-0005visa100");
+  EXPECT_TRUE(phone.host.log().contains("Unsupported card validation type 3DS"));
+  phone.beginAddCard(Entry::wallet);
+  phone.tap("cancelButton");
+  EXPECT_EQ(phone.shown("cardHintView") + phone.shown("cardImageView"), "Add Cardother100");
+  phone.tap("cardView");
+  EXPECT_EQ(phone.screen(), "AddCard");
+}
+
+TEST(Wallet, ChoosingOrCancellingLeadsBackToWhereTheListWasOpenedFrom) {
+  for (const Entry entry : {Entry::checkout, Entry::wallet}) {
+    CardList list(entry);
+    list.tap("cancelButton");
+    EXPECT_EQ(list.screen(), list.before);
+    EXPECT_EQ(OXUtil::getLastUsedCardid(), 0);
+    list.tap("cardView");
+    list.host.user().chooseRow("tableView", 1);
+    list.host.runUntilIdle();
+    EXPECT_EQ(OXUtil::getLastUsedCardid(), 9);
+    EXPECT_EQ(list.screen(), list.before);
+    EXPECT_EQ(list.shown("cardHintView"), "xxx-0009");
+    list.tap("cardView");
+    list.tap("addCardButton");
+    EXPECT_EQ(list.screen(), "AddCard");
   }
 }
 
-TEST_F(Wallet, OffersToAddACardWhenThereIsNone) {
-  flow.setCards({});
-  flow.begin(Entry::wallet, "AddCard", "");
-  flow.host.tap("cancelButton");
-  flow.host.runUntilIdle();
-  EXPECT_EQ(flow.screen(), "WalletManagement");
-  EXPECT_EQ(flow.shown("cardHintView"), "Add Card");
-  EXPECT_EQ(flow.shown("cardImageView"), "other100");
-  flow.host.tap("cardView");
-  flow.host.runUntilIdle();
-  EXPECT_EQ(flow.screen(), "AddCard");
-}
-
-TEST_F(Wallet, ListsTheCardsInTheServersOrder) {
-  beginWithCards(Entry::checkout);
-  ASSERT_EQ(table()->rowCount(), 2U);
-  EXPECT_EQ(table()->cell(0).text, "xxx-0005");
-  EXPECT_EQ(table()->cell(1).text, "xxx-0009");
-  EXPECT_EQ(table()->cell(0).identifier, "CardCell");
-  EXPECT_EQ(table()->cell(0).imageName, "visa100");
-  EXPECT_FALSE(table()->separators());
-  table()->setFrame({0, 0, 280, 200});
-  const TableCell cell = table()->cell(1);
-  EXPECT_EQ(cell.button->frame(), (Rect{245, 5, 30, 30}));
-  EXPECT_EQ(cell.button->tag(), 1);
-  EXPECT_EQ(cell.button->imageName(), "trash");
-}
-
-TEST_F(Wallet, ChoosingACardLeadsBackToWhereTheListWasOpenedFrom) {
-  for (const auto& [entry, screen] : std::vector<std::pair<Entry, std::string>>{
-           {Entry::checkout, "Product"}, {Entry::wallet, "WalletManagement"}}) {
-    Flow& fresh = anew();
-    fresh.begin(entry, screen, "");
-    fresh.host.tap(entry == Entry::wallet ? "cardView" : "cardAction");
-    fresh.host.runUntilIdle();
-    fresh.host.user().chooseRow("tableView", 1);
-    fresh.host.runUntilIdle();
-    EXPECT_EQ(fresh.lastUsedCard(), 9);
-    EXPECT_EQ(fresh.screen(), screen);
-    EXPECT_EQ(fresh.shown("cardHintView"), "xxx-0009");
+TEST(Wallet, AsksBeforeItDeletesAndReloadsAfterwardsWhateverTheServerSays) {
+  for (const std::string& answer : {std::string("{}"), answers::kFailed}) {
+    CardList list(Entry::wallet);
+    list.wallet.always("/card/delink/", answer);
+    list.host.user().tapRowButton("tableView", 0);
+    list.host.runUntilIdle();
+    const auto alert = list.host.user().topAlert();
+    EXPECT_EQ(list.alert(), "Delete Card: Are you sure you wish to discard this card?");
+    ASSERT_EQ(alert->actions().size(), 2U);
+    EXPECT_EQ(alert->actions()[0].style, AlertActionStyle::cancel);
+    EXPECT_EQ(alert->actions()[1].style, AlertActionStyle::destructive);
+    list.press("Cancel");
+    EXPECT_FALSE(list.table()->editing());
+    EXPECT_EQ(list.wallet.asked("/card/delink/"), 0U);
+    list.host.user().tapRowButton("tableView", 0);
+    list.host.runUntilIdle();
+    list.wallet.cards = {cardJson(9, "0009")};
+    list.press("Delete");
+    EXPECT_EQ(list.wallet.sent("/card/delink/", "cardId"), "5");
+    EXPECT_EQ(list.wallet.asked("/card/list/"), 2U);
+    EXPECT_FALSE(list.busy());
+    EXPECT_EQ(list.screen(), "WalletManagement");
+    EXPECT_EQ(list.shown("cardHintView"), "xxx-0009");
   }
 }
 
-TEST_F(Wallet, LeavesTheListByCancelAndByAddCard) {
-  beginWithCards(Entry::wallet);
-  flow.host.tap("cancelButton");
-  flow.host.runUntilIdle();
-  EXPECT_EQ(flow.screen(), "WalletManagement");
-  EXPECT_EQ(flow.lastUsedCard(), 0);
-  flow.host.tap("cardView");
-  flow.host.runUntilIdle();
-  flow.host.tap("addCardButton");
-  flow.host.runUntilIdle();
-  EXPECT_EQ(flow.screen(), "AddCard");
-}
-
-TEST_F(Wallet, AsksBeforeItDeletes) {
-  beginWithCards(Entry::wallet);
-  flow.host.user().tapRowButton("tableView", 1);
-  flow.host.runUntilIdle();
-  const auto alert = flow.host.user().topAlert();
-  ASSERT_TRUE(alert);
-  EXPECT_EQ(flow.alert(), "Delete Card: Are you sure you wish to discard this card?");
-  ASSERT_EQ(alert->actions().size(), 2U);
-  EXPECT_EQ(alert->actions()[0].title, "Cancel");
-  EXPECT_EQ(alert->actions()[0].style, AlertActionStyle::cancel);
-  EXPECT_EQ(alert->actions()[1].title, "Delete");
-  EXPECT_EQ(alert->actions()[1].style, AlertActionStyle::destructive);
-  flow.host.pressAlert("Cancel");
-  flow.host.runUntilIdle();
-  EXPECT_FALSE(table()->editing());
-  EXPECT_EQ(flow.requestsTo("/card/delink/"), 0U);
-}
-
-TEST_F(Wallet, ReloadsAfterADeletionWhateverTheServerSays) {
-  for (const std::string answer : {R"({"status":"SUCCESS"})", R"({"status":"FAILED"})"}) {
-    Flow& fresh = anew();
-    fresh.begin(Entry::wallet, "WalletManagement", "");
-    fresh.host.tap("cardView");
-    fresh.host.runUntilIdle();
-    fresh.answer("/card/delink/", answer);
-    fresh.host.user().tapRowButton("tableView", 0);
-    fresh.host.runUntilIdle();
-    fresh.setCards({cardJson(9, "0009")});
-    fresh.host.pressAlert("Delete");
-    fresh.host.runUntilIdle();
-    EXPECT_EQ(fresh.sent("/card/delink/", "cardId"), "5");
-    EXPECT_EQ(fresh.requestsTo("/card/list/"), 2U);
-    EXPECT_FALSE(fresh.indicatorIsUp());
-    EXPECT_EQ(fresh.screen(), "WalletManagement");
-    EXPECT_EQ(fresh.shown("cardHintView"), "xxx-0009");
-  }
-}
-
-TEST_F(Wallet, LeavesRowsOfAReplacedFlowWithoutEffect) {
-  beginWithCards(Entry::wallet);
-  const auto button = table()->cell(1).button;
-  const auto old = table();
-  flow.begin(Entry::wallet);
+TEST(Wallet, LeavesRowsOfAReplacedFlowWithoutEffect) {
+  CardList list(Entry::wallet);
+  const auto button = list.table()->cell(1).button;
+  const auto old = list.table();
+  list.begin(Entry::wallet);
   EXPECT_EQ(old->rowCount(), 0U);
   button->onTouchUpInside();
-  flow.host.runUntilIdle();
-  EXPECT_EQ(flow.alert(), "");
-  EXPECT_EQ(flow.screen(), "WalletManagement");
+  list.host.runUntilIdle();
+  EXPECT_EQ(list.alert(), "");
+  EXPECT_EQ(list.screen(), "WalletManagement");
 }
 
-}  // namespace
-}  // namespace orlix
+}  // namespace orlix::test

@@ -1,236 +1,249 @@
-#include <functional>
+#include "orlixkit/protocol/OMVello.h"
+#include "tests/phone/Phone.h"
 
-#include "tests/securecode/SecureCodeFixture.h"
+namespace orlix::test {
 
-namespace orlix {
 namespace {
 
-using namespace std::chrono_literals;
+const std::string kIssuersPage = "<html><input id=otp></html>";
+const std::string kTerminationPage = R"(<html><script>Vello.handle("PARES")</script></html>)";
+const std::string kBought = R"({"status":"SUCCESS","transactionId":4711})";
 
-TEST_F(SecureCode, PaysWithThePaResOfTheTerminationPage) {
-  showPaying();
-  EXPECT_NE(page().html().find("value='PAREQ'"), std::string::npos);
-  EXPECT_NE(page().html().find("value='https://test.example/vello/secure_code.jsp'"),
-            std::string::npos);
-  EXPECT_EQ(sent("/purchase"), 0U) << "the issuer's own page is left alone";
-  returnFromIssuer();
-  EXPECT_EQ(ear->heard, Ear{"succeeded 4711"});
-  EXPECT_TRUE(isOver());
-  ASSERT_EQ(sent("/purchase"), 1U);
-  const std::string body = host.connections().requestsTo("/purchase")[0].body.value();
-  for (const char* part : {R"("PaRes" : "PARES")", R"("secureCodeId" : 31)", R"("cardId" : 7)",
-                           R"("amount" : "12.50")", R"("cvv" : "123")", R"("code" : "CODE")"}) {
-    EXPECT_NE(body.find(part), std::string::npos) << part << " in " << body;
-  }
-  EXPECT_EQ(sent("/card/validate"), 0U);
-}
-
-TEST_F(SecureCode, EveryAnswerHasItsOneEnding) {
-  struct Row {
-    const char* name;
-    const char* path;
-    const char* answer;
-    const char* heard;
-  };
-  const Row rows[] = {
-      {"card not enrolled", "/card/scUrl", R"({"cardSupported":false})", "error 6"},
-      {"enrolment unknown", "/card/scUrl", "{}", "error 6"},
-      {"purchase refused", "/purchase", R"({"status":"ERROR"})", "error 2"},
-      {"purchase without status", "/purchase", "{}", "error 2"},
-      {"receipt failed", "/receipt/poll", R"({"status":"FAILED"})", "failed 4711"},
-      {"receipt in lower case", "/receipt/poll", R"({"status":"success"})", "failed 4711"},
-  };
-  for (const Row& row : rows) {
-    SCOPED_TRACE(row.name);
-    ear->heard.clear();
-    host.connections().on(row.path, ServerReply::of(200, row.answer));
-    showPaying();
-    if (!isOver()) {
-      returnFromIssuer();
+/// A checkout that stands before an issuer's page, with a wallet server that answers well unless
+/// told otherwise.
+struct Issuer : Phone {
+  explicit Issuer(MemoryHostSettings settings = {}) : Phone(std::move(settings)) {
+    for (const char* path : {"/card/scUrl", "/card/get3dsValidateUrl"}) {
+      wallet.always(path, R"({"cardSupported":true,"secureCodeId":31,)"
+                          R"("url":"https://issuer.example/acs","payload":"PAREQ"})");
     }
-    EXPECT_EQ(ear->heard, Ear{row.heard});
-    EXPECT_TRUE(isOver());
-    host.connections().on("/card/scUrl",
-                          ServerReply::of(200, R"({"cardSupported":true,"secureCodeId":31})"));
-    host.connections().on("/purchase",
-                          ServerReply::of(200, R"({"status":"SUCCESS","transactionId":4711})"));
+    wallet.purchase = kBought;
+    host.webViews().onLoad = [](FakeWebView& view) { view.finishNavigation(kIssuersPage); };
   }
-}
-
-TEST_F(SecureCode, AnErrorInThePageInformationCancelsAndIsShownOverTheHostsScreen) {
-  host.connections().on("/card/scUrl", ServerReply::of(200, R"({"error":"No such card"})"));
-  showPaying();
-  EXPECT_EQ(ear->heard, Ear{"cancelled"});
-  host.runUntilAlert("Warning");
-  EXPECT_EQ(host.user().topAlert()->message(), "An error occured. No such card");
-  host.pressAlert("Ok");
-  host.runUntilIdle();
-  EXPECT_EQ(ear->heard, Ear{"cancelled"});
-}
-
-TEST_F(SecureCode, LoadsThePageOnceWhicheverIsFirst) {
-  for (const Duration latency : {Duration(0), Duration(5s)}) {
-    host.connections().setLatency(latency);
+  void begin() {
+    OXSession::reset();
+    session = OXSession::currentSession();
+    session->presentingController = host.root();
+    session->delegate = app;
+    session->delegate3DSecure = app;
+    session->codeInfo.emplace().code = "CODE";
+    session->cardId = 7;
+    session->amount = "12.50";
+    session->cvv = SecretString("123");
+    OMVello::sharedOMVello().initSessionWithLibKey("key", 1, nullptr);
+    host.runUntilIdle();
+  }
+  void showPaying() {
     begin();
-    host.runFor(30s);
-    auto screen = host.application().storyboard().make("SecureCode");
-    // Animated, so that the screen appears some time after it has been loaded.
-    host.root()->present(screen, true);
-    host.runFor(30s);
-    EXPECT_EQ(page().loads(), 1);
-    host.root()->dismiss(false);
-  }
-}
-
-TEST_F(SecureCode, ATerminationPageThatLoadsTwicePaysOnce) {
-  showPaying();
-  page().finishNavigation(kTerminationPage);
-  page().finishNavigation(kTerminationPage);
-  host.runFor(1s);
-  EXPECT_EQ(sent("/purchase"), 1U);
-  EXPECT_EQ(ear->heard, Ear{"succeeded 4711"});
-}
-
-TEST_F(SecureCode, APageThatNavigatesWhileItIsReadPaysOnce) {
-  showPaying();
-  page().holdScripts();
-  page().finishNavigation(kTerminationPage);
-  host.later(1s, [this] { page().finishNavigation(kTerminationPage); });
-  host.later(2s, [this] { page().releaseScripts(); });
-  host.runFor(10s);
-  EXPECT_EQ(sent("/purchase"), 1U);
-  EXPECT_EQ(ear->heard, Ear{"succeeded 4711"});
-}
-
-TEST_F(SecureCode, ACancelWhileThePageIsReadWins) {
-  showPaying();
-  page().holdScripts();
-  page().finishNavigation(kTerminationPage);
-  host.later(1s, [this] { host.tap("cancelButton"); });
-  host.later(2s, [this] {
-    if (auto view = host.webViews().last()) {
-      view->releaseScripts();
-    }
-  });
-  host.runFor(10s);
-  EXPECT_EQ(sent("/purchase"), 0U);
-  EXPECT_EQ(ear->heard, Ear{"cancelled"});
-}
-
-TEST_F(SecureCode, AShutdownWhileThePageIsReadEndsTheWait) {
-  showPaying();
-  page().holdScripts();
-  page().finishNavigation(kTerminationPage);
-  host.later(1s, [this] { host.shutdown(); });
-  host.runFor(5s);
-  EXPECT_EQ(sent("/purchase"), 0U);
-  EXPECT_EQ(ear->heard, Ear{});
-}
-
-TEST_F(SecureCode, APageThatNeverReturnsIsLeftByCancel) {
-  showPaying();
-  host.runFor(1h);
-  const auto view = host.webViews().last();
-  host.tap("cancelButton");
-  host.runUntilIdle();
-  view->finishNavigation(kTerminationPage);
-  host.runUntilIdle();
-  EXPECT_EQ(ear->heard, Ear{"cancelled"});
-  EXPECT_EQ(sent("/purchase"), 0U);
-}
-
-TEST_F(SecureCode, EveryFailedStepIsRetriedOrCancelled) {
-  struct Row {
-    const char* name;
-    const char* path;
-    std::function<void(FakeWebView&)> fault;
-  };
-  const Row rows[] = {
-      {"page information", "/card/scUrl", {}},
-      {"purchase", "/purchase", {}},
-      {"receipt", "/receipt/poll", {}},
-      {"page does not load", "", [](FakeWebView& view) { view.failNavigation("no route"); }},
-      {"page process dies", "", [](FakeWebView& view) { view.killProcess(); }},
-  };
-  for (const Row& row : rows) {
-    for (const char* answer : {"Retry", "Cancel"}) {
-      SCOPED_TRACE(std::string(row.name) + ", " + answer);
-      ear->heard.clear();
-      bool broken = true;
-      const std::string path = row.path;
-      if (!path.empty()) {
-        host.connections().on(path, [&broken, path](const RecordedRequest&) {
-          if (broken) {
-            return ServerReply::of(500);
-          }
-          return ServerReply::of(200, R"({"cardSupported":true,"status":"SUCCESS",
-                                         "transactionId":4711})");
-        });
-      }
-      showPaying();
-      if (row.fault) {
-        row.fault(page());
-      } else if (path != "/card/scUrl") {
-        returnFromIssuer();
-      }
-      host.runUntilAlert("Connection problem");
-      EXPECT_EQ(ear->heard, Ear{});
-      broken = false;
-      host.pressAlert(answer);
-      host.runUntilIdle();
-      if (std::string(answer) == "Cancel") {
-        EXPECT_EQ(ear->heard, Ear{"cancelled"});
-        continue;
-      }
-      if (ear->heard.empty()) {
-        returnFromIssuer();
-      }
-      EXPECT_EQ(ear->heard, Ear{"succeeded 4711"});
-    }
-  }
-}
-
-TEST_F(SecureCode, AReceiptThatNeverComesReportsNothingAndIsLeftByCancel) {
-  host.connections().on("/receipt/poll", ServerReply::of(200, ""));
-  showPaying();
-  page().finishNavigation(kTerminationPage);
-  host.runFor(5min);
-  EXPECT_EQ(ear->heard, Ear{});
-  EXPECT_TRUE(host.log().contains("Receipt polling timed out after 60 seconds."));
-  EXPECT_FALSE(host.application().progressIndicator().visible());
-  host.tap("cancelButton");
-  host.runUntilIdle();
-  EXPECT_EQ(ear->heard, Ear{"cancelled"});
-}
-
-TEST_F(SecureCode, ACardToBeValidatedIsMarkedBeforeTheSuccessIsReported) {
-  for (const int status : {200, 500}) {
-    ear->heard.clear();
-    host.connections().forgetRequests();
-    host.connections().on("/card/validate", [status](const RecordedRequest&) {
-      return ServerReply().after(3s).status(status).body("{}");
-    });
-    begin();
-    session->mustValidateCard = true;
     session->showSecureCodeScreen();
     host.runUntilIdle();
+  }
+  void showAuthenticating() {
+    begin();
+    session->show3DAuthSecureCodeScreen();
+    host.runUntilIdle();
+  }
+  FakeWebView& page() { return *host.webViews().last(); }
+  void returnFromIssuer() {
     page().finishNavigation(kTerminationPage);
     host.runFor(1s);
-    EXPECT_EQ(ear->heard, Ear{});
-    host.tap("cancelButton");  // too late: the payment has succeeded
-    host.runFor(10s);
-    EXPECT_EQ(ear->heard, Ear{"succeeded 4711"});
-    EXPECT_EQ(sent("/card/validate"), 1U);
-    EXPECT_EQ(host.log().contains("Ignoring exception on validateCard"), status == 500);
+  }
+
+  std::shared_ptr<OXSession> session;
+};
+
+}  // namespace
+
+TEST(SecureCode, PaysWithThePaResOfTheTerminationPage) {
+  Issuer phone;
+  phone.showPaying();
+  for (const char* field :
+       {"value='PAREQ'", "value='https://test.example/vello/secure_code.jsp'"}) {
+    EXPECT_NE(phone.page().html().find(field), std::string::npos) << field;
+  }
+  EXPECT_EQ(phone.wallet.asked("/purchase"), 0U) << "the issuer's own page is left alone";
+  phone.page().finishNavigation(kTerminationPage);
+  phone.page().finishNavigation(kTerminationPage);  // a page that loads itself once more
+  phone.host.runFor(1s);
+  EXPECT_EQ(phone.app->heard, Heard{"succeeded 4711"});
+  EXPECT_EQ(phone.screen(), "");
+  EXPECT_EQ(phone.wallet.asked("/purchase"), 1U);
+  const std::vector<std::pair<std::string, std::string>> keys{
+      {"secureCodeData", R"({"PaRes":"PARES","secureCodeId":31})"},
+      {"cardId", "7"},
+      {"amount", "12.50"},
+      {"cvv", "123"},
+      {"code", "CODE"}};
+  for (const auto& [key, value] : keys) {
+    EXPECT_EQ(phone.wallet.sent("/purchase", key), value);
+  }
+  EXPECT_EQ(phone.wallet.asked("/card/validate"), 0U);
+}
+
+TEST(SecureCode, EveryAnswerHasItsOneEnding) {
+  struct Case {
+    std::string path, answer;
+    Heard heard;
+    std::string alert;
+  };
+  for (const Case& row : std::vector<Case>{
+           {"/card/scUrl", R"({"cardSupported":false})", {"error 6"}, ""},
+           {"/card/scUrl", "{}", {"error 6"}, ""},
+           {"/card/scUrl",
+            R"({"error":"No such card"})",
+            {"cancelled"},
+            "Warning: An error occured. No such card"},
+           {"/purchase", R"({"status":"ERROR"})", {"error 2"}, ""},
+           {"/purchase", "{}", {"error 2"}, ""},
+           {"/receipt/poll", R"({"status":"FAILED"})", {"failed 4711"}, ""},
+           {"/receipt/poll", R"({"status":"success"})", {"failed 4711"}, ""},
+       }) {
+    SCOPED_TRACE(row.path + row.answer);
+    Issuer phone;
+    phone.wallet.always(row.path, row.answer);
+    phone.showPaying();
+    if (phone.app->heard.empty()) {
+      phone.returnFromIssuer();
+    }
+    phone.host.runUntilIdle();
+    EXPECT_EQ(phone.app->heard, row.heard);
+    EXPECT_EQ(phone.alert(), row.alert);
+    EXPECT_EQ(phone.screen(), "");
+  }
+  Issuer without({.hasWebViews = false});
+  without.showPaying();
+  EXPECT_EQ(without.app->heard, Heard{"cancelled"});
+  without.host.runUntilAlert("Warning");
+}
+
+TEST(SecureCode, LoadsThePageOnceWhicheverIsFirst) {
+  for (const Duration latency : {Duration(0), Duration(5s)}) {
+    Issuer phone;
+    phone.host.connections().setLatency(latency);
+    phone.begin();
+    phone.host.runFor(30s);
+    // Animated, so that the screen appears some time after it has been loaded.
+    phone.host.root()->present(phone.host.application().storyboard().make("SecureCode"), true);
+    phone.host.runFor(30s);
+    EXPECT_EQ(phone.page().loads(), 1);
   }
 }
 
-TEST(SecureCodeWithoutWebView, TheUserIsToldAndTheCheckoutIsCancelled) {
-  SecureCodeRun run({.install = installOrlixKit, .hasWebViews = false});
-  run.showPaying();
-  EXPECT_EQ(run.ear->heard, std::vector<std::string>{"cancelled"});
-  run.host.runUntilAlert("Warning");
+TEST(SecureCode, WhatComesWhileThePageIsReadOrNeverReturnsEndsOnceAtMost) {
+  struct Case {
+    std::string name;
+    std::function<void(Issuer&)> meanwhile;
+    std::size_t purchases;
+    Heard heard;
+  };
+  for (const Case& row : std::vector<Case>{
+           {"the page navigates",
+            [](Issuer& phone) { phone.page().finishNavigation(kTerminationPage); },
+            1,
+            {"succeeded 4711"}},
+           {"cancel wins", [](Issuer& phone) { phone.host.tap("cancelButton"); }, 0, {"cancelled"}},
+           {"the host's end ends the wait", [](Issuer& phone) { phone.host.shutdown(); }, 0, {}},
+       }) {
+    SCOPED_TRACE(row.name);
+    Issuer phone;
+    phone.showPaying();
+    const auto view = phone.host.webViews().last();
+    view->holdScripts();
+    view->finishNavigation(kTerminationPage);
+    phone.host.later(1s, [&] { row.meanwhile(phone); });
+    phone.host.later(2s, [&] { view->releaseScripts(); });
+    phone.host.runFor(10s);
+    EXPECT_EQ(phone.wallet.asked("/purchase"), row.purchases);
+    EXPECT_EQ(phone.app->heard, row.heard);
+  }
+  Issuer phone;
+  phone.showPaying();
+  phone.host.runFor(1h);
+  const auto view = phone.host.webViews().last();
+  phone.tap("cancelButton");
+  view->finishNavigation(kTerminationPage);
+  phone.host.runUntilIdle();
+  EXPECT_EQ(phone.app->heard, Heard{"cancelled"});
+  EXPECT_EQ(phone.wallet.asked("/purchase"), 0U);
 }
 
-}  // namespace
-}  // namespace orlix
+TEST(SecureCode, EveryFailedStepIsRetriedOrCancelled) {
+  struct Case {
+    std::string path;
+    std::function<void(FakeWebView&)> fault;
+  };
+  for (const Case& row : std::vector<Case>{
+           {"/card/scUrl", {}},
+           {"/purchase", {}},
+           {"/receipt/poll", {}},
+           {"page does not load", [](FakeWebView& view) { view.failNavigation("no route"); }},
+           {"page process dies", [](FakeWebView& view) { view.killProcess(); }},
+       }) {
+    for (const std::string answer : {"Retry", "Cancel"}) {
+      SCOPED_TRACE(row.path + ", " + answer);
+      Issuer phone;
+      phone.wallet.next(row.path, ServerReply::of(500));
+      phone.showPaying();
+      if (row.fault) {
+        row.fault(phone.page());
+      } else if (row.path != "/card/scUrl") {
+        phone.returnFromIssuer();
+      }
+      phone.host.runUntilAlert("Connection problem");
+      EXPECT_TRUE(phone.app->heard.empty());
+      phone.press(answer);
+      if (answer == "Retry" && phone.app->heard.empty()) {
+        phone.returnFromIssuer();
+      }
+      EXPECT_EQ(phone.app->heard, Heard{answer == "Retry" ? "succeeded 4711" : "cancelled"});
+    }
+  }
+}
+
+TEST(SecureCode, ACardToBeValidatedIsMarkedBeforeTheSuccessIsReported) {
+  for (const int status : {200, 500}) {
+    Issuer phone;
+    phone.wallet.always("/card/validate/", ServerReply().after(3s).status(status).body("{}"));
+    phone.begin();
+    phone.session->mustValidateCard = true;
+    phone.session->showSecureCodeScreen();
+    phone.host.runUntilIdle();
+    phone.returnFromIssuer();
+    EXPECT_TRUE(phone.app->heard.empty());
+    phone.host.tap("cancelButton");  // too late: the payment has succeeded
+    phone.host.runFor(10s);
+    EXPECT_EQ(phone.app->heard, Heard{"succeeded 4711"});
+    EXPECT_EQ(phone.wallet.asked("/card/validate"), 1U);
+    EXPECT_EQ(phone.host.log().contains("Ignoring exception on validateCard"), status == 500);
+  }
+}
+
+TEST(SecureCode, ACardIsAuthenticatedWithoutAnAmountAndCountsAsValidatedOnlyThen) {
+  struct Case {
+    std::string receipt;
+    int marking;
+    Heard heard;
+    std::size_t marked;
+  };
+  for (const Case& row : std::vector<Case>{{R"({"status":"SUCCESS"})", 200, {"validated"}, 1},
+                                           {R"({"status":"FAILED"})", 200, {"failed 4711"}, 0},
+                                           {R"({"status":"SUCCESS"})", 500, {"cancelled"}, 1}}) {
+    Issuer phone;
+    phone.wallet.receipt = row.receipt;
+    phone.wallet.always("/card/validate/", ServerReply::of(row.marking, "{}"));
+    phone.showAuthenticating();
+    phone.returnFromIssuer();
+    if (row.marking == 500) {  // ends in the log, and leaves the user a cancel
+      EXPECT_TRUE(phone.app->heard.empty());
+      phone.tap("cancelButton");
+    }
+    EXPECT_EQ(phone.app->heard, row.heard);
+    EXPECT_EQ(phone.wallet.asked("/auth3Ds"), 1U);
+    EXPECT_EQ(phone.wallet.asked("/purchase"), 0U);
+    EXPECT_EQ(phone.wallet.asked("/card/validate"), row.marked);
+    EXPECT_EQ(phone.wallet.sent("/auth3Ds", "amount"), "(none)");
+    EXPECT_EQ(phone.wallet.lastBody("/card/get3dsValidateUrl"), "{\n  \"cardId\" : 7\n}");
+  }
+}
+
+}  // namespace orlix::test

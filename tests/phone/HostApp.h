@@ -1,0 +1,43 @@
+#pragma once
+
+#include <functional>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "orlixkit/checkout/OXOrlix.h"
+
+namespace orlix::test {
+
+using Heard = std::vector<std::string>;
+
+/// The host application: writes down what it hears.
+class HostApp : public OXOrlixDelegate, public OX3DSecureOrlixDelegate {
+ public:
+  Heard heard;
+  /// What the application does when it hears something.
+  std::function<void()> onOutcome;
+
+  void orlixPaymentSucceededWithTransactionReference(const std::string& reference) override {
+    hear("succeeded " + reference);
+  }
+  void orlixPaymentFailedWithTransactionReference(const std::string& reference) override {
+    hear("failed " + reference);
+  }
+  void orlixError(int code) override { hear("error " + std::to_string(code)); }
+  void orlixUserDidCancel() override { hear("cancelled"); }
+  void orlixUserRegistered() override { hear("registered"); }
+  void orlixUserCompletedWallet() override { hear("wallet done"); }
+  void orlixInvalidCode() override { hear("invalid code"); }
+  void auth3DsValidated() override { hear("validated"); }
+
+ private:
+  void hear(std::string what) {
+    heard.push_back(std::move(what));
+    if (onOutcome) {
+      onOutcome();
+    }
+  }
+};
+
+}  // namespace orlix::test
