@@ -5,6 +5,7 @@
 #include <gtest/gtest.h>
 
 #include "orlixkit/platform/memory/MemoryHost.h"
+#include "orlixkit/platform/ui/TableView.h"
 #include "tests/platform/UrlConnectionsContract.h"
 
 namespace orlix {
@@ -34,19 +35,48 @@ std::string obstacle(const Task& touch) {
 }
 
 TEST(MemoryHost, AUserReachesWhatTheTopScreenShowsAndNothingElse) {
-  struct Form : ViewController {
+  struct Form : ViewController, TableViewDataSource {
     Form() {
       setIdentifier("Form");
       outlet<TextField>("pin", outlet<View>("group"))->superview()->setHidden(true);
       outlet<TextField>("name")->setEnabled(false);
       outlet<Button>("pay")->setEnabled(false);
-      action("leaveAction", [] {});
+      outlet<Button>("send")->onTouchUpInside = note("sent");
+      outlet<Label>("link")->onTap = note("link");
+      outlet<Label>("text");
+      outlet<TableView>("table")->setDataSource(this);
+      action("leaveAction", note("left"));
     }
+    Task note(const std::string& what) {
+      return [this, what] { done += what + ", "; };
+    }
+    std::size_t numberOfRows() override { return 2; }
+    TableCell cellForRow(std::size_t row) override {
+      TableCell cell;
+      cell.button = row == 1 ? std::make_shared<Button>() : nullptr;
+      if (cell.button) {
+        cell.button->onTouchUpInside = note("row's button");
+      }
+      return cell;
+    }
+    void didSelectRow(std::size_t) override { done += "row, "; }
+    std::shared_ptr<TextField> code = outlet<TextField>("code");
+    std::shared_ptr<TextField> mail = outlet<TextField>("mail");
+    std::string done;
   };
   MemoryHost host;
   const auto form = std::make_shared<Form>();
   host.root()->present(form, true);
   host.runUntilScreen("Form");
+  form->code->setText("old");
+  form->code->setCaret(0);
+  host.type("code", "æx");
+  host.user().erase("code", 1);
+  EXPECT_EQ(form->code->text(), "oldæ") << "the cursor goes behind the text";
+  host.tap("mail");
+  EXPECT_TRUE(form->mail->editing() && !form->code->editing());
+  host.user().replaceAll("mail", "new");
+  EXPECT_EQ(form->mail->text(), "new");
   const auto alert = std::make_shared<AlertController>("Warning", "");
   alert->addAction({"Ok", AlertActionStyle::cancel, {}});
   const std::pair<Task, std::string> rows[] = {
@@ -55,6 +85,13 @@ TEST(MemoryHost, AUserReachesWhatTheTopScreenShowsAndNothingElse) {
       {[&] { host.type("pay", "1"); }, "the outlet pay is of another kind"},
       {[&] { host.type("other", "1"); }, "the top screen Form has no outlet other"},
       {[&] { host.tap("pay"); }, "the button pay is disabled"},
+      {[&] { host.tap("text"); }, "the top screen Form has nothing to tap named text"},
+      {[&] { host.tap("send"); }, ""},
+      {[&] { host.tap("link"); }, ""},
+      {[&] { host.tap("leaveAction"); }, ""},
+      {[&] { host.user().chooseRow("table", 0); }, ""},
+      {[&] { host.user().tapRowButton("table", 1); }, ""},
+      {[&] { host.user().tapRowButton("table", 0); }, "row 0 of table has no button"},
       {[&] { host.pressAlert("Ok"); }, "no alert is on top, so there is no button Ok"},
       {[&] { form->present(alert, false); }, ""},
       {[&] { host.pressAlert("Retry"); }, "the alert \"Warning\" has no button Retry"},
@@ -68,6 +105,23 @@ TEST(MemoryHost, AUserReachesWhatTheTopScreenShowsAndNothingElse) {
   for (const auto& [touch, reason] : rows) {
     EXPECT_EQ(obstacle(touch), reason);
   }
+  EXPECT_EQ(form->done, "sent, link, left, row, row's button, ");
+}
+
+TEST(MemoryHost, AStoreOutlivesItsHostAndCanRefuse) {
+  const auto store = std::make_shared<MemoryUserDefaults>();
+  MemoryHost({.userDefaults = store}).userDefaults()->setString("test.customerId", "C1");
+  store->setFailing(true);
+  EXPECT_THROW(store->setString("test.customerId", "C2"), std::runtime_error);
+  EXPECT_THROW(store->setInteger("test.lastUsedCard", 7), std::runtime_error);
+  store->setFailing(false);
+  store->setData("test.data", toBytes("a1234b"));
+  store->setInteger("test.lastUsedCard", 56789);
+  for (const char* text : {"C1", "1234", "678"}) {
+    EXPECT_TRUE(store->holds(text)) << text;
+  }
+  EXPECT_FALSE(store->holds("4321"));
+  EXPECT_EQ(store->keys().size(), 3u);
 }
 
 TEST(MemoryHost, AServersAnswerComesInTimeAndEachByteStartsTheTimeOutAnew) {

@@ -6,6 +6,7 @@
 
 #include "orlixkit/platform/memory/MemoryHost.h"
 #include "orlixkit/platform/ui/AlertController.h"
+#include "orlixkit/platform/ui/Containers.h"
 #include "orlixkit/platform/ui/PresentationController.h"
 
 namespace orlix {
@@ -99,6 +100,29 @@ TEST_F(Dismissal, TakesTheWholeStackFromTheTopDownAndFinishesWhatIsUnderWay) {
   EXPECT_FALSE(b->isBeingDismissed() || b->hasAppeared());
   EXPECT_EQ(b->presentingViewController(), nullptr);
   EXPECT_EQ(a->presentedViewController(), nullptr);
+}
+
+TEST_F(Presentation, WaitsWhileItsPlaceIsBeingLeftAlsoForAControllerInsideContainers) {
+  const auto inside = screen("inside");
+  const auto tabs = std::make_shared<TabBarController>();
+  tabs->setChildren({screen("other"), NavigationController::make(inside)}, 1);
+  EXPECT_EQ(inside->tabBarController(), tabs);
+  root().present(tabs, false);
+  EXPECT_EQ(host.topController(), inside);
+  inside->present(screen("A"), false);
+  EXPECT_EQ(tabs->presentedViewController()->identifier(), "A");
+  inside->dismiss(true, note("A was dismissed"));
+  read();
+  inside->present(screen("B"), false, note("B was presented"));
+  EXPECT_TRUE(read().empty());
+  host.runUntilIdle();
+  EXPECT_EQ(read(), (Diary{"A gone", "A was dismissed", "B loaded", "B will appear", "B appeared",
+                           "B presented", "B was presented"}));
+  inside->dismiss(false);
+  inside->presentingViewController()->dismiss(true);
+  EXPECT_TRUE(inside->isBeingDismissed());
+  host.runUntilIdle();
+  EXPECT_EQ(host.topController(), host.root());
 }
 
 TEST_F(Presentation, IsRefusedWithALogLineWhereItHasNoPlace) {

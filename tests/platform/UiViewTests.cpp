@@ -3,6 +3,7 @@
 
 #include <gtest/gtest.h>
 
+#include "orlixkit/platform/ui/TableView.h"
 #include "orlixkit/platform/ui/TextField.h"
 #include "orlixkit/platform/ui/ViewController.h"
 
@@ -87,6 +88,27 @@ TEST(View, IsOutOfSightWithItsParentOrWithAllItsChildren) {
   EXPECT_TRUE(!first->hidden() && first->isOutOfSight());
   std::make_shared<View>()->addSubview(first);
   EXPECT_EQ(group->subviews().size(), 1u) << "a view stands in one place only";
+}
+
+TEST(TableView, HasTheRowsOfItsSourceAndNoOthers) {
+  struct Source : TableViewDataSource {
+    std::size_t numberOfRows() override { return 2; }
+    TableCell cellForRow(std::size_t row) override {
+      TableCell cell;
+      cell.text = "xxx-" + std::to_string(row);
+      return cell;
+    }
+    void didSelectRow(std::size_t row) override { selected = row; }
+    std::size_t selected = 0;
+  } source;
+  TableView table;
+  EXPECT_EQ(table.shownText(), "");
+  table.setDataSource(&source);
+  EXPECT_EQ(table.shownText(), "xxx-0\nxxx-1");
+  table.select(1);
+  EXPECT_EQ(source.selected, 1u);
+  EXPECT_THROW(table.select(2), std::out_of_range);
+  EXPECT_THROW(table.cell(2), std::out_of_range);
 }
 
 TEST(ViewController, ReachesOutletsAndActionsByTheirNamesAndOutlivesItsAction) {
