@@ -1,0 +1,100 @@
+# The package that a host links: two shared libraries whose symbols are those of their public headers,
+# those headers, what find_package and pkg-config read, and Debian packages by CPack. Everything inside
+# this project links the floors themselves.
+
+include(GNUInstallDirs)
+include(CMakePackageConfigHelpers)
+
+set(package_files ${CMAKE_CURRENT_LIST_DIR}/package)
+
+# orlix_package(<name> <alias> <map> <component> OBJECTS <targets>...)
+# A shared library of these targets' objects, with the symbols that the map names.
+function(orlix_package name alias map component)
+  cmake_parse_arguments(PACKAGE "" "" "OBJECTS" ${ARGN})
+  set(objects "")
+  foreach(target IN LISTS PACKAGE_OBJECTS)
+    list(APPEND objects $<TARGET_OBJECTS:${target}>)
+  endforeach()
+  add_library(${name} SHARED ${objects})
+  set_target_properties(${name} PROPERTIES
+    LINKER_LANGUAGE CXX
+    VERSION ${PROJECT_VERSION}
+    SOVERSION ${PROJECT_VERSION_MAJOR}
+    EXPORT_NAME ${alias}
+    LINK_DEPENDS ${package_files}/${map})
+  target_compile_features(${name} INTERFACE cxx_std_20)
+  target_include_directories(${name} INTERFACE $<INSTALL_INTERFACE:${CMAKE_INSTALL_INCLUDEDIR}>)
+  target_link_options(${name} PRIVATE
+    -Wl,--version-script=${package_files}/${map} -Wl,--no-undefined -Wl,--gc-sections)
+  install(TARGETS ${name} EXPORT OrlixKit${alias}Targets COMPONENT ${component}
+    LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR} NAMELINK_COMPONENT ${component})
+  install(EXPORT OrlixKit${alias}Targets NAMESPACE OrlixKit:: COMPONENT ${component}
+    DESTINATION ${CMAKE_INSTALL_LIBDIR}/cmake/OrlixKit)
+endfunction()
+
+# Public headers, with their folders.
+function(orlix_public_headers component)
+  foreach(header IN LISTS ARGN)
+    cmake_path(GET header PARENT_PATH folder)
+    install(FILES ${PROJECT_SOURCE_DIR}/${header} COMPONENT ${component}
+      DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/${folder})
+  endforeach()
+endfunction()
+
+orlix_package(orlixkit Core core.map core OBJECTS
+  orlix_platform orlix_security orlix_records orlix_protocol orlix_widgets orlix_checkout
+  orlix_securecode orlix_onboarding orlix_posix orlix_resources orlix_core)
+target_link_libraries(orlixkit PRIVATE Threads::Threads
+  CURL::libcurl OpenSSL::SSL OpenSSL::Crypto SQLite::SQLite3 Boost::json fmt::fmt)
+
+file(GLOB ports RELATIVE ${PROJECT_SOURCE_DIR} CONFIGURE_DEPENDS
+  ${PROJECT_SOURCE_DIR}/orlixkit/platform/*.h ${PROJECT_SOURCE_DIR}/orlixkit/platform/ui/*.h)
+orlix_public_headers(core ${ports}
+  orlixkit/OrlixKit.h
+  orlixkit/checkout/OXDelegates.h
+  orlixkit/checkout/OXOrlix.h
+  orlixkit/platform/posix/PosixPorts.h
+  orlixkit/platform/posix/PosixSystemLog.h
+  orlixkit/protocol/OMVelloDelegate.h)
+
+if(TARGET orlix_shell)
+  orlix_package(orlixkit-shell QtShell shell.map shell OBJECTS orlix_shell ${ORLIX_SHELL_RESOURCES})
+  target_link_libraries(orlixkit-shell PUBLIC orlixkit Qt6::Quick PRIVATE
+    Qt6::Positioning Qt6::WebEngineQuick Qt6::WebEngineCore Qt6::Network
+    CURL::libcurl OpenSSL::SSL OpenSSL::Crypto fmt::fmt)
+  orlix_public_headers(shell shell/OrlixShell.h)
+endif()
+
+configure_package_config_file(${package_files}/OrlixKitConfig.cmake.in OrlixKitConfig.cmake
+  INSTALL_DESTINATION ${CMAKE_INSTALL_LIBDIR}/cmake/OrlixKit)
+write_basic_package_version_file(OrlixKitConfigVersion.cmake COMPATIBILITY SameMajorVersion)
+file(RELATIVE_PATH ORLIX_PREFIX_FROM_PC
+  ${CMAKE_INSTALL_FULL_LIBDIR}/pkgconfig ${CMAKE_INSTALL_PREFIX})
+configure_file(${package_files}/orlixkit.pc.in orlixkit.pc @ONLY)
+install(FILES ${CMAKE_CURRENT_BINARY_DIR}/OrlixKitConfig.cmake
+              ${CMAKE_CURRENT_BINARY_DIR}/OrlixKitConfigVersion.cmake
+  DESTINATION ${CMAKE_INSTALL_LIBDIR}/cmake/OrlixKit COMPONENT core)
+install(FILES ${CMAKE_CURRENT_BINARY_DIR}/orlixkit.pc
+  DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig COMPONENT core)
+
+# cpack: one Debian package for hosts without Qt, one for those with it.
+set(CPACK_GENERATOR DEB)
+set(CPACK_PACKAGE_NAME orlixkit)
+set(CPACK_PACKAGE_VENDOR "OrlixKit")
+set(CPACK_PACKAGE_CONTACT "The OrlixKit developers <developers@orlixkit.example>")
+set(CPACK_PACKAGE_DESCRIPTION_SUMMARY "${PROJECT_DESCRIPTION}")
+set(CPACK_RESOURCE_FILE_LICENSE ${PROJECT_SOURCE_DIR}/LICENSE)
+set(CPACK_STRIP_FILES ON)
+set(CPACK_DEB_COMPONENT_INSTALL ON)
+set(CPACK_DEBIAN_FILE_NAME DEB-DEFAULT)
+set(CPACK_DEBIAN_PACKAGE_SECTION libdevel)
+set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)
+set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS_PRIVATE_DIRS ${CMAKE_CURRENT_BINARY_DIR})
+set(CPACK_COMPONENTS_ALL core)
+set(CPACK_DEBIAN_CORE_PACKAGE_NAME liborlixkit-dev)
+if(TARGET orlixkit-shell)
+  list(APPEND CPACK_COMPONENTS_ALL shell)
+  set(CPACK_DEBIAN_SHELL_PACKAGE_NAME liborlixkit-shell-dev)
+  set(CPACK_DEBIAN_SHELL_PACKAGE_DEPENDS "liborlixkit-dev (= ${PROJECT_VERSION})")
+endif()
+include(CPack)
