@@ -1,14 +1,13 @@
-#include <unistd.h>
-
 #include <QGuiApplication>
+#include <unistd.h>
 
 #include <gtest/gtest.h>
 
 #include "shell/OrlixShell.h"
 #include "tests/TemporaryFolder.h"
 
-/// One application object for all tests of the program: the toolkit knows no second one. Drawn without
-/// a display, with a home of its own.
+/// One application object for all tests of the program: the toolkit knows no second one. Drawn
+/// without a display, with a home of its own.
 int main(int count, char** values) {
   testing::InitGoogleTest(&count, values);
   const orlix::test::TemporaryFolder home;

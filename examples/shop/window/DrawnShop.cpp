@@ -1,11 +1,9 @@
 #include "examples/shop/window/DrawnShop.h"
 
-#include <stdexcept>
-
-#include <unistd.h>
-
 #include <QGuiApplication>
 #include <QQmlComponent>
+#include <stdexcept>
+#include <unistd.h>
 
 #include "examples/shop/window/QtDriver.h"
 #include "examples/shop/window/Warnings.h"

@@ -1,11 +1,10 @@
 #pragma once
 
-#include <memory>
-#include <ostream>
-
 #include <QQmlEngine>
 #include <QQuickItem>
 #include <QQuickWindow>
+#include <memory>
+#include <ostream>
 
 #include "examples/shop/Shop.h"
 #include "examples/shop/window/ShopCounter.h"
@@ -47,8 +46,8 @@ class DrawnShop {
   std::unique_ptr<shell::ScreenPresenter> presenter_;
 };
 
-/// Runs the shop in a window: by the script when the options name one, else until its user closes it.
-/// Throws UsageError or ScriptError. Once in a process.
+/// Runs the shop in a window: by the script when the options name one, else until its user closes
+/// it. Throws UsageError or ScriptError. Once in a process.
 void runDrawn(const ShopOptions& options, std::ostream& out, std::ostream& err);
 
 }  // namespace orlix::shop
