@@ -111,7 +111,13 @@ TEST(EveryOrder, OfTwoEntryCallsAtOnceTheLastOneCounts) {
     std::mt19937 lot(seed);
     Phone phone(
         {.chooser = [&lot](std::size_t count) { return lot() % count; }, .preemptive = true});
-    phone.begin(Entry::preRegister);
+    phone.host.connections().on("/session/new/", [](const RecordedRequest& request) {
+      const bool isFirst = request.body->find("first key") != std::string::npos;
+      return ok(
+          R"({"sessionId":")" + std::string(isFirst ? "first" : "second") +
+          R"(","pinKey":"AAECAwQFBgcICQoLDA0ODw==","activated":true,"allowConnection":true})");
+    });
+    phone.facade->preRegister("first key", kTestSystem, phone.host.root(), phone.app);
     const auto first = phone.app;
     phone.beginAnew(Entry::checkout);
     phone.host.runFor(100s);
@@ -120,6 +126,8 @@ TEST(EveryOrder, OfTwoEntryCallsAtOnceTheLastOneCounts) {
     phone.host.runFor(100s);
     EXPECT_TRUE(first->heard.empty());
     EXPECT_EQ(phone.app->heard, Heard{"succeeded 9007199254740993"});
+    const RecordedRequest purchase = phone.host.connections().requestsTo("/purchase/").back();
+    EXPECT_EQ(purchase.header("x-session-token1"), "second");
   }
 }
 

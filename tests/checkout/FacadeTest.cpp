@@ -110,6 +110,7 @@ TEST(Facade, AStartSaysWhichDeviceItIsAndARetryStaysTheSameDevice) {
     phone.checkout();
     phone.host.runUntilAlert("Connection problem");
     const std::string serial = phone.wallet.sent("/session/new/", "deviceSerial");
+    EXPECT_EQ(serial.size(), std::string("[p:]").size() + 32) << serial;
     phone.press("Retry");
     EXPECT_EQ(phone.screen(), "Product");
     EXPECT_EQ(phone.wallet.sent("/session/new/", "deviceSerial"), serial);

@@ -84,6 +84,10 @@ TEST(Utilities, TheNetworkAlertWaitsForTheIndicatorAndOffersCancelThenRetry) {
   phone.press("Cancel");
   EXPECT_EQ(done, "cancel ");
   EXPECT_FALSE(phone.busy());
+  OXUtil::showNetworkErrorRetryObject([] {});
+  OXSession::reset();
+  phone.host.runUntilIdle();
+  EXPECT_EQ(phone.alert(), "") << "for a session that is over";
 }
 
 }  // namespace orlix::test

@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include "orlixkit/protocol/MessageBuilder.h"
 #include "tests/protocol/ClientAndServer.h"
 
 namespace orlix::test {
@@ -109,6 +110,20 @@ TEST(Session, TheActivationTokenIsStoredAndSentUntilTheDeregistration) {
     EXPECT_EQ(test.run([&](auto& c) { c.reset(*test.storage); })->failure, nullptr);
     EXPECT_EQ(tokenSent(test), "");
   }
+}
+
+TEST(Session, TheMessageFillsAbsentValuesInTheRecordsItself) {
+  Platform platform{"o", "v", "n", "a", "d", {}};
+  const auto record = std::make_shared<PersistableObject>();
+  record->ssToken.reset();
+  const auto body = MessageBuilder::buildEstablishSession({}, "s", record, platform, "+00:00");
+  const std::string text(body->reveal().begin(), body->reveal().end());
+  EXPECT_NE(text.find(R"("appVersion" : "UNKNOWN")"), std::string::npos);
+  EXPECT_EQ(platform.libKey, "");
+  EXPECT_EQ(record->ssToken, "");
+  platform.device.reset();
+  EXPECT_THROW(MessageBuilder::buildEstablishSession({}, "s", nullptr, platform, "+00:00"),
+               std::invalid_argument);
 }
 
 }  // namespace orlix::test

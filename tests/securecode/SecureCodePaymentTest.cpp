@@ -200,6 +200,19 @@ TEST(SecureCode, EveryFailedStepIsRetriedOrCancelled) {
   }
 }
 
+TEST(SecureCode, AReceiptThatNeverComesReportsNothingAndIsLeftByCancel) {
+  Issuer phone;
+  phone.wallet.receipt = "";
+  phone.showPaying();
+  phone.page().finishNavigation(kTerminationPage);
+  phone.host.runFor(5min);
+  EXPECT_TRUE(phone.app->heard.empty());
+  EXPECT_EQ(phone.alert(), "");
+  EXPECT_FALSE(phone.busy());
+  phone.tap("cancelButton");
+  EXPECT_EQ(phone.app->heard, Heard{"cancelled"});
+}
+
 TEST(SecureCode, ACardToBeValidatedIsMarkedBeforeTheSuccessIsReported) {
   for (const int status : {200, 500}) {
     Issuer phone;
