@@ -62,9 +62,10 @@ TEST(SecureCode, PaysWithThePaResOfTheTerminationPage) {
     EXPECT_NE(phone.page().html().find(field), std::string::npos) << field;
   }
   EXPECT_EQ(phone.wallet.asked("/purchase"), 0U) << "the issuer's own page is left alone";
-  phone.page().finishNavigation(kTerminationPage);
-  phone.page().finishNavigation(kTerminationPage);  // a page that loads itself once more
-  phone.host.runFor(1s);
+  phone.wallet.next("/purchase", late(2s, kBought));
+  phone.returnFromIssuer();
+  phone.returnFromIssuer();  // a page that loads itself once more
+  phone.host.runFor(2s);
   EXPECT_EQ(phone.app->heard, Heard{"succeeded 4711"});
   EXPECT_EQ(phone.screen(), "");
   EXPECT_EQ(phone.wallet.asked("/purchase"), 1U);

@@ -82,10 +82,6 @@ class ToyScreen : public ViewController, public TextFieldDelegate, public TableV
       alert->addAction({"Ok", AlertActionStyle::cancel, [this] { did.emplace_back("ok"); }});
       present(alert, true);
     });
-    action("workAction", [] {
-      Host::current().ports().backgroundQueues->newOperationQueue()->add(
-          [] { Host::current().ports().clock->sleep(seconds(5)); });
-    });
   }
 
   bool textFieldShouldBeginEditing(TextField& touched) override {
@@ -187,11 +183,6 @@ TEST_F(ScriptRun, AWaitInVainEndsAfterNinetySecondsAndSaysWhatIsShown) {
 TEST_F(ScriptRun, AnAlertDoesNotHideItsScreenFromAWait) {
   EXPECT_EQ(shop.run("tap alertAction\nwait alert Warning\nwait screen Toy"), "");
   EXPECT_THAT(shop.run("wait alert Warning Other"), HasSubstr("\"Warning\" is shown: Careful"));
-}
-
-TEST_F(ScriptRun, IdleMeansThatNoTaskIsLeftInTheBackground) {
-  EXPECT_EQ(shop.run("tap workAction\nwait idle"), "");
-  EXPECT_EQ(elapsed(), seconds(5));
 }
 
 TEST(ScriptRunOfAFlow, TakesEachOutcomeOnceAndFailsAtOnceOnAnother) {
