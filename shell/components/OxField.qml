@@ -65,6 +65,10 @@ FocusScope {
         selectionColor: OxTheme.accentPlate
         selectedTextColor: OxTheme.text
         selectByMouse: !root.outlet.secure
+        // Bullets for bullets; but nothing of a secret can be copied or cut.
+        echoMode: root.outlet.secure ? TextInput.Password : TextInput.Normal
+        passwordCharacter: "\u2022"
+        passwordMaskDelay: 0
         font.family: OxTheme.family
         font.pixelSize: root.size
         font.weight: root.weight
