@@ -161,6 +161,8 @@ void CurlExchange::setConstantOptions() {
   // A user name in a redirect's address would be sent as a header field of its own.
   set(CURLOPT_DISALLOW_USERNAME_IN_URL, 1L);
   set(CURLOPT_FOLLOWLOCATION, 0L);
+  // The least that libcurl takes: bodies are small, and the buffer is wiped after each of them.
+  set(CURLOPT_UPLOAD_BUFFERSIZE, 16384L);
   // Straight to the server: what stands in the environment does not redirect a payment.
   set(CURLOPT_PROXY, "");
 
