@@ -78,10 +78,10 @@ FocusScope {
                           | (root.outlet.secure ? Qt.ImhHiddenText | Qt.ImhSensitiveData
                                                   | Qt.ImhNoPredictiveText : Qt.ImhNone)
 
+        // Not as a passwordEdit: the toolkit would keep its name back as well. Its text is bullets anyway.
         Accessible.role: Accessible.EditableText
         Accessible.name: root.label !== null ? root.label.text : root.outlet.placeholder
         Accessible.description: root.label !== null ? root.outlet.placeholder : ""
-        Accessible.passwordEdit: root.outlet.secure
         Accessible.focusable: true
 
         function showOutlet(): void {
