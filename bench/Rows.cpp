@@ -1,8 +1,12 @@
 #include "bench/Rows.h"
 
 #include <array>
+#include <condition_variable>
 #include <filesystem>
+#include <functional>
+#include <mutex>
 #include <stdexcept>
+#include <thread>
 
 #include <boost/json.hpp>
 #include <fmt/format.h>
@@ -41,25 +45,75 @@ SecretBytes openSession(BareClient& client) {
   return Base64::decode(textOf(answer, "pinKey")).value();
 }
 
-/// The requests of a PIN checkout, and nothing that a library does around them but the PIN block,
-/// without which the server would not take the purchase.
-void payBare(BareClient& client) {
+using Caller = std::function<void(const std::function<void()>&)>;
+
+/// The requests of a PIN checkout, each made through `call`, and nothing that a library does around
+/// them but the PIN block, without which the server would not take the purchase.
+void payBare(BareClient& client, const Caller& call) {
   client.setTokens("", "");
-  const SecretBytes key = openSession(client);
-  const auto lookup = boost::json::parse(
-      client.post("/lookup/query/v2/TALU", R"({"qrValue":"FIXED-25","method":"inapp"})"));
+  SecretBytes key;
+  call([&] { key = openSession(client); });
+  boost::json::value lookup;
+  call([&] {
+    lookup = boost::json::parse(
+        client.post("/lookup/query/v2/TALU", R"({"qrValue":"FIXED-25","method":"inapp"})"));
+  });
   const auto cardId =
       lookup.at("cardList").at("cards").as_array().front().at("cardId").to_number<std::int64_t>();
-  const auto block = PinBlock::createPINBlock(key, SecretString("1234"), 0);
-  const auto purchase = boost::json::parse(client.post(
-      "/purchase/TALU",
-      fmt::format(R"({{"pinData":{{"pinBlock":"{}"}},"locationInfo":"","amount":"25.00",)"
-                  R"("extraRefValue":"","cardId":{},"billingListId":0,"shippingListId":0,)"
-                  R"("code":"FIXED-25"}})",
-                  block.value(), cardId)));
+  boost::json::value purchase;
+  call([&] {
+    const auto block = PinBlock::createPINBlock(key, SecretString("1234"), 0);
+    purchase = boost::json::parse(client.post(
+        "/purchase/TALU",
+        fmt::format(R"({{"pinData":{{"pinBlock":"{}"}},"locationInfo":"","amount":"25.00",)"
+                    R"("extraRefValue":"","cardId":{},"billingListId":0,"shippingListId":0,)"
+                    R"("code":"FIXED-25"}})",
+                    block.value(), cardId)));
+  });
   const auto transaction = purchase.at("transactionId").to_number<std::int64_t>();
-  client.post("/receipt/poll/TALU", fmt::format(R"({{"transactionId":{}}})", transaction));
+  call([&] {
+    client.post("/receipt/poll/TALU", fmt::format(R"({{"transactionId":{}}})", transaction));
+  });
 }
+
+/// A thread that runs one thing after another while its caller waits, with nothing around it.
+class OtherThread {
+ public:
+  OtherThread() = default;
+  OtherThread(const OtherThread&) = delete;
+  OtherThread& operator=(const OtherThread&) = delete;
+  ~OtherThread() {
+    call({});
+    thread_.join();
+  }
+  void call(std::function<void()> work) {
+    std::unique_lock lock(lock_);
+    work_ = std::move(work);
+    handedOver_ = true;
+    changed_.notify_all();
+    changed_.wait(lock, [this] { return !handedOver_; });
+  }
+
+ private:
+  void run() {
+    std::unique_lock lock(lock_);
+    for (bool over = false; !over;) {
+      changed_.wait(lock, [this] { return handedOver_; });
+      over = !work_;
+      if (work_) {
+        work_();
+      }
+      handedOver_ = false;
+      changed_.notify_all();
+    }
+  }
+
+  std::mutex lock_;
+  std::condition_variable changed_;
+  std::function<void()> work_;
+  bool handedOver_ = false;
+  std::thread thread_{[this] { run(); }};
+};
 
 /// The cipher alone, as its own manual would have it.
 void encryptBare(const EVP_CIPHER* cipher, const std::array<unsigned char, 24>& key, int direction,
@@ -161,7 +215,18 @@ Row checkoutRow(const std::string& base, const std::string& anchor) {
   CheckoutRun library(base, anchor, kState);
   BareClient bare(base, anchor);
   return compare(
-      "a headless PIN checkout : its bare requests", 1.25, {.samples = 60}, [&] { payBare(bare); },
+      "a headless PIN checkout : its bare requests", 1.25, {.samples = 60},
+      [&] { payBare(bare, [](const std::function<void()>& work) { work(); }); },
+      [&] { library.pay(); });
+}
+
+Row threadedCheckoutRow(const std::string& base, const std::string& anchor) {
+  CheckoutRun library(base, anchor, kState);
+  BareClient bare(base, anchor);
+  OtherThread worker;
+  return compare(
+      "the same : its bare requests, made off the main thread", 0, {.samples = 60},
+      [&] { payBare(bare, [&](const std::function<void()>& work) { worker.call(work); }); },
       [&] { library.pay(); });
 }
 

@@ -10,6 +10,9 @@ namespace orlix::bench {
 Row requestRow(const std::string& base, const std::string& anchor);
 /// A whole PIN checkout against the sum of its bare requests.
 Row checkoutRow(const std::string& base, const std::string& anchor);
+/// The same against those requests made one by one on another thread, as whoever must not block the
+/// main thread has to make them: what the two hand-overs a request cost is in both.
+Row threadedCheckoutRow(const std::string& base, const std::string& anchor);
 /// A PIN block against the bare triple-DES call.
 Row pinBlockRow();
 /// Saving and loading the record against the bare cipher and database calls. `file` is made.

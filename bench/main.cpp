@@ -43,6 +43,8 @@ int run(const std::string& only) {
   const std::vector<std::pair<std::string, std::function<Row()>>> known = {
       {"request", [&] { return requestRow(server.base(), server.anchorPath()); }},
       {"checkout", [&] { return checkoutRow(server.base(), server.anchorPath()); }},
+      {"checkout-off-main",
+       [&] { return threadedCheckoutRow(server.base(), server.anchorPath()); }},
       {"pin-block", pinBlockRow},
       {"store", [&] { return storeRow(folder / "store.db"); }},
       {"card-list", cardListRow}};
