@@ -25,11 +25,16 @@ QRectF visiblePart(const QQuickItem& item, const QQuickWindow& window) {
   return seen.intersected(QRectF({0, 0}, QSizeF(window.size())));
 }
 
+/// Some items have a value of their own by this name.
+bool isEnabled(const QQuickItem& item) {
+  return item.isEnabled() && item.property("enabled").toBool();
+}
+
 /// The item that a touch at this point of the scene goes to: from the front to the back, the first
 /// that listens.
 QQuickItem* receiverAt(QQuickItem& item, QPointF scene) {
   const bool inside = item.contains(item.mapFromScene(scene));
-  if (!item.isVisible() || !item.isEnabled() || (item.clip() && !inside)) {
+  if (!item.isVisible() || !isEnabled(item) || (item.clip() && !inside)) {
     return nullptr;
   }
   QList<QQuickItem*> children = item.childItems();
@@ -53,7 +58,7 @@ void Finger::touch(QQuickItem& item, const QString& name) {
   if (!item.isVisible()) {
     refuse("it is not drawn");
   }
-  if (!item.isEnabled()) {
+  if (!isEnabled(item)) {
     refuse("it is disabled");
   }
   const QRectF seen = visiblePart(item, window_);

@@ -1,0 +1,95 @@
+#pragma once
+
+#include <QAccessible>
+#include <QCoreApplication>
+#include <QGuiApplication>
+#include <QQmlEngine>
+#include <QQuickItem>
+#include <QQuickWindow>
+#include <memory>
+#include <string>
+
+#include <gtest/gtest.h>
+
+#include "examples/shop/window/Finger.h"
+#include "examples/shop/window/Warnings.h"
+#include "orlixkit/resources/CompiledBundle.h"
+#include "shell/FindItem.h"
+#include "shell/ScreenPresenter.h"
+#include "tests/phone/Phone.h"
+
+namespace orlix::shell {
+
+/// The phone in virtual time, its screens drawn in a window without a display. The host's own
+/// window is white, with one field of its own.
+class DrawnPhone {
+ public:
+  explicit DrawnPhone(QSize size = {375, 667}) {
+    prepareEngine(engine_, std::make_shared<CompiledBundle>());
+    window.resize(size);
+    hostField = std::make_unique<QQuickItem>(window.contentItem());
+    hostField->setActiveFocusOnTab(true);
+    presenter_ = std::make_unique<ScreenPresenter>(engine_, window, std::chrono::milliseconds(0));
+    phone.host.application().setObserver(presenter_.get());
+    window.show();
+    window.requestActivate();
+    hostField->forceActiveFocus();
+    settle();
+  }
+  ~DrawnPhone() {
+    phone.host.application().setObserver(nullptr);
+    presenter_.reset();
+    EXPECT_EQ(warnings_.texts().join("\n").toStdString(), "");
+  }
+  DrawnPhone(const DrawnPhone&) = delete;
+  DrawnPhone& operator=(const DrawnPhone&) = delete;
+
+  /// All that the toolkit and the library have to do.
+  void settle() {
+    for (int round = 0; round < 3; ++round) {
+      QCoreApplication::processEvents();
+      phone.host.runUntilIdle();
+    }
+    finger.bringUpToDate();
+  }
+  QQuickItem* content() const { return presenter_->top() ? presenter_->top()->content() : nullptr; }
+  /// Identifier of the screen that is drawn on top.
+  std::string screen() const { return presenter_->top()->controller()->identifier(); }
+  QQuickItem& item(const char* name) const { return *findItem(*content(), QString(name)); }
+  void touch(const char* name) {
+    finger.touch(item(name), name);
+    settle();
+  }
+  void key(int code, const char* text = "") {
+    finger.press(code, text);
+    settle();
+  }
+  void keys(const std::string& digits) {
+    for (const char digit : digits) {
+      key(digit, std::string(1, digit).c_str());
+    }
+  }
+  std::string focus() const {
+    const QQuickItem* item = window.activeFocusItem();
+    while (item != nullptr && item->objectName().isEmpty()) {
+      item = item->parentItem();
+    }
+    return item != nullptr ? item->objectName().toStdString() : "";
+  }
+
+  test::Phone phone;
+
+ private:
+  shop::Warnings warnings_;
+  QQmlEngine engine_;
+
+ public:
+  QQuickWindow window;
+  shop::Finger finger{window};
+  std::unique_ptr<QQuickItem> hostField;
+
+ private:
+  std::unique_ptr<ScreenPresenter> presenter_;
+};
+
+}  // namespace orlix::shell

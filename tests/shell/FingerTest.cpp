@@ -1,0 +1,75 @@
+// What a script's finger can reach, and what it cannot.
+
+#include <QQmlComponent>
+#include <QQmlEngine>
+
+#include <gtest/gtest.h>
+
+#include "examples/shop/Script.h"
+#include "examples/shop/window/Finger.h"
+#include "shell/FindItem.h"
+
+namespace orlix::shop {
+namespace {
+
+TEST(Finger, TouchesOnlyWhatAUserCouldTouch) {
+  QQmlEngine engine;
+  QQmlComponent component(&engine);
+  component.setData(R"(
+import QtQuick
+Item {
+  id: root
+  property string touched: ""
+  width: 200; height: 200
+  component Target: MouseArea { width: 40; height: 40; onClicked: root.touched += objectName + " " }
+  Target { objectName: "free" }
+  Target { objectName: "deep"; x: 50; Item { anchors.fill: parent; MouseArea { anchors.fill: parent; onClicked: root.touched += "inside " } } }
+  Target { objectName: "half outside"; x: -20; y: 50 }
+  Target { objectName: "covered"; y: 100; z: -1 }
+  MouseArea { y: 100; width: 40; height: 40 }
+  Target { objectName: "under glass"; x: 50; y: 100 }
+  Rectangle { x: 50; y: 100; width: 40; height: 40; color: "#80000000" }
+  Target { objectName: "outside"; x: 300 }
+  Target { objectName: "invisible"; x: 100; visible: false }
+  Target { objectName: "disabled"; x: 100; y: 50; enabled: false }
+  Item { x: 150; width: 20; height: 20; clip: true; Target { objectName: "cut off"; x: 25 } }
+  Item { objectName: "deaf"; y: 150; width: 40; height: 40 }
+})",
+                    QUrl());
+  std::unique_ptr<QObject> made(component.create());
+  ASSERT_NE(made, nullptr) << component.errorString().toStdString();
+  auto& root = *qobject_cast<QQuickItem*>(made.get());
+  QQuickWindow window;
+  window.resize(200, 200);
+  root.setParentItem(window.contentItem());
+  window.show();
+  Finger finger(window);
+  finger.bringUpToDate();
+  struct Row {
+    const char* name;
+    const char* touched;
+  };
+  for (const Row& row : std::initializer_list<Row>{{"free", "free "},
+                                                   {"deep", "inside "},
+                                                   {"half outside", "half outside "},
+                                                   {"covered", "refused"},
+                                                   {"under glass", "under glass "},
+                                                   {"outside", "refused"},
+                                                   {"invisible", "refused"},
+                                                   {"disabled", "refused"},
+                                                   {"cut off", "refused"},
+                                                   {"deaf", "refused"}}) {
+    root.setProperty("touched", "");
+    std::string touched;
+    try {
+      finger.touch(*shell::findItem(root, QString(row.name)), row.name);
+      touched = root.property("touched").toString().toStdString();
+    } catch (const ScriptError&) {
+      touched = "refused";
+    }
+    EXPECT_EQ(touched, row.touched) << row.name;
+  }
+}
+
+}  // namespace
+}  // namespace orlix::shop

@@ -1,0 +1,100 @@
+// The ports that Qt gives.
+
+#include <QCoreApplication>
+#include <QGeoPositionInfoSource>
+
+#include "orlixkit/platform/memory/MemoryLog.h"
+#include "orlixkit/platform/posix/PosixBackgroundQueues.h"
+#include "shell/QtLocationManager.h"
+#include "shell/QtMainQueue.h"
+#include "tests/platform/MainQueueContract.h"
+
+namespace orlix {
+namespace {
+
+class QtPlatform {
+ public:
+  MainQueue& mainQueue() { return mainQueue_; }
+  BackgroundQueues& backgroundQueues() { return backgroundQueues_; }
+  std::vector<std::string> logged() const { return log_->lines(); }
+
+ private:
+  std::shared_ptr<MemoryLog> log_ = std::make_shared<MemoryLog>();
+  std::stop_source shutdown_;
+  shell::QtMainQueue mainQueue_{log_};
+  PosixBackgroundQueues backgroundQueues_{shutdown_};
+};
+
+INSTANTIATE_TYPED_TEST_SUITE_P(Qt, MainQueueContract, QtPlatform);
+
+/// A source that does what the test says.
+class Source : public QGeoPositionInfoSource {
+ public:
+  Source() : QGeoPositionInfoSource(nullptr) {}
+  QGeoPositionInfo lastKnownPosition(bool) const override { return {}; }
+  PositioningMethods supportedPositioningMethods() const override { return AllPositioningMethods; }
+  int minimumUpdateInterval() const override { return 0; }
+  Error error() const override { return NoError; }
+  void startUpdates() override {
+    if (refuses) {
+      Q_EMIT errorOccurred(AccessError);
+    }
+  }
+  void stopUpdates() override {}
+  void requestUpdate(int) override {}
+  bool refuses = false;
+};
+
+struct Listener : LocationManagerDelegate {
+  void didUpdateLocations(const std::vector<LocationFix>& fixes) override {
+    heard += std::to_string(static_cast<int>(fixes.back().latitude)) + " ";
+  }
+  void didFailWithError(const std::string& description) override { heard += description + " "; }
+  std::string heard;
+};
+
+TEST(QtLocationManager, TellsOnceThatThereIsNoPositionAndNeverFromInsideTheStart) {
+  for (const bool hasSource : {false, true}) {
+    auto source = hasSource ? std::make_unique<Source>() : nullptr;
+    if (source) {
+      source->refuses = true;
+    }
+    shell::QtLocationManager manager(std::move(source));
+    Listener listener;
+    manager.setDelegate(&listener);
+    manager.startUpdatingLocation();
+    EXPECT_EQ(listener.heard, "");
+    QCoreApplication::processEvents();
+    EXPECT_EQ(listener.heard, hasSource ? "access to the position is refused "
+                                        : "this device has no position source ");
+    listener.heard.clear();
+    manager.startUpdatingLocation();
+    manager.stopUpdatingLocation();
+    QCoreApplication::processEvents();
+    EXPECT_EQ(listener.heard, "") << "stopped meanwhile";
+  }
+}
+
+TEST(QtLocationManager, LeavesOutStepsBelowTheDistanceFilterAndInvalidFixes) {
+  auto made = std::make_unique<Source>();
+  Source& source = *made;
+  shell::QtLocationManager manager(std::move(made));
+  Listener listener;
+  manager.setDelegate(&listener);
+  manager.setDistanceFilter(100);
+  manager.startUpdatingLocation();
+  const auto moveTo = [&](double latitude) {
+    Q_EMIT source.positionUpdated(
+        QGeoPositionInfo(QGeoCoordinate(latitude, 18), QDateTime::currentDateTime()));
+  };
+  moveTo(33);
+  moveTo(33.0001);
+  Q_EMIT source.positionUpdated(QGeoPositionInfo());
+  moveTo(34);
+  manager.stopUpdatingLocation();
+  moveTo(35);
+  EXPECT_EQ(listener.heard, "33 34 ");
+}
+
+}  // namespace
+}  // namespace orlix
