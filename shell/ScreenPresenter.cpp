@@ -26,6 +26,14 @@ constexpr double kIndicator = 3;
 
 Application& application() { return Host::current().application(); }
 
+/// In a web page, which has fields and buttons of its own to go through.
+bool isInPage(const QQuickItem* item) {
+  while (item != nullptr && !item->inherits("QQuickWebEngineView")) {
+    item = item->parentItem();
+  }
+  return item != nullptr;
+}
+
 }  // namespace
 
 struct ScreenPresenter::Fade {
@@ -60,6 +68,7 @@ ScreenPresenter::ScreenPresenter(QQmlEngine& engine, QQuickWindow& window,
   }
   connect(&window, &QWindow::widthChanged, this, &ScreenPresenter::resized);
   connect(&window, &QWindow::heightChanged, this, &ScreenPresenter::resized);
+  connect(&window, &QQuickWindow::activeFocusItemChanged, this, &ScreenPresenter::focusMoved);
   window.installEventFilter(this);
   resized();
 }
@@ -245,6 +254,22 @@ void ScreenPresenter::stackChanged() {
   }
 }
 
+/// A page passes the keyboard on, at its end, to whatever comes next in the window; but the host's
+/// controls are covered while a screen stands over them.
+void ScreenPresenter::focusMoved() {
+  const QQuickItem* const focus = window_.activeFocusItem();
+  if (drawn_.empty() || focus == nullptr || focus == window_.contentItem() ||
+      layers_->isAncestorOf(focus)) {
+    return;
+  }
+  QTimer::singleShot(0, this, [this] {
+    if (!drawn_.empty() && drawn_.back()->content() != nullptr) {
+      drawn_.back()->content()->forceActiveFocus();
+      moveFocus(true);
+    }
+  });
+}
+
 bool ScreenPresenter::isMasked() const {
   return application().progressIndicator().blocksInput() && !drawn_.empty() &&
          !drawn_.back()->isAlert();
@@ -309,7 +334,7 @@ bool ScreenPresenter::eventFilter(QObject* watched, QEvent* event) {
     });
   }
   const bool tab = key->key() == Qt::Key_Tab || key->key() == Qt::Key_Backtab;
-  if (tab && event->type() == QEvent::KeyPress) {
+  if (tab && event->type() == QEvent::KeyPress && !isInPage(window_.activeFocusItem())) {
     const bool back = key->key() == Qt::Key_Backtab || key->modifiers().testFlag(Qt::ShiftModifier);
     moveFocus(!back);
     return true;

@@ -64,6 +64,7 @@ class ScreenPresenter : public QObject, public UiObserver {
   void end(const QVariantAnimation* animation);
   void resized();
   void stackChanged();
+  void focusMoved();
   bool isMasked() const;
   std::vector<QQuickItem*> itemsInReachUnderMask() const;
   bool moveFocus(bool forward);
