@@ -88,6 +88,7 @@ ShopOptions parseOptions(const std::vector<std::string>& arguments) {
       {"--terms", [&](auto& value) { options.terms = httpsAddress("--terms", value); }},
       {"--script", [&](auto& value) { options.script = value; }},
       {"--window", [&](auto& value) { options.window = windowSize(value); }},
+      {"--messages", [&](auto& value) { options.messages = value; }},
       {"--snapshots", [&](auto& value) { options.snapshots = value; }},
   };
   std::set<std::string> seen;
@@ -129,6 +130,7 @@ std::string usage() {
   return R"(usage: orlix-shop --server BASE --anchor FILE --state DIR
                   [--system 0|1] [--location LAT,LON] [--terms URL]
                   [--script FILE] [--headless] [--snapshots DIR] [--window WxH]
+                  [--messages FILE]
 
   --server BASE       base address of the wallet server, such as https://127.0.0.1:8443/vello
   --anchor FILE       certificate to trust besides the system's roots (PEM or DER)
@@ -140,6 +142,7 @@ std::string usage() {
   --headless          run without a window
   --snapshots DIR     where the drawn shell saves its pictures
   --window WxH        size of the window in points (default 375x667)
+  --messages FILE     lines for the window to show, such as SMS codes; a pipe is read as they come
 
 Exit status: 0 every expectation of the script held, 1 one did not, 2 the command line is wrong.
 )";

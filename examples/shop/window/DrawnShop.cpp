@@ -61,6 +61,10 @@ DrawnShop::DrawnShop(const ShopOptions& options, std::ostream& out, std::ostream
   shell::prepareEngine(engine_, ports_.bundle);
   counter_ = std::make_unique<ShopCounter>(shop_.hostScreen(), shop_.outcomes(), options.system);
   drawCounter();
+  if (options.messages) {
+    messages_ = std::make_unique<MessageLines>(
+        *options.messages, [this](const QString& line) { counter_->addMessage(line); });
+  }
   presenter_ = std::make_unique<shell::ScreenPresenter>(engine_, window_);
   QObject::connect(presenter_.get(), &shell::ScreenPresenter::emptied, counter_.get(),
                    [this] { ports_.mainQueue->async([this] { counter_->leftAlone(); }); });

@@ -7,6 +7,7 @@
 #include <ostream>
 
 #include "examples/shop/Shop.h"
+#include "examples/shop/window/MessageLines.h"
 #include "examples/shop/window/ShopCounter.h"
 #include "shell/ScreenPresenter.h"
 
@@ -43,6 +44,7 @@ class DrawnShop {
   Shop shop_;
   std::unique_ptr<ShopCounter> counter_;
   std::unique_ptr<QQuickItem> drawn_;
+  std::unique_ptr<MessageLines> messages_;
   std::unique_ptr<shell::ScreenPresenter> presenter_;
 };
 

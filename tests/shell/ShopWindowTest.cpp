@@ -1,0 +1,111 @@
+// The shop's own window: a buyer without a mouse, and what the shop tells at the end.
+
+#include <fstream>
+#include <sstream>
+
+#include <gtest/gtest.h>
+
+#include "examples/shop/window/DrawnShop.h"
+#include "examples/shop/window/Finger.h"
+#include "examples/shop/window/Warnings.h"
+#include "orlixkit/platform/MainQueue.h"
+#include "shell/FindItem.h"
+#include "tests/TemporaryFolder.h"
+#include "tests/shop/Story.h"
+
+namespace orlix::shop {
+namespace {
+
+class Buyer {
+ public:
+  Buyer() { finger.bringUpToDate(); }
+  void runUntil(const std::function<bool()>& done) {
+    Host::current().ports().mainQueue->runUntil(done);
+    finger.bringUpToDate();
+  }
+  void runUntilScreen(const std::string& identifier) {
+    runUntil([&] {
+      const auto* top = shop.presenter().top();
+      return top != nullptr && top->controller()->identifier() == identifier &&
+             top->controller()->hasAppeared();
+    });
+  }
+  /// The keyboard goes on until it stands on the item of this name.
+  void tabTo(const QString& name) {
+    const auto focus = [&] {
+      const QQuickItem* item = shop.window().activeFocusItem();
+      while (item != nullptr && item->objectName().isEmpty()) {
+        item = item->parentItem();
+      }
+      return item != nullptr ? item->objectName() : QString();
+    };
+    for (int step = 0; step < 30 && focus() != name; ++step) {
+      finger.press(Qt::Key_Tab, "\t");
+    }
+    ASSERT_EQ(focus().toStdString(), name.toStdString());
+  }
+  /// What the item of this name shows; nothing when it is not drawn.
+  std::string text(const char* name) {
+    const QQuickItem* item = shell::findItem(*shop.window().contentItem(), QString(name));
+    return item != nullptr && item->isVisible() ? item->property("text").toString().toStdString()
+                                                : "";
+  }
+
+  test::TemporaryFolder folder;
+  Server server{true};
+  std::string messages = [this] {
+    std::ofstream(folder.path() / "messages") << "Your code is 12345\nYour code is 67890\n";
+    return (folder.path() / "messages").string();
+  }();
+  ShopOptions options = [this] {
+    ShopOptions made = optionsOf("", server, folder.path() / "state");
+    made.messages = messages;
+    return made;
+  }();
+  std::ostringstream lines;
+  Warnings warnings;
+  DrawnShop shop{options, lines, lines};
+  Finger finger{shop.window()};
+};
+
+TEST(ShopWindow, ABuyerNeedsNoMouseAndReadsHowItEnded) {
+  Buyer buyer;
+  buyer.tabTo("pay0");
+  buyer.finger.press(Qt::Key_Return);
+  buyer.runUntilScreen("Product");
+  buyer.tabTo("pinField");
+  for (const int digit : {Qt::Key_1, Qt::Key_2, Qt::Key_3, Qt::Key_4}) {
+    buyer.finger.press(digit, QString(QChar(digit)));
+  }
+  buyer.finger.press(Qt::Key_Return);
+  buyer.runUntil([&] { return buyer.text("outcomeTitle") != ""; });
+  EXPECT_EQ(buyer.text("outcomeTitle"), "Thank you, it is paid");
+  EXPECT_EQ(buyer.text("outcomeDetail"), "Reference 7000000001");
+  buyer.finger.press(Qt::Key_Return);
+  buyer.finger.bringUpToDate();
+  EXPECT_EQ(buyer.text("outcomeTitle"), "");
+
+  buyer.tabTo("wallet");
+  buyer.finger.press(Qt::Key_Space, " ");
+  buyer.runUntilScreen("WalletManagement");
+  buyer.finger.press(Qt::Key_Escape);
+  buyer.runUntil([&] { return buyer.text("outcomeTitle") != ""; });
+  EXPECT_EQ(buyer.text("outcomeTitle"), "Wallet closed");
+  EXPECT_EQ(buyer.warnings.texts().join("\n").toStdString(), "");
+}
+
+TEST(ShopWindow, ShowsTheNewestMessage) {
+  Buyer buyer;
+  const auto shown = [&] {
+    return shell::findItem(*buyer.shop.window().contentItem(), [](const QQuickItem& item) {
+             return item.property("text").toString() == "Your code is 67890";
+           }) != nullptr;
+  };
+  for (int round = 0; round < 100 && !shown(); ++round) {
+    QCoreApplication::processEvents();
+  }
+  EXPECT_TRUE(shown());
+}
+
+}  // namespace
+}  // namespace orlix::shop
