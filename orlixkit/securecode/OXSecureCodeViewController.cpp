@@ -1,5 +1,7 @@
 #include "orlixkit/securecode/OXSecureCodeViewController.h"
 
+#include <utility>
+
 #include <fmt/format.h>
 
 #include "orlixkit/checkout/OXUtil.h"
@@ -23,6 +25,10 @@ std::shared_ptr<OXSecureCodeViewController> OXSecureCodeViewController::self() {
 
 void OXSecureCodeViewController::viewDidLoad() {
   OrlixViewController::viewDidLoad();
+  // Taken, not copied: the session outlives the flow, this screen does not.
+  if (const auto current = session()) {
+    cvv_ = std::exchange(current->cvv, std::nullopt);
+  }
   loadSecureCodeInfo();
 }
 
@@ -172,7 +178,7 @@ PurchaseRequest OXSecureCodeViewController::purchaseRequest() const {
   request.code = current->codeInfo ? current->codeInfo->code : std::nullopt;
   request.amount = current->amount;
   request.cardId = current->cardId;
-  request.cvv = current->cvv;
+  request.cvv = cvv_;
   request.location = OXUtil::getLocation();
   return request;
 }

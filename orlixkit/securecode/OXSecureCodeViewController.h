@@ -73,6 +73,7 @@ class OXSecureCodeViewController : public OrlixViewController, public WebViewDel
   std::shared_ptr<WebPageView> secureCodewebView_;
   std::shared_ptr<Button> cancelButton_;
   std::optional<MTSecureCodeURLResponse> secureCodeInfo_;
+  std::optional<SecretString> cvv_;
   std::string paRes_;
   MTPinResponse pinResponse_;
   bool appeared_ = false;

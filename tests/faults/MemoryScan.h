@@ -1,0 +1,32 @@
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace orlix::test {
+
+/// Looks for byte sequences in all of this process's memory that it can write: heaps, stacks,
+/// static data. What it looks for it keeps masked, so that it never finds itself.
+class MemoryScan {
+ public:
+  /// A sequence to look for, told unit by unit so that it need never stand together in memory.
+  struct Needle {
+    std::string name;
+    std::vector<std::uint8_t> masked;
+    void add(std::uint8_t byte) { masked.push_back(byte ^ kMask); }
+  };
+  static constexpr std::uint8_t kMask = 0xA5;
+
+  void lookFor(Needle needle) { needles_.push_back(std::move(needle)); }
+  /// Name and place of whatever is there.
+  std::vector<std::string> findings() const;
+  /// The findings of this name only.
+  std::size_t count(std::string_view name) const;
+
+ private:
+  std::vector<Needle> needles_;
+};
+
+}  // namespace orlix::test

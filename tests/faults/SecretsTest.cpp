@@ -1,0 +1,200 @@
+#include <gmock/gmock.h>
+
+#include "orlixkit/protocol/OMVello.h"
+#include "tests/faults/MemoryScan.h"
+#include "tests/faults/SandboxProcess.h"
+
+namespace orlix::test {
+
+namespace {
+
+// Typed key by key, so that this test never holds them in one piece. The PIN is the one of card
+// 7777; the CVV has four characters that stand nowhere else, each of four bytes in UTF-8.
+constexpr std::array<char, 9> kPinDigits{'9', '8', '7', '6', '5', '4', '3', '2', '1'};
+constexpr std::array<int, 4> kCvvLetters{0x93, 0x8B, 0xA1, 0x97};
+
+std::string cvvKey(int letter) {
+  return "\xF0\x9D\x96" + std::string(1, static_cast<char>(letter));
+}
+
+MemoryScan::Needle named(const std::string& name) { return {name, {}}; }
+
+MemoryScan::Needle pinText() {
+  MemoryScan::Needle needle = named("PIN");
+  for (const char digit : kPinDigits) {
+    needle.add(static_cast<std::uint8_t>(digit));
+  }
+  return needle;
+}
+
+/// The digits as a clear PIN block packs them, from the second on.
+MemoryScan::Needle pinNibbles() {
+  MemoryScan::Needle needle = named("packed PIN");
+  for (std::size_t i = 1; i + 1 < kPinDigits.size(); i += 2) {
+    needle.add(
+        static_cast<std::uint8_t>((kPinDigits.at(i) - '0') * 16 + kPinDigits.at(i + 1) - '0'));
+  }
+  return needle;
+}
+
+MemoryScan::Needle cvvText() {
+  MemoryScan::Needle needle = named("CVV");
+  for (const int letter : kCvvLetters) {
+    for (const char unit : cvvKey(letter)) {
+      needle.add(static_cast<std::uint8_t>(unit));
+    }
+  }
+  return needle;
+}
+
+/// The key of the session that is open, as bytes and as the answer's text had it.
+std::vector<MemoryScan::Needle> pinKey() {
+  constexpr std::string_view digits =
+      "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789+/";
+  MemoryScan::Needle raw = named("PIN key");
+  MemoryScan::Needle text = named("PIN key's text");
+  unsigned bits = 0;
+  int held = 0;
+  const auto connection = OMVello::sharedOMVello().connection();
+  for (const std::uint8_t byte : connection->dataStore().pinKey->reveal()) {
+    raw.add(byte);
+    bits = bits << 8U | byte;
+    for (held += 8; held >= 6; held -= 6) {
+      text.add(static_cast<std::uint8_t>(digits[bits >> static_cast<unsigned>(held - 6) & 0x3FU]));
+    }
+  }
+  return {raw, text};
+}
+
+struct User : TlsPhone {
+  using TlsPhone::TlsPhone;
+
+  void typePin() {
+    for (const char digit : kPinDigits) {
+      user->type("pinField", std::string(1, digit));
+    }
+  }
+  void typeCvv() {
+    for (const int letter : kCvvLetters) {
+      user->type("cvvField", cvvKey(letter));
+    }
+  }
+  void payByPin(const std::string& code) {
+    showPayment(code, "7777");
+    typePin();
+    user->tap("proceedButton");
+    runUntilOutcomeOrAlert();
+  }
+  void payByPinAndCvv(const std::string& code) {
+    showPayment(code, "4444");
+    typeCvv();
+    typePin();
+    user->tap("proceedButton");
+    runUntilOutcomeOrAlert();
+  }
+  void cancel() {
+    if (user->topAlert()) {
+      user->pressAlert("Cancel");
+    }
+    runUntilScreen("Product");
+    user->tap("cancelAction");
+    runUntil([this] { return !app->heard.empty(); });
+  }
+};
+
+struct Flow {
+  std::string name;
+  void (*run)(User&);
+  std::string heard;
+};
+
+const std::vector<Flow> kFlows{
+    {"a payment by PIN", [](User& user) { user.payByPin("FIXED-25"); }, "succeeded"},
+    {"a payment sent again under a new session", [](User& user) { user.payByPin("FORGET"); },
+     "succeeded"},
+    {"a refused payment by PIN and CVV", [](User& user) { user.payByPinAndCvv("FIXED-25"); },
+     "error 2"},
+    {"a payment without an answer, and cancel",
+     [](User& user) {
+       user.payByPin("HANG-UP");
+       user.cancel();
+     },
+     "cancelled"},
+    {"a payment that times out, and retry",
+     [](User& user) {
+       user.showPayment("SILENCE", "7777");
+       user.typePin();
+       user.user->tap("proceedButton");
+       user.runUntil([&] {
+         user.clock->letPass(std::chrono::seconds(1));
+         return user.user->topAlert() != nullptr;
+       });
+       user.user->pressAlert("Retry");
+       user.runUntil([&] { return !user.app->heard.empty(); });
+     },
+     "succeeded"},
+    {"a 3-D Secure payment with a CVV",
+     [](User& user) {
+       user.pages->onLoad = [](FakeWebView& page) {
+         page.finishNavigation(R"(<html><script>Vello.handle("eJx")</script></html>)");
+       };
+       user.showPayment("FIXED-25", "0309");
+       user.typeCvv();
+       user.user->tap("proceedButton");
+       user.runUntil([&] { return !user.app->heard.empty(); });
+     },
+     "error 2"},
+    {"second thoughts",
+     [](User& user) {
+       user.showPayment("FIXED-25", "4444");
+       user.typeCvv();
+       user.typePin();
+       user.user->erase("pinField", 2);
+       user.cancel();
+     },
+     "cancelled"},
+};
+
+}  // namespace
+
+TEST(Secrets, NoneOfThemIsInMemoryOnceTheFlowHasEnded) {
+  for (const Flow& flow : kFlows) {
+    SCOPED_TRACE(flow.name);
+    SandboxProcess server("--enrolled");
+    MemoryScan scan;
+    scan.lookFor(pinText());
+    scan.lookFor(pinNibbles());
+    scan.lookFor(cvvText());
+    MemoryScan keys;
+    {
+      User user(server.address);
+      flow.run(user);
+      ASSERT_THAT(user.app->heard, testing::ElementsAre(testing::HasSubstr(flow.heard)));
+      // Whatever the host's callback interrupted has been released by then.
+      user.runUntil([&user] { return user.screen().empty(); });
+      EXPECT_THAT(scan.findings(), testing::IsEmpty());
+      for (MemoryScan::Needle& needle : pinKey()) {
+        keys.lookFor(std::move(needle));
+      }
+      EXPECT_THAT(keys.findings(), testing::ElementsAre(testing::HasSubstr("PIN key at")))
+          << "the session's own, and no other";
+    }
+    EXPECT_THAT(keys.findings(), testing::IsEmpty());
+    EXPECT_THAT(scan.findings(), testing::IsEmpty());
+  }
+}
+
+TEST(Secrets, AreFoundByTheScanWhileTheyAreTyped) {
+  SandboxProcess server("--enrolled");
+  User user(server.address);
+  user.showPayment("FIXED-25", "4444");
+  user.typeCvv();
+  user.typePin();
+  MemoryScan scan;
+  scan.lookFor(pinText());
+  scan.lookFor(cvvText());
+  EXPECT_EQ(scan.count("PIN"), 1U);
+  EXPECT_EQ(scan.count("CVV"), 1U);
+}
+
+}  // namespace orlix::test

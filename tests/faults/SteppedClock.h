@@ -1,0 +1,80 @@
+#pragma once
+
+#include <atomic>
+#include <memory>
+#include <mutex>
+#include <set>
+#include <utility>
+
+#include "orlixkit/platform/Clock.h"
+
+namespace orlix::test {
+
+/// The real clock, on which a test can let time go by at once: whoever waits past that point finds
+/// his deadline passed. The calendar can be set apart from it, as a user sets it.
+///
+/// Thread: any. Conditions must be gone before the clock.
+class SteppedClock : public Clock {
+ public:
+  explicit SteppedClock(std::shared_ptr<Clock> real) : real_(std::move(real)) {}
+
+  void letPass(Duration span) {
+    skipped_ += span.count();
+    const std::lock_guard held(lock_);
+    for (Condition* waited : conditions_) {
+      waited->lock();
+      waited->signal();
+      waited->unlock();
+    }
+  }
+  void setCalendar(Duration ahead) { calendarAhead_ = ahead.count(); }
+
+  SteadyTime steadyNow() const override { return real_->steadyNow() + skipped(); }
+  CalendarTime now() const override { return real_->now() + skipped() + Duration(calendarAhead_); }
+  std::chrono::seconds utcOffset(CalendarTime at) const override { return real_->utcOffset(at); }
+  bool sleep(Duration duration) override {
+    const SteadyTime end = steadyNow() + duration;
+    const auto condition = newCondition();
+    const std::lock_guard held(*condition);
+    while (steadyNow() < end) {
+      if (!condition->waitUntil(end) && steadyNow() < end) {
+        return false;  // the host's shutdown
+      }
+    }
+    return true;
+  }
+  std::unique_ptr<Condition> newCondition() override { return std::make_unique<Stepped>(*this); }
+
+ private:
+  /// A real condition whose deadlines lie nearer by what was skipped.
+  struct Stepped : Condition {
+    explicit Stepped(SteppedClock& of) : clock(of), real(of.real_->newCondition()) {
+      const std::lock_guard held(clock.lock_);
+      clock.conditions_.insert(real.get());
+    }
+    ~Stepped() override {
+      const std::lock_guard held(clock.lock_);
+      clock.conditions_.erase(real.get());
+    }
+    void lock() override { real->lock(); }
+    void unlock() override { real->unlock(); }
+    bool waitUntil(SteadyTime deadline) override {
+      return real->waitUntil(deadline - clock.skipped());
+    }
+    void signal() override { real->signal(); }
+
+    SteppedClock& clock;
+    std::unique_ptr<Condition> real;
+  };
+
+  Duration skipped() const { return Duration(skipped_); }
+
+  std::shared_ptr<Clock> real_;
+  // Read by those who hold a condition's lock, so not under a lock of our own.
+  std::atomic<Duration::rep> skipped_ = 0;
+  std::atomic<Duration::rep> calendarAhead_ = 0;
+  std::mutex lock_;
+  std::set<Condition*> conditions_;
+};
+
+}  // namespace orlix::test

@@ -1,0 +1,85 @@
+#include "tests/faults/TlsPhone.h"
+
+#include <condition_variable>
+#include <stdexcept>
+#include <thread>
+
+#include "orlixkit/checkout/OXUtil.h"
+#include "orlixkit/resources/CompiledBundle.h"
+
+namespace orlix::test {
+
+TlsPhone::TlsPhone(const ServerAddress& server) {
+  PosixOptions options;
+  options.applicationName = "orlix-faults";
+  options.stateDirectory = state.path();
+  options.anchorFile = server.anchor;
+  options.bundles = {std::make_shared<CompiledBundle>()};
+  Ports ports = makePosixPorts(options);
+  ports.log = log;
+  ports.clock = clock = std::make_shared<SteppedClock>(ports.clock);
+  ports.webViews = pages = std::make_shared<FakeWebViews>(ports.mainQueue);
+  installOrlixKit(std::make_shared<Host>(ports, Deployment{server.base, server.base, ""}));
+  Host::current().application().showMainWindow(root);
+  user = std::make_unique<ScreenUser>(Host::current().application());
+}
+
+TlsPhone::~TlsPhone() { Host::uninstall(); }
+
+void TlsPhone::checkout(const std::string& code) {
+  facade_ = OXOrlix::make();
+  facade_->checkout(
+      {.code = code, .apiKey = "key", .system = kTestSystem, .controller = root, .delegate = app});
+}
+
+void TlsPhone::wallet() {
+  facade_ = OXOrlix::make();
+  facade_->WalletManagement("key", kTestSystem, root, app);
+}
+
+void TlsPhone::showPayment(const std::string& code, const std::string& cardHint) {
+  checkout(code);
+  runUntilScreen("Product");
+  for (const CardOption& card : OXSession::currentSession()->cards) {
+    if (card.cardHint == cardHint) {
+      OXUtil::setLastUsedCardId(card.cardId);
+    }
+  }
+  OXSession::currentSession()->showPurchaseScreen();
+}
+
+void TlsPhone::runUntil(const std::function<bool()>& done) {
+  const std::shared_ptr<MainQueue> mainQueue = Host::current().ports().mainQueue;
+  const auto end = std::chrono::steady_clock::now() + std::chrono::seconds(10);
+  // The queue asks after each of its tasks only, so it is given one now and then.
+  std::mutex mutex;
+  std::condition_variable_any changed;
+  const std::jthread ticks([&](const std::stop_token& stop) {
+    std::unique_lock held(mutex);
+    while (!changed.wait_for(held, stop, std::chrono::milliseconds(2),
+                             [&] { return stop.stop_requested(); })) {
+      mainQueue->async([] {});
+    }
+  });
+  mainQueue->runUntil([&] { return done() || std::chrono::steady_clock::now() > end; });
+  if (!done()) {
+    throw std::runtime_error("never came: on top is " + screen() + alert() + "\n" + log->text());
+  }
+}
+
+void TlsPhone::runUntilScreen(const std::string& identifier) {
+  runUntil([&] { return screen() == identifier; });
+}
+
+void TlsPhone::runUntilOutcomeOrAlert() {
+  runUntil([this] { return !app->heard.empty() || user->topAlert(); });
+}
+
+std::string TlsPhone::screen() const { return user->topController()->identifier(); }
+
+std::string TlsPhone::alert() const {
+  const auto alert = user->topAlert();
+  return alert ? alert->title() : "";
+}
+
+}  // namespace orlix::test
