@@ -45,6 +45,14 @@ if(ORLIX_SANITIZE)
   add_link_options(-fsanitize=${ORLIX_SANITIZE})
 endif()
 
+# Everything counts its coverage; only a fuzz target brings libFuzzer's main.
+if(ORLIX_BUILD_FUZZ)
+  if(NOT CMAKE_CXX_COMPILER_ID STREQUAL "Clang")
+    message(FATAL_ERROR "ORLIX_BUILD_FUZZ needs clang; the preset \"fuzz\" chooses it.")
+  endif()
+  add_compile_options(-fsanitize=fuzzer-no-link)
+endif()
+
 # orlix_floor(<name> [DEPENDS <targets>...] [PRIVATE <targets>...])
 #
 # A floor of the library: every source in the current folder becomes the static library

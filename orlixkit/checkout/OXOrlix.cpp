@@ -7,23 +7,16 @@
 
 #include "orlixkit/checkout/OXUtil.h"
 #include "orlixkit/checkout/ScreenChange.h"
+#include "orlixkit/checkout/SuggestedMsisdn.h"
 #include "orlixkit/checkout/WalletRequest.h"
 #include "orlixkit/platform/Host.h"
 #include "orlixkit/security/OMStorage.h"
-#include "orlixkit/widgets/Characters.h"
 
 namespace orlix {
 
 namespace {
 
-constexpr std::string_view kCountryCode = "27";
-constexpr std::string_view kCountryCodeWithTrunkZero = "270";
 const std::string kCustomerIdKey = "customerId";
-
-std::string withoutLeadingZeros(const std::string& digits) {
-  const std::size_t first = digits.find_first_not_of('0');
-  return first == std::string::npos ? std::string() : digits.substr(first);
-}
 
 /// The fewest digits that read back as the same number, never with an exponent.
 std::optional<std::string> amountText(double amount) {
@@ -106,23 +99,7 @@ void OXOrlix::walletManagement(const WalletRequestArguments& request) {
 }
 
 std::string OXOrlix::getSuggestedMSISDN(const std::string& number) {
-  if (number.empty()) {
-    return number;
-  }
-  const std::string digits = decimalDigitsOf(number);
-  if (digits.starts_with("00")) {
-    return "+" + withoutLeadingZeros(digits);
-  }
-  const bool national = digits.starts_with("0");
-  const bool withTrunkZero = digits.starts_with(kCountryCodeWithTrunkZero);
-  if (!national && !withTrunkZero) {
-    return "+" + digits;
-  }
-  std::string rest = withoutLeadingZeros(digits);
-  if (rest.starts_with(kCountryCodeWithTrunkZero)) {
-    rest.erase(kCountryCode.size(), 1);
-  }
-  return (national ? "+27" : "+") + rest;
+  return suggestedMsisdn(number);
 }
 
 std::string OXOrlix::getLibVelloApiVersion() { return KCVelloConnection::getApiVersion(); }

@@ -6,6 +6,7 @@
 
 #include <boost/json.hpp>
 
+#include "orlixkit/records/JsonNumber.h"
 #include "orlixkit/records/JsonText.h"
 
 namespace orlix {
@@ -81,7 +82,7 @@ std::int64_t integerReading(const JsonValue& value) {
       return static_cast<std::int64_t>(
           std::min(value.get_uint64(), static_cast<std::uint64_t>(largest)));
     case kind::double_:
-      return cut(value.get_double());
+      return cut(jsonNumber(value.get_double()));
     case kind::string:
       return leadingDigits(view(value.get_string()));
     default:
@@ -98,7 +99,7 @@ bool booleanReading(const JsonValue& value) {
     case kind::uint64:
       return value.get_uint64() != 0;
     case kind::double_:
-      return value.get_double() != 0;
+      return jsonNumber(value.get_double()) != 0;
     case kind::string:
       return firstSign(view(value.get_string()));
     default:
