@@ -20,7 +20,9 @@ JsonObject answerWith(const std::string& value) {
 
 TEST(Readings, OfIntegersCutSaturateAndTakeLeadingDigits) {
   const std::pair<std::int64_t, std::vector<const char*>> rows[] = {
-      {0, {"-0", "1e-400", "false", R"("abc")", R"("")", R"("+-1")", R"("- 1")", R"("0x10")"}},
+      {0,
+       {"-0", "0e400", "1e-400", "false", R"("abc")", R"("")", R"("+-1")", R"("- 1")",
+        R"("0x10")"}},
       {1, {"1.9", "true", R"("1 2")"}},
       {-1, {"-1.9"}},
       {-42, {R"(" \t\n-42abc")"}},
@@ -48,8 +50,9 @@ TEST(Readings, OfBooleansLookAtTheFirstSignOfATextAndAtNumbersBesideZero) {
     const JsonObject answer = answerWith(value);
     EXPECT_TRUE(AnswerReader(answer).boolean("k")) << value;
   }
-  for (const char* value : {"false", "0", "-0.0", R"("00")", R"("no")", R"("false")", R"("")",
-                            R"(" ")", R"("-")", R"("--1")", R"("0 1")", R"("0.5")", R"("on")"}) {
+  for (const char* value :
+       {"false", "0", "-0.0", "0e400", R"("00")", R"("no")", R"("false")", R"("")", R"(" ")",
+        R"("-")", R"("--1")", R"("0 1")", R"("0.5")", R"("on")"}) {
     const JsonObject answer = answerWith(value);
     EXPECT_FALSE(AnswerReader(answer).boolean("k")) << value;
   }
@@ -65,6 +68,8 @@ TEST(Readings, OfTextsKeepWhatIsNoTextAsItsJsonText) {
       {"100000.0", "100000"},
       {"0.1", "0.1"},
       {"-1e400", "-1e999"},
+      {"-0e400", "0"},
+      {"-0.0", "0"},
       {"18446744073709551615", "18446744073709551615"},
       {"true", "true"},
       {"[]", "[]"},
