@@ -42,7 +42,7 @@ OxSheet {
             }
         }
 
-        OxLabel {
+        OxLink {
             outlet: sheet.screen.descriptionLabel
             Layout.fillWidth: true
             Layout.topMargin: 6

@@ -20,7 +20,7 @@ OxSheet {
             text: "Changed terms"
         }
 
-        OxLabel {
+        OxLink {
             outlet: sheet.screen.descriptionLabel
             Layout.fillWidth: true
             Layout.topMargin: 6
