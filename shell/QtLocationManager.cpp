@@ -2,6 +2,7 @@
 
 #include <QMetaObject>
 #include <chrono>
+#include <utility>
 
 namespace orlix::shell {
 
@@ -67,12 +68,14 @@ void QtLocationManager::startUpdatingLocation() {
     failLater("this device has no position source");
     return;
   }
+  running_ = true;
   source_->startUpdates();
 }
 
 void QtLocationManager::stopUpdatingLocation() {
   updates_.reset();
-  if (source_) {
+  // A source that has failed stopped by itself, and warns of being stopped again.
+  if (source_ && std::exchange(running_, false)) {
     source_->stopUpdates();
   }
 }
@@ -86,6 +89,7 @@ void QtLocationManager::updated(const QGeoPositionInfo& info) {
 }
 
 void QtLocationManager::failed(QGeoPositionInfoSource::Error error) {
+  running_ = running_ && error == QGeoPositionInfoSource::UpdateTimeoutError;
   if (updates_ && error != QGeoPositionInfoSource::NoError) {
     failLater(describe(error));
   }

@@ -34,6 +34,7 @@ class QtLocationManager : public QObject, public LocationManager {
   std::unique_ptr<QGeoPositionInfoSource> source_;
   LocationManagerDelegate* delegate_ = nullptr;
   double distanceFilter_ = 0;
+  bool running_ = false;
   std::shared_ptr<int> updates_;  ///< replaced by each start and stop
   QGeoCoordinate last_;           ///< the last fix that was told
 };

@@ -1,5 +1,6 @@
 #include "shell/ScreenPresenter.h"
 
+#include <QDir>
 #include <QFontDatabase>
 #include <QKeyEvent>
 #include <QQmlComponent>
@@ -71,6 +72,7 @@ ScreenPresenter::ScreenPresenter(QQmlEngine& engine, QQuickWindow& window,
   connect(&window, &QQuickWindow::activeFocusItemChanged, this, &ScreenPresenter::focusMoved);
   window.installEventFilter(this);
   resized();
+  warmUp();
 }
 
 ScreenPresenter::~ScreenPresenter() {
@@ -79,6 +81,19 @@ ScreenPresenter::~ScreenPresenter() {
   lingering_.reset();
   // At once, unlike the screens: the items speak of what ends with this object.
   delete layers_.data();
+}
+
+void ScreenPresenter::warmUp() {
+  QStringList files{QStringLiteral("qrc:/orlix/presentation/Presentation.qml"),
+                    QStringLiteral("qrc:/orlix/storyboard/Waiting.qml"),
+                    QStringLiteral("qrc:/orlix/qml/OrlixKit/Components/OxAlert.qml")};
+  for (const QString& screen : QDir(QStringLiteral(":/orlix/storyboard")).entryList()) {
+    files.append("qrc:/orlix/storyboard/" + screen);
+  }
+  for (const QString& file : files) {
+    warm_.push_back(
+        std::make_unique<QQmlComponent>(&engine_, QUrl(file), QQmlComponent::Asynchronous));
+  }
 }
 
 ScreenPresenter::Drawn::iterator ScreenPresenter::find(const ViewController& controller) {

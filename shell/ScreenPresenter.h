@@ -2,6 +2,7 @@
 
 #include <QObject>
 #include <QPointer>
+#include <QQmlComponent>
 #include <QQmlEngine>
 #include <QQuickWindow>
 #include <QVariantAnimation>
@@ -69,8 +70,13 @@ class ScreenPresenter : public QObject, public UiObserver {
   std::vector<QQuickItem*> itemsInReachUnderMask() const;
   bool moveFocus(bool forward);
 
+  /// Lets the drawings be compiled in the background, so that the first use of none holds up a
+  /// touch.
+  void warmUp();
+
   QQmlEngine& engine_;
   QQuickWindow& window_;
+  std::vector<std::unique_ptr<QQmlComponent>> warm_;  ///< holds what is compiled
   const std::chrono::milliseconds fade_;
   ProgressAdapter progress_;
   QPointer<QQuickItem> layers_;
