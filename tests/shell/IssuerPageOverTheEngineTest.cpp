@@ -2,89 +2,50 @@
 
 #include <csignal>
 
-#include <boost/json.hpp>
-
 #include "orlixkit/OrlixKit.h"
 #include "orlixkit/checkout/OXSession.h"
 #include "orlixkit/checkout/OXUtil.h"
 #include "orlixkit/platform/memory/ScreenUser.h"
 #include "orlixkit/platform/ui/WebPageView.h"
-#include "sandbox/Sandbox.h"
 #include "shell/PageFinger.h"
 #include "shell/QtPorts.h"
-#include "tests/TemporaryFolder.h"
+#include "tests/RealPhone.h"
 #include "tests/phone/HostApp.h"
 #include "tests/shell/WebStage.h"
 
 namespace orlix::shell {
 namespace {
 
-using orlix::test::Heard;
-using orlix::test::HostApp;
+using test::Heard;
 
-/// The engine's view, which lets something happen as soon as a page's markup is being read.
-class WatchedView : public WebView {
- public:
-  WatchedView(std::shared_ptr<WebView> view, std::shared_ptr<MainQueue> queue, Task& meanwhile)
-      : drawn(std::static_pointer_cast<QtWebView>(std::move(view))),
-        queue_(std::move(queue)),
-        meanwhile_(meanwhile) {}
-  void setNavigationDelegate(std::weak_ptr<WebViewDelegate> delegate) override {
-    drawn->setNavigationDelegate(std::move(delegate));
-  }
-  void loadHtmlString(const std::string& html) override { drawn->loadHtmlString(html); }
-  void loadRequest(const std::string& address) override { drawn->loadRequest(address); }
-  void stopLoading() override { drawn->stopLoading(); }
-  void evaluateJavaScript(const std::string& script,
-                          std::function<void(const ScriptResult&)> completion) override {
-    drawn->evaluateJavaScript(script, std::move(completion));
-    if (meanwhile_ && script == "document.documentElement.outerHTML") {
-      queue_->async(std::exchange(meanwhile_, {}));
+/// Hears a page before its screen does, and lets something happen while the screen reads the page.
+struct Meanwhile : WebViewDelegate {
+  void didFinishNavigation() override {
+    if (happens) {
+      Host::current().ports().mainQueue->async(std::exchange(happens, {}));
     }
+    screen->didFinishNavigation();
   }
+  void didFailNavigation(const std::string& why) override { screen->didFailNavigation(why); }
+  void webContentProcessDidTerminate() override { screen->webContentProcessDidTerminate(); }
 
-  const std::shared_ptr<QtWebView> drawn;
-
- private:
-  std::shared_ptr<MainQueue> queue_;
-  Task& meanwhile_;
+  Task happens;
+  std::shared_ptr<WebViewDelegate> screen;
 };
 
-class WatchedViews : public WebViews {
- public:
-  WatchedViews(Ports& ports, Task& meanwhile)
-      : views_(ports.webViews), queue_(ports.mainQueue), meanwhile_(meanwhile) {}
-  std::shared_ptr<WebView> newWebView() override {
-    return std::make_shared<WatchedView>(views_->newWebView(), queue_, meanwhile_);
-  }
-
- private:
-  std::shared_ptr<WebViews> views_;
-  std::shared_ptr<MainQueue> queue_;
-  Task& meanwhile_;
-};
-
-/// A checkout that stands before an issuer's page, which is drawn in a window without the rest.
-class IssuersPage {
+/// A checkout that stands before an issuer's page, drawn in a window without the rest.
+class IssuersPage : public test::RealPhone {
  public:
   explicit IssuersPage(const std::string& cardHint) {
-    server.start();
-    Ports ports = makeQtPorts({.applicationName = "orlix-tests",
-                               .stateDirectory = state.path(),
-                               .anchorFile = server.anchorPath(),
-                               .resourceDirectories = {},
-                               .bundles = {},
-                               .logTarget = LogTarget::stderrOnly,
-                               .location = {{-33.92, 18.42}}},
-                              engine);
+    PosixOptions options;
+    options.applicationName = "orlix-tests";
+    options.stateDirectory = state.path();
+    options.anchorFile = server.anchorPath();
+    Ports ports = makeQtPorts(options, stage.engine);
     ports.log = log;
-    queue = ports.mainQueue;
-    ports.webViews = std::make_shared<WatchedViews>(ports, meanwhile);
     installOrlixKit(
         std::make_shared<Host>(ports, Deployment{server.base(), server.base(), server.terms()}));
     Host::current().application().showMainWindow(root);
-    window.resize(300, 400);
-    window.show();
     facade->checkout(
         {.code = "FIXED-25", .apiKey = "key", .system = 1, .controller = root, .delegate = app});
     runUntil([this] { return user().topController()->identifier() == "Product"; });
@@ -97,172 +58,103 @@ class IssuersPage {
     user().tap("proceedButton");
     awaitForm();
   }
+  /// Before the stage goes.
   ~IssuersPage() { Host::uninstall(); }
-  IssuersPage(const IssuersPage&) = delete;
-  IssuersPage& operator=(const IssuersPage&) = delete;
 
   ScreenUser user() { return ScreenUser(Host::current().application()); }
   std::shared_ptr<QtWebView> page() {
     const auto top = user().topController();
-    const auto view =
-        top ? std::dynamic_pointer_cast<WebPageView>(top->outletNamed("secureCodewebView"))
-            : nullptr;
-    const auto watched = view ? std::dynamic_pointer_cast<WatchedView>(view->page()) : nullptr;
-    return watched ? watched->drawn : nullptr;
+    const auto view = std::dynamic_pointer_cast<WebPageView>(top->outletNamed("secureCodewebView"));
+    return view ? std::dynamic_pointer_cast<QtWebView>(view->page()) : nullptr;
   }
-  void runUntil(const std::function<bool()>& done) { queue->runUntil(done); }
   PageFinger finger() {
-    return {queue, [this] { return page(); }};
+    return {Host::current().ports().mainQueue, [this] { return page(); }};
   }
   void awaitForm() {
     runUntil([this] { return page() != nullptr; });
-    page()->item()->setParentItem(window.contentItem());
-    page()->item()->setSize(window.size());
+    stage.place(*page());
     finger().wait("#otp");
   }
-  void sendCode() {
+  void sendCode(Task happensWhileItsPageIsRead = {}) {
+    meanwhile->happens = std::move(happensWhileItsPageIsRead);
+    meanwhile->screen = std::dynamic_pointer_cast<WebViewDelegate>(user().topController());
+    page()->setNavigationDelegate(meanwhile);
     finger().type("#otp", "123456");
     finger().click("#submit");
   }
   void killPage() {
     ::kill(static_cast<pid_t>(page()->item()->property("renderProcessPid").toLongLong()), SIGKILL);
   }
-  void runUntilAlert() {
+  void answerAlert(const std::string& button) {
     runUntil([this] { return user().topAlert() && user().topAlert()->hasAppeared(); });
+    EXPECT_EQ(app->heard, Heard{});
     EXPECT_EQ(user().topAlert()->title(), "Connection problem");
+    user().pressAlert(button);
   }
-  /// Until the shop has heard, and a second payment would have been under way for as long.
-  Heard heardInTheEnd() {
+  /// What the shop hears, and how many purchases came, when all has come to rest.
+  std::pair<std::string, std::int64_t> end() {
     runUntil([this] { return !app->heard.empty(); });
-    settle();
-    return app->heard;
-  }
-  void settle() {
-    const auto beside = Host::current().ports().webViews->newWebView();
-    const auto ear = std::make_shared<Reader>();
-    beside->setNavigationDelegate(ear);
-    beside->loadRequest(server.terms());
-    runUntil([&] { return !ear->heard.empty(); });
-  }
-  std::int64_t purchases() {
-    return boost::json::parse(server.control("GET", "/control/purchases"))
-        .at("received")
-        .to_number<std::int64_t>();
+    stage.settle();
+    EXPECT_EQ(app->heard.size(), 1u);
+    return {app->heard[0].substr(0, 9), counted("purchasesReceived")};
   }
 
-  sandbox::Sandbox server{{.enrolled = true}};
-  orlix::test::TemporaryFolder state;
-  std::shared_ptr<MemoryLog> log = std::make_shared<MemoryLog>();
-  QQmlEngine engine;
-  QQuickWindow window;
-  std::shared_ptr<MainQueue> queue;
+  WebStage stage;
   std::shared_ptr<ViewController> root = std::make_shared<ViewController>();
-  std::shared_ptr<HostApp> app = std::make_shared<HostApp>();
+  std::shared_ptr<test::HostApp> app = std::make_shared<test::HostApp>();
   std::shared_ptr<OXOrlix> facade = OXOrlix::make();
-  Task meanwhile;
+  std::shared_ptr<Meanwhile> meanwhile = std::make_shared<Meanwhile>();
 };
 
+const std::pair<std::string, std::int64_t> kPaidOnce{"succeeded", 1};
+const std::pair<std::string, std::int64_t> kLeft{"cancelled", 0};
+
 TEST(IssuersPageOverTheEngine, IsPaidOnceHoweverItComesBack) {
-  struct Row {
-    const char* name;
-    const char* card;
-  };
-  for (const Row& row : {Row{"its termination page loads twice", "0307"},
-                         Row{"its termination page has 5 MB", "0310"},
-                         Row{"it was sent as HTML, against its own word", "0305"}}) {
-    SCOPED_TRACE(row.name);
-    IssuersPage run(row.card);
+  const std::pair<const char*, const char*> rows[] = {
+      {"its termination page loads twice", "0307"},
+      {"its termination page has 5 MB", "0310"},
+      {"it was sent as HTML, against its own word", "0305"}};
+  for (const auto& [name, card] : rows) {
+    SCOPED_TRACE(name);
+    IssuersPage run(card);
     run.sendCode();
-    const Heard heard = run.heardInTheEnd();
-    ASSERT_EQ(heard.size(), 1u);
-    EXPECT_EQ(heard[0].substr(0, 10), "succeeded ");
-    EXPECT_EQ(run.purchases(), 1);
+    EXPECT_EQ(run.end(), kPaidOnce);
   }
 }
 
-TEST(IssuersPageOverTheEngine, IsAskedForAnewWhenItsProcessDies) {
+TEST(IssuersPageOverTheEngine, MayDieAndIsAskedForAnew) {
   IssuersPage run("0301");
   run.killPage();
-  run.runUntilAlert();
-  run.user().pressAlert("Retry");
+  run.answerAlert("Retry");
   run.awaitForm();
   run.sendCode();
-  EXPECT_EQ(run.heardInTheEnd().size(), 1u);
-  EXPECT_EQ(run.purchases(), 1);
+  EXPECT_EQ(run.end(), kPaidOnce);
 }
 
 TEST(IssuersPageOverTheEngine, MayBeLeftOrLostWhileItIsRead) {
   {
     IssuersPage run("0301");
-    run.meanwhile = [&run] { run.user().tap("cancelButton"); };
-    run.sendCode();
-    EXPECT_EQ(run.heardInTheEnd(), Heard{"cancelled"});
-    EXPECT_EQ(run.purchases(), 0);
+    run.sendCode([&run] { run.user().tap("cancelButton"); });
+    EXPECT_EQ(run.end(), kLeft);
   }
   {
     IssuersPage run("0301");
-    run.meanwhile = [&run] { run.killPage(); };
-    run.sendCode();
-    run.runUntilAlert();
-    EXPECT_EQ(run.app->heard, Heard{});
-    run.user().pressAlert("Cancel");
-    EXPECT_EQ(run.heardInTheEnd(), Heard{"cancelled"});
-    EXPECT_EQ(run.purchases(), 0);
+    run.sendCode([&run] { run.killPage(); });
+    run.answerAlert("Cancel");
+    EXPECT_EQ(run.end(), kLeft);
   }
   {
     IssuersPage run("0301");
     bool over = false;
-    run.meanwhile = [&] {
+    run.sendCode([&over] {
       Host::current().shutdown();
       over = true;
-    };
-    run.sendCode();
-    run.runUntil([&] { return over; });
+    });
+    run.runUntil([&over] { return over; });
     EXPECT_TRUE(over);
     EXPECT_EQ(run.app->heard, Heard{});
-    EXPECT_EQ(run.purchases(), 0);
+    EXPECT_EQ(run.counted("purchasesReceived"), 0);
   }
-}
-
-TEST(PageFinger, DoesWhatAFingerCanAndSaysWhatItCannot) {
-  IssuersPage run("0301");
-  PageFinger finger = run.finger();
-  const auto refusal = [](const std::function<void()>& doing) -> std::string {
-    try {
-      doing();
-      return "done";
-    } catch (const std::runtime_error& error) {
-      return error.what();
-    }
-  };
-  run.page()->evaluateJavaScript(
-      "document.body.innerHTML = `<input id=t maxlength=4><input id=r readonly><button id=d "
-      "disabled>"
-      "d</button><p id=\"q'\" onclick='this.remove()'>q</p><p hidden id=h>h</p>`; heard = '';"
-      "document.getElementById('t').addEventListener('input', function(e) { heard += e.data; })",
-      {});
-  const auto asked = [&](const std::string& script) {
-    std::string answer = "none";
-    run.page()->evaluateJavaScript(script, [&answer](const ScriptResult& result) {
-      answer = result.value.value_or(result.error);
-    });
-    run.runUntil([&] { return answer != "none"; });
-    return answer;
-  };
-  finger.type("#t", "a\"b");
-  finger.type("#t", "\xC3\xA9z");
-  EXPECT_EQ(asked("document.getElementById('t').value + heard"),
-            "a\"b\xC3\xA9"
-            "a\"b\xC3\xA9");
-  finger.click("[id=\"q'\"]");
-  EXPECT_EQ(refusal([&] { finger.click("[id=\"q'\"]"); }), "[id=\"q'\"] is not on the page");
-  EXPECT_EQ(refusal([&] { finger.type("#r", "x"); }), "#r takes no text");
-  EXPECT_EQ(refusal([&] { finger.click("#d"); }), "#d is disabled");
-  EXPECT_EQ(refusal([&] { finger.click("#h"); }), "#h cannot be seen");
-  EXPECT_EQ(refusal([&] { finger.click("#["); }).substr(0, 28), "the page refuses #[: SyntaxE");
-  EXPECT_EQ(refusal([&] { finger.wait("#["); }).substr(0, 28), "the page refuses #[: SyntaxE");
-  EXPECT_EQ(refusal([&] { finger.wait("#none", std::chrono::milliseconds(60)); }),
-            "#none has not come");
 }
 
 }  // namespace

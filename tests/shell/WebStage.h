@@ -20,17 +20,14 @@
 namespace orlix::shell {
 
 inline const Identity& testRoot() {
-  static const Identity made =
-      makeIdentity({.commonName = "OrlixKit test root", .authority = true});
+  static const Identity made = makeIdentity({.commonName = "Test root", .authority = true});
   return made;
 }
 
 /// What a page told the library.
 struct Reader : WebViewDelegate {
   void didFinishNavigation() override { heard.emplace_back("finished"); }
-  void didFailNavigation(const std::string& description) override {
-    heard.push_back("failed: " + description);
-  }
+  void didFailNavigation(const std::string& why) override { heard.push_back("failed: " + why); }
   void webContentProcessDidTerminate() override { heard.emplace_back("died"); }
   std::vector<std::string> heard;
 };
@@ -42,24 +39,28 @@ class WebStage {
     window.resize(400, 500);
     window.show();
   }
+  void place(QtWebView& view) {
+    view.item()->setParentItem(window.contentItem());
+    view.item()->setSize(window.size());
+  }
   std::shared_ptr<QtWebView> newView() {
     auto view = std::static_pointer_cast<QtWebView>(views.newWebView());
     view->setNavigationDelegate(reader);
-    view->item()->setParentItem(window.contentItem());
-    view->item()->setSize(window.size());
+    place(*view);
     return view;
   }
-  /// Runs until `done` holds; false when it did not within 20 seconds.
-  bool runUntil(const std::function<bool()>& done) {
+  /// Runs until `done` holds, for 20 seconds at most.
+  void runUntil(const std::function<bool()>& done) {
     bool late = false;
-    QTimer::singleShot(std::chrono::seconds(20), &window, [this, &late] {
+    QTimer guard;
+    QObject::connect(&guard, &QTimer::timeout, &guard, [this, &late] {
       late = true;
       queue->async([] {});
     });
+    guard.start(std::chrono::seconds(20));
     queue->runUntil([&] { return done() || late; });
-    return !late;
   }
-  /// What is heard next, for a load that ends some way.
+  /// What is heard next of a load that ends some way.
   std::string heardNext() {
     runUntil([this] { return !reader->heard.empty(); });
     if (reader->heard.empty()) {
@@ -92,52 +93,13 @@ class WebStage {
   }
 
   QQmlEngine engine;
-  std::shared_ptr<MemoryLog> log = std::make_shared<MemoryLog>();
-  std::shared_ptr<QtMainQueue> queue = std::make_shared<QtMainQueue>(log);
-  std::vector<Bytes> anchors{testRoot().der()};
-  QtWebViews views{engine, queue, [this] { return anchors; }};
+  std::shared_ptr<QtMainQueue> queue = std::make_shared<QtMainQueue>(std::make_shared<MemoryLog>());
+  QtWebViews views{engine, queue, [] { return std::vector<Bytes>{testRoot().der()}; }};
   QQuickWindow window;
   std::shared_ptr<Reader> reader = std::make_shared<Reader>();
 
  private:
   std::shared_ptr<WebView> beside_;
 };
-
-/// A site that answers each request by `answer`, and remembers them.
-class Site {
- public:
-  using Answer = std::function<std::string(const SeenRequest&)>;
-
-  explicit Site(Answer answer, const Identity& identity = makeIdentity({}, &testRoot()))
-      : answer_(std::move(answer)), server_(identity, [this](TlsConnection& connection) {
-          while (const std::optional<SeenRequest> request = connection.read()) {
-            std::string bytes;
-            {
-              const std::lock_guard guard(lock_);
-              requests_.push_back(*request);
-              bytes = answer_(*request);
-            }
-            connection.write(bytes);
-          }
-        }) {}
-  std::string address(const std::string& path, const std::string& host = "127.0.0.1") const {
-    return server_.address(path, host);
-  }
-  std::vector<SeenRequest> requests() {
-    const std::lock_guard guard(lock_);
-    return requests_;
-  }
-
- private:
-  std::mutex lock_;
-  Answer answer_;
-  std::vector<SeenRequest> requests_;
-  TlsServer server_;
-};
-
-inline std::string htmlAnswer(const std::string& body, const std::string& fields = "",
-                              int status = 200) {
-  return httpAnswer(status, "Content-Type: text/html\r\n" + fields, body);
-}
 
 }  // namespace orlix::shell
