@@ -6,10 +6,19 @@
 
 #include "orlixkit/resources/CompiledBundle.h"
 #include "shell/QtPorts.h"
+#include "shell/ScreenPresenter.h"
 
 namespace orlix::shell {
 
-void OrlixShell::initialize() { QtWebEngineQuick::initialize(); }
+void OrlixShell::initialize() {
+  // On GLib's event loop the web engine came to a standstill in 5 of 12 runs, while the main queue
+  // ran a loop within a loop under load and a large page was read; on the toolkit's own in none
+  // of 28.
+  if (!qEnvironmentVariableIsSet("QT_NO_GLIB")) {
+    qputenv("QT_NO_GLIB", "1");
+  }
+  QtWebEngineQuick::initialize();
+}
 
 OrlixShell::OrlixShell(QQmlEngine& engine, QQuickWindow& window, PosixOptions options,
                        Deployment deployment) {

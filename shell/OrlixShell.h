@@ -6,9 +6,10 @@
 
 #include "orlixkit/OrlixKit.h"
 #include "orlixkit/platform/posix/PosixPorts.h"
-#include "shell/ScreenPresenter.h"
 
 namespace orlix::shell {
+
+class ScreenPresenter;
 
 /// The library in a Qt Quick application: puts it on its ports, installs it, and draws over the
 /// application's window what an entry call presents. One at a time, on the application's thread;
