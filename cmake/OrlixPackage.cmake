@@ -32,12 +32,12 @@ function(orlix_package name alias map component)
     DESTINATION ${CMAKE_INSTALL_LIBDIR}/cmake/OrlixKit)
 endfunction()
 
-# Public headers, with their folders.
-function(orlix_public_headers component)
+# Public headers, with their folders, below this one.
+function(orlix_public_headers component below)
   foreach(header IN LISTS ARGN)
     cmake_path(GET header PARENT_PATH folder)
     install(FILES ${PROJECT_SOURCE_DIR}/${header} COMPONENT ${component}
-      DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/${folder})
+      DESTINATION ${below}/${folder})
   endforeach()
 endfunction()
 
@@ -49,7 +49,7 @@ target_link_libraries(orlixkit PRIVATE Threads::Threads
 
 file(GLOB ports RELATIVE ${PROJECT_SOURCE_DIR} CONFIGURE_DEPENDS
   ${PROJECT_SOURCE_DIR}/orlixkit/platform/*.h ${PROJECT_SOURCE_DIR}/orlixkit/platform/ui/*.h)
-orlix_public_headers(core ${ports}
+orlix_public_headers(core ${CMAKE_INSTALL_INCLUDEDIR} ${ports}
   orlixkit/OrlixKit.h
   orlixkit/checkout/OXDelegates.h
   orlixkit/checkout/OXOrlix.h
@@ -58,11 +58,21 @@ orlix_public_headers(core ${ports}
   orlixkit/protocol/OMVelloDelegate.h)
 
 if(TARGET orlix_shell)
-  orlix_package(orlixkit-shell QtShell shell.map shell OBJECTS orlix_shell ${ORLIX_SHELL_RESOURCES})
+  # Qt keeps the compiled-in drawings of a static library in targets of their own.
+  set(drawings "")
+  foreach(number RANGE 1 9)
+    if(TARGET orlix_shell_resources_${number})
+      list(APPEND drawings orlix_shell_resources_${number})
+    endif()
+  endforeach()
+  orlix_package(orlixkit-shell QtShell shell.map shell OBJECTS orlix_shell ${drawings})
   target_link_libraries(orlixkit-shell PUBLIC orlixkit Qt6::Quick PRIVATE
     Qt6::Positioning Qt6::WebEngineQuick Qt6::WebEngineCore Qt6::Network
     CURL::libcurl OpenSSL::SSL OpenSSL::Crypto fmt::fmt)
-  orlix_public_headers(shell shell/OrlixShell.h)
+  # "shell" is too common a name to stand in a system's include folder.
+  set(below ${CMAKE_INSTALL_INCLUDEDIR}/orlixkit-shell)
+  orlix_public_headers(shell ${below} shell/OrlixShell.h)
+  target_include_directories(orlixkit-shell INTERFACE $<INSTALL_INTERFACE:${below}>)
 endif()
 
 configure_package_config_file(${package_files}/OrlixKitConfig.cmake.in OrlixKitConfig.cmake
