@@ -161,38 +161,43 @@ ListView {
             source: "image://orlix/checkmark"
         }
 
-        T.Button {
-            id: rowButton
+        // Made only for rows that have one: a long list is there at once.
+        Repeater {
+            model: row.model.hasButton ? 1 : 0
 
-            objectName: row.objectName + ".button"
-            x: row.width - 35
-            y: 5
-            width: 30
-            height: 30
-            visible: row.model.hasButton
-            enabled: root.outlet.reachable
-            onClicked: root.outlet.pressRowButton(row.index)
+            T.Button {
+                id: rowButton
 
-            Accessible.role: Accessible.Button
-            Accessible.name: root.spokenButton + " " + row.text
-            Accessible.onPressAction: rowButton.clicked()
-            Keys.onReturnPressed: rowButton.clicked()
-            Keys.onEnterPressed: rowButton.clicked()
+                objectName: row.objectName + ".button"
+                x: row.width - 35
+                y: 5
+                width: 30
+                height: 30
+                visible: row.model.hasButton
+                enabled: root.outlet.reachable
+                onClicked: root.outlet.pressRowButton(row.index)
 
-            background: Rectangle {
-                radius: 6
-                color: rowButton.down ? OxTheme.fieldLine : "transparent"
+                Accessible.role: Accessible.Button
+                Accessible.name: root.spokenButton + " " + row.text
+                Accessible.onPressAction: rowButton.clicked()
+                Keys.onReturnPressed: rowButton.clicked()
+                Keys.onEnterPressed: rowButton.clicked()
 
-                OxFocusRing {
-                    anchors.margins: 0
-                    on: rowButton.visualFocus
+                background: Rectangle {
+                    radius: 6
+                    color: rowButton.down ? OxTheme.fieldLine : "transparent"
+
+                    OxFocusRing {
+                        anchors.margins: 0
+                        on: rowButton.visualFocus
+                    }
                 }
-            }
 
-            contentItem: OxPicture {
-                width: 22
-                height: 22
-                source: row.model.buttonImage
+                contentItem: OxPicture {
+                    width: 22
+                    height: 22
+                    source: row.model.buttonImage
+                }
             }
         }
     }
