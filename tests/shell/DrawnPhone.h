@@ -3,6 +3,7 @@
 #include <QAccessible>
 #include <QCoreApplication>
 #include <QGuiApplication>
+#include <QQmlComponent>
 #include <QQmlEngine>
 #include <QQuickItem>
 #include <QQuickWindow>
@@ -27,8 +28,11 @@ class DrawnPhone {
   explicit DrawnPhone(QSize size = {375, 667}) {
     prepareEngine(engine_, std::make_shared<CompiledBundle>());
     window.resize(size);
-    hostField = std::make_unique<QQuickItem>(window.contentItem());
-    hostField->setActiveFocusOnTab(true);
+    QQmlComponent host(&engine_);
+    host.setData("import QtQuick\nTextInput { width: 80; height: 20; activeFocusOnTab: true }",
+                 QUrl());
+    hostField.reset(qobject_cast<QQuickItem*>(host.create()));
+    hostField->setParentItem(window.contentItem());
     presenter_ = std::make_unique<ScreenPresenter>(engine_, window, std::chrono::milliseconds(0));
     phone.host.application().setObserver(presenter_.get());
     window.show();
