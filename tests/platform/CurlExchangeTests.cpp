@@ -40,27 +40,6 @@ TEST_F(CurlExchangeTest, ARequestIsNeverSentTwice) {
   }
 }
 
-TEST_F(CurlExchangeTest, AKeptConnectionIsUsedAgainUntilTheServerClosesItAndTheNextIsJudgedAnew) {
-  // The server closes only once the client has done with the answer, else it would hear of the
-  // close together with it.
-  std::counting_semaphore<> mayClose(0);
-  TlsServer server(serverIdentity(), [&mayClose](TlsConnection& connection) {
-    for (int i = 0; i < 2 && connection.read(); ++i) {
-      connection.write(httpAnswer(200, "", "ok"));
-    }
-    mayClose.acquire();
-  });
-  for (int i = 1; i <= 3; ++i) {
-    for (const int challenges : {1, 0}) {
-      EXPECT_EQ(exchange(post(server.address("/"))).back(), "finish") << delegate->error;
-      EXPECT_EQ(delegate->challenges, challenges);
-    }
-    mayClose.release();
-    server.awaitEnded(i);
-  }
-  EXPECT_EQ(server.handshakes(), 3);
-}
-
 TEST_F(CurlExchangeTest, ReadsEveryFormOfAnswerAndRefusesWhatIsNone) {
   const std::string ok = "HTTP/1.1 200 OK\r\n";
   const std::string chunked = ok + "Transfer-Encoding: chunked\r\n\r\n";
@@ -152,21 +131,6 @@ TEST_F(CurlExchangeTest, AnUndecidedChallengeHoldsUpNeitherCloseNorCancel) {
     EXPECT_TRUE(one->events.empty());
     EXPECT_EQ(exchange(post(server.address("/"))).back(), closing ? "fail" : "finish");
   }
-}
-
-TEST_F(CurlExchangeTest, AQuestionThatIsDroppedWithItsQueueHoldsUpNobody) {
-  struct Dropping : OperationQueue {
-    void add(Task) override {}
-  };
-  TlsServer server(serverIdentity(), answerAll);
-  const auto connection = connections.newConnection(post(server.address("/")), newDelegate());
-  connection->setDelegateQueue(std::make_shared<Dropping>());
-  EXPECT_LT(timed([&] {
-              connection->start();
-              server.awaitEnded(1);
-            }),
-            promptly);
-  EXPECT_EQ(exchange(post(server.address("/"))).back(), "finish");
 }
 
 TEST_F(CurlExchangeTest, ManyThreadsStartAndCancelAtOnce) {

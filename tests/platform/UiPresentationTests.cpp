@@ -163,52 +163,6 @@ TEST_F(Dismissal, JoinsTheOneUnderWayAndACutEndsItAtOnce) {
   EXPECT_EQ(host.topController(), a);
 }
 
-TEST_F(Dismissal, OfAPresenterLeavesNoRoomForWhatWaitsToStandOnIt) {
-  const auto a = screen("A");
-  root().present(a, false);
-  a->present(screen("B"), false);
-  a->dismiss(true, note("B was dismissed"));
-  a->present(screen("C"), false);
-  read();
-  root().dismiss(false, note("A was dismissed"));
-  host.runUntilIdle();
-  EXPECT_EQ(read(),
-            (Diary{"A will disappear", "B gone", "A gone", "B was dismissed", "A was dismissed"}));
-}
-
-TEST_F(Dismissal, MayBeCutShortByWhoIsToldOfIt) {
-  root().present(screen("A"), true, [&] {
-    root().dismiss(false, note("cut"));
-    root().present(screen("B"), false);
-  });
-  read();
-  root().dismiss(true, note("dismissed"));
-  host.runUntilIdle();
-  EXPECT_EQ(read(), (Diary{"A appeared", "A presented", "A gone", "dismissed", "cut", "B loaded",
-                           "B will appear", "B appeared", "B presented"}));
-  EXPECT_EQ(host.topController()->identifier(), "B");
-}
-
-TEST(HostsEnd, InTheMiddleOfADismissalLeavesNothingBehindAndCallsNobodyBack) {
-  std::vector<std::weak_ptr<ViewController>> all;
-  Diary diary;
-  {
-    MemoryHost host;
-    const auto a = std::make_shared<DiaryScreen>("A", diary);
-    const auto b = std::make_shared<DiaryScreen>("B", diary);
-    all = {host.root(), a, b};
-    host.root()->present(a, false);
-    a->present(std::make_shared<AlertController>("Warning", ""), true, [a] {});
-    host.root()->dismiss(true, [held = host.root()] {});
-    host.root()->present(b, true);
-    diary.clear();
-  }
-  EXPECT_TRUE(diary.empty());
-  for (const std::weak_ptr<ViewController>& one : all) {
-    EXPECT_TRUE(one.expired());
-  }
-}
-
 TEST_F(Presentation, OfAnAlertEndsBeforeItsHandlerRunsAndHearsOnePressOnly) {
   for (const bool pressedBefore : {false, true}) {
     const auto a = screen("A");

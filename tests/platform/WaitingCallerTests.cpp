@@ -91,21 +91,6 @@ TEST_F(WaitingCallerTest, CallersDoNotStandInEachOthersWayThoughTheyShareAQueue)
   }
 }
 
-TEST_F(WaitingCallerTest, ACallbackMayCallAndWaitItself) {
-  TlsServer server(serverIdentity(), answerAll);
-  bool inner = false;
-  inBackground({[&] {
-    const auto outer = newCall();
-    outer->onResponse = [&] {
-      call(server);
-      inner = true;
-    };
-    start(post(server.address("/")), outer);
-    EXPECT_TRUE(outer->wait(longWait));
-  }});
-  EXPECT_TRUE(inner);
-}
-
 TEST_F(WaitingCallerTest, ASignalFromElsewhereOrTheDeadlineEndsTheWaitAtOnceAndACancelHangsUp) {
   TlsServer server(serverIdentity(), silentAfter("HTTP/1.1 200 OK\r\nContent-Length: 9\r\n\r\n"));
   int driving = 0;
