@@ -10,7 +10,7 @@ namespace orlix::sandbox {
 
 namespace {
 
-constexpr std::array<std::pair<std::string_view, Fault::Kind>, 18> kindNames{{
+constexpr std::array<std::pair<std::string_view, Fault::Kind>, 19> kindNames{{
     {"status", Fault::Kind::status},
     {"redirect", Fault::Kind::redirect},
     {"forget-session", Fault::Kind::forgetSession},
@@ -27,6 +27,7 @@ constexpr std::array<std::pair<std::string_view, Fault::Kind>, 18> kindNames{{
     {"empty-body", Fault::Kind::emptyBody},
     {"wrong-types", Fault::Kind::wrongTypes},
     {"null-values", Fault::Kind::nullValues},
+    {"last-answer", Fault::Kind::lastAnswer},
     {"reset-connection", Fault::Kind::resetConnection},
     {"refuse-handshake", Fault::Kind::refuseHandshake},
 }};
@@ -222,6 +223,9 @@ void Faults::spoil(HttpAnswer& answer, const Fault& fault) {
       break;
     case Fault::Kind::nullValues:
       answer.body = eachValue(answer.body, [](const json::value&) { return json::value(); });
+      break;
+    case Fault::Kind::lastAnswer:
+      answer.headers.emplace_back("Connection", "close");
       break;
     case Fault::Kind::forgetSession:
     case Fault::Kind::resetConnection:

@@ -31,6 +31,7 @@ struct Fault {
     emptyBody,
     wrongTypes,
     nullValues,
+    lastAnswer,       ///< Whole; the client must connect anew for its next request.
     resetConnection,  ///< The next connections, whatever their path, before TLS.
     refuseHandshake,
   };
