@@ -80,15 +80,6 @@ TEST(CardRoads, AnUnvalidatedCardIsAuthenticatedFirstAndThenPaysThroughTheSecure
   EXPECT_TRUE(phone.app->heard.empty());
 }
 
-TEST(CardRoads, AValidatedCardNeedsNoValidationOnTheSecureCodeScreen) {
-  Phone phone;
-  showScreenFor(phone, R"(,"method":"secure_code","validated":true)");
-  phone.host.tap("proceedButton");
-  EXPECT_EQ(phone.screen(), "SecureCode");
-  EXPECT_FALSE(OXSession::currentSession()->mustValidateCard);
-  EXPECT_EQ(OXSession::currentSession()->amount, "25.00");
-}
-
 TEST(CardRoads, TheCardAreaLeadsToTheListAndBackToTheTypedAmountOrToAddingACard) {
   Phone phone;
   phone.wallet.codeInfo = kOpenAmount;

@@ -142,30 +142,6 @@ TEST(Facade, OneThatHasShownTheWaitingScreenShowsItOnlyOnce) {
   EXPECT_EQ(phone.app->heard, Heard{"cancelled"});
 }
 
-TEST(Facade, ASecondEntryCallOnAnotherControllerLeavesNoDeadScreenBehind) {
-  Phone phone;
-  phone.showPaymentScreen();
-  const auto otherRoot = std::make_shared<ViewController>();
-  phone.facade->checkout(
-      {.code = "C-1", .apiKey = "key", .controller = otherRoot, .delegate = phone.app});
-  phone.host.runUntilIdle();
-  EXPECT_EQ(phone.host.root()->presentedViewController(), nullptr);
-  EXPECT_EQ(otherRoot->presentedViewController()->identifier(), "Product");
-}
-
-TEST(Facade, AHostMayBeginTheNextFlowInItsCallback) {
-  Phone phone;
-  phone.showPaymentScreen();
-  phone.app->onOutcome = [&] {
-    phone.app->onOutcome = {};
-    phone.begin(Entry::checkout);
-  };
-  phone.pay();
-  phone.runUntilOutcome();
-  phone.host.runUntilScreen("Product");
-  EXPECT_EQ(phone.app->heard.size(), 1U);
-}
-
 TEST(Facade, AChangedCustomerWipesTheWalletBeforeTheStartOrDoesNotGetIt) {
   Phone phone;
   const auto enter = [&](std::optional<CustomerId> customer) {

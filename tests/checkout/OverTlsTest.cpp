@@ -63,15 +63,6 @@ TEST(OverTls, APinCheckoutTakesOneHandshakeAndLeavesNoTraceOfThePin) {
   EXPECT_THAT(phone.state.everyByte(), Not(HasSubstr(pin)));
 }
 
-TEST(OverTls, AServerThatHangsUpOnThePurchaseIsNotAskedAgainBehindTheUsersBack) {
-  OverTls phone;
-  phone.pay("HANG-UP", "1111", "1234");
-  phone.runUntilOutcomeOrAlert();
-  EXPECT_EQ(phone.app->heard, Heard{});
-  EXPECT_EQ(phone.user->topAlert()->title(), "Connection problem");
-  EXPECT_EQ(phone.counted("purchasesReceived"), 1);
-}
-
 TEST(OverTls, TheHostsEndTakesNoTenthOfASecondWhateverIsInFlight) {
   struct Case {
     std::string name, code, path;

@@ -165,45 +165,6 @@ TEST(Payment, RetrySendsThePinAsThenTyped) {
   EXPECT_NE(phone.wallet.lastBody("/purchase/"), first);
 }
 
-TEST(Payment, WhileOneIsUnderWayNoSecondOneBegins) {
-  Phone phone;
-  phone.wallet.next("/purchase/", ServerReply().after(5s).fail("no network"));
-  phone.showPaymentScreen();
-  phone.pay();
-  const auto screen = phone.host.topController();
-  const auto tapBoth = [&screen] {
-    screen->performAction("proceedAction");
-    screen->performAction("cardAction");
-  };
-  tapBoth();
-  phone.host.later(5s, tapBoth);  // when the answer is there and the alert on its way
-  phone.host.runUntilAlert("Connection problem");
-  tapBoth();
-  phone.host.runFor(10s);
-  EXPECT_EQ(phone.wallet.asked("/purchase/"), 1U);
-  phone.press("Cancel");
-  EXPECT_FALSE(phone.busy());
-  phone.tap("proceedButton");
-  EXPECT_EQ(phone.app->heard, kPaid);
-  EXPECT_EQ(phone.wallet.asked("/purchase/"), 2U);
-}
-
-TEST(Payment, CancelWhileOneIsUnderWayEndsTheFlowAndDropsTheAnswer) {
-  for (const char* slow : {"/purchase/", "/receipt/poll/"}) {
-    SCOPED_TRACE(slow);
-    Phone phone;
-    phone.wallet.next(slow, late(5s, R"({"status":"SUCCESS","transactionId":1})"));
-    phone.showPaymentScreen();
-    phone.pay();
-    phone.host.runFor(1s);
-    phone.host.tap("cancelAction");
-    phone.host.runFor(120s);
-    EXPECT_EQ(phone.app->heard, Heard{"cancelled"});
-    EXPECT_FALSE(phone.busy());
-    EXPECT_EQ(phone.alert(), "");
-  }
-}
-
 TEST(Payment, TheAmountFieldBeginsWithTheFirstTextThatIsThere) {
   struct Case {
     std::string name;
@@ -232,19 +193,6 @@ TEST(Payment, TheAmountFieldBeginsWithTheFirstTextThatIsThere) {
     phone.host.type("inputAmountField", "5");
     EXPECT_EQ(phone.shown("inputAmountField"), row.afterOneKey);
   }
-}
-
-TEST(Payment, AnAmountIsSentWithAPointAndOnlyFilteredOnTheNumberPad) {
-  Phone phone;
-  phone.wallet.codeInfo = kOpenAmount;
-  phone.showPaymentScreen();
-  const auto field = phone.host.user().outlet<TextField>("inputAmountField");
-  field->setKeyboard(Keyboard::standard);
-  phone.host.user().replaceAll("inputAmountField", "1,50");
-  EXPECT_EQ(field->text(), "1,50");
-  phone.pay();
-  phone.runUntilOutcome();
-  EXPECT_EQ(phone.wallet.sent("/purchase/", "amount"), "1.50");
 }
 
 TEST(Payment, ThePinIsInNoLogNoBodyAndNoStore) {

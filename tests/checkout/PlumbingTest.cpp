@@ -1,6 +1,5 @@
 #include "orlixkit/checkout/AlertWindow.h"
 #include "orlixkit/checkout/OXUtil.h"
-#include "orlixkit/platform/ui/Containers.h"
 #include "tests/phone/Phone.h"
 
 namespace orlix::test {
@@ -62,24 +61,6 @@ TEST(Plumbing, AnAlertFindsTheApplicationsActiveWindow) {
   OXUtil::showAlertWithTitle("Warning", "text");
   EXPECT_TRUE(phone.host.log().contains(
       "OrlixKit: Unable to present alert because no active application window was found."));
-}
-
-TEST(Plumbing, AnAlertStandsOnTheTopControllerThatStays) {
-  Phone phone;
-  const auto child = std::make_shared<ViewController>();
-  const auto container = NavigationController::make(child);
-  const auto tabs = std::make_shared<TabBarController>();
-  tabs->setChildren({std::make_shared<ViewController>(), container}, 1);
-  EXPECT_EQ(AlertWindow::ox_topViewControllerFrom(tabs), child);
-  phone.showPaymentScreen();
-  EXPECT_EQ(AlertWindow::ox_topViewControllerFrom(phone.host.root())->identifier(), "Product");
-  phone.host.tap("cancelAction");
-  EXPECT_EQ(AlertWindow::ox_topViewControllerFrom(phone.host.root()), phone.host.root());
-  phone.host.backgroundQueues().global(QualityOfService::background, [] {
-    AlertWindow::show(std::make_shared<AlertController>("Warning", "text"), false);
-  });
-  phone.host.runUntilAlert("Warning");
-  EXPECT_EQ(phone.host.root()->presentedViewController(), phone.host.topController());
 }
 
 }  // namespace orlix::test

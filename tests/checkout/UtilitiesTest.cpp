@@ -63,31 +63,4 @@ TEST(Utilities, OnlyALowScreenInLandscapeMovesTheView) {
   }
 }
 
-TEST(Utilities, TheNetworkAlertWaitsForTheIndicatorAndOffersCancelThenRetry) {
-  Phone phone;
-  std::string done;
-  phone.indicator().show("busy");
-  phone.host.backgroundQueues().global(QualityOfService::background, [&] {
-    OXUtil::showNetworkErrorRetryObject([&] { done += "retry "; }, [&] { done += "cancel "; });
-  });
-  bool indicatorWasUp = false;
-  phone.host.runUntil([&] {
-    indicatorWasUp = indicatorWasUp || (phone.host.user().topAlert() && phone.busy());
-    return phone.alert() == kConnectionProblem;
-  });
-  EXPECT_FALSE(indicatorWasUp);
-  const auto alert = phone.host.user().topAlert();
-  ASSERT_EQ(alert->actions().size(), 2U);
-  EXPECT_EQ(alert->actions()[0].title, "Cancel");
-  EXPECT_EQ(alert->actions()[1].title, "Retry");
-  phone.indicator().show("busy again");
-  phone.press("Cancel");
-  EXPECT_EQ(done, "cancel ");
-  EXPECT_FALSE(phone.busy());
-  OXUtil::showNetworkErrorRetryObject([] {});
-  OXSession::reset();
-  phone.host.runUntilIdle();
-  EXPECT_EQ(phone.alert(), "") << "for a session that is over";
-}
-
 }  // namespace orlix::test

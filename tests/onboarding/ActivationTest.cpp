@@ -73,23 +73,6 @@ TEST(Activation, SendsNumbersOfSevenToFifteenDigitsOnly) {
   }
 }
 
-TEST(Activation, HoldsTouchesBackWhileTheNumberIsBeingSent) {
-  Phone phone;
-  phone.beginActivation(Entry::checkout, "0821234567");
-  phone.wallet.always("/sms/send", late(5s, answers::kSmsSent));
-  phone.host.tap("proceedButton");
-  phone.host.runFor(1s);
-  EXPECT_TRUE(phone.indicator().blocksInput());
-  EXPECT_EQ(phone.indicator().status(), "Please wait...");
-  // Who gets past the indicator (a script) sends twice, and still sees one screen.
-  phone.act("proceedAction");
-  phone.host.runFor(10s);
-  EXPECT_EQ(phone.wallet.asked("/sms/send"), 2U);
-  EXPECT_EQ(phone.screen(), "ActivationCode");
-  EXPECT_TRUE(phone.host.log().contains("Attempt to present ActivationCode"));
-  EXPECT_FALSE(phone.busy());
-}
-
 TEST(Activation, SaysThatTheServerRefusedTheNumberOrThatThereIsNone) {
   Phone phone;
   OXActivationViewController screen;

@@ -214,18 +214,4 @@ TEST(AddCard, AUserWhoLeavesMeanwhileIsAskedForNothingAndKeepsACardThatWasLinked
   }
 }
 
-TEST(AddCard, ASecondProceedIsASecondLookup) {
-  Form form(answers::kNothingNeeded, Entry::preRegister);
-  form.wallet.always("/card/bin/", late(2s, answers::kNothingNeeded));
-  form.wallet.always("/card/link/", late(2s, answers::kLinked));
-  form.proceedWithCard();
-  form.host.runFor(1s);
-  form.host.tap("proceedButton");
-  form.host.runFor(20s);
-  EXPECT_EQ(form.wallet.asked("/card/bin/"), 2U);
-  EXPECT_EQ(form.wallet.asked("/card/link/"), 2U);
-  EXPECT_EQ(form.app->heard, Heard{"registered"});
-  EXPECT_FALSE(form.busy());
-}
-
 }  // namespace orlix::test

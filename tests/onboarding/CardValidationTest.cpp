@@ -37,11 +37,4 @@ TEST(CardValidation, AsksForNothingAndTakesEverySentenceButOneForARemovedCard) {
   }
 }
 
-TEST(CardValidation, CancelLeadsBackToThePaymentScreen) {
-  Validation phone("DOB");
-  phone.tap("cancelButton");
-  EXPECT_EQ(phone.screen(), "Product");
-  EXPECT_TRUE(phone.app->heard.empty());
-}
-
 }  // namespace orlix::test

@@ -73,18 +73,4 @@ TEST(Terms, PageIsReachedFromBothSentencesAndAFailedOneKeepsTheIndicatorUntilThe
   }
 }
 
-TEST(Terms, NoIndicatorForAPageThatWasFasterThanTheScreenOrNeverComes) {
-  for (const bool hasWebViews : {true, false}) {
-    ChangedTerms phone(1000s, {.hasWebViews = hasWebViews});
-    phone.host.webViews().onLoad = [](FakeWebView& page) { page.finishNavigation("<html>"); };
-    phone.host.tap("descriptionLabel");
-    phone.host.runFor(1s);
-    EXPECT_EQ(phone.screen(), "TermsAndConditions");
-    EXPECT_FALSE(phone.busy());
-    EXPECT_EQ(phone.host.log().contains("Unable to show the terms"), !hasWebViews);
-    phone.host.tap("backButton");
-    phone.host.runUntilScreen("TermsAndConditionChange");
-  }
-}
-
 }  // namespace orlix::test

@@ -78,16 +78,4 @@ TEST(Wallet, AsksBeforeItDeletesAndReloadsAfterwardsWhateverTheServerSays) {
   }
 }
 
-TEST(Wallet, LeavesRowsOfAReplacedFlowWithoutEffect) {
-  CardList list(Entry::wallet);
-  const auto button = list.table()->cell(1).button;
-  const auto old = list.table();
-  list.begin(Entry::wallet);
-  EXPECT_EQ(old->rowCount(), 0U);
-  button->onTouchUpInside();
-  list.host.runUntilIdle();
-  EXPECT_EQ(list.alert(), "");
-  EXPECT_EQ(list.screen(), "WalletManagement");
-}
-
 }  // namespace orlix::test

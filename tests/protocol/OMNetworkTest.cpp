@@ -84,25 +84,14 @@ TEST(OMNetwork, TheOutcomeShowsInCodeBodyAndLog) {
   }
 }
 
-TEST(OMNetwork, TokensGoOutInTheirOrderAndNeverCarryALineEnd) {
-  using Headers = std::vector<std::pair<std::string, std::string>>;
-  const std::pair<std::string, std::string> type{"Content-Type", "application/json"};
-  struct Case {
-    std::optional<std::string> token1, token2;
-    Headers headers;
-  };
-  for (const Case& row : std::vector<Case>{
-           {{}, {}, {type}},
-           {"a b", {}, {type, {"x-session-token1", "a b"}}},
-           {{}, "é", {type, {"x-session-token2", "é"}}},
-           {"", "b", {type, {"x-session-token1", ""}, {"x-session-token2", "b"}}},
-           {"a\r\nx-evil: 1", "b", {type, {"x-session-token2", "b"}}},
-           {std::string("a\0b", 3), "b\x7f", {type}},
-       }) {
+TEST(OMNetwork, ATokenThatCarriesALineEndStaysOutOfTheHeader) {
+  for (const std::string& bad : {std::string("a\r\nx-evil: 1"), std::string("a\0b", 3)}) {
     MemoryHost host;
     host.connections().on("", ServerReply::of(200, "{}"));
-    EXPECT_EQ(post(host, row.token1, row.token2).code, 200);
-    EXPECT_EQ(host.requests().at(0).headers, row.headers);
+    EXPECT_EQ(post(host, bad, "b").code, 200);
+    using Headers = std::vector<std::pair<std::string, std::string>>;
+    EXPECT_EQ(host.requests().at(0).headers,
+              (Headers{{"Content-Type", "application/json"}, {"x-session-token2", "b"}}));
   }
 }
 

@@ -210,28 +210,11 @@ TEST(RequestsOnTheWire, ABodyThatCannotBeBuiltFailsAsSuchAndSendsNothing) {
   EXPECT_TRUE(test.requestsTo("/purchase").empty());
 }
 
-TEST(RequestsOnTheWire, AnEmptyPollIsNoReceiptAndNoFailure) {
-  for (const ServerReply& reply : {ServerReply::of(200, ""), ServerReply().status(200).silence()}) {
-    ClientAndServer test;
-    test.host.connections().on("/receipt", reply);
-    bool hasReceipt = true;
-    EXPECT_EQ(test.run([&](auto& c) { hasReceipt = c.pollForReceipt(1).has_value(); })->failure,
-              nullptr);
-    EXPECT_FALSE(hasReceipt);
-  }
-}
-
 TEST(RequestsOnTheWire, WhatCannotBeWrittenAsJsonIsAnEmptyObject) {
   for (const char* const text :
        {"\xff", "\xc0\x80", "\xed\xa0\x80", "\xf4\x90\x80\x80", "\xe2\x82"}) {
     EXPECT_EQ(KCVelloConnection::toJSONFrom({{"a", std::string(text)}}), "{}");
   }
-}
-
-TEST(RequestsOnTheWire, TheSerialNamesWhatIsThereInItsOrder) {
-  EXPECT_EQ(Serial{}.buildSerial(), "");
-  EXPECT_EQ((Serial{"1", "2", "3", "4", "5"}).buildSerial(), "[i:1],[s:2],[p:5],[p:4],[p:3]");
-  EXPECT_EQ((Serial{"", {}, "3", "", {}}).buildSerial(), "[p:3]");
 }
 
 }  // namespace orlix::test

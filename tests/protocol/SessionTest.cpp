@@ -1,5 +1,3 @@
-#include <regex>
-
 #include <gtest/gtest.h>
 
 #include "orlixkit/protocol/MessageBuilder.h"
@@ -83,32 +81,16 @@ TEST(Session, AnUnreadableAnswerKeepsTheTokensAndAbsentOrUnreadableKeysLeaveNoth
   EXPECT_FALSE(store.sessionId || store.sessionId2 || store.pinKey);
 }
 
-TEST(Session, TheActivationTokenIsStoredAndSentUntilTheDeregistration) {
-  struct Case {
-    std::string answer;
-    std::int32_t status;
-    std::string sent;
-  };
-  const auto tokenSent = [](ClientAndServer& test) {
+TEST(Session, TheActivationTokenIsSentUntilTheDeregistration) {
+  ClientAndServer test;
+  test.host.connections().on("/sms/activateSession",
+                             ServerReply::of(200, R"({"status":"SUCCESS","newSsToken":"t1"})"));
+  test.run([](auto& c) { c.processActivationCode("1"); });
+  for (const std::string token : {"t1", ""}) {
     establish(test);
-    std::smatch found;
-    const std::string body = test.requestsTo(sessionPath).back().body.value();
-    std::regex_search(body, found, std::regex("\"ssToken\" : \"(.*)\""));
-    return found.str(1);
-  };
-  for (const Case& row : std::vector<Case>{{R"({"status":"SUCCESS","newSsToken":"t1"})", 2, "t1"},
-                                           {R"({"status":"FAILED","newSsToken":"t1"})", 3, ""},
-                                           {R"({"status":"SUCCESS"})", 2, ""}}) {
-    SCOPED_TRACE(row.answer);
-    ClientAndServer test;
-    test.host.connections().on("/sms/activateSession", ServerReply::of(200, row.answer));
-    std::int32_t status = 0;
-    test.run([&](auto& c) { status = c.processActivationCode("1"); });
-    EXPECT_EQ(status, row.status);
-    EXPECT_EQ(test.client->dataStore().po != nullptr, row.status == 2);
-    EXPECT_EQ(tokenSent(test), row.sent);
+    EXPECT_NE(test.requestsTo(sessionPath).back().body->find("\"ssToken\" : \"" + token + '"'),
+              std::string::npos);
     EXPECT_EQ(test.run([&](auto& c) { c.reset(*test.storage); })->failure, nullptr);
-    EXPECT_EQ(tokenSent(test), "");
   }
 }
 

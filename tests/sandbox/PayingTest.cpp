@@ -76,45 +76,5 @@ TEST_F(Paying, BodyThatIsNotTheProtocolsIsRefusedWithTheReason) {
   }
 }
 
-TEST_F(Paying, CodeThatSpoilsThePurchaseDoesSoEverySecondTimeAndTheAccountKeepsNoSecret) {
-  for (const auto& [code, status] : std::vector<std::pair<const char*, int>>{
-           {"SERVER-ERROR", 500}, {"HANG-UP", 0}, {"EMPTY-ANSWER", 200}}) {
-    const json::object body = wallet_->purchase(code, "4444", "25.00", "1234", "123");
-    const Reply spoilt = wallet_->post("purchase/TALU", body);
-    EXPECT_EQ(spoilt.status, status) << code;
-    EXPECT_EQ(textOf(spoilt.body, "status"), "") << code;
-    EXPECT_EQ(wallet_->pay(body), "SUCCESS") << code;
-  }
-  EXPECT_EQ(counted("purchasesReceived"), 6);
-  EXPECT_EQ(counted("purchasesPaid"), 5);
-  const json::value kept = control("GET", "/control/purchases").at("purchases").at(0);
-  EXPECT_EQ(kept.at("body").at("cvv"), "***");
-  EXPECT_EQ(kept.at("body").at("pinData").at("pinBlock"), "***");
-  EXPECT_EQ(kept.at("body").at("amount"), "25.00");
-}
-
-TEST_F(Paying, NextSessionStartIsAnsweredAsTheLookedUpCodeSaysAndOnlyOnce) {
-  struct Row {
-    const char* code;
-    bool activated, allowed;
-    json::value message;  ///< Null: the key is absent.
-  };
-  for (const Row& row : std::vector<Row>{
-           {"NEXT-NOTICE", true, true, "A newer version is available."},
-           {"NEXT-REFUSED", true, false, "This version is no longer supported."},
-           {"NEXT-REFUSED-EMPTY", true, false, ""},
-           {"NEXT-REFUSED-ABSENT", true, false, nullptr},
-           {"NEXT-ENROL", false, true, ""},
-       }) {
-    wallet_->lookUp(row.code);
-    const json::object start = wallet_->start().body;
-    EXPECT_EQ(start.at("activated"), row.activated) << row.code;
-    EXPECT_EQ(start.at("allowConnection"), row.allowed) << row.code;
-    EXPECT_EQ(start.contains("message") ? start.at("message") : json::value(), row.message);
-    EXPECT_EQ(start.at("requestTCs"), false);
-    EXPECT_EQ(wallet_->start().body.at("message"), "") << row.code;
-  }
-}
-
 }  // namespace
 }  // namespace orlix::sandbox::test

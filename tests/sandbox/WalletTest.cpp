@@ -38,25 +38,6 @@ TEST_F(Enrolment, NumberDecidesHowItEnds) {
   }
 }
 
-TEST_F(Enrolment, ASessionBodyLacksNoKeyAndARequestNoToken) {
-  for (const char* key :
-       {"deviceSerial", "appVersion", "hasDoubleSession", "ssToken", "timeZone", "platform"}) {
-    json::object body = wallet_->device;
-    body[key] = 1;
-    EXPECT_EQ(wallet_->post("session/new/TALU", body).status, 400) << key;
-    body.erase(key);
-    EXPECT_EQ(wallet_->post("session/new/TALU", body).status, 400) << key;
-  }
-  enrol(*wallet_, "27821112222");
-  for (std::string Wallet::*token : {&Wallet::token1, &Wallet::token2}) {
-    const std::string held = std::exchange((*wallet_).*token, "");
-    EXPECT_EQ(wallet_->post("card/list/TALU").status, 403);
-    (*wallet_).*token = held;
-    EXPECT_EQ(wallet_->post("card/list/TALU").status, 200);
-  }
-  EXPECT_EQ(wallet_->post("card/list/OTHER").status, 404);
-}
-
 /// An enrolled device whose wallet is empty at first.
 class Cards : public Enrolment {
  protected:
