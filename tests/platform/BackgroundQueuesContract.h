@@ -89,17 +89,6 @@ TYPED_TEST_P(BackgroundQueuesContract, AnOperationQueueRunsOneAtATimeInTheOrderA
   }
 }
 
-TYPED_TEST_P(BackgroundQueuesContract, ABlockedQueueHoldsUpNoOtherAndRunsOnAfterItsRelease) {
-  std::shared_ptr<OperationQueue> blocked = this->queues.newOperationQueue();
-  std::atomic<bool> met = false;
-  blocked->add([&, this] { met = this->meet(2); });
-  blocked->add([this] { this->report(); });
-  blocked.reset();
-  this->queues.newOperationQueue()->add([this] { this->meet(2); });
-  this->awaitReports(1);
-  EXPECT_TRUE(met);
-}
-
 TYPED_TEST_P(BackgroundQueuesContract, CloseWakesWhatSleepsAndWaitsAndDropsTheRest) {
   const std::shared_ptr<OperationQueue> queue = this->queues.newOperationQueue();
   const auto held = std::make_shared<int>(0);
@@ -130,7 +119,6 @@ TYPED_TEST_P(BackgroundQueuesContract, CloseWakesWhatSleepsAndWaitsAndDropsTheRe
 
 REGISTER_TYPED_TEST_SUITE_P(BackgroundQueuesContract, GlobalTasksRunSideBySideWhateverTheirService,
                             AnOperationQueueRunsOneAtATimeInTheOrderAdded,
-                            ABlockedQueueHoldsUpNoOtherAndRunsOnAfterItsRelease,
                             CloseWakesWhatSleepsAndWaitsAndDropsTheRest);
 
 }  // namespace orlix

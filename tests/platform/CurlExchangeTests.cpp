@@ -51,22 +51,16 @@ TEST_F(CurlExchangeTest, ReadsEveryFormOfAnswerAndRefusesWhatIsNone) {
     std::string body;
   } rows[] = {
       {chunked + "3\r\nabc\r\n2;x=y\r\nde\r\n0\r\nX-End: 1\r\n\r\n", whole, "abcde"},
-      {"HTTP/1.0 200 OK\r\n\r\nabc", whole, "abc"},
       {"HTTP/1.1 100 Continue\r\n\r\nHTTP/1.1 103 Early\r\nLink: x\r\n\r\n" + ok +
            "Content-Length: 2\r\n\r\nok",
        whole, "ok"},
-      {"HTTP/1.1 204 None\r\n\r\n", {"response 204", "finish"}, ""},
       {"HTTP/1.1 302 No target\r\nContent-Length: 0\r\n\r\n", {"response 302", "finish"}, ""},
       {"HTTP/1.1 304 Same\r\nLocation: /elsewhere\r\n\r\n", {"response 304", "finish"}, ""},
-      {ok + "Content-Length: 9\r\n\r\nabc", cut, "abc"},
       {chunked + "9\r\nabc", cut, "abc"},
       {chunked + "xyz\r\nabc\r\n", {"response 200", "fail"}, ""},
-      {ok + "Content-Le", {"fail"}, ""},
       {ok + "Content-Length: -1\r\n\r\nabc", {"fail"}, ""},
       {ok + "X: " + std::string(300'000, 'x'), {"fail"}, ""},
-      {"hello, who is there?\r\n\r\n", {"fail"}, ""},
       {std::string("\x00\xFF\x17\x03\x03", 5) + std::string(64, '\x80'), {"fail"}, ""},
-      {"", {"fail"}, ""},
   };
   for (const auto& row : rows) {
     SCOPED_TRACE(row.bytes.substr(0, 80));
@@ -131,35 +125,6 @@ TEST_F(CurlExchangeTest, AnUndecidedChallengeHoldsUpNeitherCloseNorCancel) {
     EXPECT_TRUE(one->events.empty());
     EXPECT_EQ(exchange(post(server.address("/"))).back(), closing ? "fail" : "finish");
   }
-}
-
-TEST_F(CurlExchangeTest, ManyThreadsStartAndCancelAtOnce) {
-  TlsServer server(serverIdentity(), answerAll);
-  constexpr int threads = 4;
-  constexpr int rounds = 15;
-  int finished = 0;
-  int through = 0;
-  for (int thread = 0; thread < threads; ++thread) {
-    platform.backgroundQueues().global(QualityOfService::high, [&, thread] {
-      for (int round = 0; round < rounds; ++round) {
-        const auto one = newDelegate();
-        const auto connection = start(post(server.address("/")), one);
-        const bool cancelling = (round + thread) % 3 == 0;
-        if (cancelling) {
-          connection->cancel();
-        }
-        platform.mainQueue().async([&, one, cancelling] {
-          if (!cancelling) {
-            one->await();
-            finished += one->events.back() == "finish" ? 1 : 0;
-          }
-          ++through;
-        });
-      }
-    });
-  }
-  platform.mainQueue().runUntil([&] { return through == threads * rounds; });
-  EXPECT_EQ(finished, threads * rounds * 2 / 3);
 }
 
 TEST_F(CurlExchangeTest, AddressesAndMethodsThatAreNotSpokenFailAtOnce) {

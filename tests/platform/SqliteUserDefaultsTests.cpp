@@ -2,7 +2,6 @@
 #include <csignal>
 #include <fcntl.h>
 #include <fstream>
-#include <latch>
 #include <unistd.h>
 
 #include <gtest/gtest.h>
@@ -142,25 +141,6 @@ TEST_F(SqliteUserDefaultsTest, ASetterThatFailsKeepsTheFormerValueAndTheStoreGoe
   execute(other, "DROP TRIGGER full");
   store.setString("key", "new");
   EXPECT_EQ(store.stringForKey("key"), "new");
-}
-
-TEST_F(SqliteUserDefaultsTest, SeveralMayOpenTheSameNewFileAtOnce) {
-  constexpr int openers = 6;
-  std::latch together(openers);
-  std::vector<std::thread> threads;
-  for (int i = 0; i < openers; ++i) {
-    threads.emplace_back([&, i] {
-      together.arrive_and_wait();
-      EXPECT_EQ(failureOf([&] { SqliteUserDefaults(file).setInteger(std::to_string(i), i); }),
-                "no failure");
-    });
-  }
-  for (std::thread& thread : threads) {
-    thread.join();
-  }
-  for (int i = 0; i < openers; ++i) {
-    EXPECT_EQ(SqliteUserDefaults(file).integerForKey(std::to_string(i)), i);
-  }
 }
 
 TEST_F(SqliteUserDefaultsTest, TheSwitchToTheWriteAheadLogIsTriedAgainWhileAnotherHoldsTheFile) {

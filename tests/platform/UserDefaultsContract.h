@@ -3,7 +3,6 @@
 #include <cstdint>
 #include <limits>
 #include <string>
-#include <thread>
 #include <vector>
 
 #include <gtest/gtest.h>
@@ -55,25 +54,7 @@ TYPED_TEST_P(UserDefaultsContract, WhatIsMissingOrOfAnotherTypeIsAbsentAndIsRepl
   EXPECT_EQ(this->store.integerForKey("key"), 0);
 }
 
-TYPED_TEST_P(UserDefaultsContract, ServesManyThreads) {
-  std::vector<std::thread> all;
-  for (int i = 0; i < 4; ++i) {
-    all.emplace_back([this, key = "of thread " + std::to_string(i)] {
-      for (std::int64_t round = 1; round <= 25; ++round) {
-        this->store.setInteger(key, round);
-        EXPECT_EQ(this->store.integerForKey(key), round);
-        this->store.setData("shared", Bytes(100, static_cast<std::uint8_t>(round)));
-        const Bytes shared = this->store.dataForKey("shared").value();
-        EXPECT_EQ(shared, Bytes(100, shared.at(0))) << "never half of one and half of another";
-      }
-    });
-  }
-  for (std::thread& thread : all) {
-    thread.join();
-  }
-}
-
 REGISTER_TYPED_TEST_SUITE_P(UserDefaultsContract, GivesBackEveryValueAsItWasUnderItsKeyToTheLetter,
-                            WhatIsMissingOrOfAnotherTypeIsAbsentAndIsReplaced, ServesManyThreads);
+                            WhatIsMissingOrOfAnotherTypeIsAbsentAndIsReplaced);
 
 }  // namespace orlix
