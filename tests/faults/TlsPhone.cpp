@@ -9,10 +9,10 @@
 
 namespace orlix::test {
 
-TlsPhone::TlsPhone(const ServerAddress& server) {
+TlsPhone::TlsPhone(const ServerAddress& server, const std::filesystem::path& folder) {
   PosixOptions options;
   options.applicationName = "orlix-faults";
-  options.stateDirectory = state.path();
+  options.stateDirectory = folder.empty() ? state.path() : folder;
   options.anchorFile = server.anchor;
   options.bundles = {std::make_shared<CompiledBundle>()};
   Ports ports = makePosixPorts(options);

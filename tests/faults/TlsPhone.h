@@ -25,7 +25,8 @@ struct ServerAddress {
 /// clock, which can be stepped, and the web views, whose pages a test plays.
 class TlsPhone {
  public:
-  explicit TlsPhone(const ServerAddress& server);
+  /// `folder`: where the store is kept; one that goes with the phone when empty.
+  explicit TlsPhone(const ServerAddress& server, const std::filesystem::path& folder = {});
   ~TlsPhone();
   TlsPhone(const TlsPhone&) = delete;
   TlsPhone& operator=(const TlsPhone&) = delete;

@@ -1,0 +1,162 @@
+// Kills enrolments and purchases at random points, and looks at what a restart finds in the store.
+
+#include <csignal>
+#include <fstream>
+#include <random>
+#include <unistd.h>
+
+#include <boost/json.hpp>
+#include <fmt/format.h>
+#include <sys/wait.h>
+
+#include "sandbox/Sandbox.h"
+#include "tests/faults/TlsPhone.h"
+
+namespace {
+
+namespace fs = std::filesystem;
+using namespace orlix::test;
+
+/// How the process that may be killed ends when it is not.
+enum Exit : int { kNotEnrolled = 10, kEnrolled = 11, kPaid = 12, kNeither = 13 };
+
+bool holdsToken() {
+  return orlix::Host::current().ports().userDefaults->dataForKey("test.data").has_value();
+}
+
+/// The application: a checkout up to the payment screen ("look", "enrol") or through it ("pay").
+int runApplication(const std::string& purpose, const ServerAddress& server, const fs::path& folder,
+                   const fs::path& smsFile) {
+  TlsPhone phone(server, folder);
+  phone.checkout("FIXED-25");
+  std::shared_ptr<orlix::ViewController> handled;
+  std::optional<int> end;
+  phone.runUntil([&] {
+    const auto top = phone.user->topController();
+    const std::string& screen = top->identifier();
+    if (!phone.app->heard.empty()) {
+      end = kPaid;
+    } else if (top == handled || end) {
+      return end.has_value();
+    } else if (screen == "Activation") {
+      end = purpose == "enrol" ? std::optional<int>() : holdsToken() ? kNeither : kNotEnrolled;
+      phone.user->replaceAll("msisdnField", "0820000010");
+      phone.user->tap("proceedAction");
+    } else if (screen == "ActivationCode") {
+      std::string code;
+      std::ifstream(smsFile) >> code;
+      phone.user->replaceAll("codeField", code);
+      phone.user->tap("proceedAction");
+    } else if (screen == "Product" && orlix::OXSession::currentSession()->codeInfo) {
+      end = purpose == "pay" ? std::optional<int>() : holdsToken() ? kEnrolled : kNeither;
+      phone.user->replaceAll("pinField", "1234");
+      if (!end) {
+        phone.user->tap("proceedAction");
+      }
+    }
+    handled = top;
+    return end.has_value();
+  });
+  return *end;
+}
+
+class Killer {
+ public:
+  Killer() { server_.start(); }
+
+  /// Runs the application; kills it after so long, if it still runs. Its end, or none when killed.
+  std::optional<int> run(const std::string& purpose, const fs::path& folder,
+                         std::chrono::nanoseconds limit = std::chrono::seconds(30)) {
+    const std::vector<std::string> words{"crash_test",         purpose, server_.base(),
+                                         server_.anchorPath(), folder,  smsFile()};
+    const pid_t child = fork();
+    if (child == 0) {
+      std::vector<char*> values;
+      for (const std::string& word : words) {
+        values.push_back(const_cast<char*>(word.c_str()));
+      }
+      values.push_back(nullptr);
+      execv("/proc/self/exe", values.data());
+      _exit(127);
+    }
+    const timespec span{.tv_sec = limit.count() / 1'000'000'000,
+                        .tv_nsec = limit.count() % 1'000'000'000};
+    sigtimedwait(&childEnds_, nullptr, &span);
+    kill(child, SIGKILL);
+    int status = 0;
+    waitpid(child, &status, 0);
+    const timespec none{};
+    sigtimedwait(&childEnds_, nullptr, &none);  // that of the kill
+    return WIFEXITED(status) ? std::optional(WEXITSTATUS(status)) : std::nullopt;
+  }
+
+  /// False when a restart finds something that is neither the state before nor the one behind.
+  bool round(bool paying) {
+    const TemporaryFolder folder;
+    if (paying) {
+      run("enrol", folder.path());  // anew: a device's latest token is the one that counts
+    }
+    const std::string purpose = paying ? "pay" : "enrol";
+    const auto limit = std::chrono::nanoseconds(
+        std::uniform_int_distribution<std::int64_t>(0, usual_.at(paying).count())(random_));
+    killed_ += run(purpose, folder.path(), limit) ? 0 : 1;
+    const std::optional<int> found = run("look", folder.path());
+    found == kEnrolled ? ++new_ : ++old_;
+    return found == kEnrolled || (found == kNotEnrolled && !paying);
+  }
+
+  int rounds(int count) {
+    for (const bool paying : {false, true}) {
+      const auto begin = std::chrono::steady_clock::now();
+      const std::optional<int> end = run(paying ? "pay" : "enrol", enrolled_.path());
+      if (end != (paying ? kPaid : kEnrolled)) {
+        fmt::print("crash_test: undisturbed it ended as {}\n", end.value_or(-1));
+        return 1;
+      }
+      usual_.at(paying) = std::chrono::steady_clock::now() - begin;
+    }
+    int bad = 0;
+    for (int i = 0; i < count; ++i) {
+      bad += round(i % 2 == 1) ? 0 : 1;
+    }
+    fmt::print("{} rounds, {} killed; at the restart {} as before, {} enrolled, {} neither\n",
+               count, killed_, old_ - bad, new_, bad);
+    return bad == 0 && killed_ > 0 ? 0 : 1;
+  }
+
+ private:
+  fs::path smsFile() const { return files_.path() / "sms"; }
+  void heard(std::string_view line) {
+    const auto event = boost::json::parse({line.data(), line.size()}).as_object();
+    if (event.at("event") == "sms") {
+      std::ofstream(smsFile()) << event.at("code").as_string().c_str();
+    }
+  }
+
+  TemporaryFolder files_;
+  TemporaryFolder enrolled_;
+  orlix::sandbox::Sandbox server_{{.onEvent = [this](std::string_view line) { heard(line); }}};
+  std::array<std::chrono::nanoseconds, 2> usual_{};
+  std::mt19937_64 random_{std::random_device()()};
+  int killed_ = 0;
+  int old_ = 0;
+  int new_ = 0;
+
+ public:
+  sigset_t childEnds_{};
+};
+
+}  // namespace
+
+int main(int count, char** values) {
+  if (count == 6) {
+    return runApplication(values[1], {values[2], values[3]}, values[4], values[5]);
+  }
+  sigset_t childEnds;
+  sigemptyset(&childEnds);
+  sigaddset(&childEnds, SIGCHLD);
+  pthread_sigmask(SIG_BLOCK, &childEnds, nullptr);  // so that sigtimedwait hears it
+  Killer killer;
+  killer.childEnds_ = childEnds;
+  return killer.rounds(count > 1 ? std::atoi(values[1]) : 20);
+}

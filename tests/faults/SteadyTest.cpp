@@ -1,0 +1,54 @@
+#include <cstdlib>
+#include <malloc.h>
+
+#include <gtest/gtest.h>
+
+#include "tests/faults/SandboxProcess.h"
+
+namespace orlix::test {
+
+namespace {
+
+std::ptrdiff_t entriesOf(const char* folder) {
+  return std::distance(std::filesystem::directory_iterator(folder), {});
+}
+
+void payOnce(TlsPhone& phone) {
+  phone.app->heard.clear();
+  phone.checkout("FIXED-25");
+  const auto run = [&phone](const std::function<bool()>& done) {
+    Host::current().ports().mainQueue->runUntil(done);
+  };
+  run([&] { return phone.screen() == "Product"; });
+  phone.user->type("pinField", "1234");
+  phone.user->tap("proceedButton");
+  run([&] { return !phone.app->heard.empty(); });
+  ASSERT_EQ(phone.app->heard[0].rfind("succeeded", 0), 0U);
+  phone.log->clear();
+}
+
+}  // namespace
+
+TEST(Steady, AThousandCheckoutsNeedNoMoreThanTheFirstTen) {
+  SandboxProcess server("--enrolled");
+  TlsPhone phone(server.address);
+  struct Needs {
+    std::size_t memory;
+    std::ptrdiff_t threads, descriptors;
+  };
+  const auto after = [&phone](int checkouts) {
+    for (int i = 0; i < checkouts; ++i) {
+      payOnce(phone);
+    }
+    return Needs{mallinfo2().uordblks, entriesOf("/proc/self/task"), entriesOf("/proc/self/fd")};
+  };
+  const Needs first = after(10);
+  const Needs last = after(990);
+  // With the allocator's caches of each thread switched off (as ctest does) it is some bytes.
+  const bool exact = std::getenv("GLIBC_TUNABLES") != nullptr;
+  EXPECT_LT(last.memory, first.memory + (exact ? 16'000 : 250'000));
+  EXPECT_LE(last.threads, 7) << "this one, the server's reader, the network's and four workers";
+  EXPECT_LE(last.descriptors, first.descriptors);
+}
+
+}  // namespace orlix::test
