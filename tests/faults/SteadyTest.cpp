@@ -16,13 +16,11 @@ std::ptrdiff_t entriesOf(const char* folder) {
 void payOnce(TlsPhone& phone) {
   phone.app->heard.clear();
   phone.checkout("FIXED-25");
-  const auto run = [&phone](const std::function<bool()>& done) {
-    Host::current().ports().mainQueue->runUntil(done);
-  };
-  run([&] { return phone.screen() == "Product"; });
+  phone.runUntilScreen("Product");
   phone.user->type("pinField", "1234");
   phone.user->tap("proceedButton");
-  run([&] { return !phone.app->heard.empty(); });
+  phone.runUntilOutcomeOrAlert();
+  ASSERT_EQ(phone.alert(), "") << phone.log->text();
   ASSERT_EQ(phone.app->heard[0].rfind("succeeded", 0), 0U);
   phone.log->clear();
 }
