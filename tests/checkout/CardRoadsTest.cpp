@@ -60,26 +60,6 @@ TEST(CardRoads, TheCardDecidesWhatIsAskedForAndWhereProceedLeads) {
   }
 }
 
-TEST(CardRoads, AnUnvalidatedCardIsAuthenticatedFirstAndThenPaysThroughTheSecureCodeScreen) {
-  Phone phone;
-  phone.wallet.codeInfo = kOpenAmount;
-  showScreenFor(phone, R"(,"needCvv":true,"validated":false,"validationtype":"3DS")");
-  phone.host.type("inputAmountField", "1250");
-  phone.host.type("cvvField", "321");
-  phone.host.tap("proceedButton");
-  const auto session = OXSession::currentSession();
-  EXPECT_EQ(phone.screen(), "3DAuthSecureCode");
-  EXPECT_EQ(session->cardId, 5);
-  EXPECT_EQ(session->amount, "1.0");
-
-  session->returnAuth3DsValidated();
-  phone.host.runUntilScreen("SecureCode");
-  EXPECT_EQ(session->amount, "12.50");
-  EXPECT_EQ(session->cvv, SecretString("321"));
-  EXPECT_TRUE(session->mustValidateCard);
-  EXPECT_TRUE(phone.app->heard.empty());
-}
-
 TEST(CardRoads, TheCardAreaLeadsToTheListAndBackToTheTypedAmountOrToAddingACard) {
   Phone phone;
   phone.wallet.codeInfo = kOpenAmount;

@@ -55,19 +55,6 @@ TEST(Payment, RunsFromTheHostsCallToItsOneCallbackAndLeavesNothing) {
   EXPECT_TRUE(session.expired());
 }
 
-TEST(Payment, WithoutPinSendsTheCvvAndNoPinBlock) {
-  Phone phone;
-  phone.wallet.cards = {cardJson(5, "4242", R"(,"method":"CNP","needCvv":true)")};
-  phone.showPaymentScreen();
-  phone.host.type("cvvField", "123");
-  phone.host.tap("proceedButton");
-  phone.runUntilOutcome();
-  EXPECT_EQ(phone.app->heard, kPaid);
-  EXPECT_EQ(phone.wallet.sent("/purchase/", "cvv"), "123");
-  EXPECT_EQ(phone.wallet.sent("/purchase/", "pinData"), "(none)");
-  EXPECT_EQ(phone.wallet.sent("/purchase/", "extraRefValue"), "(none)");
-}
-
 TEST(Payment, AFieldThatIsNotFilledInIsAskedForBeforeAnythingIsSent) {
   struct Case {
     std::string name, codeInfo, card, amount, cvv, pin, expected;

@@ -65,16 +65,4 @@ TEST(ReceiptPolling, StopsAtTheDeadlineEvenWhenEachPollIsSlow) {
   }
 }
 
-TEST(ReceiptPolling, EndsWithoutAWordWhenTheSessionIsOver) {
-  Poller poller;
-  poller.phone.wallet.receipt = "{}";
-  poller.begin();
-  poller.phone.host.runFor(5s);
-  const std::size_t polls = poller.polls();
-  OXSession::reset();
-  poller.phone.host.runFor(120s);
-  EXPECT_EQ(poller.end, "");
-  EXPECT_EQ(poller.polls(), polls);
-}
-
 }  // namespace orlix::test

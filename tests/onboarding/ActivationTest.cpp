@@ -5,24 +5,6 @@
 
 namespace orlix::test {
 
-TEST(Activation, SuggestsTheHostsNumberAndItsCountryCode) {
-  struct Case {
-    std::string preMSISDN, number, code;
-  };
-  for (const Case& row : std::vector<Case>{{"", "", "27"},
-                                           {"0821234567", "+27821234567", "27"},
-                                           {"０８２ １２３ ４５６７", "+27821234567", "27"},
-                                           {"+44 7700 900123", "+447700900123", "44"},
-                                           {"+18681234567", "+18681234567", "1868"},
-                                           {"+12025550123", "+12025550123", "1"},
-                                           {"+9991234567", "+9991234567", "27"}}) {
-    Phone phone;
-    phone.beginActivation(Entry::checkout, row.preMSISDN);
-    EXPECT_EQ(phone.shown("msisdnField"), row.number);
-    EXPECT_EQ(phone.shown("countryCodeField"), row.code) << row.number;
-  }
-}
-
 TEST(Activation, MarksTheCurrentCountryInTheListAndShowsItEmptyWhenItIsMissing) {
   Phone phone;
   phone.beginActivation(Entry::checkout, "+27821234567");

@@ -178,40 +178,4 @@ TEST(AddCard, SaysWhatTheServerAnswered) {
   }
 }
 
-TEST(AddCard, CancelLeadsBackToWhereTheFormWasOpenedFrom) {
-  const std::vector<std::pair<Entry, std::string>> rows{
-      {Entry::checkout, "Product"}, {Entry::wallet, "WalletManagement"}, {Entry::preRegister, ""}};
-  for (const auto& [entry, screen] : rows) {
-    Form form(answers::kNothingNeeded, entry);
-    form.tap("cancelButton");
-    EXPECT_EQ(form.screen(), screen);
-    EXPECT_EQ(form.app->heard, screen.empty() ? Heard{"cancelled"} : Heard{});
-  }
-}
-
-TEST(AddCard, AUserWhoLeavesMeanwhileIsAskedForNothingAndKeepsACardThatWasLinked) {
-  struct Case {
-    std::string slowPath, answer;
-    std::size_t links;
-    std::int64_t lastUsed;
-  };
-  for (const Case& row : std::vector<Case>{{"/card/bin/", answers::kNothingNeeded, 0, 0},
-                                           {"/card/link/", answers::kRelink, 1, 0},
-                                           {"/card/link/", answers::kLinked, 1, 11}}) {
-    SCOPED_TRACE(row.slowPath + row.answer);
-    Form form;
-    form.wallet.always(row.slowPath, late(5s, row.answer));
-    form.proceedWithCard();
-    form.host.runFor(1s);
-    form.host.tap("cancelButton");
-    form.wallet.cards = {cardJson(11, "0011")};
-    form.host.runFor(10s);
-    EXPECT_EQ(form.wallet.asked("/card/link/"), row.links);
-    EXPECT_EQ(OXUtil::getLastUsedCardid(), row.lastUsed);
-    EXPECT_EQ(form.screen(), "WalletManagement");
-    EXPECT_EQ(form.shown("cardHintView"), row.lastUsed == 0 ? "Add Card" : "xxx-0011");
-    EXPECT_FALSE(form.busy());
-  }
-}
-
 }  // namespace orlix::test

@@ -132,25 +132,4 @@ TEST(NetworkAlert, RetryThatFailsAgainAsksAgainAndCancelLeavesTheUserThere) {
   }
 }
 
-TEST(NetworkAlert, OfAFlowThatASecondEntryCallReplacedDoesNothing) {
-  for (const Step& step : steps()) {
-    for (const std::size_t button : {0U, 1U}) {
-      SCOPED_TRACE(step.name);
-      Phone phone;
-      fail(phone, step, step.attempts);
-      const auto alert = phone.host.user().topAlert();
-      const auto replaced = phone.app;
-      phone.wallet.always("/session/new", answers::kSession);
-      phone.beginAnew(Entry::wallet);
-      phone.host.runUntilIdle();
-      const std::size_t asked = phone.wallet.asked(step.path);
-      alert->press(button);
-      phone.host.runUntilIdle();
-      EXPECT_EQ(phone.wallet.asked(step.path), asked);
-      EXPECT_EQ(phone.alert(), "");
-      EXPECT_TRUE(replaced->heard.empty() && phone.app->heard.empty());
-    }
-  }
-}
-
 }  // namespace orlix::test

@@ -96,37 +96,6 @@ TEST_F(CurlExchangeTest, ARedirectsTargetMayBeRelativeAndMayNotBringAUser) {
   }
 }
 
-/// Decides only when it is let.
-struct Hesitating : RecordingDelegate {
-  using RecordingDelegate::RecordingDelegate;
-  void didReceiveAuthenticationChallenge(AuthenticationChallenge& challenge) override {
-    mainQueue.async([this] { asked = true; });
-    decided.acquire();
-    challenge.useCredentialForTrust();
-    mainQueue.async([this] { ended = true; });
-  }
-  bool asked = false;
-  std::binary_semaphore decided{0};
-};
-
-TEST_F(CurlExchangeTest, AnUndecidedChallengeHoldsUpNeitherCloseNorCancel) {
-  for (const bool closing : {false, true}) {
-    TlsServer server(serverIdentity(), answerAll);
-    const auto one = std::make_shared<Hesitating>(platform.mainQueue());
-    const auto connection = start(post(server.address("/")), one);
-    platform.mainQueue().runUntil([&one] { return one->asked; });
-    EXPECT_LT(timed([&] {
-                closing ? connections.close() : connection->cancel();
-                server.awaitEnded(1);
-              }),
-              promptly);
-    one->decided.release();
-    one->await();
-    EXPECT_TRUE(one->events.empty());
-    EXPECT_EQ(exchange(post(server.address("/"))).back(), closing ? "fail" : "finish");
-  }
-}
-
 TEST_F(CurlExchangeTest, AddressesAndMethodsThatAreNotSpokenFailAtOnce) {
   for (const auto& [url, method] : Fields{{"", "POST"},
                                           {"not an address", "POST"},

@@ -128,34 +128,6 @@ TEST_F(WaitingCallerTest, ASignalFromElsewhereOrTheDeadlineEndsTheWaitAtOnceAndA
   EXPECT_GT(driving, 0) << "it must have happened to a caller that drives";
 }
 
-TEST_F(WaitingCallerTest, CloseAndShutdownEndTheWaitInEitherOrder) {
-  for (const bool connectionsFirst : {true, false}) {
-    PosixPlatform own;
-    TlsServer server(serverIdentity(), silentAfter(""));
-    const auto one = std::make_shared<Call>(own.mainQueue(), own.clock());
-    bool waiting = false;
-    bool woken = true;
-    own.backgroundQueues().global(QualityOfService::high, [&] {
-      const auto connection = own.urlConnections().newConnection(post(server.address("/")), one);
-      connection->setDelegateQueue(own.backgroundQueues().newOperationQueue());
-      connection->start();
-      own.mainQueue().async([&waiting] { waiting = true; });
-      woken = one->wait(longWait);
-    });
-    own.mainQueue().runUntil([&waiting] { return waiting; });
-    EXPECT_LT(timed([&] {
-                if (connectionsFirst) {
-                  own.urlConnections().close();
-                }
-                own.backgroundQueues().close();
-                own.urlConnections().close();
-              }),
-              promptly);
-    EXPECT_FALSE(woken);
-    EXPECT_TRUE(one->events.empty());
-  }
-}
-
 }  // namespace
 
 }  // namespace orlix

@@ -51,12 +51,6 @@ class Cards : public Enrolment {
             {"locationInfo", ""},   {"cardHolderName", holder}};
   }
   std::string link(const json::object& body) { return wallet_->statusOf("card/link/TALU", body); }
-  bool validates(Wallet& wallet, std::string_view hint, std::string_view input) {
-    const json::object body{
-        {"validate", true}, {"cardId", wallet.cardEnding(hint)}, {"inputValue", input}};
-    return textOf(wallet.post("card/validate/TALU", body).body, "message") ==
-           "Your card has been added";
-  }
 };
 
 TEST_F(Cards, LinkingTakesWhatTheBinAsksForAndNothingElse) {
@@ -97,30 +91,6 @@ TEST_F(Cards, LinkingTakesWhatTheBinAsksForAndNothingElse) {
   }
   const json::object list = wallet_->post("card/list/TALU").body;
   EXPECT_EQ(list.at("cards").get_array().back().at("cardHint"), "0108") << "a new card comes last";
-}
-
-TEST_F(Cards, OnlyAWrongDateOfBirthRemovesTheCardAndAnotherWalletsCardIsOutOfReach) {
-  for (const char* number :
-       {"4200001000000201", "4200002000000202", "4200003000000203", "4200004000000204"}) {
-    link(card(number));
-  }
-  EXPECT_FALSE(validates(*wallet_, "0202", "1990-12-31"));
-  EXPECT_TRUE(validates(*wallet_, "0202", ""));
-  EXPECT_FALSE(validates(*wallet_, "0203", "")) << "its issuer comes first";
-  EXPECT_FALSE(validates(*wallet_, "0204", ""));
-  EXPECT_FALSE(validates(*wallet_, "9999", "")) << "no such card";
-  EXPECT_FALSE(validates(*wallet_, "0201", "1990-12-30"));
-  EXPECT_EQ(wallet_->cardEnding("0201"), 0) << "the card is gone";
-  const std::int64_t mine = wallet_->cardEnding("0202");
-  Wallet other(sandbox_, "[p:0B]");
-  enrol(other, "27823334444");
-  EXPECT_EQ(other.statusOf("card/delink/TALU", {{"cardId", mine}}), "FAILED");
-  json::object body = other.purchase();
-  body["cardId"] = mine;
-  EXPECT_EQ(other.pay(body), "ERROR");
-  EXPECT_EQ(wallet_->pay(wallet_->purchase("FIXED-25", "0202")), "SUCCESS");
-  EXPECT_EQ(wallet_->statusOf("card/delink/TALU", {{"cardId", mine}}), "SUCCESS");
-  EXPECT_EQ(wallet_->statusOf("card/delink/TALU", {{"cardId", mine}}), "FAILED");
 }
 
 TEST(Database, KeepsDevicesCardsTermsAndBinRulesOverARestartAndRefusesAnotherFile) {
