@@ -1,7 +1,5 @@
 // How an exchange goes on the wire, byte by byte: the server's end is written out by each test.
 
-#include <semaphore>
-
 #include "tests/platform/HttpsFixture.h"
 
 namespace orlix {

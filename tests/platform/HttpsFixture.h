@@ -14,8 +14,6 @@
 
 namespace orlix {
 
-constexpr auto promptly = std::chrono::milliseconds(500);
-
 /// Judges the chain by its anchors, as the transport does.
 class JudgingDelegate : public RecordingDelegate {
  public:
@@ -52,14 +50,6 @@ class HttpsFixture : public testing::Test {
   static void answerAll(TlsConnection& connection) {
     while (connection.read() && connection.write(httpAnswer(200, "", "ok"))) {
     }
-  }
-  /// Answers with `start` and leaves the connection open.
-  static TlsServer::Serve silentAfter(const std::string& start) {
-    return [start](TlsConnection& connection) {
-      connection.read();
-      connection.write(start);
-      connection.awaitClose();
-    };
   }
   static std::chrono::nanoseconds timed(const Task& task) {
     const auto before = std::chrono::steady_clock::now();

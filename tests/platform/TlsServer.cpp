@@ -151,13 +151,6 @@ void TlsServer::handle(int socket) {
   const std::lock_guard guard(lock_);
   sockets_.erase(socket);
   ::close(socket);
-  ++ended_;
-  changed_.notify_all();
-}
-
-void TlsServer::awaitEnded(int count) {
-  std::unique_lock guard(lock_);
-  changed_.wait_for(guard, std::chrono::seconds(60), [&] { return ended_ >= count; });
 }
 
 std::string httpAnswer(int status, const std::string& fields, const std::string& body) {

@@ -1,7 +1,6 @@
 #pragma once
 
 #include <atomic>
-#include <condition_variable>
 #include <functional>
 #include <list>
 #include <memory>
@@ -54,8 +53,6 @@ class TlsServer {
   /// Connections taken, whether or not their handshake succeeded.
   int connections() const { return connections_; }
   int handshakes() const { return handshakes_; }
-  /// Waits until `count` connections have ended.
-  void awaitEnded(int count);
 
  private:
   void accept();
@@ -68,10 +65,8 @@ class TlsServer {
   std::atomic<int> connections_ = 0;
   std::atomic<int> handshakes_ = 0;
   std::mutex lock_;
-  std::condition_variable changed_;
   std::set<int> sockets_;
   std::list<std::thread> threads_;
-  int ended_ = 0;
   bool closed_ = false;
   std::thread acceptor_;
 };

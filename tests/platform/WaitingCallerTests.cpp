@@ -13,54 +13,36 @@ constexpr auto longWait = std::chrono::seconds(60);
 class Call : public RecordingDelegate {
  public:
   Call(MainQueue& queue, Clock& clock)
-      : RecordingDelegate(queue), condition(clock.newCondition()), time(clock) {}
+      : RecordingDelegate(queue), condition(clock.newCondition()) {}
 
-  void didReceiveResponse(std::int64_t statusCode) override {
-    callbackThread = std::this_thread::get_id();
-    RecordingDelegate::didReceiveResponse(statusCode);
-  }
   void didFinishLoading() override {
     events.emplace_back("finish");
-    end();
-  }
-  void end() {
     condition->lock();
     over = true;
     condition->unlock();
     condition->signal();
   }
-  /// What the last wait returned.
-  bool wait(Duration duration) {
-    const SteadyTime deadline = time.steadyNow() + duration;
-    bool woken = true;
+  void waitUntil(SteadyTime deadline) {
     condition->lock();
-    while (!over && woken) {
-      woken = condition->waitUntil(deadline);
+    while (!over && condition->waitUntil(deadline)) {
     }
     condition->unlock();
-    return woken;
   }
 
   const std::unique_ptr<Condition> condition;
-  Clock& time;
   bool over = false;  // guarded by the condition
-  std::thread::id callbackThread;
 };
 
 class WaitingCallerTest : public HttpsFixture {
  protected:
-  std::shared_ptr<Call> newCall() {
-    return std::make_shared<Call>(platform.mainQueue(), platform.clock());
-  }
-  /// Whether the calling thread did the exchange's work itself. The queue: a new one when null.
-  bool call(const TlsServer& server, const std::shared_ptr<OperationQueue>& queue = nullptr) {
-    const auto one = newCall();
+  /// Makes a call and waits for its end. The queue: a new one when null.
+  void call(const TlsServer& server, const std::shared_ptr<OperationQueue>& queue) {
+    const auto one = std::make_shared<Call>(platform.mainQueue(), platform.clock());
     const auto connection = connections.newConnection(post(server.address("/")), one);
     connection->setDelegateQueue(queue ? queue : platform.backgroundQueues().newOperationQueue());
     connection->start();
-    EXPECT_TRUE(one->wait(longWait));
+    one->waitUntil(platform.clock().steadyNow() + longWait);
     EXPECT_EQ(one->events, (Events{"response 200", "data", "finish"}));
-    return one->callbackThread == std::this_thread::get_id();
   }
   /// Runs the tasks in the background, all at once, and returns when all have ended.
   void inBackground(const std::vector<Task>& tasks) {
@@ -89,43 +71,6 @@ TEST_F(WaitingCallerTest, CallersDoNotStandInEachOthersWayThoughTheyShareAQueue)
                 longWait / 2);
     }
   }
-}
-
-TEST_F(WaitingCallerTest, ASignalFromElsewhereOrTheDeadlineEndsTheWaitAtOnceAndACancelHangsUp) {
-  TlsServer server(serverIdentity(), silentAfter("HTTP/1.1 200 OK\r\nContent-Length: 9\r\n\r\n"));
-  int driving = 0;
-  for (int round = 1; round <= 10; ++round) {
-    const bool signalled = round > 1;
-    const auto one = newCall();
-    std::chrono::steady_clock::time_point due;
-    one->onResponse = [&, watched = std::weak_ptr(one)] {
-      if (signalled) {
-        platform.backgroundQueues().global(QualityOfService::high, [&, self = watched.lock()] {
-          due = std::chrono::steady_clock::now();
-          self->end();
-        });
-      }
-    };
-    inBackground({[&] {
-      const auto connection = start(post(server.address("/")), one);
-      if (!signalled) {
-        due = std::chrono::steady_clock::now() + std::chrono::milliseconds(80);
-      }
-      EXPECT_EQ(one->wait(signalled ? Duration(longWait) : std::chrono::milliseconds(80)),
-                signalled);
-      const auto late = std::chrono::steady_clock::now() - due;
-      EXPECT_GE(late, Duration(0));
-      EXPECT_LT(late, promptly);
-      driving += one->callbackThread == std::this_thread::get_id() ? 1 : 0;
-      EXPECT_LT(timed([&] {
-                  connection->cancel();
-                  server.awaitEnded(round);
-                }),
-                promptly);
-    }});
-    EXPECT_EQ(one->events, (Events{"response 200"}));
-  }
-  EXPECT_GT(driving, 0) << "it must have happened to a caller that drives";
 }
 
 }  // namespace
