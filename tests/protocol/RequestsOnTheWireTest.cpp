@@ -186,8 +186,6 @@ TEST(RequestsOnTheWire, ABodyThatCannotBeBuiltFailsAsSuchAndSendsNothing) {
        }},
       {"a number of 8 characters", [](auto& c) { c.getBinInfo("５４133300"); }, true},
       {"a lookup without code", [](auto& c) { c.getCodeInfoV2({}, "inapp"); }},
-      {"an address without code", [](auto& c) { c.getSecureCodeUrl(1, {}, "1"); }},
-      {"a purchase without code", [](auto& c) { c.puchaseCNP(PurchaseRequest{}); }},
       {"a PIN before any session",
        [](auto& c) { c.purchaseAMT(barePurchase(), SecretString("1234")); }},
       {"an authentication without result",
