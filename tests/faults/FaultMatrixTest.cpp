@@ -174,7 +174,7 @@ class Customer {
       stands_ = 0;
       since_ = std::chrono::steady_clock::now();
       act(*phone_->user, top->identifier());
-    } else if (std::chrono::steady_clock::now() - since_ > 300ms) {
+    } else if (std::chrono::steady_clock::now() - since_ > 600ms) {
       standStill();
     }
   }
