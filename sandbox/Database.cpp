@@ -13,9 +13,9 @@ namespace {
 
 /// Made before SQLite makes it, which would let everybody read the tokens in it.
 void makePrivateFile(const std::string& file) {
-  const int descriptor = open(file.c_str(), O_CREAT | O_RDWR | O_CLOEXEC, 0600);
+  const int descriptor = ::open(file.c_str(), O_CREAT | O_RDWR | O_CLOEXEC, 0600);
   if (descriptor < 0) throw std::runtime_error(fmt::format("cannot open the database {}", file));
-  close(descriptor);
+  ::close(descriptor);
 }
 
 Database::Value valueIn(sqlite3_stmt* statement, int column) {

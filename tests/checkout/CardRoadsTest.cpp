@@ -5,7 +5,7 @@ namespace orlix::test {
 
 namespace {
 
-const std::string kOpenAmount = R"({"code":"C-1","amountString":""})";
+const std::string kAmountLeftOpen = R"({"code":"C-1","amountString":""})";
 
 void showScreenFor(Phone& phone, const std::string& card) {
   phone.addPlainScreens({"Cards", "AddCard", "CardValidation", "SecureCode", "3DAuthSecureCode"});
@@ -62,7 +62,7 @@ TEST(CardRoads, TheCardDecidesWhatIsAskedForAndWhereProceedLeads) {
 
 TEST(CardRoads, TheCardAreaLeadsToTheListAndBackToTheTypedAmountOrToAddingACard) {
   Phone phone;
-  phone.wallet.codeInfo = kOpenAmount;
+  phone.wallet.codeInfo = kAmountLeftOpen;
   showScreenFor(phone, R"(,"method":"AMT"},{"cardId":9,"cardHint":"0009","cardType":"amex")");
   phone.host.type("inputAmountField", "375");
   phone.host.tap("cardView");
