@@ -1,6 +1,7 @@
 pragma ComponentBehavior: Bound
 
 import QtQuick
+import QtQuick.Templates as T
 
 // An alert over the screen, with its buttons side by side. Escape presses the way out, Enter the
 // button in focus.
@@ -21,6 +22,9 @@ FocusScope {
     Accessible.description: root.alert.message
 
     Keys.onEscapePressed: root.alert.press(root.alert.cancelIndex)
+    Keys.onUpPressed: scroll.contentY = Math.max(0, scroll.contentY - 40)
+    Keys.onDownPressed: scroll.contentY = Math.min(scroll.contentHeight - scroll.height,
+                                                   scroll.contentY + 40)
 
     // Nothing behind an alert can be touched.
     MouseArea {
@@ -40,50 +44,64 @@ FocusScope {
 
         anchors.centerIn: parent
         width: Math.min(284, root.width - 32)
-        height: words.height + buttons.height
+        height: scroll.height + buttons.height
         color: root.look.backgroundColor
         radius: root.look.cornerRadius
         border.width: root.look.borderWidth
         border.color: root.look.borderColor
 
-        Column {
-            id: words
+        // A server's long words are scrolled, so that the buttons stay in the window.
+        Flickable {
+            id: scroll
 
-            x: 20
-            width: parent.width - 40
-            topPadding: 20
-            bottomPadding: 18
-            spacing: 8
+            width: parent.width
+            height: Math.min(words.implicitHeight, root.height - 32 - buttons.height)
+            contentHeight: words.implicitHeight
+            boundsBehavior: Flickable.StopAtBounds
+            interactive: contentHeight > height
+            clip: interactive
 
-            Text {
-                objectName: "alert.title"
-                width: words.width
-                text: root.alert.title
-                textFormat: Text.PlainText
-                color: root.alert.textColor
-                font.family: OxTheme.family
-                font.pixelSize: root.alert.titleFontSize
-                font.weight: OxTheme.weight(root.alert.titleFontName)
-                horizontalAlignment: Text.AlignHCenter
-                wrapMode: Text.Wrap
-                Accessible.role: Accessible.Heading
-                Accessible.name: root.alert.title
-            }
+            T.ScrollBar.vertical: OxScrollBar {}
 
-            Text {
-                objectName: "alert.message"
-                width: words.width
-                text: OxTheme.drawable(root.alert.message)
-                textFormat: Text.PlainText
-                color: root.alert.textColor
-                font.family: OxTheme.family
-                font.pixelSize: root.alert.messageFontSize
-                font.weight: OxTheme.weight(root.alert.messageFontName)
-                horizontalAlignment: Text.AlignHCenter
-                wrapMode: Text.Wrap
-                lineHeight: 1.15
-                Accessible.role: Accessible.StaticText
-                Accessible.name: root.alert.message
+            Column {
+                id: words
+
+                x: 20
+                width: scroll.width - 40
+                topPadding: 20
+                bottomPadding: 18
+                spacing: 8
+
+                Text {
+                    objectName: "alert.title"
+                    width: words.width
+                    text: root.alert.title
+                    textFormat: Text.PlainText
+                    color: root.alert.textColor
+                    font.family: OxTheme.family
+                    font.pixelSize: root.alert.titleFontSize
+                    font.weight: OxTheme.weight(root.alert.titleFontName)
+                    horizontalAlignment: Text.AlignHCenter
+                    wrapMode: Text.Wrap
+                    Accessible.role: Accessible.Heading
+                    Accessible.name: root.alert.title
+                }
+
+                Text {
+                    objectName: "alert.message"
+                    width: words.width
+                    text: OxTheme.drawable(root.alert.message)
+                    textFormat: Text.PlainText
+                    color: root.alert.textColor
+                    font.family: OxTheme.family
+                    font.pixelSize: root.alert.messageFontSize
+                    font.weight: OxTheme.weight(root.alert.messageFontName)
+                    horizontalAlignment: Text.AlignHCenter
+                    wrapMode: Text.Wrap
+                    lineHeight: 1.15
+                    Accessible.role: Accessible.StaticText
+                    Accessible.name: root.alert.message
+                }
             }
         }
 

@@ -52,7 +52,7 @@ Item {
         visible: root.label !== null && root.outlet.text === ""
         text: root.outlet.placeholder
         textFormat: Text.PlainText
-        color: OxTheme.fieldLine
+        color: OxTheme.placeholder
         font.family: OxTheme.family
         font.pixelSize: 16
         elide: Text.ElideRight

@@ -12,7 +12,7 @@ OxSheet {
 
     head: Item {
         width: sheet.width
-        height: 54
+        height: sheet.compact ? 44 : 54
 
         OxTitle {
             id: title
@@ -42,7 +42,7 @@ OxSheet {
         anchors.fill: parent
         anchors.leftMargin: 1
         anchors.rightMargin: 1
-        anchors.bottomMargin: sheet.overhang > 0 ? 0 : 12
+        anchors.bottomMargin: sheet.roundness
         outlet: sheet.screen.secureCodewebView
         color: "white"
     }

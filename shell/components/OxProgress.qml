@@ -29,7 +29,7 @@ Item {
         width: Math.max(128, words.implicitWidth + 40)
         height: 112
         radius: 14
-        color: "#f20e1016"
+        color: "#fb0e1016"
         border.width: 1
         border.color: "#33ffffff"
 

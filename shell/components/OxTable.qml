@@ -66,14 +66,8 @@ ListView {
     Component.onCompleted: root.showChecked()
     onHeightChanged: root.showChecked()
 
-    T.ScrollBar.vertical: T.ScrollBar {
-        implicitWidth: 5
-        visible: size < 1
-        contentItem: Rectangle {
-            implicitWidth: 4
-            radius: 2
-            color: root.light ? "#9aa1ae" : OxTheme.fieldLine
-        }
+    T.ScrollBar.vertical: OxScrollBar {
+        barColor: root.light ? "#9aa1ae" : OxTheme.fieldLine
     }
 
     delegate: T.ItemDelegate {

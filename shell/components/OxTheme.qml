@@ -16,6 +16,7 @@ QtObject {
     readonly property color accentPlatePressed: Qt.rgba(0.08, 0.34, 0.6, 1)
     readonly property color text: "white"
     readonly property color mutedText: "#aab0bd"
+    readonly property color placeholder: "#8b92a3"
     readonly property color fieldFill: "#272b37"
     readonly property color fieldLine: "#535a6b"
     readonly property color warning: "#ffc93c"

@@ -5,6 +5,7 @@
 
 #include <gtest/gtest.h>
 
+#include "orlixkit/checkout/OXUtil.h"
 #include "tests/shell/DrawnPhone.h"
 
 namespace orlix::shell {
@@ -148,6 +149,10 @@ TEST(Layout, EveryScreenIsWholeAndItsFieldsStandAboveAKeyboardOfAnyHeight) {
       ASSERT_NE(drawn.content(), nullptr) << identifier;
       EXPECT_EQ(Look(drawn, *screen).remarks(), "") << window.width() << " wide";
     }
+    OXUtil::showAlertWithTitle("Warning", std::string(2000, 'x'));
+    drawn.settle();
+    const QRectF whole({0, 0}, QSizeF(window));
+    EXPECT_TRUE(whole.contains(inScene(drawn.item("alert.button0")))) << window.width();
   }
 }
 

@@ -45,7 +45,7 @@ FocusScope {
     Rectangle {
         anchors.horizontalCenter: parent.horizontalCenter
         anchors.bottom: parent.bottom
-        anchors.bottomMargin: 16
+        anchors.bottomMargin: 12
         width: Math.min(420, root.width - 32)
         height: content.implicitHeight + 40
         radius: 18

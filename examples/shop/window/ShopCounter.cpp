@@ -17,7 +17,7 @@ struct ShopArticle {
 };
 
 constexpr std::array kArticles{
-    ShopArticle{"Coffee and cake", "At the counter, from 8 to 5", "R 25.00", "FIXED-25",
+    ShopArticle{"Coffee and cake", "At the counter, from 8\u00a0to\u00a05", "R 25.00", "FIXED-25",
                 "coffee.svg"},
     ShopArticle{"A good book", "Three hundred pages, signed", "R 149.90", "RICH", "book.svg"},
     ShopArticle{"Bicycle service", "Ready the day after", "R 999.99", "FIXED-999", "bike.svg"},
@@ -50,7 +50,7 @@ QVariant inWords(const Outcome& outcome) {
   }
   if (outcome.callback == "orlixPaymentFailedWithTransactionReference") {
     return told("The payment did not go through",
-                "Nothing was taken. If you ask the shop about it, give this number. " + reference,
+                "Nothing was taken. If you ask the shop about it, give this number.\n" + reference,
                 "bad");
   }
   if (outcome.callback == "orlixError") {

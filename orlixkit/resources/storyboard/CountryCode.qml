@@ -18,7 +18,7 @@ OxSheet {
     OxTable {
         outlet: sheet.screen.tableView
         anchors.fill: parent
-        anchors.bottomMargin: sheet.overhang > 0 ? 0 : 12
+        anchors.bottomMargin: sheet.roundness
         light: true
         spokenName: sheet.title
     }

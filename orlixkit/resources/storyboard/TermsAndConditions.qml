@@ -18,6 +18,6 @@ OxSheet {
     OxWebPage {
         outlet: sheet.screen.webView
         anchors.fill: parent
-        anchors.bottomMargin: sheet.overhang > 0 ? 0 : 12
+        anchors.bottomMargin: sheet.roundness
     }
 }

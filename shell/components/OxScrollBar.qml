@@ -1,0 +1,17 @@
+import QtQuick
+import QtQuick.Templates as T
+
+// Where one is in something longer than its room.
+T.ScrollBar {
+    id: root
+
+    property color barColor: OxTheme.fieldLine
+
+    implicitWidth: 5
+    visible: size < 1
+    contentItem: Rectangle {
+        implicitWidth: 4
+        radius: 2
+        color: root.barColor
+    }
+}
