@@ -6,6 +6,7 @@
 #include "tests/platform/MainQueueContract.h"
 #include "tests/platform/UrlConnectionsContract.h"
 #include "tests/platform/UserDefaultsContract.h"
+#include "tests/platform/WebViewContract.h"
 
 namespace orlix {
 
@@ -53,6 +54,37 @@ struct MemoryPlatform {
   std::string foreign(const std::string& path) { return "https://elsewhere.example" + path; }
 };
 
+/// Web views whose site shows what it was asked for.
+class MemoryPages : public WebViewUser {
+ public:
+  MemoryPages() {
+    host_.webViews().onLoad = [this](FakeWebView& view) {
+      if (view.address() == deadAddress()) {
+        view.failNavigation("no route");
+      } else {
+        view.finishNavigation(view.html() + view.address());
+      }
+    };
+  }
+  void runUntil(const std::function<bool()>& done) override { host_.mainQueue().runUntil(done); }
+  void settle() { host_.runUntilIdle(); }
+  std::shared_ptr<WebView> newView() {
+    auto view = host_.webViews().newWebView();
+    view->setNavigationDelegate(reader);
+    return view;
+  }
+  std::string address(const std::string& path) { return "https://server.example" + path; }
+  std::string deadAddress() { return "https://nobody.example/"; }
+  std::string endlessScript(WebView& view) {
+    static_cast<FakeWebView&>(view).holdScripts();
+    return "for (;;);";
+  }
+  void kill(WebView& view) { static_cast<FakeWebView&>(view).killProcess(); }
+
+ private:
+  MemoryHost host_;
+};
+
 }  // namespace
 
 INSTANTIATE_TYPED_TEST_SUITE_P(Memory, MainQueueContract, MemoryPlatform);
@@ -60,5 +92,6 @@ INSTANTIATE_TYPED_TEST_SUITE_P(Memory, BackgroundQueuesContract, MemoryPlatform)
 INSTANTIATE_TYPED_TEST_SUITE_P(Memory, ClockContract, MemoryPlatform);
 INSTANTIATE_TYPED_TEST_SUITE_P(Memory, UserDefaultsContract, MemoryPlatform);
 INSTANTIATE_TYPED_TEST_SUITE_P(Memory, UrlConnectionsContract, MemoryPlatform);
+INSTANTIATE_TYPED_TEST_SUITE_P(Memory, WebViewContract, MemoryPages);
 
 }  // namespace orlix

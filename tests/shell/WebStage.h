@@ -5,8 +5,6 @@
 #include <QQuickWindow>
 #include <QTimer>
 #include <memory>
-#include <string>
-#include <utility>
 #include <vector>
 
 #include <gtest/gtest.h>
@@ -16,6 +14,7 @@
 #include "shell/QtWebView.h"
 #include "shell/QtWebViews.h"
 #include "tests/platform/TlsServer.h"
+#include "tests/platform/WebViewContract.h"
 
 namespace orlix::shell {
 
@@ -24,16 +23,8 @@ inline const Identity& testRoot() {
   return made;
 }
 
-/// What a page told the library.
-struct Reader : WebViewDelegate {
-  void didFinishNavigation() override { heard.emplace_back("finished"); }
-  void didFailNavigation(const std::string& why) override { heard.push_back("failed: " + why); }
-  void webContentProcessDidTerminate() override { heard.emplace_back("died"); }
-  std::vector<std::string> heard;
-};
-
 /// A window with the web engine's views in it.
-class WebStage {
+class WebStage : public WebViewUser {
  public:
   WebStage() {
     window.resize(400, 500);
@@ -50,7 +41,7 @@ class WebStage {
     return view;
   }
   /// Runs until `done` holds, for 20 seconds at most.
-  void runUntil(const std::function<bool()>& done) {
+  void runUntil(const std::function<bool()>& done) override {
     bool late = false;
     QTimer guard;
     QObject::connect(&guard, &QTimer::timeout, &guard, [this, &late] {
@@ -60,31 +51,12 @@ class WebStage {
     guard.start(std::chrono::seconds(20));
     queue->runUntil([&] { return done() || late; });
   }
-  /// What is heard next of a load that ends some way.
-  std::string heardNext() {
-    runUntil([this] { return !reader->heard.empty(); });
-    if (reader->heard.empty()) {
-      return "nothing";
-    }
-    std::string first = reader->heard.front();
-    reader->heard.erase(reader->heard.begin());
-    return first;
-  }
-  /// The script's text, or "failed: " and why.
-  std::string ask(QtWebView& view, const std::string& script) {
-    const auto answer = std::make_shared<std::string>("no answer");
-    view.evaluateJavaScript(script, [answer](const ScriptResult& result) {
-      *answer = result.value.value_or("failed: " + result.error);
-    });
-    runUntil([answer] { return *answer != "no answer"; });
-    return *answer;
-  }
   /// Lets the engine come to rest: a view beside loads two pages meanwhile.
   void settle() {
     if (!beside_) {
       beside_ = views.newWebView();
     }
-    const auto ear = std::make_shared<Reader>();
+    const auto ear = std::make_shared<PageReader>();
     beside_->setNavigationDelegate(ear);
     for (std::size_t i = 1; i <= 2; ++i) {
       beside_->loadHtmlString("<p>elsewhere</p>");
@@ -96,7 +68,6 @@ class WebStage {
   std::shared_ptr<QtMainQueue> queue = std::make_shared<QtMainQueue>(std::make_shared<MemoryLog>());
   QtWebViews views{engine, queue, [] { return std::vector<Bytes>{testRoot().der()}; }};
   QQuickWindow window;
-  std::shared_ptr<Reader> reader = std::make_shared<Reader>();
 
  private:
   std::shared_ptr<WebView> beside_;

@@ -13,6 +13,7 @@ FakeWebView::~FakeWebView() { failOwed("The page view was released."); }
 
 void FakeWebView::finishNavigation(std::string markup) {
   markup_ = std::move(markup);
+  failOwed("The page was left before it answered.");
   tell([](WebViewDelegate& delegate) { delegate.didFinishNavigation(); });
 }
 
@@ -23,7 +24,7 @@ void FakeWebView::failNavigation(std::string description) {
 }
 
 void FakeWebView::killProcess() {
-  markup_.clear();
+  markup_.reset();
   failOwed("The page's process has ended.");
   tell([](WebViewDelegate& delegate) { delegate.webContentProcessDidTerminate(); });
 }
@@ -104,6 +105,9 @@ void FakeWebView::failOwed(const std::string& reason) {
 }
 
 ScriptResult FakeWebView::run(const std::string& script) const {
+  if (!markup_) {
+    return {std::nullopt, "There is no page."};
+  }
   if (script == "document.documentElement.outerHTML") {
     return {markup_, {}};
   }

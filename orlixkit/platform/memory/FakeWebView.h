@@ -3,6 +3,7 @@
 #include <deque>
 #include <functional>
 #include <memory>
+#include <optional>
 #include <string>
 #include <utility>
 #include <vector>
@@ -30,7 +31,7 @@ class FakeWebView : public WebView {
 
   // What the page does. Each of the first three comes to the delegate through the main queue; what
   // is on its way when loading is stopped, or begins anew, is dropped.
-  /// A page stands in the view, `markup` is its outer HTML.
+  /// A page stands in the view, `markup` is its outer HTML. Scripts owed by the one before fail.
   void finishNavigation(std::string markup);
   void failNavigation(std::string description);
   /// Empties the view; the scripts still owed fail.
@@ -64,7 +65,7 @@ class FakeWebView : public WebView {
   std::weak_ptr<WebViewDelegate> delegate_;
   std::string html_;
   std::string address_;
-  std::string markup_;
+  std::optional<std::string> markup_;  ///< of the page that stands
   int loads_ = 0;
   std::vector<std::string> scripts_;
   std::deque<Owed> owed_;
