@@ -1,15 +1,5 @@
-#include <filesystem>
-#include <fstream>
-#include <sstream>
-
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
-#include "examples/shop/HeadlessDriver.h"
-#include "examples/shop/Shop.h"
-#include "orlixkit/platform/posix/PosixPorts.h"
-#include "orlixkit/resources/CompiledBundle.h"
-#include "tests/TemporaryFolder.h"
 #include "tests/shop/Story.h"
 
 namespace orlix::shop {
@@ -17,52 +7,21 @@ namespace {
 
 using orlix::test::TemporaryFolder;
 
-/// Runs the story in an application of its own. What went wrong, empty when nothing did.
-std::string tell(const std::filesystem::path& story, Server& server,
-                 const std::filesystem::path& state) {
-  const ShopOptions options = optionsOf(story, server, state);
-  std::ostringstream out;
-  std::ostringstream progress;
-  try {
-    std::ifstream text(story);
-    Story script(text, server);
-    HeadlessDriver driver;
-    Shop(options,
-         makePosixPorts({.applicationName = "orlix-shop-test",
-                         .stateDirectory = options.state,
-                         .anchorFile = options.anchor,
-                         .resourceDirectories = {},
-                         .bundles = {std::make_shared<CompiledBundle>()},
-                         .logTarget = LogTarget::stderrOnly,
-                         .location = options.location}),
-         out, progress)
-        .run(script, driver);
-    return "";
-  } catch (const std::exception& error) {
-    return error.what() + ("\n" + out.str()) + progress.str();
-  }
-}
-
 class WalletStory : public testing::TestWithParam<std::filesystem::path> {};
 
 TEST_P(WalletStory, EndsAsItSays) {
   const TemporaryFolder folder;
   Server server(true);
-  EXPECT_EQ(tell(GetParam(), server, folder.path() / "state"), "");
+  EXPECT_EQ(tell(GetParam(), server, folder.path() / "state", headless).wrong, "");
 }
 
-INSTANTIATE_TEST_SUITE_P(OverTls, WalletStory, testing::ValuesIn(stories("wallet")),
-                         [](const auto& story) {
-                           std::string name = story.param.stem().string();
-                           std::erase_if(name, [](unsigned char c) { return !std::isalnum(c); });
-                           return name;
-                         });
+INSTANTIATE_TEST_SUITE_P(OverTls, WalletStory, testing::ValuesIn(stories("wallet")), nameOfStory);
 
 TEST(NewDeviceStories, EndAsTheySayOneAfterTheOther) {
   const TemporaryFolder folder;
   Server server(false);
   for (const std::filesystem::path& story : stories("new-device")) {
-    ASSERT_EQ(tell(story, server, folder.path() / "state"), "") << story;
+    ASSERT_EQ(tell(story, server, folder.path() / "state", headless).wrong, "") << story;
   }
 }
 

@@ -2,17 +2,26 @@
 
 #include <algorithm>
 #include <filesystem>
+#include <fstream>
+#include <functional>
 #include <mutex>
 #include <optional>
+#include <sstream>
 #include <string>
 #include <vector>
 
 #include <boost/json.hpp>
+#include <gtest/gtest.h>
 
+#include "examples/shop/HeadlessDriver.h"
 #include "examples/shop/Script.h"
 #include "examples/shop/ScriptSource.h"
+#include "examples/shop/Shop.h"
 #include "examples/shop/ShopOptions.h"
+#include "orlixkit/platform/posix/PosixPorts.h"
+#include "orlixkit/resources/CompiledBundle.h"
 #include "sandbox/Sandbox.h"
+#include "tests/TemporaryFolder.h"
 
 namespace orlix::shop {
 
@@ -83,6 +92,50 @@ inline ShopOptions optionsOf(const std::filesystem::path& story, Server& server,
           .terms = server.sandbox().terms(),
           .script = story,
           .snapshots = {}};
+}
+
+/// An application that runs the script and writes its lines and how far it is.
+using Face = std::function<void(const ShopOptions&, ScriptSource&, std::ostream&, std::ostream&)>;
+
+inline void headless(const ShopOptions& options, ScriptSource& script, std::ostream& lines,
+                     std::ostream& progress) {
+  HeadlessDriver driver;
+  Shop(options,
+       makePosixPorts({.applicationName = "orlix-shop",
+                       .stateDirectory = options.state,
+                       .anchorFile = options.anchor,
+                       .resourceDirectories = {},
+                       .bundles = {std::make_shared<CompiledBundle>()},
+                       .logTarget = LogTarget::stderrOnly,
+                       .location = options.location}),
+       lines, progress)
+      .run(script, driver);
+}
+
+struct Told {
+  std::string lines;
+  std::string wrong = {};  ///< empty when the story ended as it says
+};
+
+/// Tells the story in an application of its own.
+inline Told tell(const std::filesystem::path& story, Server& server,
+                 const std::filesystem::path& state, const Face& face) {
+  std::ifstream text(story);
+  Story script(text, server);
+  std::ostringstream lines;
+  std::ostringstream progress;
+  try {
+    face(optionsOf(story, server, state), script, lines, progress);
+    return {lines.str()};
+  } catch (const std::exception& error) {
+    return {lines.str(), error.what() + ("\n" + lines.str()) + progress.str()};
+  }
+}
+
+inline std::string nameOfStory(const testing::TestParamInfo<std::filesystem::path>& story) {
+  std::string name = story.param.stem().string();
+  std::erase_if(name, [](unsigned char c) { return !std::isalnum(c); });
+  return name;
 }
 
 }  // namespace orlix::shop
