@@ -18,20 +18,32 @@ struct FreeStore {
 };
 using StorePointer = std::unique_ptr<X509_STORE, FreeStore>;
 
+/// The system's roots besides the anchors: none, those found by their name's hash in its folder, or
+/// these and all of its bundle.
+enum class Roots { none, byName, all };
+
 /// Keys of 112 bits of strength or more and no SHA-1, as TLS itself asks of the certificates.
 constexpr int securityLevel = 2;
 
-StorePointer makeStore(const std::vector<Bytes>& anchors, bool anchorsOnly) {
+void addSystemRoots(X509_STORE* store, Roots roots) {
+  // A system without them leaves the anchors, which are enough for a server of one's own.
+  if (roots == Roots::byName) {
+    if (X509_LOOKUP* lookup = X509_STORE_add_lookup(store, X509_LOOKUP_hash_dir())) {
+      X509_LOOKUP_add_dir(lookup, nullptr, X509_FILETYPE_DEFAULT);
+    }
+  } else if (roots == Roots::all) {
+    X509_STORE_set_default_paths(store);
+  }
+}
+
+StorePointer makeStore(const std::vector<Bytes>& anchors, Roots roots) {
   StorePointer store(X509_STORE_new());
   if (!store) {
     return store;
   }
   // An anchor may be the server's own certificate, not only a self-signed root.
   X509_STORE_set_flags(store.get(), X509_V_FLAG_PARTIAL_CHAIN);
-  if (!anchorsOnly) {
-    // A system without a bundle leaves the anchors, which are enough for a server of one's own.
-    X509_STORE_set_default_paths(store.get());
-  }
+  addSystemRoots(store.get(), roots);
   for (const Bytes& anchor : anchors) {
     if (const CertificatePointer certificate = certificateFromDer(anchor)) {
       X509_STORE_add_cert(store.get(), certificate.get());
@@ -41,15 +53,14 @@ StorePointer makeStore(const std::vector<Bytes>& anchors, bool anchorsOnly) {
   return store;
 }
 
-/// The store for these anchors, made on first use: reading the system's bundle takes some 25 ms.
-/// Null when memory is short.
-X509_STORE* storeFor(const std::vector<Bytes>& anchors, bool anchorsOnly) {
+/// The store for these anchors, made on first use. Null when memory is short.
+X509_STORE* storeFor(const std::vector<Bytes>& anchors, Roots roots) {
   static std::mutex lock;
-  static std::map<std::pair<std::vector<Bytes>, bool>, StorePointer> stores;
+  static std::map<std::pair<std::vector<Bytes>, Roots>, StorePointer> stores;
   const std::lock_guard guard(lock);
-  StorePointer& store = stores[{anchors, anchorsOnly}];
+  StorePointer& store = stores[{anchors, roots}];
   if (!store) {
-    store = makeStore(anchors, anchorsOnly);
+    store = makeStore(anchors, roots);
   }
   return store.get();
 }
@@ -86,9 +97,17 @@ void SystemTrust::setAnchorCertificates(std::vector<Bytes> anchors) {
 void SystemTrust::setAnchorCertificatesOnly(bool only) { anchorsOnly_ = only; }
 
 bool SystemTrust::evaluate(std::string& error) {
+  if (anchorsOnly_) {
+    return isTrustedBy(storeFor(anchors_, Roots::none), error);
+  }
+  // Reading the bundle takes some 25 ms, and it seldom holds more than the folder.
+  return isTrustedBy(storeFor(anchors_, Roots::byName), error) ||
+         isTrustedBy(storeFor(anchors_, Roots::all), error);
+}
+
+bool SystemTrust::isTrustedBy(X509_STORE* store, std::string& error) const {
   const std::unique_ptr<X509_STORE_CTX, decltype(&X509_STORE_CTX_free)> context(
       X509_STORE_CTX_new(), X509_STORE_CTX_free);
-  X509_STORE* store = storeFor(anchors_, anchorsOnly_);
   if (!leaf_ || !context || store == nullptr || host_.empty() ||
       X509_STORE_CTX_init(context.get(), store, leaf_.get(), presented_) != 1 ||
       X509_STORE_CTX_set_default(context.get(), "ssl_server") != 1) {
