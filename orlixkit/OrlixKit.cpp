@@ -3,6 +3,7 @@
 #include <utility>
 
 #include "orlixkit/checkout/CheckoutScreens.h"
+#include "orlixkit/checkout/OXSession.h"
 #include "orlixkit/checkout/OXUtil.h"
 #include "orlixkit/checkout/OXVelloEnvironment.h"
 #include "orlixkit/onboarding/OnboardingScreens.h"
@@ -29,6 +30,7 @@ void installOrlixKit(std::shared_ptr<Host> host) {
   Host::install(std::move(host));
   fillStoryboard(Host::current().application().storyboard());
   OMVello::sharedOMVello().setEnvironment(std::make_shared<OXVelloEnvironment>());
+  Host::current().whenMemoryRunsOut = [] { OXSession::currentSession()->fail(); };
   OXOrlix::load();
 }
 

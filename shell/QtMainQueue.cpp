@@ -5,7 +5,6 @@
 #include <QEventLoop>
 #include <QThread>
 #include <exception>
-#include <string>
 #include <utility>
 
 namespace orlix::shell {
@@ -52,6 +51,8 @@ QtMainQueue::QtMainQueue(std::shared_ptr<SystemLog> log)
 QtMainQueue::~QtMainQueue() { receiver_->detach(); }
 
 void QtMainQueue::async(Task task) {
+  // Before the task is taken: without memory for it nothing has happened.
+  auto event = std::make_unique<QEvent>(kRunNext);
   {
     const std::lock_guard lock(lock_);
     if (closed_) {
@@ -59,12 +60,14 @@ void QtMainQueue::async(Task task) {
     }
     pending_.push_back(std::move(task));
   }
-  wakeWhenPending();
+  wakeWhenPending(std::move(event));
 }
 
 bool QtMainQueue::isCurrent() const { return QThread::currentThread() == receiver_->thread(); }
 
-void QtMainQueue::wakeWhenPending() {
+void QtMainQueue::wakeWhenPending() { wakeWhenPending(std::make_unique<QEvent>(kRunNext)); }
+
+void QtMainQueue::wakeWhenPending(std::unique_ptr<QEvent> event) {
   {
     const std::lock_guard lock(lock_);
     if (awake_ || (pending_.empty() && !closed_)) {
@@ -72,7 +75,7 @@ void QtMainQueue::wakeWhenPending() {
     }
     awake_ = true;
   }
-  QCoreApplication::postEvent(receiver_.get(), std::make_unique<QEvent>(kRunNext).release());
+  QCoreApplication::postEvent(receiver_.get(), event.release());
 }
 
 void QtMainQueue::runNext() {
@@ -89,7 +92,7 @@ void QtMainQueue::runNext() {
     }
   }
   if (task) {
-    runLogged(task);
+    runLogged(task, *log_);
     task = {};
   }
   askWhetherDone();
@@ -138,16 +141,6 @@ void QtMainQueue::runUntil(const std::function<bool()>& done) {
   wakeWhenPending();
   if (run.error) {
     std::rethrow_exception(run.error);
-  }
-}
-
-void QtMainQueue::runLogged(const Task& task) {
-  try {
-    task();
-  } catch (const std::exception& error) {
-    log_->write(std::string("Main queue: a task failed: ") + error.what());
-  } catch (...) {
-    log_->write("Main queue: a task failed with an exception of unknown type");
   }
 }
 

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QEvent>
 #include <QObject>
 #include <deque>
 #include <functional>
@@ -34,10 +35,10 @@ class QtMainQueue : public MainQueue {
   struct Run;
 
   void runNext();
-  void runLogged(const Task& task);
   /// Ends the innermost run when its condition holds. No task runs until it has returned.
   void askWhetherDone();
   void wakeWhenPending();
+  void wakeWhenPending(std::unique_ptr<QEvent> event);
 
   const std::shared_ptr<SystemLog> log_;
   // Ends on its own thread, whoever releases the queue last.

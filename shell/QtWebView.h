@@ -9,6 +9,7 @@
 #include <functional>
 #include <memory>
 #include <string>
+#include <string_view>
 
 #include "orlixkit/platform/MainQueue.h"
 #include "shell/DrawnWebView.h"
@@ -66,7 +67,7 @@ class QtWebView : public QObject, public DrawnWebView {
   void fail(const std::string& description);
   void tell(std::function<void(WebViewDelegate&)> callback);
   void settle(const Owed& owed, ScriptResult result);
-  void failOwed(const std::string& reason);
+  void failOwed(std::string_view reason);
 
   const std::shared_ptr<MainQueue> mainQueue_;
   const QtWebViews::Anchors anchors_;

@@ -11,7 +11,8 @@ class OXOrlixDelegate {
   virtual ~OXOrlixDelegate() = default;
   virtual void orlixPaymentSucceededWithTransactionReference(const std::string& reference) = 0;
   virtual void orlixPaymentFailedWithTransactionReference(const std::string& reference) = 0;
-  /// 2: the purchase was refused. 4: the code is unknown, or asks for what the in-app checkout does
+  /// 2: the purchase was refused; or memory ran out in the middle of the flow, and a purchase may
+  /// have been made or not. 4: the code is unknown, or asks for what the in-app checkout does
   /// not offer. 6: the card takes no part in 3-D Secure. 7: both host and code fix an amount.
   virtual void orlixError(int code) = 0;
   virtual void orlixUserDidCancel() = 0;

@@ -3,6 +3,7 @@
 #include <array>
 #include <charconv>
 #include <cmath>
+#include <new>
 #include <utility>
 
 #include "orlixkit/checkout/OXUtil.h"
@@ -62,6 +63,16 @@ struct OXOrlix::Entry {
 std::shared_ptr<OXOrlix> OXOrlix::make() { return std::make_shared<OXOrlix>(); }
 
 void OXOrlix::begin(const Entry& entry) {
+  try {
+    start(entry);
+  } catch (const std::bad_alloc&) {
+    waitingController_.reset();
+    runLogged([] { OXSession::currentSession()->abandon(); });
+    throw;
+  }
+}
+
+void OXOrlix::start(const Entry& entry) {
   checkCustomerId(entry.customerId);
   clearScreensOf(*OXSession::currentSession(), waitingController_);
   OXUtil::indicator().dismiss();

@@ -65,7 +65,8 @@ class OXSettings {};
 ///
 /// Entry calls throw NetworkException when the customer has changed and the former one's wallet
 /// could not be wiped, and std::runtime_error when the new customer could not be stored: nothing
-/// has begun then, so that no customer pays with another one's wallet.
+/// has begun then, so that no customer pays with another one's wallet. When memory runs out in an
+/// entry call it throws std::bad_alloc: no flow is under way then and no host hears anything.
 class OXOrlix : public OMVelloDelegate, public std::enable_shared_from_this<OXOrlix> {
  public:
   static std::shared_ptr<OXOrlix> make();
@@ -142,6 +143,7 @@ class OXOrlix : public OMVelloDelegate, public std::enable_shared_from_this<OXOr
  private:
   struct Entry;
   void begin(const Entry& entry);
+  void start(const Entry& entry);
   void present(const Controller& screen, const Controller& fromController);
 
   std::shared_ptr<OXTransitioningDelegate> transitioningDelegate_;

@@ -118,12 +118,52 @@ void OXSession::end(const std::string& operation, HostCallback callback) {
   if (!isLiveFor(operation)) {
     return;
   }
-  ended_ = true;
+  owe(std::move(callback));
   OXUtil::indicator().dismiss();
-  leave([receiver = delegate, callback = std::move(callback)] {
+  leave([self = shared_from_this()] { self->payOwed(); });
+}
+
+/// From here on the host is owed its callback, whatever becomes of the steps up to it.
+void OXSession::owe(HostCallback callback) {
+  owed_ = [receiver = delegate, callback = std::move(callback)] {
     if (receiver) {
       callback(*receiver);
     }
+  };
+  ended_ = true;
+}
+
+void OXSession::payOwed() {
+  if (const Task callback = std::exchange(owed_, {})) {
+    callback();
+  }
+}
+
+void OXSession::fail() {
+  if (isLive()) {
+    owe([](OXOrlixDelegate& host) { host.orlixError(2); });
+  }
+  if (owed_) {
+    leaveAtOnce();
+  }
+}
+
+void OXSession::abandon() {
+  ended_ = true;
+  owed_ = {};
+  leaveAtOnce();
+}
+
+void OXSession::leaveAtOnce() {
+  LocationUtil::sharedLocationUtil().stopLocationDetection();
+  if (!presentingController) {
+    OXUtil::indicator().dismiss();
+    return;
+  }
+  presentingController->dismiss(false, [self = shared_from_this()] {
+    // Only now: a screen on its way in is told that it has appeared before it is taken away.
+    OXUtil::indicator().dismiss();
+    self->payOwed();
   });
 }
 

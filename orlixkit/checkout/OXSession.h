@@ -64,6 +64,13 @@ class OXSession : public std::enable_shared_from_this<OXSession> {
   void returnPaymentFailedWithTransactionReference(const std::string& reference);
   void returnInvalidCode();
 
+  /// A step found no memory and may be half done: ends the flow with error 2, or makes the callback
+  /// that an earlier end still owes. Does nothing once the host has heard. May throw
+  /// std::bad_alloc, and be called again then.
+  void fail();
+  /// Ends the flow without a word to the host. The same.
+  void abandon();
+
   bool mustValidateCard = false;
   bool preRegister = false;
   bool walletManagement = false;
@@ -93,10 +100,15 @@ class OXSession : public std::enable_shared_from_this<OXSession> {
   void handInputsTo(const std::shared_ptr<ViewController>& screen);
   void end(const std::string& operation, HostCallback callback);
   void leave(Task callback);
+  /// Takes the screens away at once; an animation would have to be waited for.
+  void leaveAtOnce();
+  void owe(HostCallback callback);
+  void payOwed();
   bool isLiveFor(const std::string& operation) const;
   void letGo();
 
   std::atomic<bool> ended_{false};
+  Task owed_;  ///< the host's callback, until it is made
 };
 
 }  // namespace orlix

@@ -20,14 +20,14 @@ constexpr Duration kLongestPause = 2s;
 
 enum class RoundEnd { answered, timedOut, failed, abandoned };
 
-/// One round of polling. Lives in the background until it is over, then hands the ends, which hold
-/// the screen, back to the main queue.
+/// One round of polling. Its ends hold the screen, and are let go of on the main thread.
 struct PollingRound {
   std::int64_t transactionId = 0;
   ReceiptPollingEnds ends;
   std::shared_ptr<OXSession> session = OXSession::currentSession();
   std::shared_ptr<KCVelloConnection> connection = OMVello::sharedOMVello().connection();
   std::optional<MTReceipt> receipt;
+  RoundEnd end = RoundEnd::failed;
 
   bool answered() const { return receipt && receipt->hasStatus; }
 
@@ -55,33 +55,33 @@ struct PollingRound {
     return RoundEnd::timedOut;
   }
 
-  RoundEnd pollSafely() {
+  void run() {
     try {
-      return poll();
+      end = poll();
     } catch (const std::exception&) {
-      return RoundEnd::failed;
+      end = RoundEnd::failed;
     }
+    connection.reset();
   }
 
-  void run() {
-    const RoundEnd end = pollSafely();
-    connection.reset();
-    runOnMainWhileLive(std::move(session),
-                       [end, handlers = std::move(ends), last = std::move(receipt)] {
-                         switch (end) {
-                           case RoundEnd::answered:
-                             handlers.answered(*last);
-                             break;
-                           case RoundEnd::timedOut:
-                             handlers.timedOut();
-                             break;
-                           case RoundEnd::failed:
-                             handlers.failed();
-                             break;
-                           case RoundEnd::abandoned:
-                             break;
-                         }
-                       });
+  void finish() {
+    const ReceiptPollingEnds handlers = std::exchange(ends, {});
+    if (!std::exchange(session, {})->isLive()) {
+      return;
+    }
+    switch (end) {
+      case RoundEnd::answered:
+        handlers.answered(*receipt);
+        break;
+      case RoundEnd::timedOut:
+        handlers.timedOut();
+        break;
+      case RoundEnd::failed:
+        handlers.failed();
+        break;
+      case RoundEnd::abandoned:
+        break;
+    }
   }
 };
 
@@ -91,7 +91,8 @@ void pollForReceipt(std::int64_t transactionId, ReceiptPollingEnds ends) {
   const auto round = std::make_shared<PollingRound>();
   round->transactionId = transactionId;
   round->ends = std::move(ends);
-  runOn(RequestQueue::newOperationQueue, [round] { round->run(); });
+  runThereAndBack(
+      RequestQueue::newOperationQueue, [round] { round->run(); }, [round] { round->finish(); });
 }
 
 }  // namespace orlix

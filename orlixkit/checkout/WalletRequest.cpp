@@ -2,7 +2,11 @@
 
 namespace orlix {
 
-void runOn(RequestQueue queue, Task task) {
+void runThereAndBack(RequestQueue queue, Task work, const Task& back) {
+  Task task = [work = std::move(work), back] {
+    runLoggedInBackground(work);
+    handOver(back);
+  };
   BackgroundQueues& queues = *Host::current().ports().backgroundQueues;
   switch (queue) {
     case RequestQueue::newOperationQueue:
@@ -15,14 +19,6 @@ void runOn(RequestQueue queue, Task task) {
       queues.global(QualityOfService::high, std::move(task));
       break;
   }
-}
-
-void runOnMainWhileLive(std::shared_ptr<OXSession> session, Task task) {
-  Host::current().ports().mainQueue->async([session = std::move(session), task = std::move(task)] {
-    if (session->isLive()) {
-      task();
-    }
-  });
 }
 
 }  // namespace orlix

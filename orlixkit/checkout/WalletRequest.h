@@ -1,8 +1,8 @@
 #pragma once
 
-#include <exception>
 #include <functional>
 #include <memory>
+#include <optional>
 #include <utility>
 
 #include "orlixkit/checkout/OXSession.h"
@@ -15,11 +15,10 @@ namespace orlix {
 /// Where a request of a screen runs.
 enum class RequestQueue { newOperationQueue, globalBackground, globalHigh };
 
-/// Adds the task to that queue of the installed host.
-void runOn(RequestQueue queue, Task task);
-
-/// Runs the task on the main queue, if the session is live then.
-void runOnMainWhileLive(std::shared_ptr<OXSession> session, Task task);
+/// Runs `work` on that queue of the installed host, then `back` on the main queue. Both are made
+/// before the work is done, so that what it brings does not get lost for want of memory. What they
+/// share is to be let go of by `back`: screens die on the main thread.
+void runThereAndBack(RequestQueue queue, Task work, const Task& back);
 
 /// One request of a screen, on its way from the main thread to the background and back.
 template <class Answer>
@@ -29,30 +28,34 @@ struct WalletRequest {
   std::function<Answer(KCVelloConnection&)> ask;
   std::function<void(Answer)> answered;
   Task failed;
+  std::optional<Answer> answer = std::nullopt;
 
-  /// Off the main thread. Leaves nothing behind here: the captured screen goes back to the main
-  /// queue, so that it never dies on a background thread, and what was asked is released at once.
+  /// Off the main thread. What was asked is released at once.
   void run() {
-    // Held by a shared pointer: a task must be copyable, an answer need not be.
-    std::shared_ptr<Answer> answer;
     try {
       if (connection) {
-        answer = std::make_shared<Answer>(ask(*connection));
+        answer.emplace(ask(*connection));
       }
-    } catch (const std::exception&) {
+    } catch (...) {
       // Every failure of a request looks alike to the user: the connection alert offers a retry.
       answer.reset();
     }
     ask = {};
-    runOnMainWhileLive(std::move(session),
-                       [answer = std::move(answer), whenAnswered = std::move(answered),
-                        whenFailed = std::move(failed)] {
-                         if (answer) {
-                           whenAnswered(std::move(*answer));
-                         } else {
-                           whenFailed();
-                         }
-                       });
+    connection.reset();
+  }
+
+  /// Back on the main thread, where the captured screen is let go of.
+  void finish() {
+    const auto whenAnswered = std::exchange(answered, {});
+    const auto whenFailed = std::exchange(failed, {});
+    if (!std::exchange(session, {})->isLive()) {
+      return;
+    }
+    if (answer) {
+      whenAnswered(std::move(*answer));
+    } else {
+      whenFailed();
+    }
   }
 };
 
@@ -69,7 +72,8 @@ void requestInBackground(RequestQueue queue, std::function<Answer(KCVelloConnect
   request->ask = std::move(ask);
   request->answered = std::move(answered);
   request->failed = std::move(failed);
-  runOn(queue, [request] { request->run(); });
+  runThereAndBack(
+      queue, [request] { request->run(); }, [request] { request->finish(); });
 }
 
 }  // namespace orlix

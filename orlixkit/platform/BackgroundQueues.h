@@ -20,7 +20,7 @@ class OperationQueue {
 ///
 /// Thread: every operation may be called from any thread; `close` from the main thread.
 /// A task may block; other queues go on meanwhile.
-/// A task never throws: an exception that leaves one ends the process.
+/// What a task throws ends up in the log (`runLoggedInBackground`), and the process goes on.
 class BackgroundQueues {
  public:
   virtual ~BackgroundQueues() = default;
@@ -33,5 +33,8 @@ class BackgroundQueues {
   /// runs any more. What is added afterwards is dropped.
   virtual void close() = 0;
 };
+
+/// For those who implement the queues: runs one of their tasks.
+void runLoggedInBackground(const Task& task);
 
 }  // namespace orlix

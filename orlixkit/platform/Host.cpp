@@ -1,5 +1,6 @@
 #include "orlixkit/platform/Host.h"
 
+#include <new>
 #include <stdexcept>
 
 namespace orlix {
@@ -71,8 +72,44 @@ void Host::shutdown() {
 }
 
 void log(std::string_view line) {
-  if (installed()) {
+  if (!installed()) {
+    return;
+  }
+  try {
     installed()->ports().log->write(line);
+  } catch (const std::bad_alloc&) {
+    return;  // what is to be done matters more than what is said of it
+  }
+}
+
+void logFailure(std::string_view where, std::string_view what, SystemLog* own) noexcept {
+  try {
+    const std::string line =
+        "OrlixKit: uncaught on " + std::string(where) + ": " + std::string(what);
+    own != nullptr ? own->write(line) : log(line);
+  } catch (...) {
+    return;
+  }
+}
+
+void memoryRanOut() noexcept {
+  if (!installed() || !installed()->whenMemoryRunsOut) {
+    return;
+  }
+  // What the failed step had taken is free again, so the first attempt mostly finds enough.
+  constexpr int mostAttempts = 10;
+  for (int attempt = 0; attempt < mostAttempts; ++attempt) {
+    try {
+      installed()->whenMemoryRunsOut();
+      return;
+    } catch (const std::bad_alloc&) {
+      continue;
+    } catch (const std::exception& failure) {
+      logFailure("the main thread", failure.what());
+      return;
+    } catch (...) {
+      return;
+    }
   }
 }
 

@@ -63,6 +63,10 @@ class Host {
   const Deployment& deployment() const { return deployment_; }
   Application& application() { return application_; }
 
+  /// Ends the flow in progress as failed: a step of it, on the main thread, found no memory and may
+  /// be half done. Set by the library. Called anew when it finds none itself.
+  Task whenMemoryRunsOut;
+
   /// The process-wide object of this type, made on first use (once, from whichever thread asks
   /// first) and released with the host.
   template <class T>
@@ -92,7 +96,11 @@ T& Host::shared() {
   return *static_cast<T*>(slot.get());
 }
 
-/// Writes one line to the installed host's log; without a host it is dropped.
+/// Writes one line to the installed host's log; without a host, or memory, it is dropped.
 void log(std::string_view line);
+/// The line that tells what a task has thrown; to `log`, or the installed host's when none.
+void logFailure(std::string_view where, std::string_view what, SystemLog* log = nullptr) noexcept;
+/// Runs the installed host's `whenMemoryRunsOut`. Main thread.
+void memoryRanOut() noexcept;
 
 }  // namespace orlix

@@ -1,18 +1,59 @@
 #include "orlixkit/platform/MainQueue.h"
 
+#include <chrono>
 #include <exception>
+#include <new>
 
 #include "orlixkit/platform/Host.h"
 
 namespace orlix {
 
-void runLogged(const Task& task) {
+namespace {
+
+using namespace std::chrono_literals;
+
+constexpr int kMostAttempts = 50;
+
+template <class Log>
+void runAndTell(const Task& task, const Log& tell) {
   try {
     task();
+  } catch (const std::bad_alloc&) {
+    tell("memory ran out");
+    memoryRanOut();
   } catch (const std::exception& failure) {
-    log(std::string("OrlixKit: uncaught on the main thread: ") + failure.what());
+    tell(failure.what());
   } catch (...) {
-    log("OrlixKit: uncaught on the main thread: something that is no exception");
+    tell("something that is no exception");
+  }
+}
+
+}  // namespace
+
+void runLogged(const Task& task) {
+  runAndTell(task, [](std::string_view what) { logFailure("the main thread", what); });
+}
+
+void runLogged(const Task& task, SystemLog& log) {
+  runAndTell(task, [&log](std::string_view what) { logFailure("the main thread", what, &log); });
+}
+
+void handOver(const Task& task) {
+  const Ports& ports = Host::current().ports();
+  for (int attempt = 0; attempt < kMostAttempts; ++attempt) {
+    try {
+      ports.mainQueue->async(task);
+      return;
+    } catch (const std::bad_alloc&) {
+      logFailure("the background", "no memory for a result");
+    }
+    try {
+      if (!ports.clock->sleep(100ms)) {
+        return;  // the host's shutdown
+      }
+    } catch (const std::bad_alloc&) {
+      continue;  // without the pause
+    }
   }
 }
 

@@ -3,6 +3,7 @@
 #include <functional>
 
 #include "orlixkit/platform/Bytes.h"
+#include "orlixkit/platform/SystemLog.h"
 
 namespace orlix {
 
@@ -11,6 +12,8 @@ namespace orlix {
 /// Thread: `async` and `isCurrent` may be called from any thread.
 /// Order: tasks run one at a time, in the order of their `async` calls.
 /// After `close`: no task runs; `async` drops what it is given, and what was pending is dropped.
+/// An `async` that throws (std::bad_alloc) has left the queue as it was. A task that throws goes
+/// through `runLogged`.
 class MainQueue {
  public:
   virtual ~MainQueue() = default;
@@ -26,7 +29,14 @@ class MainQueue {
 };
 
 /// Runs something that the main thread owes nobody a result for: a main-queue task, a user's tap.
-/// What it throws ends up in the log, and the application goes on.
+/// What it throws ends up in the log, and the application goes on. When it was memory that ran out,
+/// half of a step may be missing: the installed host's `whenMemoryRunsOut` then ends the flow.
 void runLogged(const Task& task);
+/// The same with a log that needs no host.
+void runLogged(const Task& task, SystemLog& log);
+
+/// Brings a result to the main queue of the installed host, off the main thread. Waits for memory,
+/// some seconds at most: who works in the background has nobody else to tell of a lack of it.
+void handOver(const Task& task);
 
 }  // namespace orlix

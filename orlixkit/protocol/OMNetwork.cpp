@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <mutex>
+#include <new>
 
 #include <fmt/format.h>
 
@@ -21,7 +22,7 @@ class Exchange : public UrlConnectionDelegate {
   explicit Exchange(std::shared_ptr<Clock> clock)
       : clock_(std::move(clock)), condition_(clock_->newCondition()) {}
 
-  enum class End { running, byCallback, tooLong, timedOut, shutDown };
+  enum class End { running, byCallback, cutShort, timedOut, shutDown };
 
   /// Waits until the exchange has ended or the deadline passes, and closes it: what a callback
   /// brings afterwards is dropped.
@@ -62,13 +63,16 @@ class Exchange : public UrlConnectionDelegate {
       return;
     }
     if (data.size() > OMNetwork::longestAnswer - responseData_.size()) {
+      cutShort();
       log(fmt::format("OMNetwork error. The answer is longer than {} bytes.",
                       OMNetwork::longestAnswer));
-      responseData_.clear();
-      finish(End::tooLong);
       return;
     }
-    responseData_.append(data);
+    try {
+      responseData_.append(data);
+    } catch (const std::bad_alloc&) {
+      cutShort();  // an answer with a gap must not pass for a whole one
+    }
   }
 
   void didFinishLoading() override {
@@ -82,12 +86,17 @@ class Exchange : public UrlConnectionDelegate {
   void didFailWithError(const std::string& description) override {
     const std::lock_guard held(*condition_);
     if (end_ == End::running) {
-      log("OMNetwork error. " + description);
       finish(End::byCallback);
+      log("OMNetwork error. " + description);
     }
   }
 
  private:
+  void cutShort() {
+    responseData_.clear();
+    finish(End::cutShort);
+  }
+
   void finish(End end) {
     end_ = end;
     condition_->signal();
@@ -164,7 +173,12 @@ NetworkResult exchangeWith(const Ports& ports, UrlRequest request) {
   const auto connection = ports.urlConnections->newConnection(std::move(request), exchange);
   // A queue of its own, so that the callbacks need no run loop of the blocked caller.
   connection->setDelegateQueue(ports.backgroundQueues->newOperationQueue());
-  connection->start();
+  try {
+    connection->start();
+  } catch (...) {
+    connection->cancel();  // what has failed must not be sent later
+    throw;
+  }
 
   const Exchange::End end = exchange->waitUntil(ports.clock->steadyNow() + timeLimit);
   if (end == Exchange::End::timedOut) {

@@ -1,6 +1,7 @@
 #include "orlixkit/protocol/OMVello.h"
 
 #include <chrono>
+#include <new>
 #include <stdexcept>
 
 #include <fmt/format.h>
@@ -63,8 +64,20 @@ void OMVello::tryInitSession() { tryStart(presentStart()); }
 void OMVello::performInitSession() { perform(presentStart()); }
 
 void OMVello::tryStart(const std::shared_ptr<Start>& start) {
+  // Made beforehand: it is for the case that there is no memory to make it.
+  const Task failed = [this, start] {
+    if (start == presentStart()) {
+      showRetry(start);
+    }
+  };
   Host::current().ports().backgroundQueues->global(QualityOfService::userInitiated,
-                                                   [this, start] { perform(start); });
+                                                   [this, start, failed] {
+                                                     try {
+                                                       perform(start);
+                                                     } catch (const std::bad_alloc&) {
+                                                       handOver(failed);
+                                                     }
+                                                   });
 }
 
 void OMVello::perform(const std::shared_ptr<Start>& start) {
@@ -72,6 +85,8 @@ void OMVello::perform(const std::shared_ptr<Start>& start) {
   std::shared_ptr<KCVelloConnection> client;
   try {
     client = newConnection(*start);
+  } catch (const std::bad_alloc&) {
+    throw;  // the next attempt may find memory
   } catch (...) {
     log("Exception caught");
   }
@@ -188,6 +203,10 @@ void OMVello::showNotice(const std::shared_ptr<Start>& start,
 }
 
 void OMVello::offerRetry(const std::shared_ptr<Start>& start) {
+  report(start, [this, start] { showRetry(start); });
+}
+
+void OMVello::showRetry(const std::shared_ptr<Start>& start) {
   const auto whilePresent = [this, start](Task task) {
     return [this, start, task = std::move(task)] {
       if (start == presentStart()) {
@@ -195,10 +214,8 @@ void OMVello::offerRetry(const std::shared_ptr<Start>& start) {
       }
     };
   };
-  report(start, [upper = environment(), retry = whilePresent([this, start] { tryStart(start); }),
-                 giveUp = whilePresent([this] { cancel(); })] {
-    upper->showNetworkErrorRetry(retry, giveUp);
-  });
+  environment()->showNetworkErrorRetry(whilePresent([this, start] { tryStart(start); }),
+                                       whilePresent([this] { cancel(); }));
 }
 
 std::string OMVello::getTimeZone() {

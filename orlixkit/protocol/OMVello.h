@@ -52,7 +52,8 @@ class OMVello {
                              std::shared_ptr<OMVelloDelegate> delegate);
   /// Runs the present start (again) in the background. Any thread.
   void tryInitSession();
-  /// Makes a new client and opens its session; blocks. Any but the main thread.
+  /// Makes a new client and opens its session; blocks. Any but the main thread. Throws
+  /// std::bad_alloc.
   void performInitSession();
   /// Offset of local time from UTC, such as "+02:00".
   std::string getTimeZone();
@@ -82,6 +83,7 @@ class OMVello {
   void showNotice(const std::shared_ptr<Start>& start, const std::optional<std::string>& message,
                   bool stopConnection);
   void offerRetry(const std::shared_ptr<Start>& start);
+  void showRetry(const std::shared_ptr<Start>& start);
   std::shared_ptr<Start> presentStart() const;
   std::shared_ptr<OMVelloEnvironment> environment() const;
 

@@ -155,7 +155,9 @@ std::optional<std::string> OXSecureCodeViewController::stringByEvaluatingJavaScr
   // Shared with the completion, which may come when nobody waits any more.
   const auto result = std::make_shared<std::optional<ScriptResult>>();
   webView->evaluateJavaScript(script, [result](const ScriptResult& given) { *result = given; });
-  Host::current().ports().mainQueue->runUntil([result] { return result->has_value(); });
+  // Nor is the result of use, should it ever come, to a checkout that has ended.
+  Host::current().ports().mainQueue->runUntil(
+      [this, result] { return result->has_value() || !session(); });
   if (!result->has_value()) {
     return std::nullopt;
   }

@@ -74,6 +74,8 @@ TYPED_TEST_P(BackgroundQueuesContract, AnOperationQueueRunsOneAtATimeInTheOrderA
   std::vector<int> ran;  // no lock: the queue's order is what orders the accesses
   std::atomic<int> inside = 0;
   bool alone = true;
+  this->queues.global(QualityOfService::high, [] { throw 7; });
+  queue->add([] { throw std::runtime_error("logged, and the queue goes on"); });
   for (int i = 0; i < 200; ++i) {
     queue->add([&, i] {
       alone = alone && inside.fetch_add(1) == 0;

@@ -98,9 +98,12 @@ void FakeWebView::settle(const Owed& owed, ScriptResult result) {
   }
 }
 
-void FakeWebView::failOwed(const std::string& reason) {
+void FakeWebView::failOwed(std::string_view reason) {
+  if (owed_.empty()) {
+    return;  // nor may memory be needed then: the destructor comes here
+  }
   for (const Owed& owed : std::exchange(owed_, {})) {
-    settle(owed, {std::nullopt, reason});
+    settle(owed, {std::nullopt, std::string(reason)});
   }
 }
 

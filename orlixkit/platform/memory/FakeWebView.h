@@ -5,6 +5,7 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <string_view>
 #include <utility>
 #include <vector>
 
@@ -57,7 +58,7 @@ class FakeWebView : public WebView {
   void beginLoad(std::string html, std::string address);
   void tell(std::function<void(WebViewDelegate&)> callback);
   void settle(const Owed& owed, ScriptResult result);
-  void failOwed(const std::string& reason);
+  void failOwed(std::string_view reason);
   ScriptResult run(const std::string& script) const;
 
   std::shared_ptr<MainQueue> mainQueue_;

@@ -20,20 +20,26 @@ void require(bool holds, const char* what) {
 
 }  // namespace
 
+Ports MemoryHost::portsFor(const MemoryHostSettings& settings) const {
+  Ports ports{.log = log_,
+              .clock = clock_,
+              .mainQueue = mainQueue_,
+              .backgroundQueues = std::make_shared<VirtualBackgroundQueues>(world_),
+              .urlConnections = connections_,
+              .userDefaults = userDefaults_,
+              .device = device_,
+              .bundle = bundle_,
+              .locationManager = settings.hasLocationManager ? locationManager_ : nullptr,
+              .webViews = settings.hasWebViews ? webViews_ : nullptr};
+  if (settings.adapt) {
+    settings.adapt(ports);
+  }
+  return ports;
+}
+
 MemoryHost::MemoryHost(MemoryHostSettings settings)
     : userDefaults_(storeOf(settings)),
-      host_(std::make_shared<Host>(
-          Ports{.log = log_,
-                .clock = clock_,
-                .mainQueue = mainQueue_,
-                .backgroundQueues = std::make_shared<VirtualBackgroundQueues>(world_),
-                .urlConnections = connections_,
-                .userDefaults = userDefaults_,
-                .device = device_,
-                .bundle = bundle_,
-                .locationManager = settings.hasLocationManager ? locationManager_ : nullptr,
-                .webViews = settings.hasWebViews ? webViews_ : nullptr},
-          settings.deployment)),
+      host_(std::make_shared<Host>(portsFor(settings), settings.deployment)),
       user_(host_->application()) {
   world_->setChooser(std::move(settings.chooser));
   world_->setTimeCompetes(settings.timeCompetes);

@@ -31,6 +31,8 @@ struct MemoryHostSettings {
   Chooser chooser = {};
   bool timeCompetes = false;
   bool preemptive = false;
+  /// Puts other ports in front of these, or in the place of some.
+  std::function<void(Ports&)> adapt = {};
   bool hasLocationManager = true;
   bool hasWebViews = true;
   Deployment deployment{"https://live.example/vello", "https://test.example/vello",
@@ -107,6 +109,7 @@ class MemoryHost {
   std::shared_ptr<FakeWebViews> webViews_ = std::make_shared<FakeWebViews>(mainQueue_);
   std::shared_ptr<MemoryLog> log_ = std::make_shared<MemoryLog>();
   std::shared_ptr<ViewController> root_ = std::make_shared<ViewController>();
+  Ports portsFor(const MemoryHostSettings& settings) const;
   std::shared_ptr<Host> host_;
   ScreenUser user_;
 };

@@ -4,6 +4,7 @@
 #include <condition_variable>
 #include <utility>
 
+#include "orlixkit/platform/BackgroundQueues.h"
 #include "orlixkit/platform/MainQueue.h"
 
 namespace orlix {
@@ -115,7 +116,7 @@ void VirtualWorld::workerLoop(Worker& worker) {
     }
     Task task = std::exchange(worker.item.task, {});
     lock.unlock();
-    task();
+    runLoggedInBackground(task);
     task = {};
     lock.lock();
     worker.idle = true;

@@ -19,6 +19,17 @@ namespace {
 
 constexpr int maximumRedirects = 20;
 
+/// Runs a callback of libcurl or OpenSSL, through which no exception may pass: the lack of memory
+/// becomes the value by which the callback refuses.
+template <class Result, class Callback>
+Result orRefuse(Result refusal, const Callback& callback) {
+  try {
+    return callback();
+  } catch (const std::exception&) {
+    return refusal;
+  }
+}
+
 }  // namespace
 
 CurlExchange::CurlExchange(UrlRequest request, std::shared_ptr<UrlConnectionDelegate> delegate,
@@ -99,18 +110,27 @@ void CurlExchange::tell(Callback callback) {
 }
 
 void CurlExchange::tellEnd(Callback callback) {
-  tell(
-      [self = shared_from_this(), callback = std::move(callback)](UrlConnectionDelegate& delegate) {
-        callback(delegate);
-        self->abandon();
-      });
+  try {
+    tell([self = shared_from_this(),
+          callback = std::move(callback)](UrlConnectionDelegate& delegate) {
+      callback(delegate);
+      self->abandon();
+    });
+  } catch (const std::bad_alloc&) {
+    abandon();  // who waits for the end has a limit of his own
+  }
   const std::lock_guard lock(lock_);
   ending_ = true;
 }
 
-void CurlExchange::fail(const std::string& description) {
-  tellEnd(
-      [description](UrlConnectionDelegate& delegate) { delegate.didFailWithError(description); });
+void CurlExchange::fail(std::string_view description) {
+  try {
+    tellEnd([text = std::string(description)](UrlConnectionDelegate& delegate) {
+      delegate.didFailWithError(text);
+    });
+  } catch (const std::bad_alloc&) {
+    abandon();
+  }
 }
 
 void CurlExchange::failSilent() {
@@ -234,7 +254,7 @@ curl_socket_t CurlExchange::onOpenSocket(void* self, curlsocktype, curl_sockaddr
     return CURL_SOCKET_BAD;
   }
   exchange.newConnection_ = true;
-  return exchange.loop_->sockets().open(*address);
+  return orRefuse(CURL_SOCKET_BAD, [&] { return exchange.loop_->sockets().open(*address); });
 }
 
 int CurlExchange::onRequest(void* self, char*, char*, int serverPort, int localPort) {
@@ -262,8 +282,11 @@ std::size_t CurlExchange::onHeader(char* line, std::size_t unit, std::size_t cou
   // Informational answers (1xx) are no response; after the body there may come a trailer.
   if (blank && status >= 200 && !exchange.headerEnded_) {
     exchange.headerEnded_ = true;
-    exchange.tell(
-        [status](UrlConnectionDelegate& delegate) { delegate.didReceiveResponse(status); });
+    return orRefuse(std::size_t{0}, [&] {
+      exchange.tell(
+          [status](UrlConnectionDelegate& delegate) { delegate.didReceiveResponse(status); });
+      return unit * count;
+    });
   }
   return unit * count;
 }
@@ -272,14 +295,17 @@ std::size_t CurlExchange::onData(char* bytes, std::size_t unit, std::size_t coun
   auto& exchange = *static_cast<CurlExchange*>(self);
   exchange.lastByte_ = std::chrono::steady_clock::now();
   const std::size_t size = unit * count;
-  if (!exchange.followsRedirect()) {
+  if (exchange.followsRedirect()) {
+    return size;
+  }
+  return orRefuse(std::size_t{0}, [&] {
     const auto* begin = reinterpret_cast<const std::uint8_t*>(bytes);
     // An answer may hold keys: the piece is wiped once the delegate has had it.
     const auto piece = std::make_shared<SecretBytes>(std::span(begin, size));
     exchange.tell(
         [piece](UrlConnectionDelegate& delegate) { delegate.didReceiveData(piece->reveal()); });
-  }
-  return size;
+    return size;
+  });
 }
 
 bool CurlExchange::followsRedirect() const {
@@ -351,9 +377,11 @@ CURLcode CurlExchange::onTlsContext(CURL*, void* context, void* self) {
 
 int CurlExchange::onCertificates(X509_STORE_CTX* presented, void* self) {
   auto& exchange = *static_cast<CurlExchange*>(self);
-  const bool trusted = exchange.isTrusted(std::make_shared<SystemTrust>(
-      X509_STORE_CTX_get0_cert(presented), X509_STORE_CTX_get0_untrusted(presented),
-      exchange.target_.host));
+  const bool trusted = orRefuse(false, [&] {
+    return exchange.isTrusted(std::make_shared<SystemTrust>(
+        X509_STORE_CTX_get0_cert(presented), X509_STORE_CTX_get0_untrusted(presented),
+        exchange.target_.host));
+  });
   X509_STORE_CTX_set_error(presented, trusted ? X509_V_OK : X509_V_ERR_APPLICATION_VERIFICATION);
   return trusted ? 1 : 0;
 }

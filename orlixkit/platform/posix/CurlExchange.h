@@ -5,6 +5,7 @@
 #include <memory>
 #include <mutex>
 #include <string>
+#include <string_view>
 #include <thread>
 #include <vector>
 
@@ -32,7 +33,7 @@ class CurlExchange : public UrlConnection, public std::enable_shared_from_this<C
   void cancel() override;
 
   /// Ends the exchange with an error, unless it has ended. Any thread.
-  void fail(const std::string& description);
+  void fail(std::string_view description);
   /// Ends the exchange without a word to the delegate. Any thread.
   void abandon();
   bool isOver() const;

@@ -1,6 +1,7 @@
 #include "orlixkit/platform/posix/CurlLoop.h"
 
 #include <algorithm>
+#include <new>
 #include <pthread.h>
 #include <stdexcept>
 #include <string>
@@ -14,7 +15,7 @@ namespace orlix {
 namespace {
 
 /// How long the I/O thread leaves a new exchange to its starter, who mostly waits for it himself.
-constexpr std::chrono::milliseconds startersTime{1};
+constexpr std::chrono::milliseconds startersTime{5};
 
 CURLM* makeMulti() {
   initialiseCurl();
@@ -72,11 +73,7 @@ void CurlLoop::close() {
     }
     beginDriving(nullptr);
   }
-  takeNew();
-  for (const std::shared_ptr<CurlExchange>& exchange : std::exchange(running_, {})) {
-    exchange->abandon();
-    leave(*exchange);
-  }
+  giveUp();
   const std::lock_guard lock(lock_);
   emptied_ = true;
   endDriving();
@@ -165,7 +162,7 @@ void CurlLoop::workUntil(const std::function<bool()>& done, SteadyTime deadline)
       }
       lock.unlock();
       for (const OwnTask& task : std::exchange(own, {})) {
-        task.run();
+        runLoggedInBackground(task.run);
       }
       lock.lock();
     }
@@ -208,13 +205,33 @@ void CurlLoop::giveAwayOwnTasks() {
 }
 
 void CurlLoop::step() {
-  takeNew();
-  endCancelledAndSilent();
-  int underWay = 0;
-  curl_multi_perform(multi_.get(), &underWay);
-  if (!isClosed()) {  // what ended by the close itself is told to nobody
-    endFinished();
+  try {
+    takeNew();
+    endCancelledAndSilent();
+    int underWay = 0;
+    curl_multi_perform(multi_.get(), &underWay);
+    if (!isClosed()) {  // what ended by the close itself is told to nobody
+      endFinished();
+    }
+  } catch (const std::bad_alloc&) {
+    giveUp();
   }
+}
+
+void CurlLoop::giveUp() {
+  std::vector<std::shared_ptr<CurlExchange>> fresh;
+  {
+    const std::lock_guard lock(lock_);
+    fresh.swap(admitted_);
+  }
+  std::erase_if(running_, [](const auto& exchange) { return exchange->easy() == nullptr; });
+  for (const auto* given : {&fresh, &running_}) {
+    for (const std::shared_ptr<CurlExchange>& exchange : *given) {
+      exchange->abandon();
+      leave(*exchange);
+    }
+  }
+  running_.clear();
 }
 
 void CurlLoop::poll(SteadyTime deadline) {
@@ -234,6 +251,7 @@ void CurlLoop::takeNew() {
   std::vector<std::shared_ptr<CurlExchange>> fresh;
   {
     const std::lock_guard lock(lock_);
+    running_.reserve(running_.size() + admitted_.size());
     fresh.swap(admitted_);
   }
   for (const std::shared_ptr<CurlExchange>& exchange : fresh) {
@@ -248,7 +266,7 @@ void CurlLoop::takeNew() {
 bool CurlLoop::transfer(CurlExchange& exchange) {
   const CURLMcode result = curl_multi_add_handle(multi_.get(), exchange.easy());
   if (result != CURLM_OK) {
-    exchange.fail(std::string("libcurl: ") + curl_multi_strerror(result));
+    exchange.fail(curl_multi_strerror(result));
   }
   return result == CURLM_OK;
 }

@@ -76,6 +76,9 @@ class CurlLoop : public WaitingWork {
 
   void step();
   void poll(SteadyTime deadline);
+  /// Abandons every exchange: at the end, or when memory runs out. Who waits for one has a limit of
+  /// his own.
+  void giveUp();
   void takeNew();
   /// Hands the exchange's handle to libcurl; false when the exchange has failed.
   bool transfer(CurlExchange& exchange);

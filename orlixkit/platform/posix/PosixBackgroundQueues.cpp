@@ -35,24 +35,30 @@ class SerialTasks : public std::enable_shared_from_this<SerialTasks> {
 
   /// Empty when the tasks are being run already, or never will be.
   Task addAndTake(Task task) {
+    Task drain;  // made before anything changes, and released without the lock
     const std::lock_guard lock(lock_);
     if (pool_->isClosed()) {
       return {};
     }
-    pending_.push_back(std::move(task));
-    if (std::exchange(draining_, true)) {
-      return {};
+    if (!draining_) {
+      drain = newDrain();
     }
+    pending_.push_back(std::move(task));
+    draining_ = true;
+    return drain;
+  }
+
+ private:
+  Task newDrain() {
     // Released with the task that is given back, whether that is run or dropped.
     const std::shared_ptr<SerialTasks> drained(
         this, [self = shared_from_this()](SerialTasks* tasks) { tasks->dropIfClosed(); });
     return [drained] { drained->drain(); };
   }
 
- private:
   void drain() {
     while (Task task = next()) {
-      task();
+      runLoggedInBackground(task);
     }
   }
 

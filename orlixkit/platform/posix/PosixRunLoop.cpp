@@ -1,8 +1,5 @@
 #include "orlixkit/platform/posix/PosixRunLoop.h"
 
-#include <exception>
-#include <string>
-
 namespace orlix {
 
 PosixRunLoop::PosixRunLoop(std::shared_ptr<SystemLog> log) : log_(std::move(log)) {}
@@ -26,7 +23,7 @@ void PosixRunLoop::runUntil(const std::function<bool()>& done) {
     if (!task) {
       return;
     }
-    run(task);
+    runLogged(task, *log_);
   }
 }
 
@@ -39,16 +36,6 @@ Task PosixRunLoop::next() {
   Task task = std::move(pending_.front());
   pending_.pop_front();
   return task;
-}
-
-void PosixRunLoop::run(const Task& task) {
-  try {
-    task();
-  } catch (const std::exception& error) {
-    log_->write(std::string("Main queue: a task failed: ") + error.what());
-  } catch (...) {
-    log_->write("Main queue: a task failed with an exception of unknown type");
-  }
 }
 
 void PosixRunLoop::close() {

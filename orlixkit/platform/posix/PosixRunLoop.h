@@ -25,7 +25,6 @@ class PosixRunLoop : public MainQueue {
  private:
   /// The next task, waited for; none when the loop is closed.
   Task next();
-  void run(const Task& task);
 
   const std::thread::id mainThread_ = std::this_thread::get_id();
   const std::shared_ptr<SystemLog> log_;

@@ -2,6 +2,8 @@
 
 #include <pthread.h>
 
+#include "orlixkit/platform/BackgroundQueues.h"
+
 namespace orlix {
 
 namespace {
@@ -54,7 +56,7 @@ void WorkerPool::work(Threads::iterator self) {
     Task task = std::move(pending_.front());
     pending_.pop_front();
     lock.unlock();
-    task();
+    runLoggedInBackground(task);
     task = {};  // what it holds is released without the lock
     lock.lock();
     if (closed_) {

@@ -1,5 +1,6 @@
 #include "orlixkit/platform/ui/ViewController.h"
 
+#include <new>
 #include <utility>
 
 #include "orlixkit/platform/Host.h"
@@ -188,22 +189,26 @@ void ViewController::dismiss(bool animated, Task completion) {
   if (completion) {
     afterDismissal_.push_back({std::move(completion), false});
   }
-  if (!leaving->beingDismissed_) {
-    beginDismissal();
-  } else if (animated) {
-    return;  // joins the one under way
+  try {
+    if (!leaving->beingDismissed_) {
+      beginDismissal();
+    } else if (animated) {
+      return;  // joins the one under way
+    }
+    // What the controllers did when they were told may have finished it.
+    if (animated && presented_ == leaving && leaving->beingDismissed_) {
+      Host::current().application().animate(leaving, Transition::dismissal,
+                                            [self, leaving] { self->finishDismissal(leaving); });
+      return;
+    }
+  } catch (const std::bad_alloc&) {
+    if (!leaving->beingDismissed_) {
+      throw;
+    }
+    // Begun, so it ends, if without its animation.
   }
-  // What the controllers did when they were told may have finished it.
-  if (presented_ != leaving || !leaving->beingDismissed_) {
-    return;
-  }
-  if (!animated) {
-    // Also overtakes an animated dismissal that is still running.
-    finishDismissal(leaving);
-    return;
-  }
-  Host::current().application().animate(leaving, Transition::dismissal,
-                                        [self, leaving] { self->finishDismissal(leaving); });
+  // Also overtakes an animated dismissal that is still running.
+  finishDismissal(leaving);
 }
 
 void ViewController::beginDismissal() {
@@ -230,7 +235,13 @@ void ViewController::finishDismissal(const std::shared_ptr<ViewController>& cont
     return;
   }
   const std::vector<std::shared_ptr<ViewController>> gone = presentedFromTheTop();
+  // All the memory it needs: a dismissal that has begun to change anything comes to its end.
   std::vector<Task> after;
+  std::size_t most = 0;
+  for (const auto& one : gone) {
+    most += one->presenting_.lock()->afterDismissal_.size();
+  }
+  after.reserve(most);
   for (const auto& one : gone) {
     const std::shared_ptr<ViewController> presenter = one->presenting_.lock();
     for (AfterDismissal& next : std::exchange(presenter->afterDismissal_, {})) {
@@ -246,7 +257,7 @@ void ViewController::finishDismissal(const std::shared_ptr<ViewController>& cont
     one->appeared_ = false;
   }
   for (const auto& one : gone) {
-    Host::current().application().didDismiss(one);
+    runLogged([&one] { Host::current().application().didDismiss(one); });
   }
   for (const Task& task : after) {
     runLogged(task);

@@ -1,0 +1,304 @@
+// Flows in which memory runs out: at each allocation in turn, once and three times running.
+//
+// What fails is `operator new`, in the library's own tasks and entry calls. Not what other
+// libraries take by malloc (libcurl, OpenSSL, SQLite), and not what the phone of this test needs
+// itself.
+
+#include <atomic>
+#include <cstdlib>
+#include <new>
+
+#include <fmt/format.h>
+
+#include "orlixkit/security/DataStore.h"
+#include "orlixkit/security/OMStorage.h"
+#include "orlixkit/security/PinBlock.h"
+#include "tests/phone/Phone.h"
+
+namespace {
+
+thread_local bool counting = false;
+std::atomic<long> allocations;
+std::atomic<long> firstToFail;
+std::atomic<long> failures;
+
+}  // namespace
+
+void* operator new(std::size_t size) {
+  if (counting) {
+    const long number = ++allocations;
+    if (number >= firstToFail && number < firstToFail + failures) {
+      throw std::bad_alloc();
+    }
+  }
+  if (void* memory = std::malloc(size)) {
+    return memory;
+  }
+  throw std::bad_alloc();
+}
+void operator delete(void* memory) noexcept { std::free(memory); }
+void operator delete(void* memory, std::size_t) noexcept { std::free(memory); }
+
+namespace orlix::test {
+
+namespace {
+
+struct Counting {
+  explicit Counting(bool on) : before(std::exchange(counting, on)) {}
+  ~Counting() { counting = before; }
+  Counting(const Counting&) = delete;
+  Counting& operator=(const Counting&) = delete;
+  const bool before;
+};
+
+/// What a real queue takes for the task.
+void takeNode() { ::operator delete(::operator new(1)); }
+
+Task counted(Task task) {
+  return [task = std::move(task)] {
+    const Counting on(true);
+    task();
+  };
+}
+
+struct CountedMain : MainQueue {
+  explicit CountedMain(std::shared_ptr<MainQueue> of) : inner(std::move(of)) {}
+  void async(Task task) override {
+    takeNode();
+    const Counting off(false);
+    inner->async(counted(std::move(task)));
+  }
+  bool isCurrent() const override { return inner->isCurrent(); }
+  void runUntil(const std::function<bool()>& done) override { inner->runUntil(done); }
+  void close() override { inner->close(); }
+  std::shared_ptr<MainQueue> inner;
+};
+
+struct CountedQueue : OperationQueue {
+  explicit CountedQueue(std::shared_ptr<OperationQueue> of) : inner(std::move(of)) {}
+  void add(Task task) override {
+    takeNode();
+    const Counting off(false);
+    inner->add(counted(std::move(task)));
+  }
+  std::shared_ptr<OperationQueue> inner;
+};
+
+struct CountedBackground : BackgroundQueues {
+  explicit CountedBackground(std::shared_ptr<BackgroundQueues> of) : inner(std::move(of)) {}
+  void global(QualityOfService service, Task task) override {
+    takeNode();
+    const Counting off(false);
+    inner->global(service, counted(std::move(task)));
+  }
+  std::shared_ptr<OperationQueue> newOperationQueue() override {
+    return std::make_shared<CountedQueue>(inner->newOperationQueue());
+  }
+  void close() override { inner->close(); }
+  std::shared_ptr<BackgroundQueues> inner;
+};
+
+/// Waiting takes no memory on a real phone.
+struct UncountedClock : Clock {
+  struct Waiting : Condition {
+    explicit Waiting(std::unique_ptr<Condition> of) : inner(std::move(of)) {}
+    template <class Result>
+    Result quietly(Result (Condition::*operation)()) {
+      const Counting off(false);
+      return ((*inner).*operation)();
+    }
+    void lock() override { quietly(&Condition::lock); }
+    void unlock() override { quietly(&Condition::unlock); }
+    void signal() override { quietly(&Condition::signal); }
+    bool waitUntil(SteadyTime deadline) override {
+      const Counting off(false);
+      return inner->waitUntil(deadline);
+    }
+    std::unique_ptr<Condition> inner;
+  };
+  explicit UncountedClock(std::shared_ptr<Clock> of) : inner(std::move(of)) {}
+  SteadyTime steadyNow() const override { return inner->steadyNow(); }
+  CalendarTime now() const override { return inner->now(); }
+  std::chrono::seconds utcOffset(CalendarTime at) const override { return inner->utcOffset(at); }
+  bool sleep(Duration duration) override {
+    const Counting off(false);
+    return inner->sleep(duration);
+  }
+  std::unique_ptr<Condition> newCondition() override {
+    return std::make_unique<Waiting>(inner->newCondition());
+  }
+  std::shared_ptr<Clock> inner;
+};
+
+/// Hears without allocating.
+struct QuietHost : HostApp {
+  int succeeded = 0, errors = 0, others = 0;
+  int all() const { return succeeded + errors + others; }
+  void orlixPaymentSucceededWithTransactionReference(const std::string&) override { ++succeeded; }
+  void orlixPaymentFailedWithTransactionReference(const std::string&) override { ++others; }
+  void orlixError(int) override { ++errors; }
+  void orlixUserDidCancel() override { ++others; }
+  void orlixUserRegistered() override { ++succeeded; }
+  void orlixUserCompletedWallet() override { ++others; }
+};
+
+struct Flow {
+  std::string name;
+  Entry entry;
+  std::function<void(Phone&)> prepare;
+};
+
+const std::vector<Flow> kFlows{
+    {"PIN payment", Entry::checkout, [](Phone&) {}},
+    {"activation by SMS", Entry::preRegister,
+     [](Phone& phone) {
+       phone.host.connections().on("/session/new/", [&phone](const RecordedRequest&) {
+         const bool activated = phone.wallet.asked("/sms/activateSession") > 0;
+         return ok(activated ? answers::kSession : answers::kNotActivated);
+       });
+     }},
+    {"new card", Entry::preRegister, [](Phone& phone) { phone.wallet.cards.clear(); }},
+    {"3-D Secure payment", Entry::checkout,
+     [](Phone& phone) {
+       phone.wallet.cards = {cardJson(5, "0301", R"(,"method":"SECURE_CODE")")};
+       phone.wallet.always("/card/scUrl", R"({"cardSupported":true,"secureCodeId":31,)"
+                                          R"("url":"https://issuer.example/","payload":"P"})");
+     }},
+};
+
+/// Goes through a flow, retries what is offered, and gives up where nothing goes on.
+class Customer {
+ public:
+  explicit Customer(const Flow& flow)
+      : flow_(flow), phone_({.adapt = [this](Ports& ports) { adapt(ports); }}) {
+    flow.prepare(phone_);
+  }
+
+  /// False when the entry call has thrown.
+  bool walk(long from, long howMany) {
+    allocations = 0;
+    firstToFail = from;
+    failures = howMany;
+    phone_.app = app = std::make_shared<QuietHost>();
+    try {
+      const Counting on(true);
+      phone_.begin(flow_.entry);
+    } catch (const std::bad_alloc&) {
+      return false;
+    }
+    for (int step = 0; step < 40 && app->all() == 0; ++step) {
+      phone_.host.runUntilIdle();
+      if (app->all() == 0 && !act()) {
+        phone_.host.runFor(61s);  // until whatever was lost is given up
+      }
+    }
+    phone_.host.runUntilIdle();
+    return true;
+  }
+  /// The device's token is in the store or was never there, and it can be read.
+  bool storeIsWhole() {
+    OMStorage storage("test.data");
+    const auto phoneId = phone_.host.device().vendorIdentifier();
+    return storage.loadData().empty() ||
+           DataStore(PinBlock::nibblePackSerial(phoneId)).load(storage) != nullptr;
+  }
+  bool hasLeft() {
+    return phone_.host.root()->presentedViewController() == nullptr && !phone_.busy();
+  }
+  std::string story() {
+    return std::to_string(phone_.busy()) + phone_.screen() + phone_.alert() + "\n" +
+           phone_.host.log().text();
+  }
+
+  std::shared_ptr<QuietHost> app;
+
+ private:
+  void adapt(Ports& ports) {
+    ports.clock = std::make_shared<UncountedClock>(ports.clock);
+    ports.mainQueue = std::make_shared<CountedMain>(ports.mainQueue);
+    ports.backgroundQueues = std::make_shared<CountedBackground>(ports.backgroundQueues);
+    const auto pages = std::make_shared<FakeWebViews>(ports.mainQueue);
+    pages->onLoad = [](FakeWebView& page) {
+      page.finishNavigation("<script>Vello.handle(\"PARES\")</script>");
+    };
+    ports.webViews = pages;
+  }
+
+  /// False when there is nothing to do but wait.
+  bool act() {
+    const auto alert = phone_.host.user().topAlert();
+    const auto top = phone_.host.topController();
+    const bool retries = alert && alert->actions().back().title == "Retry";
+    const std::string& screen = top->identifier();
+    if (!alert && (phone_.busy() || !top->hasAction("cancelAction"))) {
+      return false;
+    }
+    if (!alert) {
+      tries_ = top == former_ ? tries_ + 1 : 1;
+      former_ = top;
+    }
+    runLogged([&] {
+      const Counting on(true);
+      ScreenUser& user = phone_.host.user();
+      if (alert) {
+        alert->press(retries ? alert->actions().size() - 1 : 0);
+      } else if (tries_ > 3 || screen == "SecureCode") {
+        top->performAction("cancelAction");
+      } else if (screen == "Product") {
+        user.outlet("pinField")->isOutOfSight() ? user.tap("proceedButton") : phone_.pay();
+      } else if (screen == "AddCard") {
+        phone_.proceedWithCard();
+      } else {
+        user.replaceAll(screen == "Activation" ? "msisdnField" : "codeField", "0821234567");
+        user.tap("proceedButton");
+      }
+    });
+    return true;
+  }
+
+  const Flow& flow_;
+  Phone phone_;
+  std::shared_ptr<ViewController> former_;
+  int tries_ = 0;
+};
+
+}  // namespace
+
+class Allocation : public testing::TestWithParam<Flow> {};
+
+TEST_P(Allocation, ThatFailsEndsTheFlowAndNothingElse) {
+  const Flow& flow = GetParam();
+  for (const long howMany : {1, 3}) {
+    int thrown = 0, errors = 0, succeeded = 0;
+    long from = 1;
+    for (bool reached = true; reached; ++from) {
+      SCOPED_TRACE(fmt::format("allocation {}, {} in all", from, howMany));
+      Customer customer(flow);
+      const bool began = customer.walk(from, howMany);
+      reached = allocations >= from;
+      const auto first = customer.app;
+      ASSERT_EQ(first->all(), began ? 1 : 0) << customer.story();
+      ASSERT_TRUE(customer.hasLeft() || !began) << customer.story();
+      ASSERT_TRUE(customer.storeIsWhole());
+      customer.walk(0, 0);
+      ASSERT_EQ(customer.app->succeeded, 1) << "the flow after it\n" << customer.story();
+      ASSERT_EQ(first->all(), began ? 1 : 0) << "heard twice";
+      thrown += began ? 0 : 1;
+      errors += first->errors;
+      succeeded += first->succeeded;
+    }
+    fmt::print(
+        "{}, {} in turn failing from each of {} allocations: {} entry calls throw, {} flows end "
+        "in an error, {} succeed, {} are left by the user\n",
+        flow.name, howMany, from, thrown, errors, succeeded,
+        from - 1 - thrown - errors - succeeded);
+  }
+}
+
+INSTANTIATE_TEST_SUITE_P(Flows, Allocation, testing::ValuesIn(kFlows), [](const auto& of) {
+  std::string name = of.param.name;
+  std::erase_if(name, [](char c) { return c == ' ' || c == '-'; });
+  return name;
+});
+
+}  // namespace orlix::test
