@@ -45,12 +45,13 @@ struct BareClient::Handle {
   }
 };
 
-BareClient::BareClient(std::string base, const std::string& anchor)
+BareClient::BareClient(std::string base, const std::string& anchor, Roots roots)
     : handle_(std::make_unique<Handle>()), base_(std::move(base)) {
   std::string pem = pemOf(anchor);
   curl_blob blob{pem.data(), pem.size(), CURL_BLOB_COPY};
   curl_easy_setopt(handle_->curl, CURLOPT_CAINFO_BLOB, &blob);
-  curl_easy_setopt(handle_->curl, CURLOPT_CAPATH, nullptr);
+  curl_easy_setopt(handle_->curl, CURLOPT_CAPATH,
+                   roots == Roots::systemToo ? X509_get_default_cert_dir() : nullptr);
   curl_easy_setopt(handle_->curl, CURLOPT_WRITEFUNCTION, append);
   curl_easy_setopt(handle_->curl, CURLOPT_WRITEDATA, &handle_->answer);
   curl_easy_setopt(handle_->curl, CURLOPT_NOSIGNAL, 1L);

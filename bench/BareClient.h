@@ -9,8 +9,10 @@ namespace orlix::bench {
 /// What a wallet request costs at the least: one curl handle, reused, and nothing around it.
 class BareClient {
  public:
-  /// `anchor`: file of a root certificate in DER form.
-  BareClient(std::string base, const std::string& anchor);
+  enum class Roots { anchorOnly, systemToo };
+
+  /// `anchor`: file of a root certificate in DER form. The system's roots are looked up by name.
+  BareClient(std::string base, const std::string& anchor, Roots roots = Roots::anchorOnly);
   ~BareClient();
   BareClient(const BareClient&) = delete;
   BareClient& operator=(const BareClient&) = delete;

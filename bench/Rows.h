@@ -6,18 +6,21 @@
 
 namespace orlix::bench {
 
-/// A request through OMNetwork against the same POST on a bare, reused curl handle.
+// Over TLS, against the server at `base`, whose root is the file `anchor`.
 Row requestRow(const std::string& base, const std::string& anchor);
-/// A whole PIN checkout against the sum of its bare requests.
 Row checkoutRow(const std::string& base, const std::string& anchor);
-/// The same against those requests made one by one on another thread, as whoever must not block the
-/// main thread has to make them: what the two hand-overs a request cost is in both.
+/// Without its client kept to one processor: what idle processors take to wake up shows.
+Row spreadCheckoutRow(const std::string& base, const std::string& anchor);
+/// Likewise, against requests that take the same turns between two threads and nothing else.
 Row threadedCheckoutRow(const std::string& base, const std::string& anchor);
-/// A PIN block against the bare triple-DES call.
+
+// A new process for each sample.
+Row firstRequestRow(const std::string& base, const std::string& anchor);
+Row memoryRow(const std::string& base, const std::string& anchor);
+
+// Without a server.
 Row pinBlockRow();
-/// Saving and loading the record against the bare cipher and database calls. `file` is made.
 Row storeRow(const std::string& file);
-/// A list of 10,000 cards read into records against the bare JSON parse of the same bytes.
 Row cardListRow();
 
 }  // namespace orlix::bench

@@ -25,39 +25,46 @@ double median(std::vector<double> values) {
 
 }  // namespace
 
-Row compare(const std::string& name, double target, Effort effort,
-            const std::function<void()>& floor, const std::function<void()>& ours) {
+Row compareSamples(const std::string& name, const std::string& unit, double target, Effort effort,
+                   const std::function<double()>& floor, const std::function<double()>& ours) {
   fmt::print(stderr, "measuring {} ...\n", name);
   floor();
   ours();
   std::vector<double> floors;
-  std::vector<double> ourTimes;
+  std::vector<double> oursOfRounds;
   std::vector<double> ratios;
   for (int round = 0; round < effort.rounds; ++round) {
     std::vector<double> floorSamples;
     std::vector<double> ourSamples;
     for (int sample = 0; sample < effort.samples; ++sample) {
-      floorSamples.push_back(microsOf(effort.batch, floor));
-      ourSamples.push_back(microsOf(effort.batch, ours));
+      floorSamples.push_back(floor());
+      ourSamples.push_back(ours());
     }
     floors.push_back(median(std::move(floorSamples)));
-    ourTimes.push_back(median(std::move(ourSamples)));
-    ratios.push_back(ourTimes.back() / floors.back());
+    oursOfRounds.push_back(median(std::move(ourSamples)));
+    ratios.push_back(oursOfRounds.back() / floors.back());
   }
   const auto [least, most] = std::minmax_element(ratios.begin(), ratios.end());
-  return {name, median(floors), median(ourTimes), *most - *least, median(ratios), target};
+  return {name, unit, median(floors), median(oursOfRounds), median(ratios), *least, *most, target};
+}
+
+Row compare(const std::string& name, double target, Effort effort,
+            const std::function<void()>& floor, const std::function<void()>& ours) {
+  return compareSamples(
+      name, "us", target, effort, [&] { return microsOf(effort.batch, floor); },
+      [&] { return microsOf(effort.batch, ours); });
 }
 
 bool print(const std::vector<Row>& rows) {
   bool allMet = true;
-  fmt::print("{:<52} {:>11} {:>11} {:>7} {:>7} {:>8}\n", "", "floor us", "ours us", "ratio", "+-",
-             "at most");
+  fmt::print("{:<56} {:>10} {:>10}    {:>6} {:>13} {:>8}\n", "", "floor", "ours", "ratio",
+             "of the rounds", "at most");
   for (const Row& row : rows) {
-    const bool missed = row.target > 0 && row.ratio > row.target;
-    allMet = allMet && !missed;
-    fmt::print("{:<52} {:>11.1f} {:>11.1f} {:>7.2f} {:>7.2f} {:>8} {}\n", row.name, row.floorMicros,
-               row.oursMicros, row.ratio, row.spread / 2,
-               row.target > 0 ? fmt::format("{:.2f}", row.target) : "", missed ? "MISSED" : "");
+    allMet = allMet && !row.missed();
+    fmt::print("{:<56} {:>10.1f} {:>10.1f} {} {:>6.2f} {:>13} {:>8} {}\n", row.name, row.floor,
+               row.ours, row.unit, row.ratio, fmt::format("{:.2f} to {:.2f}", row.least, row.most),
+               row.target > 0 ? fmt::format("{:.2f}", row.target) : "",
+               row.missed() ? "MISSED" : "");
   }
   return allMet;
 }

@@ -9,11 +9,15 @@ namespace orlix::bench {
 /// One comparison: what the library takes, and what its floor, the bare library calls, takes.
 struct Row {
   std::string name;
-  double floorMicros = 0;
-  double oursMicros = 0;
-  double spread = 0;  ///< of the ratio over the rounds: largest minus smallest
+  std::string unit;
+  double floor = 0;
+  double ours = 0;
   double ratio = 0;   ///< median over the rounds
+  double least = 0;   ///< smallest ratio of a round
+  double most = 0;    ///< largest ratio of a round
   double target = 0;  ///< 0: none
+
+  bool missed() const { return target > 0 && ratio > target; }
 };
 
 /// How a row is measured.
@@ -23,9 +27,13 @@ struct Effort {
   int batch = 1;      ///< calls in a sample; more than one where the clock is too coarse for one
 };
 
-/// Times both in turns, sample by sample, so that whatever else the machine does falls on both
-/// alike; a sample that was interrupted does not show, since a round takes the median. Each round
-/// gives one ratio; the row has their median.
+/// Takes samples of both in turns, so that whatever else the machine does falls on both alike; a
+/// sample that was interrupted does not show, since a round takes the median. Each round gives one
+/// ratio; the row has their median.
+Row compareSamples(const std::string& name, const std::string& unit, double target, Effort effort,
+                   const std::function<double()>& floor, const std::function<double()>& ours);
+
+/// The same, a sample being the microseconds that a call takes.
 Row compare(const std::string& name, double target, Effort effort,
             const std::function<void()>& floor, const std::function<void()>& ours);
 

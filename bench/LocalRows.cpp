@@ -1,119 +1,21 @@
-#include "bench/Rows.h"
-
 #include <array>
-#include <condition_variable>
 #include <filesystem>
-#include <functional>
-#include <mutex>
 #include <stdexcept>
-#include <thread>
 
 #include <boost/json.hpp>
 #include <fmt/format.h>
 #include <openssl/evp.h>
 #include <sqlite3.h>
 
-#include "bench/BareClient.h"
-#include "bench/CheckoutRun.h"
+#include "bench/Rows.h"
 #include "orlixkit/platform/posix/SqliteUserDefaults.h"
-#include "orlixkit/protocol/OMNetwork.h"
 #include "orlixkit/records/MTCardList.h"
-#include "orlixkit/security/Base64.h"
 #include "orlixkit/security/DataStore.h"
 #include "orlixkit/security/PinBlock.h"
 
 namespace orlix::bench {
 
 namespace {
-
-const std::string kState = std::filesystem::temp_directory_path() / "orlix-bench";
-
-const char* const kSessionBody =
-    R"({"deviceSerial":"[p:bench]","appVersion":"iPhone TALU 2.1.0","hasDoubleSession":true,)"
-    R"("ssToken":"","timeZone":"+02:00","platform":{"appVersion":"2.1.0","device":"x86_64",)"
-    R"("node":"TALU","os":"IOS","libKey":"bench-key","osVersion":"1"}})";
-
-std::string textOf(const boost::json::object& object, const char* key) {
-  return std::string(object.at(key).as_string());
-}
-
-/// Opens a session with the bare client and returns its PIN key.
-SecretBytes openSession(BareClient& client) {
-  const auto answer =
-      boost::json::parse(client.post("/session/new/TALU", kSessionBody)).as_object();
-  client.setTokens(textOf(answer, "sessionId"), textOf(answer, "sessionId2"));
-  return Base64::decode(textOf(answer, "pinKey")).value();
-}
-
-using Caller = std::function<void(const std::function<void()>&)>;
-
-/// The requests of a PIN checkout, each made through `call`, and nothing that a library does around
-/// them but the PIN block, without which the server would not take the purchase.
-void payBare(BareClient& client, const Caller& call) {
-  client.setTokens("", "");
-  SecretBytes key;
-  call([&] { key = openSession(client); });
-  boost::json::value lookup;
-  call([&] {
-    lookup = boost::json::parse(
-        client.post("/lookup/query/v2/TALU", R"({"qrValue":"FIXED-25","method":"inapp"})"));
-  });
-  const auto cardId =
-      lookup.at("cardList").at("cards").as_array().front().at("cardId").to_number<std::int64_t>();
-  boost::json::value purchase;
-  call([&] {
-    const auto block = PinBlock::createPINBlock(key, SecretString("1234"), 0);
-    purchase = boost::json::parse(client.post(
-        "/purchase/TALU",
-        fmt::format(R"({{"pinData":{{"pinBlock":"{}"}},"locationInfo":"","amount":"25.00",)"
-                    R"("extraRefValue":"","cardId":{},"billingListId":0,"shippingListId":0,)"
-                    R"("code":"FIXED-25"}})",
-                    block.value(), cardId)));
-  });
-  const auto transaction = purchase.at("transactionId").to_number<std::int64_t>();
-  call([&] {
-    client.post("/receipt/poll/TALU", fmt::format(R"({{"transactionId":{}}})", transaction));
-  });
-}
-
-/// A thread that runs one thing after another while its caller waits, with nothing around it.
-class OtherThread {
- public:
-  OtherThread() = default;
-  OtherThread(const OtherThread&) = delete;
-  OtherThread& operator=(const OtherThread&) = delete;
-  ~OtherThread() {
-    call({});
-    thread_.join();
-  }
-  void call(std::function<void()> work) {
-    std::unique_lock lock(lock_);
-    work_ = std::move(work);
-    handedOver_ = true;
-    changed_.notify_all();
-    changed_.wait(lock, [this] { return !handedOver_; });
-  }
-
- private:
-  void run() {
-    std::unique_lock lock(lock_);
-    for (bool over = false; !over;) {
-      changed_.wait(lock, [this] { return handedOver_; });
-      over = !work_;
-      if (work_) {
-        work_();
-      }
-      handedOver_ = false;
-      changed_.notify_all();
-    }
-  }
-
-  std::mutex lock_;
-  std::condition_variable changed_;
-  std::function<void()> work_;
-  bool handedOver_ = false;
-  std::thread thread_{[this] { run(); }};
-};
 
 /// The cipher alone, as its own manual would have it.
 void encryptBare(const EVP_CIPHER* cipher, const std::array<unsigned char, 24>& key, int direction,
@@ -190,45 +92,6 @@ class FileStorage : public StorageInterface {
 };
 
 }  // namespace
-
-Row requestRow(const std::string& base, const std::string& anchor) {
-  const CheckoutRun library(base, anchor, kState);
-  BareClient bare(base, anchor);
-  const auto session = boost::json::parse(bare.post("/session/new/TALU", kSessionBody)).as_object();
-  bare.setTokens(textOf(session, "sessionId"), textOf(session, "sessionId2"));
-  DataStore store(SecretBytes(16, 0));
-  store.sessionId = textOf(session, "sessionId");
-  store.sessionId2 = textOf(session, "sessionId2");
-  OMNetwork network;
-  const std::optional<SecretBytes> body(ByteView(reinterpret_cast<const std::uint8_t*>("{}"), 2));
-  return compare(
-      "a request through OMNetwork : bare reused handle", 1.15, {.samples = 300},
-      [&] { bare.post("/card/list/TALU", "{}"); },
-      [&] {
-        if (network.post(base + "/card/list/TALU", body, store).responseCode != 200) {
-          throw std::runtime_error("OMNetwork was refused");
-        }
-      });
-}
-
-Row checkoutRow(const std::string& base, const std::string& anchor) {
-  CheckoutRun library(base, anchor, kState);
-  BareClient bare(base, anchor);
-  return compare(
-      "a headless PIN checkout : its bare requests", 1.25, {.samples = 60},
-      [&] { payBare(bare, [](const std::function<void()>& work) { work(); }); },
-      [&] { library.pay(); });
-}
-
-Row threadedCheckoutRow(const std::string& base, const std::string& anchor) {
-  CheckoutRun library(base, anchor, kState);
-  BareClient bare(base, anchor);
-  OtherThread worker;
-  return compare(
-      "the same : its bare requests, made off the main thread", 0, {.samples = 60},
-      [&] { payBare(bare, [&](const std::function<void()>& work) { worker.call(work); }); },
-      [&] { library.pay(); });
-}
 
 Row pinBlockRow() {
   const SecretBytes key(16, 0x3A);
