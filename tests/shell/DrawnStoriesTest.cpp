@@ -59,5 +59,22 @@ TEST(DrawnNewDeviceStories, TellTheSameLinesAsWithoutAWindow) {
   }
 }
 
+class DrawnSecureStory : public testing::TestWithParam<std::filesystem::path> {};
+
+TEST_P(DrawnSecureStory, EndsAsItSaysAndIsPaidOnceAtMost) {
+  const test::TemporaryFolder folder;
+  Server server(true);
+  const Told told = tell(GetParam(), server, folder.path(), drawn);
+  EXPECT_EQ(told.wrong, "");
+  // To the server an authentication is a purchase as well.
+  const auto has = [&](const char* text) { return told.lines.find(text) != std::string::npos; };
+  const auto state = boost::json::parse(server.sandbox().control("GET", "/control/state"));
+  EXPECT_EQ(state.at("purchasesPaid").to_number<int>(),
+            has("orlixPaymentSucceeded") + has("3DAuthSecureCode"));
+}
+
+INSTANTIATE_TEST_SUITE_P(OverTls, DrawnSecureStory, testing::ValuesIn(stories("secure")),
+                         nameOfStory);
+
 }  // namespace
 }  // namespace orlix::shop

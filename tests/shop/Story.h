@@ -91,7 +91,7 @@ inline ShopOptions optionsOf(const std::filesystem::path& story, Server& server,
           .location = {{-33.92, 18.42}},
           .terms = server.sandbox().terms(),
           .script = story,
-          .snapshots = {}};
+          .snapshots = state / "pictures"};
 }
 
 /// An application that runs the script and writes its lines and how far it is.
