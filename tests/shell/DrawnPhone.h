@@ -18,6 +18,7 @@
 #include "shell/FindItem.h"
 #include "shell/ScreenPresenter.h"
 #include "tests/phone/Phone.h"
+#include "tests/shell/Focus.h"
 
 namespace orlix::shell {
 
@@ -73,13 +74,7 @@ class DrawnPhone {
       key(digit, std::string(1, digit).c_str());
     }
   }
-  std::string focus() const {
-    const QQuickItem* item = window.activeFocusItem();
-    while (item != nullptr && item->objectName().isEmpty()) {
-      item = item->parentItem();
-    }
-    return item != nullptr ? item->objectName().toStdString() : "";
-  }
+  std::string focus() const { return focusIn(window); }
 
   test::Phone phone;
 

@@ -1,16 +1,11 @@
 // The shop's own window: a buyer without a mouse, and what the shop tells at the end.
 
-#include <fstream>
-#include <sstream>
-
-#include <gtest/gtest.h>
-
 #include "examples/shop/window/DrawnShop.h"
 #include "examples/shop/window/Finger.h"
 #include "examples/shop/window/Warnings.h"
 #include "orlixkit/platform/MainQueue.h"
 #include "shell/FindItem.h"
-#include "tests/TemporaryFolder.h"
+#include "tests/shell/Focus.h"
 #include "tests/shop/Story.h"
 
 namespace orlix::shop {
@@ -31,18 +26,11 @@ class Buyer {
     });
   }
   /// The keyboard goes on until it stands on the item of this name.
-  void tabTo(const QString& name) {
-    const auto focus = [&] {
-      const QQuickItem* item = shop.window().activeFocusItem();
-      while (item != nullptr && item->objectName().isEmpty()) {
-        item = item->parentItem();
-      }
-      return item != nullptr ? item->objectName() : QString();
-    };
-    for (int step = 0; step < 30 && focus() != name; ++step) {
+  void tabTo(const std::string& name) {
+    for (int step = 0; step < 30 && shell::focusIn(shop.window()) != name; ++step) {
       finger.press(Qt::Key_Tab, "\t");
     }
-    ASSERT_EQ(focus().toStdString(), name.toStdString());
+    ASSERT_EQ(shell::focusIn(shop.window()), name);
   }
   /// What the item of this name shows; nothing when it is not drawn.
   std::string text(const char* name) {
@@ -53,13 +41,10 @@ class Buyer {
 
   test::TemporaryFolder folder;
   Server server{true};
-  std::string messages = [this] {
-    std::ofstream(folder.path() / "messages") << "Your code is 12345\nYour code is 67890\n";
-    return (folder.path() / "messages").string();
-  }();
   ShopOptions options = [this] {
     ShopOptions made = optionsOf("", server, folder.path() / "state");
-    made.messages = messages;
+    made.messages = (folder.path() / "messages").string();
+    std::ofstream(*made.messages) << "Your code is 12345\nYour code is 67890\n";
     return made;
   }();
   std::ostringstream lines;

@@ -30,12 +30,6 @@ class ShopInMemory {
     }
   }
 
-  /// Puts a screen onto the shop's own.
-  void show(const std::shared_ptr<ViewController>& screen, const std::string& identifier) {
-    screen->setIdentifier(identifier);
-    Host::current().application().keyWindow->rootViewController->present(screen, false);
-  }
-
   MemoryHost& phone() { return phone_; }
   std::string lines() const { return out_.str(); }
   std::string progress() const { return progress_.str(); }
@@ -115,12 +109,13 @@ class ToyScreen : public ViewController, public TextFieldDelegate, public TableV
 
 class ScriptRun : public testing::Test {
  protected:
-  ScriptRun() { shop.show(toy, "Toy"); }
-  Duration elapsed() { return shop.phone().clock().steadyNow() - begun; }
+  ScriptRun() {
+    toy->setIdentifier("Toy");
+    Host::current().application().keyWindow->rootViewController->present(toy, false);
+  }
 
   ShopInMemory shop;
   std::shared_ptr<ToyScreen> toy = std::make_shared<ToyScreen>();
-  SteadyTime begun = shop.phone().clock().steadyNow();
 };
 
 TEST_F(ScriptRun, ATouchDoesWhatAFingerWouldDo) {
@@ -174,9 +169,10 @@ TEST_F(ScriptRun, ASecureFieldIsComparedButNeverPrinted) {
 }
 
 TEST_F(ScriptRun, AWaitInVainEndsAfterNinetySecondsAndSaysWhatIsShown) {
+  const SteadyTime begun = shop.phone().clock().steadyNow();
   EXPECT_EQ(shop.run("wait screen Elsewhere"),
             "line 1: waited 90 s for the screen Elsewhere in vain; the screen Toy is shown");
-  EXPECT_EQ(elapsed(), seconds(90));
+  EXPECT_EQ(shop.phone().clock().steadyNow() - begun, seconds(90));
   EXPECT_THAT(shop.progress(), HasSubstr("waiting for the screen Elsewhere, 85 s of 90 s"));
 }
 
