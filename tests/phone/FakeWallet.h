@@ -65,10 +65,9 @@ class FakeWallet {
   std::string lastBody(const std::string& part) const;
   /// The value of that key in it, a string without its quotes; "(none)" when there is none.
   std::string sent(const std::string& part, const std::string& key) const;
-
- private:
   ServerReply answer(const RecordedRequest& request);
 
+ private:
   ScriptedConnections& network_;
   std::map<std::string, std::deque<ServerReply>> next_;
   std::map<std::string, ServerReply> always_;

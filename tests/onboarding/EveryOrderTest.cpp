@@ -1,0 +1,48 @@
+#include "tests/phone/EveryOrder.h"
+
+namespace orlix::test {
+
+namespace {
+
+/// From the moment on at which the number has been sent.
+class ActivationFlow : public OrderedFlow {
+ public:
+  explicit ActivationFlow(const MemoryHostSettings& settings) : OrderedFlow(settings, 0) {
+    for (const char* screen : {"Activation", "ActivationCode"}) {
+      touch(screen, "proceedAction");
+      touch(screen, "cancelAction", [this] { cancelled(); });
+    }
+    answer("refused", answers::kFailed);
+    phone_->beginActivation(Entry::checkout, "0821234567");
+    begin();
+    phone_->tap("proceedButton");
+  }
+};
+
+/// From the moment on at which the form has been filled in, in a registration.
+class AddCardFlow : public OrderedFlow {
+ public:
+  explicit AddCardFlow(const MemoryHostSettings& settings) : OrderedFlow(settings, 0) {
+    touch("AddCard", "proceedAction");
+    touch("AddCard", "cancelAction", [this] { cancelled(); });
+    touch("MsisdnRelink", "proceedAction");
+    touch("MsisdnRelink", "back");
+    answer("the number is to be confirmed", answers::kRelink);
+    phone_->beginAddCard(Entry::preRegister);
+    begin();
+    phone_->proceedWithCard();
+    phone_->host.runUntilIdle();
+  }
+};
+
+}  // namespace
+
+TEST(EveryOrder, OfAnActivationPaysNothingAndCallsEachHostOnceAtMost) {
+  walkEveryOrder("activation", 5, flow<ActivationFlow>());
+}
+
+TEST(EveryOrder, OfAddingACardPaysNothingAndCallsEachHostOnceAtMost) {
+  walkEveryOrder("adding a card", 5, flow<AddCardFlow>());
+}
+
+}  // namespace orlix::test

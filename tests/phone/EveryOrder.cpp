@@ -1,0 +1,260 @@
+#include "tests/phone/EveryOrder.h"
+
+#include <iostream>
+#include <random>
+
+#include "orlixkit/platform/memory/Interleavings.h"
+#include "orlixkit/protocol/OMVello.h"
+
+namespace orlix::test {
+
+OrderedFlow::OrderedFlow(MemoryHostSettings settings, int strayTouches)
+    : phone_(std::make_unique<Phone>(std::move(settings))), strayTouches_(strayTouches) {
+  answers_.emplace(*phone_);
+  addCommonEvents();
+}
+
+void OrderedFlow::addCommonEvents() {
+  const auto someHeld = [this] { return answers_->count() > 0; };
+  event("answer", someHeld, [this] { answers_->letGo(); });
+  event(
+      "later answer first", [this] { return answers_->count() > 1; },
+      [this] { answers_->letGo(true); });
+  event("no network", someHeld, [this] {
+    failure_ = answers_->path();
+    answers_->letGo(false, unreachable());
+  });
+  for (const std::string button : {"Cancel", "Retry", "Ok"}) {
+    const auto shown = [this, button] {
+      const auto alert = phone_->host.user().topAlert();
+      return alert &&
+             (alert->actions().front().title == button || alert->actions().back().title == button);
+    };
+    event(button, shown, [this, button] { pressAlert(button); });
+  }
+  event(
+      "second entry call", [this] { return hosts_.size() == 1; },
+      [this] {
+        former_ = screens_;
+        phone_->beginAnew(Entry::checkout);
+        hosts_.push_back(phone_->app);
+        cancelled_ = false;
+        replaced();
+      });
+}
+
+void OrderedFlow::pressAlert(const std::string& button) {
+  const auto alert = phone_->host.user().topAlert();
+  if (goesOn() && button != "Ok") {
+    button == "Retry" ? retried(alerts_[alert]) : givenUp(alerts_[alert]);
+  }
+  phone_->host.pressAlert(button);
+}
+
+void OrderedFlow::begin() {
+  hosts_.push_back(phone_->app);
+  look();
+  answers_->begin();
+}
+
+void OrderedFlow::answer(const std::string& name, const std::string& body) {
+  event(
+      name, [this] { return answers_->count() > 0; },
+      [this, body] { answers_->letGo(false, ok(body)); });
+}
+
+bool OrderedFlow::isOnTop(const std::string& screen) {
+  return screens_[screen].lock() == phone_->host.topController();
+}
+
+void OrderedFlow::touch(const std::string& screen, const std::string& action, Task before) {
+  const auto possible = [this, screen] {
+    return !screens_[screen].expired() && (isOnTop(screen) || strayTouches_ > 0);
+  };
+  event(screen + "." + action, possible, [this, screen, action, before] {
+    const auto touched = screens_[screen].lock();
+    strayTouches_ -= isOnTop(screen) ? 0 : 1;
+    for (const auto& [field, text] :
+         std::map<std::string, std::string>{{"pinField", "1234"},
+                                            {"msisdnField", "0821234567"},
+                                            {"codeField", "1234"},
+                                            {"cardNumberField", "4000123412341234"},
+                                            {"cardHolderField", "A N Other"}}) {
+      if (const auto found = std::dynamic_pointer_cast<TextField>(touched->outletNamed(field))) {
+        found->setText(text);
+      }
+    }
+    if (before && goesOn() && former_[screen].lock() != touched) {
+      before();
+    }
+    touched->performAction(action);
+  });
+}
+
+void OrderedFlow::happen(const Event& event) {
+  event.happen();
+  phone_->host.runUntilIdle();
+  look();
+  check();
+}
+
+void OrderedFlow::happenAtOnce(const std::vector<std::string>& names) {
+  for (const std::string& name : names) {
+    phone_->host.later({}, [this, name] {
+      for (const Event& event : events_) {
+        if (event.name == name && event.possible()) {
+          event.happen();
+          look();
+        }
+      }
+    });
+  }
+  phone_->host.runUntilIdle();
+  look();
+}
+
+/// Remembers what is there: the screens to touch, the alerts and what they tell of, and all that
+/// must be gone in the end.
+void OrderedFlow::look() {
+  for (auto next = phone_->host.root(); next; next = next->presentedViewController()) {
+    const auto screen = next->visibleChild() ? next->visibleChild() : next;
+    screens_[screen->identifier()] = screen;
+    mortals_.emplace_back(screen);
+  }
+  if (const auto alert = phone_->host.user().topAlert()) {
+    alerts_.emplace(alert, failure_);
+  }
+  mortals_.emplace_back(OXSession::currentSession());
+  mortals_.emplace_back(OMVello::sharedOMVello().connection());
+  mortals_.emplace_back(phone_->facade);
+}
+
+void OrderedFlow::check() const {
+  for (const auto& host : hosts_) {
+    EXPECT_LE(host->heard.size(), 1U);
+  }
+  EXPECT_EQ(phone_->wallet.asked("/purchase") + phone_->wallet.asked("/auth3Ds"), wanted_);
+}
+
+void OrderedFlow::leave() {
+  answers_->letAllGo();
+  phone_->host.runFor(100s);
+  for (auto top = phone_->host.topController(); top != phone_->host.root();
+       top = phone_->host.topController()) {
+    if (const auto alert = std::dynamic_pointer_cast<AlertController>(top)) {
+      alert->press(0);
+    } else if (top->identifier() == "Waiting") {
+      break;  // given up before a screen came up, which tells nobody
+    } else {
+      top->performAction(top->hasAction("cancelAction") ? "cancelAction"
+                         : top->hasAction("back")       ? "back"
+                                                        : "DoneClicked");
+    }
+    phone_->host.runFor(100s);
+  }
+  check();
+  EXPECT_EQ(hosts_.back()->heard.size(), phone_->screen() == "Waiting" ? 0U : 1U);
+  EXPECT_FALSE(phone_->busy());
+}
+
+void OrderedFlow::end() {
+  std::vector<Heard> heard;
+  for (const auto& host : hosts_) {
+    heard.push_back(host->heard);
+  }
+  phone_->host.shutdown();
+  EXPECT_EQ(phone_->host.connections().underWay(), 0U);
+  EXPECT_EQ(phone_->host.world().threadCount(), 0U);
+  phone_.reset();
+  for (std::size_t i = 0; i < hosts_.size(); ++i) {
+    EXPECT_EQ(hosts_[i]->heard, heard[i]);
+    EXPECT_EQ(hosts_[i].use_count(), 1);
+  }
+  for (const auto& mortal : mortals_) {
+    EXPECT_TRUE(mortal.expired());
+  }
+}
+
+namespace {
+
+#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
+constexpr std::size_t kLeftOut = 1;  // a sanitizer's build is ten times slower
+#else
+constexpr std::size_t kLeftOut = 0;
+#endif
+
+/// The walk through one flow; an order is the row of the events' places in the flow's list.
+struct Walk {
+  const BeginFlow& begin;
+  std::size_t depth;
+  std::size_t orders = 0;
+  std::vector<std::size_t> order = {};
+
+  void visit() {
+    std::vector<std::size_t> next;
+    {
+      const auto flow = begin({});
+      std::string told;
+      for (const std::size_t event : order) {
+        told += flow->events()[event].name + ", ";
+      }
+      SCOPED_TRACE(told);
+      for (const std::size_t event : order) {
+        flow->happen(flow->events()[event]);
+      }
+      if (order.size() == depth) {
+        flow->leave();
+      } else {
+        for (std::size_t event = 0; event < flow->events().size(); ++event) {
+          if (flow->events()[event].possible()) {
+            next.push_back(event);
+          }
+        }
+      }
+      flow->end();
+      ++orders;
+    }
+    for (const std::size_t event : next) {
+      if (!testing::Test::HasFailure()) {
+        order.push_back(event);
+        visit();
+        order.pop_back();
+      }
+    }
+  }
+};
+
+}  // namespace
+
+void walkEveryOrder(const std::string& name, std::size_t depth, const BeginFlow& begin) {
+  Walk walk{begin, depth - kLeftOut};
+  walk.visit();
+  std::cout << walk.orders << " orders of " << name << "\n";
+  testing::Test::RecordProperty("orders", std::to_string(walk.orders));
+}
+
+void meetAtOnce(const std::vector<std::string>& events, const BeginFlow& begin) {
+  const auto scenario = [&](const Chooser& chooser, bool preemptive) {
+    const auto open = std::make_shared<bool>(false);
+    const auto flow =
+        begin({.chooser = [=](std::size_t count) { return *open ? chooser(count) : 0; },
+               .preemptive = preemptive});
+    *open = true;
+    flow->happenAtOnce(events);
+    flow->leave();
+    flow->end();
+  };
+  Interleavings search({.depth = 4});
+  search.run([&](const Chooser& chooser) {
+    SCOPED_TRACE(search.choices());
+    scenario(chooser, false);
+  });
+  EXPECT_TRUE(search.complete());
+  for (unsigned seed = 0; seed < 50; ++seed) {
+    SCOPED_TRACE(seed);
+    std::mt19937 lot(seed);
+    scenario([&lot](std::size_t count) { return lot() % count; }, true);
+  }
+}
+
+}  // namespace orlix::test
