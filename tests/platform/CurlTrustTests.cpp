@@ -2,6 +2,7 @@
 
 #include <cstdlib>
 #include <fstream>
+#include <latch>
 
 #include <openssl/conf.h>
 
@@ -107,6 +108,33 @@ TEST_F(ServerTrustTest, WithoutAnAnswerOrAQuestionOrTheHostsNameNothingUnknownIs
     one->await();
     EXPECT_EQ(one->events, (Events{"fail"}));
   }
+}
+
+TEST_F(ServerTrustTest, AQuestionStillOpenWhenTheExchangeIsCancelledOrClosedIsNotHeardAnyMore) {
+  struct Undecided : RecordingDelegate {
+    using RecordingDelegate::RecordingDelegate;
+    void didReceiveAuthenticationChallenge(AuthenticationChallenge& challenge) override {
+      mainQueue.async([this] { asked = true; });
+      over.wait();
+      challenge.useCredentialForTrust();
+    }
+    bool asked = false;  // main thread
+    std::latch over{1};
+  };
+  std::atomic<int> requests = 0;
+  TlsServer server(serverIdentity(), [&requests](TlsConnection& connection) {
+    requests += connection.read() ? 1 : 0;
+  });
+  for (const bool closes : {false, true}) {
+    const auto one = std::make_shared<Undecided>(platform.mainQueue());
+    const auto connection = start(post(server.address("/")), one);
+    one->mainQueue.runUntil([&one] { return one->asked; });
+    closes ? connections.close() : connection->cancel();
+    one->over.count_down();
+    EXPECT_EQ(exchange(post(server.address("/"))), (Events{"fail"})) << "hung up on, or closed";
+    EXPECT_EQ(one->events, Events{});
+  }
+  EXPECT_EQ(requests, 1) << "of the exchange between the two";
 }
 
 TEST_F(ServerTrustTest, NothingBelowTls12IsSpokenEvenWhereTheSystemAllowsIt) {

@@ -2,6 +2,8 @@
 #include <csignal>
 #include <fcntl.h>
 #include <fstream>
+#include <latch>
+#include <thread>
 #include <unistd.h>
 
 #include <gtest/gtest.h>
@@ -168,6 +170,27 @@ TEST_F(SqliteUserDefaultsTest, TheSwitchToTheWriteAheadLogIsTriedAgainWhileAnoth
   holder.reset();
   EXPECT_EQ(attempts, 3);
   EXPECT_EQ(SqliteUserDefaults(file).integerForKey("key"), 1);
+}
+
+TEST_F(SqliteUserDefaultsTest, SeveralOpenersOfANewFileAtOnceAllGetTheSameStore) {
+  for (int round = 0; round < 5; ++round) {
+    const std::filesystem::path fresh = folder.path() / std::to_string(round) / "defaults.db";
+    std::latch together(6);
+    std::vector<std::jthread> openers;
+    for (int opener = 0; opener < 6; ++opener) {
+      openers.emplace_back([&, opener] {
+        together.arrive_and_wait();
+        EXPECT_EQ(failureOf([&] {
+                    SqliteUserDefaults(fresh).setInteger(std::to_string(opener), opener + 1);
+                  }),
+                  "no failure");
+      });
+    }
+    openers.clear();
+    for (int opener = 0; opener < 6; ++opener) {
+      EXPECT_EQ(SqliteUserDefaults(fresh).integerForKey(std::to_string(opener)), opener + 1);
+    }
+  }
 }
 
 }  // namespace

@@ -3,6 +3,7 @@
 #include <cstdint>
 #include <limits>
 #include <string>
+#include <thread>
 #include <vector>
 
 #include <gtest/gtest.h>
@@ -54,7 +55,25 @@ TYPED_TEST_P(UserDefaultsContract, WhatIsMissingOrOfAnotherTypeIsAbsentAndIsRepl
   EXPECT_EQ(this->store.integerForKey("key"), 0);
 }
 
+TYPED_TEST_P(UserDefaultsContract, ManyThreadsWriteAndReadAtOnceAndEachFindsItsOwn) {
+  const auto work = [this](int worker) {
+    const std::string own = "own " + std::to_string(worker);
+    for (int i = 0; i < 50; ++i) {
+      this->store.setInteger(own, i);
+      this->store.setData("shared", Bytes(1000, static_cast<std::uint8_t>(worker)));
+      EXPECT_EQ(this->store.integerForKey(own), i);
+      const Bytes shared = this->store.dataForKey("shared").value();
+      EXPECT_EQ(shared, Bytes(1000, shared.at(0))) << "whole, whoever wrote it";
+    }
+  };
+  std::vector<std::jthread> workers;
+  for (int worker = 0; worker < 8; ++worker) {
+    workers.emplace_back(work, worker);
+  }
+}
+
 REGISTER_TYPED_TEST_SUITE_P(UserDefaultsContract, GivesBackEveryValueAsItWasUnderItsKeyToTheLetter,
-                            WhatIsMissingOrOfAnotherTypeIsAbsentAndIsReplaced);
+                            WhatIsMissingOrOfAnotherTypeIsAbsentAndIsReplaced,
+                            ManyThreadsWriteAndReadAtOnceAndEachFindsItsOwn);
 
 }  // namespace orlix

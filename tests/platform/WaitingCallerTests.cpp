@@ -35,14 +35,19 @@ class Call : public RecordingDelegate {
 
 class WaitingCallerTest : public HttpsFixture {
  protected:
+  const Events whole{"response 200", "data", "finish"};
+
   /// Makes a call and waits for its end. The queue: a new one when null.
-  void call(const TlsServer& server, const std::shared_ptr<OperationQueue>& queue) {
+  Events call(const TlsServer& server, const std::shared_ptr<OperationQueue>& queue = {},
+              Duration patience = longWait, const Task& onResponse = {}) {
     const auto one = std::make_shared<Call>(platform.mainQueue(), platform.clock());
+    one->onResponse = onResponse;
     const auto connection = connections.newConnection(post(server.address("/")), one);
     connection->setDelegateQueue(queue ? queue : platform.backgroundQueues().newOperationQueue());
     connection->start();
-    one->waitUntil(platform.clock().steadyNow() + longWait);
-    EXPECT_EQ(one->events, (Events{"response 200", "data", "finish"}));
+    one->waitUntil(platform.clock().steadyNow() + patience);
+    connection->cancel();
+    return one->events;
   }
   /// Runs the tasks in the background, all at once, and returns when all have ended.
   void inBackground(const std::vector<Task>& tasks) {
@@ -64,13 +69,37 @@ TEST_F(WaitingCallerTest, CallersDoNotStandInEachOthersWayThoughTheyShareAQueue)
       // Servers of their own for each round, so that each call asks for trust.
       TlsServer first(serverIdentity(), answerAll);
       TlsServer second(serverIdentity(), answerAll);
-      const auto caller = [&](const TlsServer& server) { return [&] { call(server, queue); }; };
+      const auto caller = [&](const TlsServer& server) {
+        return [&] { EXPECT_EQ(call(server, queue), whole); };
+      };
       EXPECT_LT(timed([&] {
                   inBackground({caller(first), caller(second), caller(first), caller(second)});
                 }),
                 longWait / 2);
     }
   }
+}
+
+TEST_F(WaitingCallerTest, TheDeadlineEndsAWaitThatNobodySignals) {
+  TlsServer mute(serverIdentity(), [](TlsConnection& connection) {
+    connection.read();
+    connection.awaitClose();
+  });
+  const Duration patience = std::chrono::milliseconds(50);
+  const auto took =
+      timed([&] { inBackground({[&] { EXPECT_EQ(call(mute, nullptr, patience), Events{}); }}); });
+  EXPECT_GE(took, patience);
+  EXPECT_LT(took, longWait / 2);
+}
+
+TEST_F(WaitingCallerTest, ACallbackMayMakeACallOfItsOwnAndWaitForIt) {
+  TlsServer server(serverIdentity(), answerAll);
+  Events inner;
+  const auto outer = [&] {
+    EXPECT_EQ(call(server, nullptr, longWait, [&] { inner = call(server); }), whole);
+  };
+  EXPECT_LT(timed([&] { inBackground({outer}); }), longWait / 2);
+  EXPECT_EQ(inner, whole);
 }
 
 }  // namespace

@@ -64,5 +64,26 @@ TEST_F(Paying, BodyThatIsNotTheProtocolsIsRefusedWithTheReason) {
   }
 }
 
+TEST_F(Paying, IssuersWordCountsOnceAndForItsOwnPaymentOnly) {
+  json::object payment = wallet_->purchase("FIXED-25", "0301", "25.00", "");
+  const Reply page =
+      wallet_->post("card/scUrl/TALU",
+                    {{"cardId", payment.at("cardId")}, {"code", "FIXED-25"}, {"amount", "25.00"}});
+  const Reply back = replyOf(wallet_->http.Post(
+      "/issuer/otp", httplib::Params{{"PaReq", textOf(page.body, "payload")},
+                                     {"TermUrl", "https://127.0.0.1/vello/secure_code.jsp"},
+                                     {"otp", "123456"}}));
+  const std::string before = "name='PaRes' value='";
+  const size_t at = back.text.find(before) + before.size();
+  const std::string paRes = back.text.substr(at, back.text.find('\'', at) - at);
+  const auto payWith = [&](const std::string& word) {
+    payment["secureCodeData"] = {{"PaRes", word}, {"secureCodeId", page.body.at("secureCodeId")}};
+    return textOf(wallet_->post("purchase/TALU", payment).body, "errorMessage");
+  };
+  EXPECT_EQ(payWith(paRes + "x"), "the PaRes is not the issuer's");
+  EXPECT_EQ(payWith(paRes), "");
+  EXPECT_EQ(payWith(paRes), "the authentication was for something else") << "used before";
+}
+
 }  // namespace
 }  // namespace orlix::sandbox::test
