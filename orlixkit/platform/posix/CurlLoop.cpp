@@ -33,24 +33,23 @@ CurlLoop::CurlLoop() : multi_(makeMulti()) {}
 CurlLoop::~CurlLoop() { close(); }
 
 void CurlLoop::admit(const std::shared_ptr<CurlExchange>& exchange) {
-  {
-    const std::lock_guard lock(lock_);
-    if (!closed_) {
-      admitted_.push_back(exchange);
-      starters_.insert(exchange->starter());
-      if (!thread_.joinable()) {
-        thread_ = std::thread([this] { run(); });
-        pthread_setname_np(thread_.native_handle(), "orlix-https");
-      }
-      if (driven_) {
-        curl_multi_wakeup(multi_.get());
-      } else if (!watching_) {
-        changed_.notify_all();
-      }
-      return;
-    }
+  Lock lock(lock_);
+  if (closed_) {
+    lock.unlock();
+    exchange->fail("the network has been shut down");
+    return;
   }
-  exchange->fail("the network has been shut down");
+  admitted_.push_back(exchange);
+  starters_.insert(exchange->starter());
+  if (!thread_.joinable()) {
+    thread_ = std::thread([this] { run(); });
+  }
+  if (driven_) {
+    curl_multi_wakeup(multi_.get());
+  } else if (!watching_) {
+    lock.unlock();  // or the I/O thread would wake only to wait for it
+    changed_.notify_all();
+  }
 }
 
 void CurlLoop::close() {
@@ -106,6 +105,7 @@ void CurlLoop::watch(Lock& lock) {
 }
 
 void CurlLoop::run() {
+  pthread_setname_np(pthread_self(), "orlix-https");
   Lock lock(lock_);
   while (!closed_) {
     if (driven_ || starters_.empty()) {

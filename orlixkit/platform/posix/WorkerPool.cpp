@@ -1,6 +1,10 @@
 #include "orlixkit/platform/posix/WorkerPool.h"
 
+#include <algorithm>
+#include <condition_variable>
 #include <pthread.h>
+#include <thread>
+#include <utility>
 
 #include "orlixkit/platform/BackgroundQueues.h"
 
@@ -13,48 +17,56 @@ constexpr std::size_t keptIdle = 4;
 
 }  // namespace
 
+struct WorkerPool::Worker {
+  std::thread thread;
+  std::condition_variable called;
+  Task task;  // the next one; guarded by the pool's lock
+};
+
 void WorkerPool::run(Task task) {
-  Threads ended;
+  WorkerPointer called;
+  std::list<WorkerPointer> ended;
   {
     const std::lock_guard lock(lock_);
     if (closed_) {
       return;
     }
-    if (idle_ <= pending_.size()) {
-      startThread();
+    if (idle_.empty()) {
+      start(std::move(task));
+    } else {
+      called = std::move(idle_.back());
+      idle_.pop_back();
+      called->task = std::move(task);
     }
-    pending_.push_back(std::move(task));
     ended.swap(ended_);
   }
-  changed_.notify_one();
-  for (std::thread& thread : ended) {
-    thread.join();
+  if (called) {
+    called->called.notify_one();
+  }
+  for (const WorkerPointer& worker : ended) {
+    worker->thread.join();
   }
 }
 
-void WorkerPool::startThread() {
-  const Threads::iterator self = threads_.emplace(threads_.end());
+void WorkerPool::start(Task task) {
+  const auto worker = std::make_shared<Worker>();
+  worker->task = std::move(task);
+  idle_.reserve(keptIdle);  // so that a worker's rest needs no memory
+  workers_.push_back(worker);
   try {
-    // The new thread waits for the lock before it looks at its own entry.
-    *self = std::thread([this, self] { work(self); });
+    // The new thread waits for the lock before it looks at anything.
+    worker->thread = std::thread([this, worker] { work(worker); });
   } catch (...) {
-    threads_.erase(self);
+    workers_.pop_back();
     throw;
   }
-  pthread_setname_np(self->native_handle(), "orlix-worker");
 }
 
-void WorkerPool::work(Threads::iterator self) {
+void WorkerPool::work(const WorkerPointer& self) {
+  pthread_setname_np(pthread_self(), "orlix-worker");
   std::unique_lock lock(lock_);
-  while (idle_ < keptIdle || !pending_.empty()) {
-    ++idle_;
-    changed_.wait(lock, [this] { return closed_ || !pending_.empty(); });
-    --idle_;
-    if (closed_) {
-      return;
-    }
-    Task task = std::move(pending_.front());
-    pending_.pop_front();
+  while (!closed_) {
+    Task task = std::exchange(self->task, {});
     lock.unlock();
     runLoggedInBackground(task);
     task = {};  // what it holds is released without the lock
@@ -62,25 +74,31 @@ void WorkerPool::work(Threads::iterator self) {
     if (closed_) {
       return;
     }
+    if (idle_.size() == keptIdle) {
+      ended_.splice(ended_.end(), workers_, std::find(workers_.begin(), workers_.end(), self));
+      return;
+    }
+    idle_.push_back(self);
+    self->called.wait(lock, [&] { return closed_ || self->task; });
   }
-  ended_.splice(ended_.end(), threads_, self);
 }
 
 void WorkerPool::close() {
   // Before anything is dropped, so that what is dropped can tell why.
   shutdown_.request_stop();
-  std::deque<Task> dropped;
-  Threads threads;
+  std::list<WorkerPointer> workers;  // with tasks not begun, which are dropped without the lock
   {
     const std::lock_guard lock(lock_);
     closed_ = true;
-    dropped.swap(pending_);
-    threads.splice(threads.end(), threads_);
-    threads.splice(threads.end(), ended_);
+    idle_.clear();
+    workers.swap(workers_);
+    workers.splice(workers.end(), ended_);
   }
-  changed_.notify_all();
-  for (std::thread& thread : threads) {
-    thread.join();
+  for (const WorkerPointer& worker : workers) {
+    worker->called.notify_one();
+  }
+  for (const WorkerPointer& worker : workers) {
+    worker->thread.join();
   }
 }
 

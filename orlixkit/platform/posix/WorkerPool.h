@@ -1,19 +1,18 @@
 #pragma once
 
-#include <condition_variable>
-#include <cstddef>
-#include <deque>
 #include <list>
+#include <memory>
 #include <mutex>
 #include <stop_token>
-#include <thread>
+#include <vector>
 
 #include "orlixkit/platform/Bytes.h"
 
 namespace orlix {
 
 /// Threads that each run one task after another. A task never waits for another one's end: when no
-/// thread is free a new one is made. Any thread; `close` from none of its own.
+/// thread is free a new one is made, and of several free ones the last that worked is taken, whose
+/// memory is still at hand. Any thread; `close` from none of its own.
 class WorkerPool {
  public:
   explicit WorkerPool(std::stop_source shutdown) : shutdown_(std::move(shutdown)) {}
@@ -26,19 +25,19 @@ class WorkerPool {
   void close();
 
  private:
-  using Threads = std::list<std::thread>;
+  struct Worker;
+  // Shared with whoever calls the worker, who wakes it when the lock is free again.
+  using WorkerPointer = std::shared_ptr<Worker>;
 
-  void work(Threads::iterator self);
-  void startThread();
+  void start(Task task);
+  void work(const WorkerPointer& self);
 
   std::stop_source shutdown_;
-  std::mutex lock_;
-  std::condition_variable changed_;
-  std::deque<Task> pending_;  // this and the rest guarded by lock_
-  std::size_t idle_ = 0;
+  std::mutex lock_;  // guards all below
   bool closed_ = false;
-  Threads threads_;
-  Threads ended_;  // to be joined
+  std::list<WorkerPointer> workers_;
+  std::list<WorkerPointer> ended_;   // to be joined
+  std::vector<WorkerPointer> idle_;  // the one that worked last is the last
 };
 
 }  // namespace orlix
