@@ -6,13 +6,15 @@
 
 namespace orlix::shell {
 
-/// Name of what the keyboard stands on in the window.
-inline std::string focusIn(const QQuickWindow& window) {
-  const QQuickItem* item = window.activeFocusItem();
+/// Name of the outlet or control that the item is, or is a part of.
+inline std::string nameOf(const QQuickItem* item) {
   while (item != nullptr && item->objectName().isEmpty()) {
     item = item->parentItem();
   }
   return item != nullptr ? item->objectName().toStdString() : "";
 }
+
+/// Name of what the keyboard stands on in the window.
+inline std::string focusIn(const QQuickWindow& window) { return nameOf(window.activeFocusItem()); }
 
 }  // namespace orlix::shell

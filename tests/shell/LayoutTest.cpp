@@ -27,14 +27,6 @@ std::vector<QQuickItem*> seen(QQuickItem& root) {
   return found;
 }
 
-std::string nameOf(const QQuickItem& item) {
-  const QQuickItem* named = &item;
-  while (named->parentItem() != nullptr && named->objectName().isEmpty()) {
-    named = named->parentItem();
-  }
-  return named->objectName().toStdString();
-}
-
 /// As a host with a keyboard of its own does; -1 for none.
 void raiseKeyboard(QQuickItem& content, int height) {
   const QString script = "OxTheme.keyboardHeight = " + QString::number(height);
@@ -79,12 +71,12 @@ class Look {
     const QRectF window({0, 0}, QSizeF(phone_.window.size()));
     for (const QQuickItem* one : drawn) {
       if (!window.contains(inScene(*one))) {
-        remark(nameOf(*one) + " is not whole in the window");
+        remark(nameOf(one) + " is not whole in the window");
       }
       for (const QQuickItem* other : drawn) {
         const bool apart = one == other || one->isAncestorOf(other) || other->isAncestorOf(one);
         if (!apart && inScene(*one).intersects(inScene(*other))) {
-          remark(nameOf(*one) + " lies on " + nameOf(*other));
+          remark(nameOf(one) + " lies on " + nameOf(other));
         }
       }
     }
@@ -105,7 +97,7 @@ class Look {
         const double top = item->mapToItem(&content, QPointF(0, 0)).y() + content.y() -
                            content.property("lift").toDouble();
         if (top < 0 || top + item->height() > phone_.window.height() - keyboard) {
-          remark(nameOf(*item) + " is covered by a keyboard of " + std::to_string(keyboard));
+          remark(nameOf(item) + " is covered by a keyboard of " + std::to_string(keyboard));
         }
         raiseKeyboard(content, -1);
         content.forceActiveFocus();

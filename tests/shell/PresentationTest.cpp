@@ -80,7 +80,6 @@ TEST(Presentation, AFieldShowsWhatItsDelegateMakesOfTheKeys) {
     return item.inherits("QQuickTextInput");
   });
   EXPECT_EQ(input->property("text").toString(), "0.12");
-  EXPECT_TRUE(input->property("inputMethodHints").toInt() & Qt::ImhDigitsOnly);
 }
 
 /// Every text that an object of the scene holds.
@@ -103,26 +102,28 @@ TEST(Presentation, ASecretIsNeitherInTheSceneNorInTheClipboardNorInAPicture) {
   phone.phone.wallet.cards = {test::cardJson(5, "4242", R"(,"method":"AMT","needCvv":true)")};
   phone.phone.showPaymentScreen();
   phone.settle();
-  QImage before;
-  for (const char* const digits : {"4929", "8171"}) {
-    phone.touch("cvvField");
-    phone.key(Qt::Key_End);
-    for (int i = 0; i < 4; ++i) {
-      phone.key(Qt::Key_Backspace);
+  for (const char* const field : {"cvvField", "pinField"}) {
+    QImage before;
+    for (const char* const digits : {"4929", "8171"}) {
+      phone.touch(field);
+      phone.key(Qt::Key_End);
+      for (int i = 0; i < 4; ++i) {
+        phone.key(Qt::Key_Backspace);
+      }
+      phone.keys(digits);
+      for (const int code : {Qt::Key_A, Qt::Key_C}) {
+        QKeyEvent copy(QEvent::KeyPress, code, Qt::ControlModifier);
+        QCoreApplication::sendEvent(&phone.window, &copy);
+      }
+      EXPECT_EQ(phone.phone.host.topController()->outletNamed(field)->shownText(),
+                "\u2022\u2022\u2022\u2022");
+      EXPECT_EQ(textsOf(*phone.window.contentItem()).find(digits), std::string::npos);
+      EXPECT_FALSE(QGuiApplication::clipboard()->text().contains(digits));
+      phone.key(Qt::Key_Tab);  // no blinking cursor
+      const QImage picture = phone.window.grabWindow();
+      EXPECT_TRUE(before.isNull() || before == picture) << "the same for other digits";
+      before = picture;
     }
-    phone.keys(digits);
-    for (const int code : {Qt::Key_A, Qt::Key_C}) {
-      QKeyEvent copy(QEvent::KeyPress, code, Qt::ControlModifier);
-      QCoreApplication::sendEvent(&phone.window, &copy);
-    }
-    EXPECT_EQ(phone.phone.host.topController()->outletNamed("cvvField")->shownText(),
-              "\u2022\u2022\u2022\u2022");
-    EXPECT_EQ(textsOf(*phone.window.contentItem()).find(digits), std::string::npos);
-    EXPECT_FALSE(QGuiApplication::clipboard()->text().contains(digits));
-    phone.key(Qt::Key_Tab);  // no blinking cursor
-    const QImage picture = phone.window.grabWindow();
-    EXPECT_TRUE(before.isNull() || before == picture) << "the same for other digits";
-    before = picture;
   }
 }
 
@@ -152,57 +153,111 @@ TEST(Presentation, TheMaskHoldsTouchesAndKeysBackButForTheWayOut) {
   EXPECT_EQ(phone.screen(), "Activation");
 }
 
-/// What a screen reader would say wrongly, one line each.
-std::string silentControls(QAccessibleInterface& one) {
-  static const std::map<QAccessible::Role, const char*> kControls{
-      {QAccessible::Button, "button"}, {QAccessible::EditableText, "field"},
-      {QAccessible::ComboBox, "list"}, {QAccessible::ListItem, "row"},
-      {QAccessible::List, "table"},    {QAccessible::Link, "link"},
-      {QAccessible::Dialog, "dialog"}, {QAccessible::WebDocument, "page"}};
-  std::string wrong;
-  const auto control = kControls.find(one.role());
-  const auto* item = qobject_cast<QQuickItem*>(one.object());
-  const QString name =
-      item == nullptr ? QString() : item->objectName() + " in " + item->parentItem()->objectName();
-  if (one.state().invisible) {
-    return wrong;
-  }
-  if (control != kControls.end() && one.text(QAccessible::Name).isEmpty()) {
-    wrong += std::string(control->second) + " " + name.toStdString() + " has no name\n";
-  }
-  if (control == kControls.end() && item != nullptr && item->activeFocusOnTab()) {
-    wrong += name.toStdString() + " takes the keyboard without a role\n";
-  }
-  for (int i = 0; i < one.childCount(); ++i) {
-    if (QAccessibleInterface* const child = one.child(i)) {
-      wrong += silentControls(*child);
+/// What a screen reader makes of a screen.
+struct Spoken {
+  std::string wrong;               ///< one line each
+  std::set<std::string> controls;  ///< that the keyboard must come to
+
+  void hear(QAccessibleInterface& one) {
+    static const std::map<QAccessible::Role, bool> kControls{
+        // true: reached by Tab
+        {QAccessible::Button, true},   {QAccessible::EditableText, true},
+        {QAccessible::ComboBox, true}, {QAccessible::ListItem, false},
+        {QAccessible::List, true},     {QAccessible::Link, true},
+        {QAccessible::Dialog, false},  {QAccessible::WebDocument, false}};
+    const auto control = kControls.find(one.role());
+    const auto* item = qobject_cast<QQuickItem*>(one.object());
+    if (one.state().invisible) {
+      return;
+    }
+    if (control != kControls.end() && one.text(QAccessible::Name).isEmpty()) {
+      wrong += nameOf(item) + " has no name\n";
+    }
+    if (control == kControls.end() && item != nullptr && item->activeFocusOnTab()) {
+      wrong += nameOf(item) + " takes the keyboard without a role\n";
+    }
+    if (control != kControls.end() && control->second && item != nullptr) {
+      controls.insert(nameOf(item));
+    }
+    for (int i = 0; i < one.childCount(); ++i) {
+      if (QAccessibleInterface* const child = one.child(i)) {
+        hear(*child);
+      }
     }
   }
-  return wrong;
+};
+
+/// Goes round the screen by Tab: what it comes to, and how often it goes back towards the top.
+std::pair<std::set<std::string>, int> tabRound(DrawnPhone& phone, std::size_t controls) {
+  std::set<std::string> visited;
+  int back = 0;
+  QPointF before;
+  std::string from;
+  QImage picture;
+  for (std::size_t step = 0; controls > 0 && step <= controls; ++step) {
+    phone.key(Qt::Key_Tab);
+    const QPointF at = phone.window.activeFocusItem()->mapToScene({0, 0});
+    const bool sameRow = std::abs(at.y() - before.y()) < 12;
+    back += step > 0 && (sameRow ? at.x() < before.x() : at.y() < before.y()) ? 1 : 0;
+    before = at;
+    const std::string name = phone.focus();  // of a table, its current row
+    visited.insert(name.ends_with("button") ? name : name.substr(0, name.find('.')));
+    const QImage last = std::exchange(picture, phone.window.grabWindow());
+    EXPECT_TRUE(name == std::exchange(from, name) || picture != last) << name << " shows nothing";
+  }
+  return {visited, back};
 }
 
-TEST(Accessibility, EveryControlOfEveryScreenHasANameAndARole) {
-  DrawnPhone phone;
-  phone.phone.showPaymentScreen();  // a session for the screens to read
+TEST(Accessibility, EveryScreenIsSpokenOfAndUsedWithoutAMouse) {
+  const std::map<std::string, Qt::InputMethodHint> pads{
+      {"inputAmountField", Qt::ImhDigitsOnly}, {"cvvField", Qt::ImhDigitsOnly},
+      {"pinField", Qt::ImhDigitsOnly},         {"codeField", Qt::ImhDigitsOnly},
+      {"cardNumberField", Qt::ImhDigitsOnly},  {"expiryDateField", Qt::ImhDigitsOnly},
+      {"dateOfBirthField", Qt::ImhDigitsOnly}, {"msisdnField", Qt::ImhDialableCharactersOnly},
+      {"cardHolderField", Qt::ImhNone}};
   for (const char* const identifier :
        {"Waiting", "Product", "Activation", "CountryCode", "ActivationCode", "MsisdnRelink",
         "AddCard", "CardValidation", "Cards", "WalletManagement", "TermsAndConditions",
         "TermsAndConditionChange", "SecureCode", "3DAuthSecureCode"}) {
+    SCOPED_TRACE(identifier);
+    DrawnPhone phone;
+    phone.phone.showPaymentScreen();  // a session for the screen to read
+    for (const char* path : {"/card/scUrl", "/card/get3dsValidateUrl"}) {
+      phone.phone.wallet.always(path, ServerReply().silence());
+    }
     phone.phone.host.root()->dismiss(false);
     const auto screen = phone.phone.host.application().storyboard().make(identifier);
     phone.phone.host.root()->present(screen, false);
     QCoreApplication::processEvents();
     phone.finger.bringUpToDate();
     QAccessibleInterface* const tree = QAccessible::queryAccessibleInterface(phone.content());
-    ASSERT_NE(tree, nullptr) << identifier;
-    EXPECT_EQ(silentControls(*tree), "") << identifier;
+    ASSERT_NE(tree, nullptr);
+    Spoken spoken;
+    spoken.hear(*tree);
+    EXPECT_EQ(spoken.wrong, "");
     const auto child = screen->visibleChild();
     const auto& shown = child ? child : screen;
     for (const std::string& name : shown->outletNames()) {
       const auto view = shown->outletNamed(name);
       const bool drawn = findItem(*phone.content(), QString::fromStdString(name)) != nullptr;
-      EXPECT_TRUE(drawn || view->isOutOfSight()) << identifier << ": " << name;
+      EXPECT_TRUE(drawn || view->isOutOfSight()) << name;
     }
+    findItem(*phone.content(), [&](const QQuickItem& item) {
+      if (item.inherits("QQuickTextInput")) {
+        EXPECT_EQ(item.property("inputMethodHints").toInt() &
+                      (Qt::ImhDigitsOnly | Qt::ImhDialableCharactersOnly),
+                  pads.at(nameOf(&item)))
+            << nameOf(&item);
+      }
+      return false;
+    });
+    phone.phone.indicator().dismiss();  // the terms are still loading
+    phone.settle();
+    const auto [visited, back] = tabRound(phone, spoken.controls.size());
+    EXPECT_EQ(visited, spoken.controls);
+    EXPECT_LE(back, 1) << "in the order in which it is read, and round again";
+    phone.key(Qt::Key_Escape);
+    EXPECT_EQ(phone.phone.host.topController() == shown, identifier == std::string("Waiting"));
   }
 }
 
