@@ -16,13 +16,12 @@ OrderedFlow::OrderedFlow(MemoryHostSettings settings, int strayTouches)
 
 void OrderedFlow::addCommonEvents() {
   const auto someHeld = [this] { return answers_->count() > 0; };
-  event("answer", someHeld, [this] { answers_->letGo(); });
+  event("answer", someHeld, [this] { letGo(); });
   event(
-      "later answer first", [this] { return answers_->count() > 1; },
-      [this] { answers_->letGo(true); });
+      "later answer first", [this] { return answers_->count() > 1; }, [this] { letGo(true); });
   event("no network", someHeld, [this] {
     failure_ = answers_->path();
-    answers_->letGo(false, unreachable());
+    letGo(false, unreachable());
   });
   for (const std::string button : {"Cancel", "Retry", "Ok"}) {
     const auto shown = [this, button] {
@@ -39,8 +38,14 @@ void OrderedFlow::addCommonEvents() {
         phone_->beginAnew(Entry::checkout);
         hosts_.push_back(phone_->app);
         cancelled_ = false;
+        answers_->replaced();
         replaced();
       });
+}
+
+void OrderedFlow::letGo(bool newest, std::optional<ServerReply> instead) {
+  mustStay_ = answers_->isStale(newest) ? phone_->host.topController() : nullptr;
+  answers_->letGo(newest, std::move(instead));
 }
 
 void OrderedFlow::pressAlert(const std::string& button) {
@@ -59,8 +64,7 @@ void OrderedFlow::begin() {
 
 void OrderedFlow::answer(const std::string& name, const std::string& body) {
   event(
-      name, [this] { return answers_->count() > 0; },
-      [this, body] { answers_->letGo(false, ok(body)); });
+      name, [this] { return answers_->count() > 0; }, [this, body] { letGo(false, ok(body)); });
 }
 
 bool OrderedFlow::isOnTop(const std::string& screen) {
@@ -92,10 +96,14 @@ void OrderedFlow::touch(const std::string& screen, const std::string& action, Ta
 }
 
 void OrderedFlow::happen(const Event& event) {
+  mustStay_.reset();
   event.happen();
   phone_->host.runUntilIdle();
   look();
   check();
+  if (mustStay_) {
+    EXPECT_EQ(phone_->host.topController(), mustStay_) << "an answer of the former flow";
+  }
 }
 
 void OrderedFlow::happenAtOnce(const std::vector<std::string>& names) {
@@ -133,6 +141,10 @@ void OrderedFlow::check() const {
   for (const auto& host : hosts_) {
     EXPECT_LE(host->heard.size(), 1U);
   }
+  if (!hosts_.back()->heard.empty()) {
+    EXPECT_EQ(phone_->host.topController(), phone_->host.root()) << "the flow is over";
+    EXPECT_FALSE(phone_->busy());
+  }
   EXPECT_EQ(phone_->wallet.asked("/purchase") + phone_->wallet.asked("/auth3Ds"), wanted_);
 }
 
@@ -154,7 +166,6 @@ void OrderedFlow::leave() {
   }
   check();
   EXPECT_EQ(hosts_.back()->heard.size(), phone_->screen() == "Waiting" ? 0U : 1U);
-  EXPECT_FALSE(phone_->busy());
 }
 
 void OrderedFlow::end() {
@@ -162,6 +173,7 @@ void OrderedFlow::end() {
   for (const auto& host : hosts_) {
     heard.push_back(host->heard);
   }
+  mustStay_.reset();
   phone_->host.shutdown();
   EXPECT_EQ(phone_->host.connections().underWay(), 0U);
   EXPECT_EQ(phone_->host.world().threadCount(), 0U);

@@ -71,6 +71,7 @@ class OrderedFlow {
   using Alerts = std::map<std::weak_ptr<AlertController>, std::string, std::owner_less<>>;
 
   void addCommonEvents();
+  void letGo(bool newest = false, std::optional<ServerReply> instead = {});
   void pressAlert(const std::string& button);
   bool isOnTop(const std::string& screen);
   void look();
@@ -83,6 +84,7 @@ class OrderedFlow {
   Alerts alerts_;
   std::vector<std::weak_ptr<void>> mortals_;
   std::size_t wanted_ = 0;
+  std::shared_ptr<ViewController> mustStay_;  ///< on top, when the event is a stale answer
   int strayTouches_;
   bool cancelled_ = false;
 };

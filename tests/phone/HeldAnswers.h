@@ -24,6 +24,13 @@ class HeldAnswers {
   std::string path(bool newest = false) const {
     return held_.empty() ? "" : (newest ? held_.back() : held_.front())->path;
   }
+  /// The requests that wait now belong to a flow that has been replaced.
+  void replaced() {
+    for (const auto& held : held_) {
+      held->isStale = true;
+    }
+  }
+  bool isStale(bool newest) const { return (newest ? held_.back() : held_.front())->isStale; }
   void letGo(bool newest = false, std::optional<ServerReply> instead = {}) {
     const auto chosen = newest ? held_.end() - 1 : held_.begin();
     const std::shared_ptr<Held> held = *chosen;
@@ -44,6 +51,7 @@ class HeldAnswers {
     std::string path;
     std::optional<ServerReply> instead;
     bool isFree = false;
+    bool isStale = false;
   };
 
   ServerReply hold(const RecordedRequest& request) {
