@@ -7,7 +7,8 @@ namespace orlix::bench {
 /// What a process can be started for; each prints one number.
 enum class Errand {
   firstRequest,      ///< microseconds from nothing to the first answer, by the library
-  bareFirstRequest,  ///< the same by a bare client that trusts the system's roots and the anchor
+  bareFirstRequest,  ///< the same by a bare client that trusts the system's roots and the anchor,
+                     ///< and a bare store, which the library opens before it asks anything
   checkout,          ///< largest memory in kB of a process that paid once
   bareCheckout,      ///< the same by a bare client
 };
