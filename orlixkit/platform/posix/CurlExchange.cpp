@@ -216,12 +216,7 @@ void CurlExchange::setConstantOptions() {
 }
 
 void CurlExchange::prepareHop(const std::string& address) {
-  target_ = targetOf(address);
-  // Once another host has had a say in where the request goes, the fields stay out.
-  if (firstTarget_.host.empty()) {
-    firstTarget_ = target_;
-  }
-  ownHost_ = ownHost_ && target_.hasOriginOf(firstTarget_);
+  address_ = address;
   headers_ = headerListOf(request_, ownHost_);
 
   newConnection_ = false;
@@ -359,7 +354,10 @@ bool CurlExchange::prepareRedirect() {
     if (status != 307 && status != 308) {
       request_.method = "GET";
     }
-    prepareHop(std::string(target));
+    const std::string address(target);
+    // Once another host has had a say in where the request goes, the fields stay out.
+    ownHost_ = ownHost_ && targetOf(address).hasOriginOf(targetOf(request_.url));
+    prepareHop(address);
     return true;
   } catch (const std::exception& error) {
     fail(error.what());
@@ -380,7 +378,7 @@ int CurlExchange::onCertificates(X509_STORE_CTX* presented, void* self) {
   const bool trusted = orRefuse(false, [&] {
     return exchange.isTrusted(std::make_shared<SystemTrust>(
         X509_STORE_CTX_get0_cert(presented), X509_STORE_CTX_get0_untrusted(presented),
-        exchange.target_.host));
+        targetOf(exchange.address_).host));
   });
   X509_STORE_CTX_set_error(presented, trusted ? X509_V_OK : X509_V_ERR_APPLICATION_VERIFICATION);
   return trusted ? 1 : 0;

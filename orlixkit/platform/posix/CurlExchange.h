@@ -98,8 +98,7 @@ class CurlExchange : public UrlConnection, public std::enable_shared_from_this<C
   EasyHandle easy_;
   HeaderList headers_;
   char errorText_[CURL_ERROR_SIZE] = "";
-  RequestTarget firstTarget_;
-  RequestTarget target_;  // of this hop
+  std::string address_;  // of this hop
   bool ownHost_ = true;
   int redirects_ = 0;
   // Of this hop:

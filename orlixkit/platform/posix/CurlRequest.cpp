@@ -77,6 +77,9 @@ RequestTarget targetOf(const std::string& address) {
 }
 
 void checkRequest(const UrlRequest& request) {
+  if (!isSameName(std::string_view(request.url).substr(0, 8), "https://")) {
+    throw std::invalid_argument("only https is spoken, not " + request.url);
+  }
   if (request.method != "GET" && request.method != "POST") {
     throw std::invalid_argument("only GET and POST are sent, not " + request.method);
   }

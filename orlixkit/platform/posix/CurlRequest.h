@@ -20,9 +20,9 @@ struct RequestTarget {
 /// Throws std::invalid_argument when `address` is none or not an https one.
 RequestTarget targetOf(const std::string& address);
 
-/// Throws std::invalid_argument when the request cannot be sent as it stands: another method than
-/// GET and POST, or a header field that would break the request's lines and so add fields of its
-/// own.
+/// Throws std::invalid_argument when the request cannot be sent as it stands: another scheme than
+/// https, another method than GET and POST, or a header field that would break the request's lines
+/// and so add fields of its own.
 void checkRequest(const UrlRequest& request);
 
 struct FreeHeaderList {

@@ -12,7 +12,7 @@ void PosixRunLoop::async(Task task) {
     }
     pending_.push_back(std::move(task));
   }
-  changed_.notify_one();
+  given_.post();
 }
 
 bool PosixRunLoop::isCurrent() const { return std::this_thread::get_id() == mainThread_; }
@@ -28,9 +28,10 @@ void PosixRunLoop::runUntil(const std::function<bool()>& done) {
 }
 
 Task PosixRunLoop::next() {
-  std::unique_lock lock(lock_);
-  changed_.wait(lock, [this] { return closed_ || !pending_.empty(); });
+  given_.wait();
+  const std::lock_guard lock(lock_);
   if (closed_) {
+    given_.post();  // for whoever asks again
     return {};
   }
   Task task = std::move(pending_.front());
@@ -45,7 +46,7 @@ void PosixRunLoop::close() {
     closed_ = true;
     dropped.swap(pending_);
   }
-  changed_.notify_all();
+  given_.post();
 }
 
 }  // namespace orlix

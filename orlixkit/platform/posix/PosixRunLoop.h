@@ -1,6 +1,5 @@
 #pragma once
 
-#include <condition_variable>
 #include <deque>
 #include <memory>
 #include <mutex>
@@ -8,6 +7,7 @@
 
 #include "orlixkit/platform/MainQueue.h"
 #include "orlixkit/platform/SystemLog.h"
+#include "orlixkit/platform/posix/Semaphore.h"
 
 namespace orlix {
 
@@ -29,7 +29,7 @@ class PosixRunLoop : public MainQueue {
   const std::thread::id mainThread_ = std::this_thread::get_id();
   const std::shared_ptr<SystemLog> log_;
   std::mutex lock_;
-  std::condition_variable changed_;
+  Semaphore given_;           // one for each task
   std::deque<Task> pending_;  // guarded by lock_
   bool closed_ = false;       // guarded by lock_
 };

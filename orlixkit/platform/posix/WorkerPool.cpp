@@ -1,12 +1,12 @@
 #include "orlixkit/platform/posix/WorkerPool.h"
 
 #include <algorithm>
-#include <condition_variable>
 #include <pthread.h>
 #include <thread>
 #include <utility>
 
 #include "orlixkit/platform/BackgroundQueues.h"
+#include "orlixkit/platform/posix/Semaphore.h"
 
 namespace orlix {
 
@@ -19,7 +19,7 @@ constexpr std::size_t keptIdle = 4;
 
 struct WorkerPool::Worker {
   std::thread thread;
-  std::condition_variable called;
+  Semaphore called;
   Task task;  // the next one; guarded by the pool's lock
 };
 
@@ -41,7 +41,7 @@ void WorkerPool::run(Task task) {
     ended.swap(ended_);
   }
   if (called) {
-    called->called.notify_one();
+    called->called.post();
   }
   for (const WorkerPointer& worker : ended) {
     worker->thread.join();
@@ -79,7 +79,9 @@ void WorkerPool::work(const WorkerPointer& self) {
       return;
     }
     idle_.push_back(self);
-    self->called.wait(lock, [&] { return closed_ || self->task; });
+    lock.unlock();
+    self->called.wait();
+    lock.lock();
   }
 }
 
@@ -95,7 +97,7 @@ void WorkerPool::close() {
     workers.splice(workers.end(), ended_);
   }
   for (const WorkerPointer& worker : workers) {
-    worker->called.notify_one();
+    worker->called.post();
   }
   for (const WorkerPointer& worker : workers) {
     worker->thread.join();
