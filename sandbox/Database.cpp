@@ -86,7 +86,9 @@ std::vector<Database::Row> Database::ask(const std::string& sql,
   int result = SQLITE_ROW;
   while ((result = sqlite3_step(statement)) == SQLITE_ROW) {
     std::vector<Value> columns;
-    for (int column = 0; column < sqlite3_column_count(statement); ++column) {
+    const int count = sqlite3_column_count(statement);
+    columns.reserve(static_cast<size_t>(count));
+    for (int column = 0; column < count; ++column) {
       columns.push_back(valueIn(statement, column));
     }
     rows.emplace_back(std::move(columns));

@@ -9,7 +9,7 @@ namespace orlix {
 namespace {
 
 // The control character stands in the sentence as it is published, and goes along.
-constexpr const char* kTermsSentence =
+constexpr const char* kNewTermsSentence =
     "We have updated our terms and conditions. "
     "\x03"
     "By clicking on proceed you accept the new Orlix terms and conditions found <a "
@@ -30,7 +30,7 @@ OXTermsAndConditionsChangeViewController::OXTermsAndConditionsChangeViewControll
 void OXTermsAndConditionsChangeViewController::viewDidLoad() {
   OrlixViewController::viewDidLoad();
   applyOnboardingLook(*this);
-  showTermsSentence(*descriptionLabel_, kTermsSentence);
+  showTermsSentence(*descriptionLabel_, kNewTermsSentence);
 }
 
 void OXTermsAndConditionsChangeViewController::descriptionTapped() {

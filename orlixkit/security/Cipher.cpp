@@ -46,7 +46,7 @@ std::optional<SecretBytes> run(const EVP_CIPHER* kind, Cipher::Direction directi
     ERR_clear_error();
     return std::nullopt;
   }
-  out.resize(static_cast<std::size_t>(head + tail));
+  out.resize(static_cast<std::size_t>(head) + static_cast<std::size_t>(tail));
   return out;
 }
 
