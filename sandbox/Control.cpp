@@ -152,7 +152,8 @@ HttpAnswer Control::counts(const json::object& /*wish*/) {
                      {"requests", state_.seen.size()},
                      {"purchasesReceived", state_.purchases.receivedCount()},
                      {"purchasesPaid", state_.purchases.paymentCount()},
-                     {"termsVersion", state_.wallets.termsVersion()}});
+                     {"termsVersion", state_.wallets.termsVersion()},
+                     {"walletsBehindTerms", state_.wallets.behindTerms()}});
 }
 
 HttpAnswer Control::listPurchases(const json::object& /*wish*/) {

@@ -119,6 +119,12 @@ bool Wallets::acceptsPresentTerms(const std::string& wallet) const {
               .empty();
 }
 
+std::int64_t Wallets::behindTerms() const {
+  return database_.ask("SELECT COUNT(*) FROM wallets WHERE accepted_terms < ?", {termsVersion()})
+      .front()
+      .number(0);
+}
+
 void Wallets::acceptTerms(const std::string& wallet) {
   database_.run("UPDATE wallets SET accepted_terms = ? WHERE wallet = ?", {termsVersion(), wallet});
 }

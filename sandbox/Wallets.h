@@ -51,6 +51,8 @@ class Wallets {
   std::int64_t termsVersion() const;
   void setTermsVersion(std::int64_t version);
   bool acceptsPresentTerms(const std::string& wallet) const;
+  /// Wallets that have not accepted the present terms.
+  std::int64_t behindTerms() const;
   void acceptTerms(const std::string& wallet);
   void withdrawTerms(const std::string& wallet);
 

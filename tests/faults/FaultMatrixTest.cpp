@@ -13,10 +13,6 @@
 
 namespace orlix::test {
 
-namespace {
-
-using namespace std::chrono_literals;
-
 /// A way through the library that ends well, and the requests that it is spoilt at.
 struct Journey {
   std::string name;
@@ -24,6 +20,10 @@ struct Journey {
   std::vector<std::string> requests;
   bool enrolled = true;
 };
+
+namespace {
+
+using namespace std::chrono_literals;
 
 const std::vector<Journey> kJourneys{
     {"PIN", "1111", {"session/new", "lookup/query/v2", "purchase", "receipt/poll"}},
@@ -89,15 +89,15 @@ class Customer {
     if (kind_ != nullptr && !kind_->fault.empty()) {
       addFault(before);
     }
-    phone_ = std::make_unique<TlsPhone>(ServerAddress{server_.base(), server_.anchorPath()});
+    exchangePhone(std::make_unique<TlsPhone>(ServerAddress{server_.base(), server_.anchorPath()}));
     phone_->pages->onLoad = [this](FakeWebView& page) { passIssuer(page); };
     journey_.card.empty() ? phone_->wallet() : phone_->checkout("FIXED-25");
-    phone_->runUntil([this] {
+    while (phone_->app->heard.empty()) {
+      phone_->runUntil([this] { return !phone_->app->heard.empty() || rests(); });
       if (phone_->app->heard.empty()) {
         goOn();
       }
-      return !phone_->app->heard.empty();
-    });
+    }
     tell("");
     outcome_.heard = phone_->app->heard;
     outcome_.kept = keptToken();
@@ -106,11 +106,17 @@ class Customer {
     for (const auto& seen : requests.at("requests").as_array()) {
       outcome_.requests.emplace_back(seen.at("path").as_string());
     }
-    phone_.reset();
+    exchangePhone(nullptr);
     return outcome_;
   }
 
  private:
+  /// The server's threads may ask for it at any time; it ends without holding them up.
+  void exchangePhone(std::unique_ptr<TlsPhone> phone) {
+    const std::lock_guard held(lock_);
+    phone_.swap(phone);
+    former_ = std::move(phone);
+  }
   void addFault(std::int64_t before) {
     boost::json::object fault = kind_->fault;
     if (kind_->connects) {
@@ -132,9 +138,16 @@ class Customer {
       const std::lock_guard held(lock_);
       sms_ = event.at("code").as_string();
     } else if (event.contains("path") && event.at("path").as_string() == path_) {
+      const std::lock_guard held(lock_);
       ++asked_;
-      if (kind_ != nullptr && kind_->name == "clock jump") {
+      if (phone_ && is("clock jump")) {
         phone_->clock->setCalendar(asked_ % 2 == 0 ? -24h * 3650 : 24h * 3650);
+      }
+      if (is("403 until let go") && asked_ > 3) {
+        server_.control("DELETE", "/control/faults");
+      }
+      if (phone_) {
+        phone_->look();
       }
     }
   }
@@ -157,35 +170,44 @@ class Customer {
     outcome_.keptBefore = keptToken();
   }
 
-  void goOn() {
-    const auto now = std::chrono::steady_clock::now();
-    if (kind_ != nullptr && kind_->waits && !told_ && asked_ > 0 && now > nextLeap_) {
-      phone_->clock->letPass(61s);
-      nextLeap_ = now + 500ms;  // once more, should the wait have begun just then
-    }
-    if (kind_ != nullptr && kind_->name == "403 until let go" && asked_ > 3) {
-      server_.control("DELETE", "/control/faults");
-    }
-    const auto top = phone_->user->topController();
-    if (const auto alert = phone_->user->topAlert()) {
-      answer(*alert);
-    } else if (top != handled_ && !busy()) {
-      handled_ = top;
-      stands_ = 0;
-      since_ = std::chrono::steady_clock::now();
-      act(*phone_->user, top->identifier());
-    } else if (std::chrono::steady_clock::now() - since_ > 600ms) {
-      standStill();
-    }
+  bool is(const char* kind) const { return kind_ != nullptr && kind_->name == kind; }
+  /// Whether the answer that does not come is what the library waits for.
+  bool isKeptWaiting() const {
+    return kind_ != nullptr && kind_->waits && !leapt_ && arrived_ && now_.exchanges;
   }
-  bool busy() const { return Host::current().application().progressIndicator().visible(); }
-  /// Nothing has come of the last step: the library pauses, or it leaves the user where he is.
-  void standStill() {
-    since_ = std::chrono::steady_clock::now();
-    phone_->clock->letPass(2s);
-    const bool slow = kind_ != nullptr && kind_->name == "50 MB body";
-    if (++stands_ == (slow ? 15 : 4)) {
-      tell("nothing");
+  /// The server holds the lookup's answer back until the user has accepted.
+  bool isAskedForTerms() {
+    if (phone_->screen() != "TermsAndConditionChange" || counted("walletsBehindTerms") == 0) {
+      return false;
+    }
+    // The connections come in this order: for the session, for the lookup, for the consent.
+    const bool lookedUp = kind_ == nullptr || !kind_->connects || counted("connections") >= 2;
+    if (!lookedUp) {
+      phone_->look();  // until it has come, of which nobody tells
+    }
+    return lookedUp;
+  }
+  /// Nothing goes on in the library but what waits for time to pass, or for the user.
+  bool rests() {
+    arrived_ = asked_ > 0;  // first: what it waits for then is this request's answer
+    now_ = phone_->activity->state();
+    return now_.atRest && (!now_.exchanges || isKeptWaiting() || isAskedForTerms());
+  }
+
+  void goOn() {
+    const auto top = phone_->user->topController();
+    if (isKeptWaiting()) {
+      leapt_ = true;
+      phone_->clock->letPass(61s);
+    } else if (const auto alert = phone_->user->topAlert()) {
+      answer(*alert);
+    } else if (now_.hasTasks && !now_.exchanges) {
+      phone_->clock->letPass(2s);  // a pause of the library's
+    } else if (top != handled_) {
+      handled_ = top;
+      act(*phone_->user, top->identifier());
+    } else {
+      tell("nothing");  // the library leaves the user where he is
       if (phone_->screen() == "TermsAndConditionChange") {
         handled_.reset();  // pressed once more
       } else {
@@ -194,8 +216,6 @@ class Customer {
     }
   }
   void answer(const AlertController& alert) {
-    stands_ = 0;
-    since_ = std::chrono::steady_clock::now();
     if (alert.title() == "Delete Card") {
       phone_->user->pressAlert("Delete");
     } else if (alert.title() == "Connection problem") {
@@ -215,7 +235,6 @@ class Customer {
       user.replaceAll("codeField", sms_);
     } else if (screen == "CardValidation") {
       user.replaceAll("dateOfBirthField", "31/12/1990");
-      skipped_ = false;
     } else if (screen == "AddCard") {
       user.replaceAll("cardNumberField", "4100001000000101");
       user.replaceAll("cardHolderField", "A Customer");
@@ -232,9 +251,6 @@ class Customer {
     user.tap("proceedAction");
   }
   void pay(ScreenUser& user) {
-    if (!OXSession::currentSession()->codeInfo || !std::exchange(skipped_, true)) {
-      return;  // without the code's values, or with the former list of cards: replaced in a moment
-    }
     for (const CardOption& card : OXSession::currentSession()->cards) {
       if (card.cardHint == journey_.card && OXUtil::getLastUsedCard()->cardId != card.cardId) {
         OXUtil::setLastUsedCardId(card.cardId);
@@ -271,13 +287,13 @@ class Customer {
   std::atomic<int> asked_ = 0;
   sandbox::Sandbox server_{{.enrolled = journey_.enrolled,
                             .onEvent = [this](std::string_view line) { heardOfServer(line); }}};
-  std::unique_ptr<TlsPhone> phone_;
+  std::unique_ptr<TlsPhone> phone_;  // changed under lock_
+  std::unique_ptr<TlsPhone> former_;
   std::shared_ptr<ViewController> handled_;
-  std::chrono::steady_clock::time_point since_ = std::chrono::steady_clock::now();
-  std::chrono::steady_clock::time_point nextLeap_{};
   int walletSeen_ = 0;
-  int stands_ = 0;
-  bool skipped_ = true;
+  bool leapt_ = false;
+  bool arrived_ = false;
+  Activity::State now_;
   bool told_ = false;
   Outcome outcome_;
 };
@@ -375,8 +391,12 @@ TEST_P(FaultMatrix, EachFaultAtEachRequestEndsInOneAnswerToUserAndHost) {
   const std::string usual = firstWord(well.heard);
   for (const std::string& request : journey.requests) {
     const std::string path = pathOf(request);
-    const auto before = std::find(well.requests.begin(), well.requests.end(), "/vello/" + path) -
-                        well.requests.begin();
+    // Behind the session's and the lookup's; but the lookup is written down when it is answered.
+    const auto before =
+        request == "profile/updateTC"
+            ? 2
+            : std::find(well.requests.begin(), well.requests.end(), "/vello/" + path) -
+                  well.requests.begin();
     std::string line = fmt::format("| {:16} | {:23} |", journey.name, request);
     for (const FaultKind& kind : kFaults) {
       SCOPED_TRACE(request + ": " + kind.name);

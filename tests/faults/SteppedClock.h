@@ -7,6 +7,7 @@
 #include <utility>
 
 #include "orlixkit/platform/Clock.h"
+#include "tests/faults/Activity.h"
 
 namespace orlix::test {
 
@@ -15,13 +16,17 @@ namespace orlix::test {
 ///
 /// Thread: any. Conditions must be gone before the clock.
 class SteppedClock : public Clock {
+ private:
+  struct Stepped;
+
  public:
-  explicit SteppedClock(std::shared_ptr<Clock> real) : real_(std::move(real)) {}
+  SteppedClock(std::shared_ptr<Clock> real, std::shared_ptr<Activity> activity)
+      : real_(std::move(real)), activity_(std::move(activity)) {}
 
   void letPass(Duration span) {
     skipped_ += span.count();
     const std::lock_guard held(lock_);
-    for (Condition* waited : conditions_) {
+    for (Stepped* waited : conditions_) {
       waited->lock();
       waited->signal();
       waited->unlock();
@@ -46,35 +51,51 @@ class SteppedClock : public Clock {
   std::unique_ptr<Condition> newCondition() override { return std::make_unique<Stepped>(*this); }
 
  private:
-  /// A real condition whose deadlines lie nearer by what was skipped.
+  /// A real condition whose deadlines lie nearer by what was skipped. Its waiters count as waiting
+  /// up to the signal, not until they have come round to it.
   struct Stepped : Condition {
     explicit Stepped(SteppedClock& of) : clock(of), real(of.real_->newCondition()) {
       const std::lock_guard held(clock.lock_);
-      clock.conditions_.insert(real.get());
+      clock.conditions_.insert(this);
     }
     ~Stepped() override {
       const std::lock_guard held(clock.lock_);
-      clock.conditions_.erase(real.get());
+      clock.conditions_.erase(this);
     }
     void lock() override { real->lock(); }
     void unlock() override { real->unlock(); }
     bool waitUntil(SteadyTime deadline) override {
-      return real->waitUntil(deadline - clock.skipped());
+      const unsigned before = signals;
+      ++waiters;
+      clock.activity_->addWaiting(1);
+      const bool signalled = real->waitUntil(deadline - clock.skipped());
+      if (signals == before) {
+        --waiters;
+        clock.activity_->addWaiting(-1);
+      }
+      return signalled;
     }
-    void signal() override { real->signal(); }
+    void signal() override {
+      ++signals;
+      clock.activity_->addWaiting(-waiters.exchange(0));
+      real->signal();
+    }
 
     SteppedClock& clock;
     std::unique_ptr<Condition> real;
+    std::atomic<unsigned> signals = 0;
+    std::atomic<int> waiters = 0;
   };
 
   Duration skipped() const { return Duration(skipped_); }
 
   std::shared_ptr<Clock> real_;
+  std::shared_ptr<Activity> activity_;
   // Read by those who hold a condition's lock, so not under a lock of our own.
   std::atomic<Duration::rep> skipped_ = 0;
   std::atomic<Duration::rep> calendarAhead_ = 0;
   std::mutex lock_;
-  std::set<Condition*> conditions_;
+  std::set<Stepped*> conditions_;
 };
 
 }  // namespace orlix::test

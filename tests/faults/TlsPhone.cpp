@@ -1,5 +1,6 @@
 #include "tests/faults/TlsPhone.h"
 
+#include <atomic>
 #include <condition_variable>
 #include <stdexcept>
 #include <thread>
@@ -17,7 +18,14 @@ TlsPhone::TlsPhone(const ServerAddress& server, const std::filesystem::path& fol
   options.bundles = {std::make_shared<CompiledBundle>()};
   Ports ports = makePosixPorts(options);
   ports.log = log;
-  ports.clock = clock = std::make_shared<SteppedClock>(ports.clock);
+  mainQueue_ = ports.mainQueue;
+  activity = std::make_shared<Activity>(mainQueue_);
+  ports.clock = clock = std::make_shared<SteppedClock>(ports.clock, activity);
+  ports.mainQueue =
+      std::make_shared<WrappedMainQueue>(mainQueue_, activity->counting(Activity::mainTask));
+  ports.backgroundQueues = std::make_shared<WrappedBackgroundQueues>(
+      ports.backgroundQueues, activity->counting(Activity::backgroundTask));
+  ports.urlConnections = std::make_shared<CountedConnections>(ports.urlConnections, activity);
   ports.webViews = pages = std::make_shared<FakeWebViews>(ports.mainQueue);
   installOrlixKit(std::make_shared<Host>(ports, Deployment{server.base, server.base, ""}));
   Host::current().application().showMainWindow(root);
@@ -49,22 +57,26 @@ void TlsPhone::showPayment(const std::string& code, const std::string& cardHint)
 }
 
 void TlsPhone::runUntil(const std::function<bool()>& done) {
-  const std::shared_ptr<MainQueue> mainQueue = Host::current().ports().mainQueue;
-  const auto end = std::chrono::steady_clock::now() + std::chrono::seconds(10);
-  // The queue asks after each of its tasks only, so it is given one now and then.
+  std::atomic<bool> tooLong = false;
   std::mutex mutex;
-  std::condition_variable_any changed;
-  const std::jthread ticks([&](const std::stop_token& stop) {
+  std::condition_variable_any never;
+  const std::jthread watch([&](const std::stop_token& stop) {
     std::unique_lock held(mutex);
-    while (!changed.wait_for(held, stop, std::chrono::milliseconds(2),
-                             [&] { return stop.stop_requested(); })) {
-      mainQueue->async([] {});
+    if (!never.wait_for(held, stop, std::chrono::minutes(2),
+                        [&] { return stop.stop_requested(); })) {
+      tooLong = true;
+      look();
     }
   });
-  mainQueue->runUntil([&] { return done() || std::chrono::steady_clock::now() > end; });
+  // The queue asks after each of its tasks; the last one of them is the activity's.
+  mainQueue_->runUntil([&] { return done() || tooLong; });
   if (!done()) {
     throw std::runtime_error("never came: on top is " + screen() + alert() + "\n" + log->text());
   }
+}
+
+void TlsPhone::look() {
+  mainQueue_->async([] {});
 }
 
 void TlsPhone::runUntilScreen(const std::string& identifier) {

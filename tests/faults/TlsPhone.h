@@ -37,8 +37,11 @@ class TlsPhone {
   /// The payment screen with the card whose number ends so.
   void showPayment(const std::string& code, const std::string& cardHint);
 
-  /// Runs the main queue. Throws when `done` does not hold after ten seconds, which no test needs.
+  /// Runs the main queue. `done` is asked after each of its tasks, when the library has come to
+  /// rest, and after `look`. Throws when it does not hold after two minutes, which no test needs.
   void runUntil(const std::function<bool()>& done);
+  /// Any thread: something has changed outside of the library.
+  void look();
   void runUntilScreen(const std::string& identifier);
   void runUntilOutcomeOrAlert();
 
@@ -48,6 +51,7 @@ class TlsPhone {
 
   TemporaryFolder state;
   std::shared_ptr<MemoryLog> log = std::make_shared<MemoryLog>();
+  std::shared_ptr<Activity> activity;
   std::shared_ptr<SteppedClock> clock;
   std::shared_ptr<FakeWebViews> pages;
   std::shared_ptr<ViewController> root = std::make_shared<ViewController>();
@@ -55,6 +59,7 @@ class TlsPhone {
   std::unique_ptr<ScreenUser> user;
 
  private:
+  std::shared_ptr<MainQueue> mainQueue_;  ///< past the count
   std::shared_ptr<OXOrlix> facade_;
 };
 
