@@ -25,7 +25,7 @@ std::shared_ptr<const OutletAdapter::Screen> nothingToTouch() {
                             .changed = [] {},
                             .perform = [](const std::string&) {},
                             .hasAction = [](const std::string&) { return false; },
-                            .endOtherEditing = [](const TextField*) {},
+                            .touchField = [](TextField&) { return false; },
                             .reachable = [](const std::string&) { return true; }});
 }
 

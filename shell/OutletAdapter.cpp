@@ -272,14 +272,7 @@ bool OutletAdapter::beginEditing() {
     return input != nullptr;
   }
   bool begun = false;
-  touch([&, screen = screen_] {
-    // A touch moves the cursor: the field that had it ends its editing.
-    screen->endOtherEditing(input.get());
-    begun = input->beginEditing();
-    if (begun) {
-      input->setCaret(input->textLength());
-    }
-  });
+  touch([&, screen = screen_] { begun = screen->touchField(*input); });
   return begun;
 }
 

@@ -62,7 +62,7 @@ class OutletAdapter : public QObject {
     std::function<void()> changed;
     std::function<void(const std::string& name)> perform;
     std::function<bool(const std::string& name)> hasAction;
-    std::function<void(const TextField* except)> endOtherEditing;
+    std::function<bool(TextField& field)> touchField;
     /// False while the progress indicator holds touches back from that name.
     std::function<bool(const std::string& name)> reachable;
   };

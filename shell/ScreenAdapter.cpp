@@ -3,6 +3,7 @@
 #include <QVariant>
 
 #include "orlixkit/platform/Host.h"
+#include "orlixkit/platform/ui/FieldTouch.h"
 
 namespace orlix::shell {
 
@@ -24,7 +25,11 @@ ScreenAdapter::ScreenAdapter(const std::shared_ptr<ViewController>& controller)
             const auto there = weak.lock();
             return there && there->hasAction(name);
           },
-      .endOtherEditing = [this](const TextField* except) { endOtherEditing(except); },
+      .touchField =
+          [weak = controller_](TextField& field) {
+            const auto there = weak.lock();
+            return there && touchField(*there, field);
+          },
       .reachable =
           [weak = controller_](const std::string& name) {
             const auto there = weak.lock();
@@ -77,19 +82,6 @@ void ScreenAdapter::touch(const std::string& name, const Task& doing) {
   const auto there = controller_.lock();
   if (there && isReachable(name)) {
     runLogged(doing);
-  }
-}
-
-void ScreenAdapter::endOtherEditing(const TextField* except) {
-  const auto there = controller_.lock();
-  if (!there) {
-    return;
-  }
-  for (const std::string& name : there->outletNames()) {
-    const auto other = std::dynamic_pointer_cast<TextField>(there->outletNamed(name));
-    if (other && other.get() != except && other->editing()) {
-      other->endEditing();
-    }
   }
 }
 

@@ -41,7 +41,6 @@ class ScreenAdapter : public QQmlPropertyMap {
  private:
   void add(const std::string& name, const std::shared_ptr<View>& view);
   void touch(const std::string& name, const Task& doing);
-  void endOtherEditing(const TextField* except);
   void refreshShown();
 
   QString identifier_;

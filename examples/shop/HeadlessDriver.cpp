@@ -7,29 +7,16 @@
 #include "examples/shop/Utf8.h"
 #include "orlixkit/platform/Host.h"
 #include "orlixkit/platform/MainQueue.h"
+#include "orlixkit/platform/ui/FieldTouch.h"
 #include "orlixkit/widgets/DropDownPicker.h"
 
 namespace orlix::shop {
 
 namespace {
 
-/// A touch moves the cursor: the field that had it ends its editing.
-bool touchField(TextField& field) {
-  const std::shared_ptr<ViewController> screen = Stage::content();
-  for (const std::string& name : screen->outletNames()) {
-    const auto other = std::dynamic_pointer_cast<TextField>(screen->outletNamed(name));
-    if (other && other.get() != &field && other->editing()) {
-      other->endEditing();
-    }
-  }
-  if (field.editing()) {
-    return true;
-  }
+bool touched(TextField& field) {
   bool begun = false;
-  runLogged([&] { begun = field.beginEditing(); });
-  if (begun) {
-    field.setCaret(field.textLength());
-  }
+  runLogged([&] { begun = touchField(*Stage::content(), field); });
   return begun;
 }
 
@@ -38,7 +25,7 @@ std::shared_ptr<TextField> editedField(const std::string& outlet) {
   if (DropDownPicker::of(*field)) {
     throw ScriptError(outlet + " takes no keys: it has a drop-down to pick from");
   }
-  if (!touchField(*field)) {
+  if (!touched(*field)) {
     throw ScriptError(outlet + " takes no keys: its screen answers the touch otherwise");
   }
   return field;
@@ -55,7 +42,7 @@ void tapOutlet(const std::string& name, ViewController& screen) {
       return;
     }
   } else if (std::dynamic_pointer_cast<TextField>(view)) {
-    touchField(*Stage::touchableField(name));
+    touched(*Stage::touchableField(name));
     return;
   }
   if (view->onTap) {
@@ -140,7 +127,7 @@ void HeadlessDriver::pick(const std::string& outlet, const std::string& text) {
   if (std::find(entries.begin(), entries.end(), text) == entries.end()) {
     throw ScriptError("the drop-down of " + outlet + " has no entry \"" + text + "\"");
   }
-  if (touchField(*field)) {
+  if (touched(*field)) {
     runLogged([&] { picker->pick(text); });
   }
 }

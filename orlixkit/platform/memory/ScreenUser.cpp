@@ -3,6 +3,7 @@
 #include <stdexcept>
 
 #include "orlixkit/platform/MainQueue.h"
+#include "orlixkit/platform/ui/FieldTouch.h"
 #include "orlixkit/platform/ui/TableView.h"
 
 namespace orlix {
@@ -75,21 +76,9 @@ std::shared_ptr<TextField> ScreenUser::reachableField(const std::string& name) c
   return field;
 }
 
-/// The cursor moves into the field, behind its text; the field that had it ends its editing.
 bool ScreenUser::touch(TextField& field) const {
-  const std::shared_ptr<ViewController> top = topController();
-  for (const std::string& name : top->outletNames()) {
-    const auto other = std::dynamic_pointer_cast<TextField>(top->outletNamed(name));
-    if (other && other.get() != &field && other->editing()) {
-      other->endEditing();
-    }
-  }
-  if (field.editing()) {
-    return true;
-  }
   bool begun = false;
-  runLogged([&] { begun = field.beginEditing(); });
-  field.setCaret(field.textLength());
+  runLogged([&] { begun = touchField(*topController(), field); });
   return begun;
 }
 
