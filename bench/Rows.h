@@ -11,7 +11,7 @@ Row requestRow(const std::string& base, const std::string& anchor);
 Row checkoutRow(const std::string& base, const std::string& anchor);
 /// Without its client kept to one processor: what idle processors take to wake up shows.
 Row spreadCheckoutRow(const std::string& base, const std::string& anchor);
-/// Likewise, against requests that take the same turns between two threads and nothing else.
+/// Against requests that take the same turns between two threads and nothing else.
 Row threadedCheckoutRow(const std::string& base, const std::string& anchor);
 
 // A new process for each sample.
