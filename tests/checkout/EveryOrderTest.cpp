@@ -17,6 +17,17 @@ class PaymentFlow : public OrderedFlow {
       underWay_ = true;
     });
     touch("Product", "cancelAction", [this] { cancelled(); });
+    const auto polls = [this] { return answers_->path().find("/receipt/") != std::string::npos; };
+    event("no receipt yet", polls, [this] {
+      answers_->letGo(false, ok("{}"));
+      pausing_ = true;
+    });
+    event(
+        "the pause is over", [this] { return pausing_; },
+        [this] {
+          phone_->host.runFor(2s);
+          pausing_ = false;
+        });
     phone_->showPaymentScreen();
     begin();
   }
@@ -31,6 +42,7 @@ class PaymentFlow : public OrderedFlow {
   void replaced() override { underWay_ = false; }
 
   bool underWay_ = false;
+  bool pausing_ = false;  ///< between two polls
 };
 
 }  // namespace

@@ -174,7 +174,9 @@ void OrderedFlow::end() {
     heard.push_back(host->heard);
   }
   mustStay_.reset();
+  const SteadyTime before = phone_->host.clock().steadyNow();
   phone_->host.shutdown();
+  EXPECT_EQ(phone_->host.clock().steadyNow(), before) << "at once, whatever waits";
   EXPECT_EQ(phone_->host.connections().underWay(), 0U);
   EXPECT_EQ(phone_->host.world().threadCount(), 0U);
   phone_.reset();
