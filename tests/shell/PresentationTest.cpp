@@ -192,8 +192,7 @@ std::pair<std::set<std::string>, int> tabRound(DrawnPhone& phone, std::size_t co
   std::set<std::string> visited;
   int back = 0;
   QPointF before;
-  std::string from;
-  QImage picture;
+  const QImage bare = phone.window.grabWindow();
   for (std::size_t step = 0; controls > 0 && step <= controls; ++step) {
     phone.key(Qt::Key_Tab);
     const QPointF at = phone.window.activeFocusItem()->mapToScene({0, 0});
@@ -202,8 +201,7 @@ std::pair<std::set<std::string>, int> tabRound(DrawnPhone& phone, std::size_t co
     before = at;
     const std::string name = phone.focus();  // of a table, its current row
     visited.insert(name.ends_with("button") ? name : name.substr(0, name.find('.')));
-    const QImage last = std::exchange(picture, phone.window.grabWindow());
-    EXPECT_TRUE(name == std::exchange(from, name) || picture != last) << name << " shows nothing";
+    EXPECT_NE(phone.window.grabWindow(), bare) << name << " shows no focus";
   }
   return {visited, back};
 }
