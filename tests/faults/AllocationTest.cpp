@@ -47,6 +47,7 @@ struct Flow {
   Entry entry;
   std::function<void(Phone&)> prepare;
 };
+void PrintTo(const Flow& flow, std::ostream* out) { *out << flow.name; }
 
 namespace {
 

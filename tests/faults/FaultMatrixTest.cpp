@@ -20,6 +20,7 @@ struct Journey {
   std::vector<std::string> requests;
   bool enrolled = true;
 };
+void PrintTo(const Journey& journey, std::ostream* out) { *out << journey.name; }
 
 namespace {
 

@@ -61,16 +61,20 @@ void TlsPhone::runUntil(const std::function<bool()>& done) {
   std::mutex mutex;
   std::condition_variable_any never;
   const std::jthread watch([&](const std::stop_token& stop) {
-    std::unique_lock held(mutex);
-    if (!never.wait_for(held, stop, std::chrono::minutes(2),
+    std::unique_lock lock(mutex);
+    if (!never.wait_for(lock, stop, std::chrono::minutes(2),
                         [&] { return stop.stop_requested(); })) {
       tooLong = true;
       look();
     }
   });
   // The queue asks after each of its tasks; the last one of them is the activity's.
-  mainQueue_->runUntil([&] { return done() || tooLong; });
-  if (!done()) {
+  bool held = false;  // kept, for it may hold for a moment only
+  mainQueue_->runUntil([&] {
+    held = done();
+    return held || tooLong;
+  });
+  if (!held) {
     throw std::runtime_error("never came: on top is " + screen() + alert() + "\n" + log->text());
   }
 }
