@@ -19,15 +19,19 @@ class PaymentFlow : public OrderedFlow {
     touch("Product", "cancelAction", [this] { cancelled(); });
     const auto polls = [this] { return answers_->path().find("/receipt/") != std::string::npos; };
     event("no receipt yet", polls, [this] {
+      abandoned_ = answers_->isStale(false);
       answers_->letGo(false, ok("{}"));
       pausing_ = true;
     });
     event(
         "the pause is over", [this] { return pausing_; },
         [this] {
+          const std::size_t before = phone_->wallet.asked("/receipt/");
           phone_->host.runFor(2s);
+          EXPECT_EQ(phone_->wallet.asked("/receipt/"), before + (goesOn() && !abandoned_ ? 1 : 0));
           pausing_ = false;
         });
+    secondCall("second call of the same facade", true);
     phone_->showPaymentScreen();
     begin();
   }
@@ -39,10 +43,14 @@ class PaymentFlow : public OrderedFlow {
     }
   }
   void givenUp(const std::string&) override { underWay_ = false; }
-  void replaced() override { underWay_ = false; }
+  void replaced() override {
+    underWay_ = false;
+    abandoned_ = true;
+  }
 
   bool underWay_ = false;
-  bool pausing_ = false;  ///< between two polls
+  bool pausing_ = false;    ///< between two polls
+  bool abandoned_ = false;  ///< they are those of the former flow
 };
 
 }  // namespace

@@ -19,20 +19,31 @@ class ActivationFlow : public OrderedFlow {
   }
 };
 
-/// From the moment on at which the form has been filled in, in a registration.
+/// From the moment on at which the form has been filled in, in the wallet.
 class AddCardFlow : public OrderedFlow {
  public:
   explicit AddCardFlow(const MemoryHostSettings& settings) : OrderedFlow(settings, 0) {
-    touch("AddCard", "proceedAction");
-    touch("AddCard", "cancelAction", [this] { cancelled(); });
+    touch("AddCard", "proceedAction", [this] { linked_.reset(); });
+    touch("AddCard", "cancelAction", [this] { linked_ = phone_->wallet.asked("/card/link/"); });
     touch("MsisdnRelink", "proceedAction");
     touch("MsisdnRelink", "back");
     answer("the number is to be confirmed", answers::kRelink);
-    phone_->beginAddCard(Entry::preRegister);
+    phone_->beginAddCard(Entry::wallet);
     begin();
     phone_->proceedWithCard();
     phone_->host.runUntilIdle();
   }
+
+ private:
+  void retried(const std::string&) override { linked_.reset(); }
+  void checkMore() const override {
+    if (linked_) {
+      EXPECT_EQ(phone_->wallet.asked("/card/link/"), *linked_) << "for a form that was left";
+    }
+  }
+
+  /// Links asked for when the user left the form; none once he has asked for another.
+  std::optional<std::size_t> linked_;
 };
 
 }  // namespace

@@ -31,13 +31,23 @@ void OrderedFlow::addCommonEvents() {
     };
     event(button, shown, [this, button] { pressAlert(button); });
   }
+  secondCall("second entry call", false);
+}
+
+void OrderedFlow::secondCall(const std::string& name, bool sameFacade) {
   event(
-      "second entry call", [this] { return hosts_.size() == 1; },
-      [this] {
+      name, [this] { return hosts_.size() == 1; },
+      [this, sameFacade] {
         former_ = screens_;
-        phone_->beginAnew(Entry::checkout);
+        former_.erase("");  // the host's own
+        if (sameFacade) {
+          phone_->app = std::make_shared<HostApp>();
+          phone_->checkout();
+        } else {
+          phone_->beginAnew(Entry::checkout);
+        }
         hosts_.push_back(phone_->app);
-        cancelled_ = false;
+        cancelled_ = endsInSilence_ = false;
         answers_->replaced();
         replaced();
       });
@@ -53,7 +63,19 @@ void OrderedFlow::pressAlert(const std::string& button) {
   if (goesOn() && button != "Ok") {
     button == "Retry" ? retried(alerts_[alert]) : givenUp(alerts_[alert]);
   }
+  if (button == "Cancel") {
+    noteGivenUp(alert);
+  }
   phone_->host.pressAlert(button);
+}
+
+/// Who gives up while the first screen is being looked up may be left without one, and no host
+/// told.
+void OrderedFlow::noteGivenUp(const std::shared_ptr<AlertController>& alert) {
+  const std::string& path = alerts_[alert];
+  for (const char* silent : {"/lookup/", "/card/list/"}) {
+    endsInSilence_ = endsInSilence_ || path.find(silent) != std::string::npos;
+  }
 }
 
 void OrderedFlow::begin() {
@@ -145,6 +167,10 @@ void OrderedFlow::check() const {
     EXPECT_EQ(phone_->host.topController(), phone_->host.root()) << "the flow is over";
     EXPECT_FALSE(phone_->busy());
   }
+  for (const auto& [name, screen] : former_) {
+    EXPECT_NE(phone_->host.topController(), screen.lock()) << name << " of the former flow";
+  }
+  checkMore();
   EXPECT_EQ(phone_->wallet.asked("/purchase") + phone_->wallet.asked("/auth3Ds"), wanted_);
 }
 
@@ -154,9 +180,10 @@ void OrderedFlow::leave() {
   for (auto top = phone_->host.topController(); top != phone_->host.root();
        top = phone_->host.topController()) {
     if (const auto alert = std::dynamic_pointer_cast<AlertController>(top)) {
+      noteGivenUp(alert);
       alert->press(0);
     } else if (top->identifier() == "Waiting") {
-      break;  // given up before a screen came up, which tells nobody
+      break;
     } else {
       top->performAction(top->hasAction("cancelAction") ? "cancelAction"
                          : top->hasAction("back")       ? "back"
@@ -165,7 +192,7 @@ void OrderedFlow::leave() {
     phone_->host.runFor(100s);
   }
   check();
-  EXPECT_EQ(hosts_.back()->heard.size(), phone_->screen() == "Waiting" ? 0U : 1U);
+  EXPECT_TRUE(endsInSilence_ || hosts_.back()->heard.size() == 1U);
 }
 
 void OrderedFlow::end() {

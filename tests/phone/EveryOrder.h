@@ -47,6 +47,8 @@ class OrderedFlow {
   }
   /// The request that has waited longest is answered so.
   void answer(const std::string& name, const std::string& body);
+  /// A second entry call, by a new facade or by the one that is there.
+  void secondCall(const std::string& name, bool sameFacade);
   /// A touch on the last screen of that name, filled in; once in an order also when something
   /// stands over it or it has been left. `before` says what the user means by it.
   void touch(const std::string& screen, const std::string& action, Task before = {});
@@ -61,6 +63,8 @@ class OrderedFlow {
   virtual void givenUp(const std::string& /*path*/) {}
   /// A second entry call was made.
   virtual void replaced() {}
+  /// What else holds after every event.
+  virtual void checkMore() const {}
 
   std::unique_ptr<Phone> phone_;
   std::optional<HeldAnswers> answers_;
@@ -73,6 +77,7 @@ class OrderedFlow {
   void addCommonEvents();
   void letGo(bool newest = false, std::optional<ServerReply> instead = {});
   void pressAlert(const std::string& button);
+  void noteGivenUp(const std::shared_ptr<AlertController>& alert);
   bool isOnTop(const std::string& screen);
   void look();
   void check() const;
@@ -87,6 +92,7 @@ class OrderedFlow {
   std::shared_ptr<ViewController> mustStay_;  ///< on top, when the event is a stale answer
   int strayTouches_;
   bool cancelled_ = false;
+  bool endsInSilence_ = false;
 };
 
 using BeginFlow = std::function<std::unique_ptr<OrderedFlow>(const MemoryHostSettings&)>;

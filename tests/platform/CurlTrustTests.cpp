@@ -129,7 +129,9 @@ TEST_F(ServerTrustTest, AQuestionStillOpenWhenTheExchangeIsCancelledOrClosedIsNo
     const auto one = std::make_shared<Undecided>(platform.mainQueue());
     const auto connection = start(post(server.address("/")), one);
     one->mainQueue.runUntil([&one] { return one->asked; });
-    closes ? connections.close() : connection->cancel();
+    EXPECT_LT(timed([&] { closes ? connections.close() : connection->cancel(); }),
+              std::chrono::seconds(30))
+        << "the question keeps nobody waiting";
     one->over.count_down();
     EXPECT_EQ(exchange(post(server.address("/"))), (Events{"fail"})) << "hung up on, or closed";
     EXPECT_EQ(one->events, Events{});
