@@ -20,9 +20,9 @@ using CertificatePointer = std::unique_ptr<X509, FreeCertificate>;
 CertificatePointer certificateFromDer(ByteView der);
 
 /// A presented chain, judged by OpenSSL: against the system's roots (OpenSSL's default places;
-/// SSL_CERT_FILE and SSL_CERT_DIR name others) and the anchors. Roots are looked up by name first; the
-/// whole bundle is read once in the process, and only for a chain that they do not vouch for. One
-/// thread at a time.
+/// SSL_CERT_FILE and SSL_CERT_DIR name others) and the anchors. Roots are looked up by name first;
+/// the whole bundle is read once in the process, and only for a chain that they do not vouch for.
+/// One thread at a time.
 class SystemTrust : public ServerTrust {
  public:
   /// Takes references of its own. `host` is a name or an address, as it stands in the URL.
