@@ -72,10 +72,10 @@ std::string escaped(std::string_view text) {
 }
 
 std::string issuerPage(const IssuerForm& form) {
-  const std::string what =
-      form.amount.empty()
-          ? "Confirm that this card is yours."
-          : fmt::format("Confirm the payment of <b id='amount'>R&nbsp;{}</b>.", escaped(form.amount));
+  const std::string what = form.amount.empty()
+                               ? "Confirm that this card is yours."
+                               : fmt::format("Confirm the payment of <b id='amount'>R&nbsp;{}</b>.",
+                                             escaped(form.amount));
   return page(
       "First Sandbox Bank",
       fmt::format("<header>First Sandbox Bank</header><main><div class='card'><p>{}</p>"
