@@ -10,7 +10,8 @@ namespace orlix {
 /// Shows alerts over whatever is on top, finding the application's active window by itself.
 class AlertWindow {
  public:
-  /// Any thread. Without a window the alert is dropped, with a log line.
+  /// Any thread. The alert waits while what is on top is on its way out; one that was withdrawn
+  /// before is not shown. Without a window it is dropped with a log line and counts as lost.
   static void show(const std::shared_ptr<AlertController>& alert, bool animated = true);
 
   /// Main thread. None when nothing is on screen.

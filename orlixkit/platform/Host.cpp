@@ -48,7 +48,7 @@ void Host::uninstall() {
   installed()->shutdown();
   // Released only after the slot is empty: what dies with the host may still write to its log.
   const std::shared_ptr<Host> last = installed();
-  last->application_.clear();
+  last->application_->clear();
   last->shared_.clear();
   installed().reset();
 }
@@ -59,6 +59,8 @@ Host& Host::current() {
   }
   return *installed();
 }
+
+bool Host::isInstalled() { return installed() != nullptr; }
 
 void Host::shutdown() {
   if (shutDown_) {

@@ -58,10 +58,11 @@ class Host {
   static void uninstall();
   /// Throws std::logic_error when none is installed.
   static Host& current();
+  static bool isInstalled();
 
   const Ports& ports() const { return ports_; }
   const Deployment& deployment() const { return deployment_; }
-  Application& application() { return application_; }
+  Application& application() { return *application_; }
 
   /// Ends the flow in progress as failed: a step of it, on the main thread, found no memory and may
   /// be half done. Set by the library. Called anew when it finds none itself.
@@ -80,7 +81,7 @@ class Host {
  private:
   Ports ports_;
   Deployment deployment_;
-  Application application_;
+  std::shared_ptr<Application> application_ = std::make_shared<Application>();
   std::recursive_mutex sharedLock_;
   std::map<std::type_index, std::shared_ptr<void>> shared_;
   bool shutDown_ = false;

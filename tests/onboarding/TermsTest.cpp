@@ -69,6 +69,7 @@ TEST(Terms, PageIsReachedFromBothSentencesAndAFailedOneKeepsTheIndicatorUntilThe
     EXPECT_TRUE(!loads || page->scripts()[0].find("maximum-scale=10.0") != std::string::npos);
     phone.host.tap("backButton");
     phone.host.runUntilScreen(before);
+    phone.host.runFor(1s);  // the indicator fades out
     EXPECT_FALSE(phone.busy());
   }
 }

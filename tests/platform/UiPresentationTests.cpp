@@ -4,67 +4,15 @@
 
 #include <gtest/gtest.h>
 
-#include "orlixkit/platform/memory/MemoryHost.h"
-#include "orlixkit/platform/ui/AlertController.h"
 #include "orlixkit/platform/ui/Containers.h"
-#include "orlixkit/platform/ui/PresentationController.h"
+#include "tests/platform/PresentationStage.h"
 
 namespace orlix {
 
 namespace {
 
-/// What the controllers of a test were told, one line each.
-using Diary = std::vector<std::string>;
-
-/// A screen that writes down what it is told.
-class DiaryScreen : public ViewController {
- public:
-  DiaryScreen(const std::string& name, Diary& entries) : diary(entries) { setIdentifier(name); }
-  void viewDidLoad() override { note("loaded"); }
-  void viewWillAppear() override { note("will appear"); }
-  void viewDidAppear() override { note("appeared"); }
-  void viewWillDisappear() override { note("will disappear"); }
-
-  void note(const std::string& what) { diary.push_back(identifier() + " " + what); }
-
-  Diary& diary;
-};
-
-/// A host with an observer that writes down who has come and gone.
-class Presentation : public testing::Test, private UiObserver {
- protected:
-  Presentation() { host.application().setObserver(this); }
-
-  std::shared_ptr<DiaryScreen> screen(const std::string& name) {
-    return std::make_shared<DiaryScreen>(name, diary);
-  }
-  Task note(const std::string& what) {
-    return [this, what] { diary.push_back(what); };
-  }
-  /// What was written since the last call.
-  Diary read() {
-    Diary entries;
-    entries.swap(diary);
-    return entries;
-  }
-  ViewController& root() { return *host.root(); }
-
-  Diary diary;
-  MemoryHost host;
-
- private:
-  static std::string nameOf(const std::shared_ptr<ViewController>& controller) {
-    const auto alert = std::dynamic_pointer_cast<AlertController>(controller);
-    return alert ? "alert " + alert->title() : controller->identifier();
-  }
-  void didPresent(const std::shared_ptr<ViewController>& controller) override {
-    diary.push_back(nameOf(controller) + " presented");
-  }
-  void didDismiss(const std::shared_ptr<ViewController>& controller) override {
-    diary.push_back(nameOf(controller) + " gone");
-  }
-};
-
+using test::Diary;
+class Presentation : public testing::Test, protected test::PresentationStage {};
 using Dismissal = Presentation;
 
 TEST_F(Presentation, AppearsAfterItsPresenterHasReturnedUnlessItIsACut) {
@@ -147,18 +95,34 @@ TEST_F(Presentation, IsRefusedWithALogLineWhereItHasNoPlace) {
                                       "Attempt to present C on B, which is on its way out"}));
 }
 
-TEST_F(Presentation, OfAnAlertEndsBeforeItsHandlerRunsAndHearsOnePressOnly) {
-  const auto alert = std::make_shared<AlertController>("Problem", "");
-  alert->addAction({"Retry", AlertActionStyle::standard, note("retries")});
-  root().present(alert, false);
-  read();
-  alert->press(1);
-  EXPECT_FALSE(alert->isBeingDismissed()) << "there is no second button";
-  alert->press(0);
-  alert->press(0);
-  host.runUntilIdle();
-  alert->press(0);
-  EXPECT_EQ(read(), (Diary{"alert Problem gone", "retries"}));
+TEST_F(Presentation, OfAScreenWaitsUntilTheAlertInItsPlaceHasGone) {
+  root().present(alert("Warning"), false);
+  root().present(screen("A"), true, note("A was presented"));
+  root().present(screen("B"), true);
+  EXPECT_EQ(readAll(), (Diary{"alert Warning presented"}));
+  host.pressAlert("Ok");
+  EXPECT_EQ(readAll(), (Diary{"alert Warning gone", "Ok on Warning", "A loaded", "A will appear",
+                              "A appeared", "A presented", "A was presented"}));
+  EXPECT_EQ(host.log().lines(),
+            (std::vector<std::string>{"Attempt to present B on , which presents A already"}));
+  const auto a = host.topController();
+  a->present(alert("Error"), false);
+  a->present(screen("C"), false);
+  root().dismiss(true);
+  EXPECT_EQ(readAll(), (Diary{"alert Error presented", "A will disappear", "alert Error gone",
+                              "A gone", "Error lost"}));
+  EXPECT_EQ(host.log().lines().back(),
+            "Attempt to present C, but what it waited to be presented on has gone");
+}
+
+TEST_F(Presentation, ThatCannotBeginLeavesNothingBehind) {
+  struct Unloadable : ViewController {
+    void viewWillAppear() override { throw std::runtime_error("no room"); }
+  };
+  EXPECT_THROW(root().present(std::make_shared<Unloadable>(), true), std::runtime_error);
+  EXPECT_FALSE(root().presentedViewController());
+  root().present(screen("A"), false);
+  EXPECT_EQ(host.topController()->identifier(), "A");
 }
 
 }  // namespace

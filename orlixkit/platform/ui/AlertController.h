@@ -1,5 +1,6 @@
 #pragma once
 
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -17,6 +18,9 @@ struct AlertAction {
 };
 
 /// A message over the screen that wants an answer.
+///
+/// One that cannot be shown yet waits: for a transition that is under way, for another alert. When
+/// the controller that it waits on leaves, it is shown on what is on top of the active window.
 class AlertController : public ViewController {
  public:
   AlertController(std::string title, std::string message);
@@ -25,6 +29,11 @@ class AlertController : public ViewController {
   const std::string& message() const { return message_; }
   const std::vector<AlertAction>& actions() const { return actions_; }
   void addAction(AlertAction action) { actions_.push_back(std::move(action)); }
+
+  /// Runs, once, when the alert has gone without one of its buttons having been pressed: removed by
+  /// the host or with the screen below it, or never shown for want of a window. Neither after a
+  /// button nor after `withdraw`, nor at the host's shutdown.
+  Task onLost;
 
   /// The look, as far as the library fixes it.
   Font titleFont{"Bold", 17};
@@ -35,11 +44,22 @@ class AlertController : public ViewController {
   /// A second press, or one on an alert that is no longer shown, does nothing.
   void press(std::size_t index);
 
+  /// Takes this alert away at once, wherever it is shown or waits to be; what is on it stays. No
+  /// handler runs any more, nor `onLost`, and it is not shown again.
+  void withdraw();
+
+  bool isAlert() const override { return true; }
+
+ protected:
+  bool mayBePresented() const override { return !withdrawn_; }
+  void hasGone() override;
+
  private:
   std::string title_;
   std::string message_;
   std::vector<AlertAction> actions_;
-  bool pressed_ = false;
+  std::optional<Task> pressed_;  ///< its handler
+  bool withdrawn_ = false;
 };
 
 }  // namespace orlix

@@ -1,6 +1,10 @@
 #include "orlixkit/platform/ui/Application.h"
 
+#include <algorithm>
+
 #include "orlixkit/platform/Host.h"
+#include "orlixkit/platform/ui/ActiveWindow.h"
+#include "orlixkit/platform/ui/CallOut.h"
 
 namespace orlix {
 
@@ -23,45 +27,79 @@ void Application::showMainWindow(const std::shared_ptr<ViewController>& root) {
   root->appear();
 }
 
+std::vector<std::shared_ptr<Window>> Application::windows() const {
+  std::vector<std::shared_ptr<Window>> found;
+  const auto add = [&found](const std::shared_ptr<Window>& window) {
+    if (window && std::find(found.begin(), found.end(), window) == found.end()) {
+      found.push_back(window);
+    }
+  };
+  for (const Scene& scene : connectedScenes) {
+    std::for_each(scene.windows.begin(), scene.windows.end(), add);
+  }
+  add(keyWindow);
+  add(delegateWindow);
+  return found;
+}
+
+// Each of these holds the application meanwhile: the observer may uninstall the host.
+
 void Application::didPresent(const std::shared_ptr<ViewController>& controller) {
+  const std::shared_ptr<Application> self = shared_from_this();
   if (observer_ != nullptr) {
-    observer_->didPresent(controller);
+    callOut("UiObserver::didPresent", [&] { observer_->didPresent(controller); });
   }
 }
 
 void Application::didDismiss(const std::shared_ptr<ViewController>& controller) {
+  const std::shared_ptr<Application> self = shared_from_this();
   if (observer_ != nullptr) {
-    observer_->didDismiss(controller);
+    callOut("UiObserver::didDismiss", [&] { observer_->didDismiss(controller); });
   }
 }
 
 void Application::progressChanged() {
+  const std::shared_ptr<Application> self = shared_from_this();
   if (observer_ != nullptr) {
-    observer_->progressChanged(progressIndicator_);
+    callOut("UiObserver::progressChanged", [&] { observer_->progressChanged(progressIndicator_); });
   }
 }
 
 void Application::animate(const std::shared_ptr<ViewController>& controller, Transition transition,
-                          Task done) {
-  if (observer_ == nullptr || !observer_->animate(controller, transition, done)) {
-    Host::current().ports().mainQueue->async(std::move(done));
+                          const Task& done) {
+  const std::shared_ptr<Application> self = shared_from_this();
+  bool played = false;
+  if (observer_ != nullptr) {
+    callOut("UiObserver::animate",
+            [&] { played = observer_->animate(controller, transition, done); });
+  }
+  if (!played && Host::isInstalled()) {
+    Host::current().ports().mainQueue->async(done);
   }
 }
 
-void Application::clear() {
-  std::vector<std::shared_ptr<Window>> windows{keyWindow, delegateWindow};
-  for (const Scene& scene : connectedScenes) {
-    windows.insert(windows.end(), scene.windows.begin(), scene.windows.end());
+void Application::showAlert(const std::shared_ptr<ViewController>& alert, bool animated,
+                            const Task& completion) {
+  const std::shared_ptr<Window> window = activeWindow(*this);
+  if (const auto top = topViewControllerFrom(window ? window->rootViewController : nullptr)) {
+    top->present(alert, animated, completion);
+    return;
   }
-  for (const auto& window : windows) {
-    if (window && window->rootViewController) {
+  log("OrlixKit: Unable to present alert because no active application window was found.");
+  alert->loseLater();
+}
+
+void Application::clear() {
+  observer_ = nullptr;
+  progressIndicator_.abandon();
+  for (const auto& window : windows()) {
+    if (window->rootViewController) {
       window->rootViewController->abandonPresented();
     }
   }
   connectedScenes.clear();
   keyWindow.reset();
   delegateWindow.reset();
-  observer_ = nullptr;
 }
 
 }  // namespace orlix

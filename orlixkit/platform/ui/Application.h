@@ -34,12 +34,18 @@ enum class Orientation { portrait, landscape };
 enum class Transition { presentation, dismissal, progress };
 
 /// Watches the user interface from outside: the shell that draws it, the script that reports it.
+///
+/// It may do anything at any call: present, dismiss, press, run the main queue, shut the host down.
+/// What it throws is logged and the step that called it goes on; an `animate` that throws counts as
+/// one that plays none.
 class UiObserver {
  public:
   virtual ~UiObserver() = default;
   /// A controller (screen or alert) has appeared / has gone.
   virtual void didPresent(const std::shared_ptr<ViewController>&) {}
   virtual void didDismiss(const std::shared_ptr<ViewController>&) {}
+  /// It has been shown, perhaps in the place of another one or of one that was fading out, or it
+  /// has gone, its fade included.
   virtual void progressChanged(const ProgressIndicator&) {}
   /// Plays an animation and calls `done` on the main thread when it has ended. False: this observer
   /// plays none, and `done` is left to the caller. `controller` is none for the progress indicator.
@@ -51,7 +57,7 @@ class UiObserver {
 /// The application's user interface: its scenes and windows, the screen's size and orientation, the
 /// progress indicator and the storyboard. The host application fills in what it shows; the library
 /// reads it. Main thread only.
-class Application {
+class Application : public std::enable_shared_from_this<Application> {
  public:
   Application();
   ~Application();
@@ -69,6 +75,9 @@ class Application {
   Size mainScreenSize() const { return mainScreen.value_or(Size{}); }
   Orientation statusBarOrientation = Orientation::portrait;
 
+  /// All of the above, each once.
+  std::vector<std::shared_ptr<Window>> windows() const;
+
   /// Puts one window with this root controller on the screen, as the key window of a new scene.
   void showMainWindow(const std::shared_ptr<ViewController>& root);
 
@@ -83,9 +92,15 @@ class Application {
   void progressChanged();
   /// Lets the observer play the animation, then runs `done` on the main queue. Never at once: what
   /// is animated ends after the caller has returned.
-  void animate(const std::shared_ptr<ViewController>& controller, Transition transition, Task done);
+  void animate(const std::shared_ptr<ViewController>& controller, Transition transition,
+               const Task& done);
 
-  /// Releases every window, and with it all that is presented.
+  /// Presents the alert on what is on top of the active window, now or when it can be. Without a
+  /// window it is dropped with a log line, and counts as lost.
+  void showAlert(const std::shared_ptr<ViewController>& alert, bool animated,
+                 const Task& completion = {});
+
+  /// Releases every window, and with it all that is presented, without telling anyone.
   void clear();
 
  private:

@@ -1,32 +1,124 @@
 #include "orlixkit/platform/ui/ProgressIndicator.h"
 
+#include <new>
+#include <utility>
+
 #include "orlixkit/platform/Host.h"
+#include "orlixkit/platform/MainQueue.h"
+#include "orlixkit/platform/ui/ActiveWindow.h"
 
 namespace orlix {
 
-void ProgressIndicator::show(std::string status, ProgressMask mask, ProgressStyle style) {
-  visible_ = true;
+namespace {
+
+// Held during each step: the observer, or a completion, may uninstall the host.
+std::shared_ptr<Application> heldApplication() {
+  return Host::current().application().shared_from_this();
+}
+
+}  // namespace
+
+void ProgressIndicator::show(std::string status, ProgressMask mask, ProgressStyle style,
+                             const std::shared_ptr<ViewController>& owner) {
+  const std::shared_ptr<Application> application = heldApplication();
+  state_ = State::shown;
   status_ = std::move(status);
   mask_ = mask;
   style_ = style;
-  Host::current().application().progressChanged();
+  owned_ = owner != nullptr;
+  owner_ = owner;
+  application->progressChanged();
+  runCompletions();
 }
 
 void ProgressIndicator::dismiss(Task completion) {
-  if (!visible_) {
-    if (completion) {
-      completion();
-    }
+  const std::shared_ptr<Application> application = heldApplication();
+  if (completion) {
+    completions_.push_back({std::move(completion), state_ == State::shown ? fade_ + 1 : fade_});
+  }
+  if (state_ == State::hidden) {
+    runCompletions();
     return;
   }
-  visible_ = false;
+  if (state_ == State::fading) {
+    return;
+  }
+  state_ = State::fading;
+  const std::uint64_t fade = ++fade_;
+  try {
+    application->animate(nullptr, Transition::progress, [weak = std::weak_ptr(application), fade] {
+      if (const auto there = weak.lock()) {
+        there->progressIndicator().end(fade);
+      }
+    });
+  } catch (const std::bad_alloc&) {
+    end(fade);  // begun, so it ends, if without its animation
+  }
+}
+
+void ProgressIndicator::dismissFor(const ViewController& owner, Task completion) {
+  if (belongsTo(owner)) {
+    dismiss(std::move(completion));
+  } else if (completion) {
+    completion();
+  }
+}
+
+bool ProgressIndicator::belongsTo(const ViewController& owner) const {
+  return visible() && owned_ && owner_.lock().get() == &owner;
+}
+
+bool ProgressIndicator::isShownFor(const ViewController& owner) const {
+  return state_ == State::shown && belongsTo(owner);
+}
+
+bool ProgressIndicator::blocksInput() const {
+  return visible() && mask_ == ProgressMask::gradient &&
+         (!owned_ || isOnScreen(Host::current().application(), owner_.lock()));
+}
+
+void ProgressIndicator::end(std::uint64_t fade) {
+  if (state_ != State::fading || fade_ != fade) {
+    return;
+  }
+  const std::shared_ptr<Application> application = heldApplication();
+  state_ = State::hidden;
   status_.clear();
-  Host::current().application().progressChanged();
-  Host::current().application().animate(nullptr, Transition::progress, [completion] {
-    if (completion) {
-      completion();
-    }
-  });
+  owned_ = false;
+  owner_.reset();
+  application->progressChanged();
+  runCompletions();
+}
+
+void ProgressIndicator::cutFor(const ViewController& owner) {
+  if (belongsTo(owner)) {
+    fade_ += state_ == State::fading ? 0 : 1;
+    state_ = State::fading;
+    end(fade_);
+  }
+}
+
+void ProgressIndicator::dismissOrphan() {
+  if (owned_ && owner_.expired()) {
+    dismiss();
+  }
+}
+
+/// In their order, also when one of them comes back here; those of a fade under way go on waiting.
+void ProgressIndicator::runCompletions() {
+  while (!completions_.empty() && (state_ != State::fading || completions_.front().fade != fade_)) {
+    const Task task = std::move(completions_.front().task);
+    completions_.pop_front();
+    runLogged(task);
+  }
+}
+
+void ProgressIndicator::abandon() {
+  state_ = State::hidden;
+  status_.clear();
+  owned_ = false;
+  owner_.reset();
+  completions_.clear();
 }
 
 }  // namespace orlix

@@ -1,35 +1,74 @@
 #pragma once
 
+#include <cstdint>
+#include <deque>
+#include <memory>
 #include <string>
 
 #include "orlixkit/platform/Bytes.h"
 
 namespace orlix {
 
+class ViewController;
+
 /// `none` lets the user's touches through to the screen; `gradient` dims it and holds them back.
 enum class ProgressMask { none, gradient };
 /// `information` is the style for a lookup that the user waits for; it shows the status alike.
 enum class ProgressStyle { activity, information };
 
-/// The one heads-up display that says what the library is busy with. Main thread only.
+/// The one heads-up display that says what the library is busy with.
+///
+/// It belongs to the controller that showed it last and goes when that one leaves the screen. It is
+/// visible, and its mask holds touches back, until its fade has ended. Every completion given to a
+/// dismissal runs once: when the fade has ended, or at once when another `show` ends the fade.
+/// What a completion throws is logged. Main thread only.
 class ProgressIndicator {
  public:
+  /// Takes the place of what is shown. `owner` is not held; none leaves it to whoever dismisses it.
   void show(std::string status, ProgressMask mask = ProgressMask::none,
-            ProgressStyle style = ProgressStyle::activity);
-  /// Fades out; `completion` runs when it is gone, at once when it was not shown.
-  void dismiss(Task completion = {});
+            ProgressStyle style = ProgressStyle::activity,
+            const std::shared_ptr<ViewController>& owner = nullptr);
 
-  bool visible() const { return visible_; }
+  /// Fades it out, whoever showed it; `completion` runs when it is gone, at once when it was not
+  /// shown.
+  void dismiss(Task completion = {});
+  /// The same if `owner` showed it last, otherwise `completion` runs at once.
+  void dismissFor(const ViewController& owner, Task completion = {});
+
+  bool visible() const { return state_ != State::hidden; }
+  /// True while it is shown for this controller and not on its way out.
+  bool isShownFor(const ViewController& owner) const;
   const std::string& status() const { return status_; }
   ProgressStyle style() const { return style_; }
-  /// True while the user's touches are held back.
-  bool blocksInput() const { return visible_ && mask_ == ProgressMask::gradient; }
+  /// True while the user's touches are held back. An owner that is in no window holds none back.
+  bool blocksInput() const;
 
  private:
-  bool visible_ = false;
+  friend class Application;
+  friend class ViewController;
+  enum class State { hidden, shown, fading };
+  struct Completion {
+    Task task;
+    std::uint64_t fade;  ///< the one it waits for
+  };
+  bool belongsTo(const ViewController& owner) const;
+  void end(std::uint64_t fade);
+  /// Without a fade: its owner has left the screen.
+  void cutFor(const ViewController& owner);
+  /// Fades it out when its owner is no more.
+  void dismissOrphan();
+  void runCompletions();
+  /// Forgets everything, completions included.
+  void abandon();
+
+  State state_ = State::hidden;
   std::string status_;
   ProgressMask mask_ = ProgressMask::none;
   ProgressStyle style_ = ProgressStyle::activity;
+  bool owned_ = false;
+  std::weak_ptr<ViewController> owner_;
+  std::uint64_t fade_ = 0;  ///< counts them
+  std::deque<Completion> completions_;
 };
 
 }  // namespace orlix

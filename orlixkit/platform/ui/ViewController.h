@@ -20,6 +20,10 @@ class ViewController;
 
 enum class ModalPresentationStyle { fullScreen, custom };
 
+/// Where a controller is on its way over the one that presents it. `idle`: not presented.
+/// `waiting`: an alert or screen whose place is still taken.
+enum class PresentationState { idle, waiting, presenting, presented, dismissing };
+
 /// Supplies the presentation of a controller that is presented in the custom style.
 class TransitioningDelegate {
  public:
@@ -72,8 +76,10 @@ class ViewController : public std::enable_shared_from_this<ViewController> {
   // A controller inside a container presents, and is presented, as the container.
   std::shared_ptr<ViewController> presentedViewController() const;
   std::shared_ptr<ViewController> presentingViewController() const;
+  PresentationState presentationState() const;
   /// On its way out, by itself or with a controller below it.
-  bool isBeingDismissed() const;
+  bool isBeingDismissed() const { return presentationState() == PresentationState::dismissing; }
+  /// From `viewDidAppear` to `viewWillDisappear`.
   bool hasAppeared() const { return appeared_; }
   const std::shared_ptr<PresentationController>& presentationController() const {
     return presentationController_;
@@ -83,15 +89,22 @@ class ViewController : public std::enable_shared_from_this<ViewController> {
   /// Not owned.
   std::weak_ptr<TransitioningDelegate> transitioningDelegate;
 
-  /// Shows `controller` over this one. Refused with a log line when this controller presents
-  /// another one already, when it is on its way out itself, or when `controller` is shown already.
-  /// While the presented one is on its way out, the new one waits until it is gone.
+  /// Shows `controller` over this one, now or when its place is free.
+  ///
+  /// It waits while what this one presents is on its way out, and while that is an alert. An alert
+  /// is shown on what is on top of this one, after another alert; when this one leaves before, it
+  /// is shown on top of the active window (`Application::showAlert`).
+  ///
+  /// Refused with a log line, `completion` then does not run: a controller that is shown or waits
+  /// already; a screen, when this one presents another screen or is on its way out, also when
+  /// either happens while it waits.
   void present(const std::shared_ptr<ViewController>& controller, bool animated,
                Task completion = {});
 
-  /// Takes away what this controller presents, with all that stands on it; each is told, from the
-  /// top down. Without anything presented `completion` runs at once; while a dismissal is under way
-  /// it joins that one, and one that is not animated ends it at once.
+  /// Takes away what this controller presents, with all that is on it; each is told, from the top
+  /// down. Without anything presented `completion` runs at once; while a dismissal is under way it
+  /// joins that one, and one that is not animated ends it at once. What waits to be presented here
+  /// comes after the completions.
   void dismiss(bool animated, Task completion = {});
 
   /// Makes the segue's destination from the storyboard and presents it, animated.
@@ -104,8 +117,9 @@ class ViewController : public std::enable_shared_from_this<ViewController> {
   /// The container that holds this controller, none for most.
   std::weak_ptr<ViewController> parent;
 
-  /// Whom a container shows; the controller itself when it is none.
+  /// What a container shows; none when the controller is no container.
   virtual std::shared_ptr<ViewController> visibleChild() { return nullptr; }
+  virtual bool isAlert() const { return false; }
 
  protected:
   /// Makes the view of that outlet, adds it to this screen's view and registers it.
@@ -117,40 +131,82 @@ class ViewController : public std::enable_shared_from_this<ViewController> {
   void action(const std::string& name, Task operation);
   void keepReachableUnderMask(std::set<std::string> names) { underMask_ = std::move(names); }
 
+  virtual bool mayBePresented() const { return true; }
+  /// It has gone from the screen, or from where it waited, and everyone has been told.
+  virtual void hasGone() {}
+  /// Takes this controller away at once, or from where it waits; what is on it stays.
+  void leaveAlone();
+
  private:
   friend class Application;
-  /// Runs when the presented controller has gone.
-  struct AfterDismissal {
-    Task task;
-    bool presents = false;  ///< it presents another one in the place that has become free
+  /// A presentation that cannot begin yet.
+  struct Waiting {
+    std::shared_ptr<ViewController> controller;
+    bool animated = false;
+    Task completion;
+  };
+  /// A controller and which of its presentations is meant: it may be presented again meanwhile.
+  struct Showing {
+    std::shared_ptr<ViewController> controller;
+    unsigned number = 0;
+    bool is(PresentationState state) const;
+  };
+  /// What is left of a presentation that has ended.
+  struct Gone {
+    std::shared_ptr<ViewController> controller;
+    std::vector<Task> completions;
+    std::vector<Waiting> waiting;
   };
   void registerOutlet(const std::string& name, const std::shared_ptr<View>& view);
   std::string reasonNotToPresent(const ViewController& controller) const;
-  std::vector<std::shared_ptr<ViewController>> presentedFromTheTop() const;
-  /// Lets go of everything presented, and of what waits for it, without telling anybody.
-  void abandonPresented();
   void begin(const std::shared_ptr<ViewController>& controller, bool animated, Task completion);
-  void finishPresentation(const std::shared_ptr<ViewController>& controller);
-  void beginDismissal();
-  void finishDismissal(const std::shared_ptr<ViewController>& controller);
+  void layOut(const std::shared_ptr<ViewController>& controller);
+  void wait(const std::shared_ptr<ViewController>& controller, bool animated, Task completion);
+  /// Each that still waits gets its turn: on `presenter`, without one on top of the active window.
+  static void presentWaiting(const std::vector<Waiting>& waiting,
+                             const std::shared_ptr<ViewController>& presenter);
+  /// Calls `hasGone` from the main queue.
+  void loseLater();
+
+  // Of the presented controller itself:
+  Showing thisShowing();
+  std::vector<Showing> stackFromTheTop();
+  void arrive();
+  void beginDismissal(std::vector<Showing> stack);
+  void endDismissal(unsigned number);
+  Gone unlink();
+  void stepOutOfTheStack();
+  void leaveWithoutPresenter();
+  static void finish(const std::vector<Gone>& all);
   void appear();
   void disappear();
+
+  /// Lets go of everything presented, and of what waits for it, without telling anyone.
+  void abandonPresented();
+  void releasePresented() noexcept;
 
   std::string identifier_;
   std::shared_ptr<View> view_;
   bool loaded_ = false;
   bool appeared_ = false;
-  bool beingDismissed_ = false;
   std::vector<std::string> outletNames_;
   std::map<std::string, std::shared_ptr<View>> outlets_;
   std::vector<std::string> actionNames_;
   std::map<std::string, Task> actions_;
   std::set<std::string> underMask_;
-  std::shared_ptr<ViewController> presented_;
+
+  // This one's own presentation:
+  PresentationState state_ = PresentationState::idle;
+  unsigned number_ = 0;  ///< counts its presentations
   std::weak_ptr<ViewController> presenting_;
+  std::weak_ptr<ViewController> waitsOn_;
   std::shared_ptr<PresentationController> presentationController_;
-  Task presentationCompletion_;                 ///< of `presented_`, while it is on its way in
-  std::vector<AfterDismissal> afterDismissal_;  ///< of `presented_`, while it is on its way out
+  Task whenPresented_;
+  std::vector<Task> whenGone_;
+
+  // What it presents:
+  std::shared_ptr<ViewController> presented_;
+  std::vector<Waiting> waiting_;
 };
 
 template <class T>
