@@ -155,7 +155,7 @@ void addToken(UrlRequest& request, const std::string& header,
 }
 
 UrlRequest requestFor(const std::string& url, const std::optional<SecretBytes>& payload,
-                      const DataStore& dataStore) {
+                      const DataStore& dataStore, std::function<bool()> mayBeSent) {
   UrlRequest request;
   request.url = url;
   request.method = "POST";
@@ -164,6 +164,7 @@ UrlRequest requestFor(const std::string& url, const std::optional<SecretBytes>& 
   addToken(request, "x-session-token1", dataStore.sessionId);
   addToken(request, "x-session-token2", dataStore.sessionId2);
   request.body = payload;
+  request.mayBeSent = std::move(mayBeSent);
   return request;
 }
 
@@ -194,9 +195,10 @@ NetworkResult exchangeWith(const Ports& ports, UrlRequest request) {
 }  // namespace
 
 NetworkResult OMNetwork::post(const std::string& url, const std::optional<SecretBytes>& payload,
-                              const DataStore& dataStore) {
+                              const DataStore& dataStore, std::function<bool()> mayBeSent) {
   try {
-    return exchangeWith(Host::current().ports(), requestFor(url, payload, dataStore));
+    return exchangeWith(Host::current().ports(),
+                        requestFor(url, payload, dataStore, std::move(mayBeSent)));
   } catch (const std::exception& failure) {
     log(std::string("OMNetwork error. ") + failure.what());
     return {};

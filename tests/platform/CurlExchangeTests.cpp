@@ -38,6 +38,24 @@ TEST_F(CurlExchangeTest, ARequestIsNeverSentTwice) {
   }
 }
 
+TEST_F(CurlExchangeTest, ARequestWithdrawnWhileItConnectsIsNotSent) {
+  std::atomic<int> requests = 0;
+  TlsServer server(serverIdentity(), [&requests](TlsConnection& connection) {
+    requests += connection.read() ? 1 : 0;
+  });
+  std::atomic<bool> withdrawn = false;
+  UrlRequest request = post(server.address("/pay"));
+  request.mayBeSent = [&withdrawn] { return !withdrawn; };
+  delegate = newDelegate();
+  delegate->onChallenge = [&withdrawn] { withdrawn = true; };
+  start(std::move(request), delegate);
+  delegate->await();
+  EXPECT_EQ(delegate->events, (Events{"fail"}));
+  EXPECT_EQ(delegate->error, "the request was withdrawn before it was sent");
+  EXPECT_EQ(server.handshakes(), 1) << "it was connected";
+  EXPECT_EQ(requests, 0);
+}
+
 TEST_F(CurlExchangeTest, ReadsEveryFormOfAnswerAndRefusesWhatIsNone) {
   const std::string ok = "HTTP/1.1 200 OK\r\n";
   const std::string chunked = ok + "Transfer-Encoding: chunked\r\n\r\n";

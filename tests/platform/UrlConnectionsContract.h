@@ -1,5 +1,6 @@
 #pragma once
 
+#include <atomic>
 #include <functional>
 #include <memory>
 #include <optional>
@@ -288,6 +289,40 @@ TYPED_TEST_P(UrlConnectionsContract, RedirectsThatNeverEndOrLeaveTheSecureScheme
   EXPECT_EQ(this->exchange(std::move(request)), (Events{"fail"}));
 }
 
+TYPED_TEST_P(UrlConnectionsContract, AWithdrawnRequestFailsAndIsNotSent) {
+  for (const int status : {303, 307}) {
+    this->platform.script("/from" + std::to_string(status),
+                          {.status = status, .location = this->platform.address("/ok")});
+  }
+  const struct {
+    std::string name;
+    std::string path;
+    int timesAllowed;
+    Events events;
+    std::size_t sent;
+  } rows[] = {
+      {"allowed", "/ok", 1, {"response 200", "data", "finish"}, 1},
+      {"withdrawn at once", "/ok", 0, {"fail"}, 0},
+      {"withdrawn before a redirect with the body", "/from307", 1, {"response 307", "fail"}, 1},
+      {"withdrawn before a redirect without it", "/from303", 1, {"response 303", "fail"}, 1},
+      {"allowed twice", "/from307", 2, {"response 307", "response 200", "data", "finish"}, 2},
+  };
+  for (const auto& row : rows) {
+    SCOPED_TRACE(row.name);
+    const std::size_t before = this->platform.seen().size();
+    UrlRequest request = this->post(row.path);
+    const auto left = std::make_shared<std::atomic<int>>(row.timesAllowed);
+    request.mayBeSent = [left] { return (*left)-- > 0; };
+    EXPECT_EQ(this->exchange(std::move(request)), row.events);
+    EXPECT_EQ(this->delegate->error.find("withdrawn before it was sent") != std::string::npos,
+              row.events.back() == "fail");
+    EXPECT_EQ(this->platform.seen().size(), before + row.sent);
+  }
+  UrlRequest request = this->post("/ok");
+  request.mayBeSent = []() -> bool { throw 1; };
+  EXPECT_EQ(this->exchange(std::move(request)), (Events{"fail"})) << "an exception counts as false";
+}
+
 TYPED_TEST_P(UrlConnectionsContract, RefusesAHeaderThatWouldBreakTheLine) {
   for (const auto& [name, value] : Fields{{"x-token", "a\r\nx-evil: b"},
                                           {"x-token", "a\nb"},
@@ -343,7 +378,7 @@ REGISTER_TYPED_TEST_SUITE_P(UrlConnectionsContract, AnAnswerOfAnyStatusIsRespons
                             ARedirectIsFollowedAndReported,
                             OnlyTheContentTypeFollowsToAnotherHostAndTheTokensStayOut,
                             RedirectsThatNeverEndOrLeaveTheSecureSchemeFail,
-                            RefusesAHeaderThatWouldBreakTheLine,
+                            AWithdrawnRequestFailsAndIsNotSent, RefusesAHeaderThatWouldBreakTheLine,
                             NothingIsToldAfterCancelAndOthersGoOn,
                             CloseEndsEverythingUntoldAndLaterStartsFail);
 

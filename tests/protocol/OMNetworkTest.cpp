@@ -14,7 +14,7 @@ struct Posted {
 
 /// Posts "{}" with these tokens and waits for the end.
 Posted post(MemoryHost& host, std::optional<std::string> token1 = {},
-            std::optional<std::string> token2 = {}) {
+            std::optional<std::string> token2 = {}, std::function<bool()> mayBeSent = {}) {
   Posted posted;
   host.backgroundQueues().global(QualityOfService::high, [&] {
     DataStore store(SecretBytes(16, 0));
@@ -23,7 +23,7 @@ Posted post(MemoryHost& host, std::optional<std::string> token1 = {},
     const SteadyTime begin = host.clock().steadyNow();
     const Bytes body = toBytes("{}");
     const NetworkResult result =
-        OMNetwork().post("https://live.example/vello/x", SecretBytes(body), store);
+        OMNetwork().post("https://live.example/vello/x", SecretBytes(body), store, mayBeSent);
     posted.took = host.clock().steadyNow() - begin;
     if (result.payload) {
       posted.body.emplace(result.payload->reveal().begin(), result.payload->reveal().end());
@@ -78,6 +78,23 @@ TEST(OMNetwork, TheOutcomeShowsInCodeBodyAndLog) {
     EXPECT_EQ(host.log().count("OMNetwork"), row.logged.empty() ? 0U : 1U) << host.log().text();
     EXPECT_EQ(host.log().count(row.logged), host.log().count("OMNetwork")) << host.log().text();
     EXPECT_EQ(host.connections().underWay(), 0U);
+  }
+}
+
+TEST(OMNetwork, ARequestWithdrawnWhileItConnectsIsNeverSent) {
+  for (const Duration connectTime : {2s, 4s}) {
+    MemoryHost host;
+    host.connections().on("", ServerReply::of(200, "{}"));
+    host.connections().setConnectTime(connectTime);
+    const SteadyTime end = host.clock().steadyNow() + 3s;
+    const bool inTime = connectTime < 3s;
+    const Posted posted = post(host, {}, {}, [&] { return host.clock().steadyNow() < end; });
+    EXPECT_EQ(posted.code, inTime ? 200 : 0);
+    EXPECT_EQ(posted.body.has_value(), inTime);
+    EXPECT_EQ(posted.took, connectTime);
+    EXPECT_EQ(host.requests().size(), inTime ? 1U : 0U);
+    EXPECT_EQ(host.log().count("OMNetwork error. The request was withdrawn before it was sent."),
+              inTime ? 0U : 1U);
   }
 }
 

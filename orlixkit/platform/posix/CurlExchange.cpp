@@ -19,13 +19,13 @@ namespace {
 
 constexpr int maximumRedirects = 20;
 
-/// Runs a callback of libcurl or OpenSSL, through which no exception may pass: the lack of memory
-/// becomes the value by which the callback refuses.
+/// Runs a callback of libcurl or OpenSSL, through which no exception may pass: one becomes the
+/// value by which the callback refuses.
 template <class Result, class Callback>
 Result orRefuse(Result refusal, const Callback& callback) {
   try {
     return callback();
-  } catch (const std::exception&) {
+  } catch (...) {
     return refusal;
   }
 }
@@ -141,6 +141,7 @@ void CurlExchange::release() {
   easy_.reset();
   headers_.reset();
   request_.body.reset();
+  request_.mayBeSent = nullptr;
 }
 
 template <class Value>
@@ -221,6 +222,7 @@ void CurlExchange::prepareHop(const std::string& address) {
 
   newConnection_ = false;
   stale_ = false;
+  withdrawn_ = false;
   requestSent_ = false;
   headerEnded_ = false;
   errorText_[0] = '\0';
@@ -262,8 +264,17 @@ int CurlExchange::onRequest(void* self, char*, char*, int serverPort, int localP
   if (exchange.stale_) {
     return CURL_PREREQFUNC_ABORT;
   }
+  exchange.withdrawn_ = !exchange.mayBeSent();
+  if (exchange.withdrawn_) {
+    return CURL_PREREQFUNC_ABORT;
+  }
   exchange.requestSent_ = true;
   return CURL_PREREQFUNC_OK;
+}
+
+bool CurlExchange::mayBeSent() const {
+  return !isOver() &&
+         orRefuse(false, [this] { return !request_.mayBeSent || request_.mayBeSent(); });
 }
 
 std::size_t CurlExchange::onHeader(char* line, std::size_t unit, std::size_t count, void* self) {
@@ -326,6 +337,8 @@ bool CurlExchange::endHop(CURLcode result) {
     tellEnd([](UrlConnectionDelegate& delegate) { delegate.didFinishLoading(); });
   } else if (refused_) {
     fail("the server's certificate was not accepted");
+  } else if (withdrawn_) {
+    fail("the request was withdrawn before it was sent");
   } else if (requestSent_ && lastByte_ == hopBegin_) {
     fail("the server closed the connection without an answer");
   } else if (result == CURLE_OK) {
