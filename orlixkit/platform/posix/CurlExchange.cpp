@@ -380,6 +380,9 @@ bool CurlExchange::prepareRedirect() {
 
 CURLcode CurlExchange::onTlsContext(CURL*, void* context, void* self) {
   auto* tls = static_cast<SSL_CTX*>(context);
+  // libcurl writes the session keys where the variable SSLKEYLOGFILE says; a payment's are nobody
+  // else's, whatever the environment.
+  SSL_CTX_set_keylog_callback(tls, nullptr);
   // A further handshake on the same connection would ask an exchange that may be gone.
   SSL_CTX_set_options(tls, SSL_OP_NO_RENEGOTIATION | SSL_OP_CLEANSE_PLAINTEXT);
   SSL_CTX_set_cert_verify_callback(tls, &onCertificates, self);
