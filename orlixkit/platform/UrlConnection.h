@@ -78,7 +78,9 @@ class UrlConnectionDelegate {
 };
 
 /// One HTTP exchange. Nothing is cached. A request is sent once: only a redirect makes a further
-/// one (301, 302 and 303 turn a POST into a GET, 307 and 308 keep method and body).
+/// one (301, 302 and 303 turn a POST into a GET, 307 and 308 keep method and body). A redirect that
+/// would carry a body to another origin (host or port) is not followed and fails the exchange: the
+/// body of a payment is for the server it was addressed to.
 class UrlConnection {
  public:
   virtual ~UrlConnection() = default;

@@ -54,8 +54,12 @@ TEST(OMNetwork, TheOutcomeShowsInCodeBodyAndLog) {
   for (int i = 0; i < 100; ++i) {
     trickle.after(1s).body("x");
   }
-  const ServerReply moved =
-      ServerReply().status(307).body("moved").redirect("https://live.example/vello/y");
+  const auto moved = [](const std::string& to) {
+    return ServerReply().status(307).body("moved").redirect(to);
+  };
+  const std::string toAnother =
+      "OMNetwork error. The redirect to https://elsewhere.example would carry the request's body "
+      "to another server.";
   const std::vector<Case> cases = {
       {"complete", header().body("{").after(2s).body("}"), 200, "{}", "", 2s},
       {"an empty body", ServerReply::of(200, ""), 200, "", "", 0s},
@@ -64,7 +68,14 @@ TEST(OMNetwork, TheOutcomeShowsInCodeBodyAndLog) {
       {"a body that goes on beyond the limit", trickle, 200, {}, timedOut, 60s},
       {"too long", header().body(longest).body("x").silence(), 200, {}, tooLong, 0s},
       {"as long as can be", ServerReply::of(200, longest), 200, longest, "", 0s},
-      {"a redirect, of which the last answer counts", moved, 201, "new", "", 0s},
+      {"a redirect, of which the last answer counts", moved("https://live.example/vello/y"), 201,
+       "new", "", 0s},
+      {"a redirect to another server",
+       moved("https://elsewhere.example/y"),
+       307,
+       {},
+       toAnother,
+       0s},
   };
   for (const Case& row : cases) {
     SCOPED_TRACE(row.name);
@@ -150,6 +161,19 @@ TEST(OMNetwork, TheChainIsJudgedByPinnedCertificatesBesidesTheSystemsRoots) {
   host.bundle().add("certificatewildcard", "cer", toBytes("W"));
   EXPECT_EQ(OMNetwork::pinnedCertificates(), std::vector<Bytes>{toBytes("W")});
   EXPECT_TRUE(host.log().lines().empty()) << "a missing one is left out in silence";
+}
+
+TEST(OMNetwork, ASilentServerTimesOutWhicheverOfTheTwoLimitsIsNoticedFirst) {
+  for (unsigned seed = 0; seed < 200; ++seed) {
+    for (const ServerReply& reply : {ServerReply().silence(), ServerReply().after(61s)}) {
+      MemoryHost host(anyOrder(seed, true));
+      host.connections().on("", reply);
+      EXPECT_EQ(post(host).code, 0);
+      EXPECT_EQ(host.log().text(),
+                "OMNetwork request timed out after 60 seconds: https://live.example/vello/x\n")
+          << seed;
+    }
+  }
 }
 
 TEST(OMNetwork, AnAnswerIsWholeWhateverOrderTheThreadsRunInOrAtTheLastMomentNone) {

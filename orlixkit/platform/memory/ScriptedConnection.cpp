@@ -212,6 +212,11 @@ void ScriptedConnection::follow(const std::string& target) {
     request_.body.reset();
   }
   if (serverOf(target) != serverOf(request_.url)) {
+    if (request_.body && !request_.body->empty()) {
+      fail("The redirect to " + serverOf(target) +
+           " would carry the request's body to another server.");
+      return;
+    }
     std::erase_if(request_.headers,
                   [](const auto& field) { return field.first != "Content-Type"; });
   }

@@ -233,14 +233,18 @@ void CurlExchange::prepareHop(const std::string& address) {
   set(CURLOPT_FRESH_CONNECT, 0L);
   set(CURLOPT_HTTPHEADER, headers_.get());
   if (request_.method == "POST") {
-    const bool empty = !request_.body || request_.body->empty();
+    const bool filled = carriesBody();
     set(CURLOPT_POST, 1L);
-    set(CURLOPT_POSTFIELDSIZE_LARGE, static_cast<curl_off_t>(empty ? 0 : request_.body->size()));
+    set(CURLOPT_POSTFIELDSIZE_LARGE, static_cast<curl_off_t>(filled ? request_.body->size() : 0));
     // Without a copy: the request outlives the transfer.
-    set(CURLOPT_POSTFIELDS, empty ? "" : reinterpret_cast<const char*>(request_.body->data()));
+    set(CURLOPT_POSTFIELDS, filled ? reinterpret_cast<const char*>(request_.body->data()) : "");
   } else {
     set(CURLOPT_HTTPGET, 1L);
   }
+}
+
+bool CurlExchange::carriesBody() const {
+  return request_.method == "POST" && request_.body && !request_.body->empty();
 }
 
 curl_socket_t CurlExchange::onOpenSocket(void* self, curlsocktype, curl_sockaddr* address) {
@@ -368,8 +372,14 @@ bool CurlExchange::prepareRedirect() {
       request_.method = "GET";
     }
     const std::string address(target);
+    const RequestTarget next = targetOf(address);
     // Once another host has had a say in where the request goes, the fields stay out.
-    ownHost_ = ownHost_ && targetOf(address).hasOriginOf(targetOf(request_.url));
+    ownHost_ = ownHost_ && next.hasOriginOf(targetOf(request_.url));
+    if (!ownHost_ && carriesBody()) {
+      throw std::runtime_error(
+          fmt::format("the redirect to https://{} would carry the request's body to another server",
+                      next.origin));
+    }
     prepareHop(address);
     return true;
   } catch (const std::exception& error) {

@@ -62,6 +62,7 @@ class CurlExchange : public UrlConnection, public std::enable_shared_from_this<C
   void setConstantOptions();
   /// Sets address, method, header and body of the next hop. Throws when it cannot be made.
   void prepareHop(const std::string& address);
+  bool carriesBody() const;
   bool mayBeSent() const;
   bool followsRedirect() const;
   bool prepareRedirect();
