@@ -2,6 +2,7 @@
 
 #include <chrono>
 #include <cstdint>
+#include <functional>
 #include <memory>
 #include <optional>
 #include <span>
@@ -22,6 +23,15 @@ struct UrlRequest {
   std::vector<std::pair<std::string, std::string>> headers;
   std::optional<SecretBytes> body;   ///< none: a POST is sent with a length of 0
   std::chrono::seconds timeout{60};  ///< the longest time without any byte from the server
+  /// Asked immediately before the request is written, once the connection to the server exists and
+  /// is trusted, and again for each redirect and each further attempt. False fails the exchange,
+  /// and no byte of that request is sent: a payment that waits for a slow connection can still be
+  /// withdrawn. Empty: always sent. An exception counts as false.
+  ///
+  /// Thread: the transport's, which is a background thread or a caller that waits for its own
+  /// exchange; no lock of the transport is held. Every exchange waits for the answer, so it must
+  /// not block, nor use a connection. Destroyed with the request, on any thread.
+  std::function<bool()> mayBeSent;
 };
 
 /// The chain of certificates that a server presented, and what it is judged by.
@@ -68,7 +78,9 @@ class UrlConnectionDelegate {
 };
 
 /// One HTTP exchange. Nothing is cached. A request is sent once: only a redirect makes a further
-/// one (301, 302 and 303 turn a POST into a GET, 307 and 308 keep method and body).
+/// one (301, 302 and 303 turn a POST into a GET, 307 and 308 keep method and body). A redirect that
+/// would carry a body to another origin (host or port) is not followed and fails the exchange: the
+/// body of a payment is for the server it was addressed to.
 class UrlConnection {
  public:
   virtual ~UrlConnection() = default;

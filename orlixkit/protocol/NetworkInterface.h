@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <optional>
 #include <string>
 
@@ -24,9 +25,10 @@ class NetworkInterface {
   virtual ~NetworkInterface() = default;
 
   /// Posts `payload` to `url` with the session tokens of `dataStore` and blocks until the exchange
-  /// is over. Never throws. Off the main thread.
+  /// is over. Never throws. Off the main thread. `mayBeSent` is asked as UrlRequest has it: false
+  /// ends the exchange as failed, with nothing sent.
   virtual NetworkResult post(const std::string& url, const std::optional<SecretBytes>& payload,
-                             const DataStore& dataStore) = 0;
+                             const DataStore& dataStore, std::function<bool()> mayBeSent = {}) = 0;
 };
 
 }  // namespace orlix

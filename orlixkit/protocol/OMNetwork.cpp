@@ -17,20 +17,23 @@ constexpr std::chrono::seconds timeLimit{60};
 
 /// What one exchange has brought so far. Made anew for every request, so that a callback that comes
 /// after the time-out finds its own, abandoned, exchange and never a result already handed out.
+/// Its time limit runs from its making, so it is made before the connection is started.
 class Exchange : public UrlConnectionDelegate {
  public:
   explicit Exchange(std::shared_ptr<Clock> clock)
-      : clock_(std::move(clock)), condition_(clock_->newCondition()) {}
+      : clock_(std::move(clock)),
+        condition_(clock_->newCondition()),
+        deadline_(clock_->steadyNow() + timeLimit) {}
 
   enum class End { running, byCallback, cutShort, timedOut, shutDown };
 
-  /// Waits until the exchange has ended or the deadline passes, and closes it: what a callback
+  /// Waits until the exchange has ended or its time limit passes, and closes it: what a callback
   /// brings afterwards is dropped.
-  End waitUntil(SteadyTime deadline) {
+  End wait() {
     const std::lock_guard held(*condition_);
     while (end_ == End::running) {
-      if (!condition_->waitUntil(deadline) && end_ == End::running) {
-        end_ = clock_->steadyNow() < deadline ? End::shutDown : End::timedOut;
+      if (!condition_->waitUntil(deadline_) && end_ == End::running) {
+        end_ = clock_->steadyNow() < deadline_ ? End::shutDown : End::timedOut;
       }
     }
     return end_;
@@ -85,7 +88,13 @@ class Exchange : public UrlConnectionDelegate {
 
   void didFailWithError(const std::string& description) override {
     const std::lock_guard held(*condition_);
-    if (end_ == End::running) {
+    if (end_ != End::running) {
+      return;
+    }
+    if (clock_->steadyNow() >= deadline_) {
+      // The request's own limit is as long and may be noticed first: a time-out all the same.
+      finish(End::timedOut);
+    } else {
       finish(End::byCallback);
       log("OMNetwork error. " + description);
     }
@@ -104,6 +113,7 @@ class Exchange : public UrlConnectionDelegate {
 
   std::shared_ptr<Clock> clock_;
   std::unique_ptr<Condition> condition_;
+  const SteadyTime deadline_;
   // All below are guarded by the condition's lock.
   End end_ = End::running;
   NetworkResult networkResult_;
@@ -155,7 +165,7 @@ void addToken(UrlRequest& request, const std::string& header,
 }
 
 UrlRequest requestFor(const std::string& url, const std::optional<SecretBytes>& payload,
-                      const DataStore& dataStore) {
+                      const DataStore& dataStore, std::function<bool()> mayBeSent) {
   UrlRequest request;
   request.url = url;
   request.method = "POST";
@@ -164,6 +174,7 @@ UrlRequest requestFor(const std::string& url, const std::optional<SecretBytes>& 
   addToken(request, "x-session-token1", dataStore.sessionId);
   addToken(request, "x-session-token2", dataStore.sessionId2);
   request.body = payload;
+  request.mayBeSent = std::move(mayBeSent);
   return request;
 }
 
@@ -180,7 +191,7 @@ NetworkResult exchangeWith(const Ports& ports, UrlRequest request) {
     throw;
   }
 
-  const Exchange::End end = exchange->waitUntil(ports.clock->steadyNow() + timeLimit);
+  const Exchange::End end = exchange->wait();
   if (end == Exchange::End::timedOut) {
     log(fmt::format("OMNetwork request timed out after {:.0f} seconds: {}",
                     std::chrono::duration<double>(timeLimit).count(), url));
@@ -194,9 +205,10 @@ NetworkResult exchangeWith(const Ports& ports, UrlRequest request) {
 }  // namespace
 
 NetworkResult OMNetwork::post(const std::string& url, const std::optional<SecretBytes>& payload,
-                              const DataStore& dataStore) {
+                              const DataStore& dataStore, std::function<bool()> mayBeSent) {
   try {
-    return exchangeWith(Host::current().ports(), requestFor(url, payload, dataStore));
+    return exchangeWith(Host::current().ports(),
+                        requestFor(url, payload, dataStore, std::move(mayBeSent)));
   } catch (const std::exception& failure) {
     log(std::string("OMNetwork error. ") + failure.what());
     return {};

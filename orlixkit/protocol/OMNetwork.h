@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstddef>
+#include <functional>
 #include <string>
 #include <vector>
 
@@ -21,7 +22,7 @@ class OMNetwork : public NetworkInterface {
   static constexpr std::size_t longestAnswer = std::size_t{16} << 20U;
 
   NetworkResult post(const std::string& url, const std::optional<SecretBytes>& payload,
-                     const DataStore& dataStore) override;
+                     const DataStore& dataStore, std::function<bool()> mayBeSent = {}) override;
 
   /// The certificates (DER) that are trusted besides the system's roots: the bundle's resources
   /// "certificateroot" and "certificatewildcard" of type "cer", as far as they are there.

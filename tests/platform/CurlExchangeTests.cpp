@@ -1,5 +1,8 @@
 // How an exchange goes on the wire, byte by byte: the server's end is written out by each test.
 
+#include <cstdio>
+#include <filesystem>
+
 #include "tests/platform/HttpsFixture.h"
 
 namespace orlix {
@@ -7,6 +10,14 @@ namespace orlix {
 namespace {
 
 using CurlExchangeTest = HttpsFixture;
+
+std::string readAll(FILE* pipe) {
+  std::string all;
+  for (int unit = std::fgetc(pipe); unit != EOF; unit = std::fgetc(pipe)) {
+    all.push_back(static_cast<char>(unit));
+  }
+  return all;
+}
 
 TEST_F(CurlExchangeTest, ARequestIsNeverSentTwice) {
   const std::pair<const char*, std::optional<std::string>> rows[] = {
@@ -36,6 +47,39 @@ TEST_F(CurlExchangeTest, ARequestIsNeverSentTwice) {
     EXPECT_EQ(exchange(post(server.address("/lookup"))).back(), "finish");
     EXPECT_EQ(payments, 1);
   }
+}
+
+TEST_F(CurlExchangeTest, ARequestWithdrawnWhileItConnectsIsNotSent) {
+  std::atomic<int> requests = 0;
+  TlsServer server(serverIdentity(), [&requests](TlsConnection& connection) {
+    requests += connection.read() ? 1 : 0;
+  });
+  std::atomic<bool> withdrawn = false;
+  UrlRequest request = post(server.address("/pay"));
+  request.mayBeSent = [&withdrawn] { return !withdrawn; };
+  delegate = newDelegate();
+  delegate->onChallenge = [&withdrawn] { withdrawn = true; };
+  start(std::move(request), delegate);
+  delegate->await();
+  EXPECT_EQ(delegate->events, (Events{"fail"}));
+  EXPECT_EQ(delegate->error, "the request was withdrawn before it was sent");
+  EXPECT_EQ(server.handshakes(), 1) << "it was connected";
+  EXPECT_EQ(requests, 0);
+}
+
+TEST_F(CurlExchangeTest, SessionKeysAreNotWrittenWhereTheEnvironmentSays) {
+  // libcurl reads the variable once in the process, so a process of its own makes the handshake.
+  const TemporaryFolder folder;
+  const std::filesystem::path keys = folder.path() / "keys";
+  const std::string program = std::filesystem::read_symlink("/proc/self/exe");
+  FILE* pipe = popen(("SSLKEYLOGFILE=" + keys.string() + " " + program +
+                      " --gtest_filter=CurlExchangeTest.ARequestWithdrawnWhileItConnectsIsNotSent")
+                         .c_str(),
+                     "r");
+  const std::string output = readAll(pipe);
+  EXPECT_EQ(pclose(pipe), 0);
+  EXPECT_NE(output.find("[  PASSED  ] 1 test"), std::string::npos) << output;
+  EXPECT_TRUE(!std::filesystem::exists(keys) || std::filesystem::is_empty(keys));
 }
 
 TEST_F(CurlExchangeTest, ReadsEveryFormOfAnswerAndRefusesWhatIsNone) {

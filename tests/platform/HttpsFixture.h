@@ -22,6 +22,9 @@ class JudgingDelegate : public RecordingDelegate {
 
   void didReceiveAuthenticationChallenge(AuthenticationChallenge& challenge) override {
     ++challenges;
+    if (onChallenge) {
+      onChallenge();
+    }
     challenge.serverTrust()->setAnchorCertificates(anchors);
     challenge.serverTrust()->setAnchorCertificatesOnly(false);
     if (challenge.serverTrust()->evaluate(refusal)) {
@@ -32,6 +35,7 @@ class JudgingDelegate : public RecordingDelegate {
   }
 
   const std::vector<Bytes> anchors;
+  std::function<void()> onChallenge;  ///< inside the handshake, on the delegate queue
   std::string refusal;
   int challenges = 0;
 };

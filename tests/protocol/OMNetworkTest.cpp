@@ -14,7 +14,7 @@ struct Posted {
 
 /// Posts "{}" with these tokens and waits for the end.
 Posted post(MemoryHost& host, std::optional<std::string> token1 = {},
-            std::optional<std::string> token2 = {}) {
+            std::optional<std::string> token2 = {}, std::function<bool()> mayBeSent = {}) {
   Posted posted;
   host.backgroundQueues().global(QualityOfService::high, [&] {
     DataStore store(SecretBytes(16, 0));
@@ -23,7 +23,7 @@ Posted post(MemoryHost& host, std::optional<std::string> token1 = {},
     const SteadyTime begin = host.clock().steadyNow();
     const Bytes body = toBytes("{}");
     const NetworkResult result =
-        OMNetwork().post("https://live.example/vello/x", SecretBytes(body), store);
+        OMNetwork().post("https://live.example/vello/x", SecretBytes(body), store, mayBeSent);
     posted.took = host.clock().steadyNow() - begin;
     if (result.payload) {
       posted.body.emplace(result.payload->reveal().begin(), result.payload->reveal().end());
@@ -54,8 +54,12 @@ TEST(OMNetwork, TheOutcomeShowsInCodeBodyAndLog) {
   for (int i = 0; i < 100; ++i) {
     trickle.after(1s).body("x");
   }
-  const ServerReply moved =
-      ServerReply().status(307).body("moved").redirect("https://live.example/vello/y");
+  const auto moved = [](const std::string& to) {
+    return ServerReply().status(307).body("moved").redirect(to);
+  };
+  const std::string toAnother =
+      "OMNetwork error. The redirect to https://elsewhere.example would carry the request's body "
+      "to another server.";
   const std::vector<Case> cases = {
       {"complete", header().body("{").after(2s).body("}"), 200, "{}", "", 2s},
       {"an empty body", ServerReply::of(200, ""), 200, "", "", 0s},
@@ -64,7 +68,14 @@ TEST(OMNetwork, TheOutcomeShowsInCodeBodyAndLog) {
       {"a body that goes on beyond the limit", trickle, 200, {}, timedOut, 60s},
       {"too long", header().body(longest).body("x").silence(), 200, {}, tooLong, 0s},
       {"as long as can be", ServerReply::of(200, longest), 200, longest, "", 0s},
-      {"a redirect, of which the last answer counts", moved, 201, "new", "", 0s},
+      {"a redirect, of which the last answer counts", moved("https://live.example/vello/y"), 201,
+       "new", "", 0s},
+      {"a redirect to another server",
+       moved("https://elsewhere.example/y"),
+       307,
+       {},
+       toAnother,
+       0s},
   };
   for (const Case& row : cases) {
     SCOPED_TRACE(row.name);
@@ -78,6 +89,23 @@ TEST(OMNetwork, TheOutcomeShowsInCodeBodyAndLog) {
     EXPECT_EQ(host.log().count("OMNetwork"), row.logged.empty() ? 0U : 1U) << host.log().text();
     EXPECT_EQ(host.log().count(row.logged), host.log().count("OMNetwork")) << host.log().text();
     EXPECT_EQ(host.connections().underWay(), 0U);
+  }
+}
+
+TEST(OMNetwork, ARequestWithdrawnWhileItConnectsIsNeverSent) {
+  for (const Duration connectTime : {2s, 4s}) {
+    MemoryHost host;
+    host.connections().on("", ServerReply::of(200, "{}"));
+    host.connections().setConnectTime(connectTime);
+    const SteadyTime end = host.clock().steadyNow() + 3s;
+    const bool inTime = connectTime < 3s;
+    const Posted posted = post(host, {}, {}, [&] { return host.clock().steadyNow() < end; });
+    EXPECT_EQ(posted.code, inTime ? 200 : 0);
+    EXPECT_EQ(posted.body.has_value(), inTime);
+    EXPECT_EQ(posted.took, connectTime);
+    EXPECT_EQ(host.requests().size(), inTime ? 1U : 0U);
+    EXPECT_EQ(host.log().count("OMNetwork error. The request was withdrawn before it was sent."),
+              inTime ? 0U : 1U);
   }
 }
 
@@ -133,6 +161,19 @@ TEST(OMNetwork, TheChainIsJudgedByPinnedCertificatesBesidesTheSystemsRoots) {
   host.bundle().add("certificatewildcard", "cer", toBytes("W"));
   EXPECT_EQ(OMNetwork::pinnedCertificates(), std::vector<Bytes>{toBytes("W")});
   EXPECT_TRUE(host.log().lines().empty()) << "a missing one is left out in silence";
+}
+
+TEST(OMNetwork, ASilentServerTimesOutWhicheverOfTheTwoLimitsIsNoticedFirst) {
+  for (unsigned seed = 0; seed < 200; ++seed) {
+    for (const ServerReply& reply : {ServerReply().silence(), ServerReply().after(61s)}) {
+      MemoryHost host(anyOrder(seed, true));
+      host.connections().on("", reply);
+      EXPECT_EQ(post(host).code, 0);
+      EXPECT_EQ(host.log().text(),
+                "OMNetwork request timed out after 60 seconds: https://live.example/vello/x\n")
+          << seed;
+    }
+  }
 }
 
 TEST(OMNetwork, AnAnswerIsWholeWhateverOrderTheThreadsRunInOrAtTheLastMomentNone) {

@@ -41,8 +41,8 @@ ScriptedConnections::Script numberedSessions() {
 /// A transport that answers on the caller's own stack and notes how deep that stack is.
 class StackWatcher : public NetworkInterface {
  public:
-  NetworkResult post(const std::string& url, const std::optional<SecretBytes>&,
-                     const DataStore&) override {
+  NetworkResult post(const std::string& url, const std::optional<SecretBytes>&, const DataStore&,
+                     std::function<bool()>) override {
     const char here = 0;
     const bool opens = url.find(sessionPath) != std::string::npos;
     if (!opens) {

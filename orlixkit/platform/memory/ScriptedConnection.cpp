@@ -56,7 +56,7 @@ void ScriptedConnection::start() {
   if (!refusal.empty()) {
     fail(refusal);
   } else {
-    atServer(network_->latency_, &ScriptedConnection::ask);
+    atServer(network_->connectTime_, &ScriptedConnection::send);
   }
   world_->mayBeOvertaken();
 }
@@ -93,6 +93,24 @@ void ScriptedConnection::atServer(Duration delay, void (ScriptedConnection::*nex
         }
       },
       delay);
+}
+
+bool ScriptedConnection::mayBeSent() const {
+  try {
+    return !request_.mayBeSent || request_.mayBeSent();
+  } catch (...) {
+    return false;
+  }
+}
+
+void ScriptedConnection::send() {
+  if (!mayBeSent()) {
+    fail("The request was withdrawn before it was sent.");
+  } else if (network_->latency_ == Duration{}) {
+    ask();
+  } else {
+    atServer(network_->latency_, &ScriptedConnection::ask);
+  }
 }
 
 void ScriptedConnection::ask() {
@@ -194,11 +212,16 @@ void ScriptedConnection::follow(const std::string& target) {
     request_.body.reset();
   }
   if (serverOf(target) != serverOf(request_.url)) {
+    if (request_.body && !request_.body->empty()) {
+      fail("The redirect to " + serverOf(target) +
+           " would carry the request's body to another server.");
+      return;
+    }
     std::erase_if(request_.headers,
                   [](const auto& field) { return field.first != "Content-Type"; });
   }
   request_.url = target;
-  atServer(network_->latency_, &ScriptedConnection::ask);
+  atServer({}, &ScriptedConnection::send);
 }
 
 void ScriptedConnection::tell(Callback callback) {

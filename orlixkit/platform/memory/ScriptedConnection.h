@@ -25,9 +25,10 @@ class ScriptedConnection : public UrlConnection,
 
   std::string reasonToRefuse() const;
   void atServer(Duration delay, void (ScriptedConnection::*next)());
+  void send();
+  bool mayBeSent() const;
   void ask();
   void goOn();
-  void silent(Duration span);
   void timeOut();
   void tell(Callback callback);
   void tellLast(Callback callback);

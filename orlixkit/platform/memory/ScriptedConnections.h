@@ -41,7 +41,9 @@ class ScriptedConnections : public UrlConnections {
   /// was set last. A request without a script fails, and the failure's description says so.
   void on(std::string part, Script script);
   void on(std::string part, ServerReply reply);
-  /// How long a request travels; none at first.
+  /// How long an exchange takes to reach the point where its request is sent; none at first.
+  void setConnectTime(Duration connectTime) { connectTime_ = connectTime; }
+  /// How long a sent request travels; none at first.
   void setLatency(Duration latency) { latency_ = latency; }
 
   /// All that reached the server, in order. To be read on the main thread.
@@ -64,6 +66,7 @@ class ScriptedConnections : public UrlConnections {
   std::vector<std::pair<std::string, Script>> scripts_;
   std::vector<RecordedRequest> requests_;
   std::vector<std::weak_ptr<ScriptedConnection>> connections_;
+  Duration connectTime_{};
   Duration latency_{};
   bool closed_ = false;
 };

@@ -19,13 +19,13 @@ namespace {
 
 constexpr int maximumRedirects = 20;
 
-/// Runs a callback of libcurl or OpenSSL, through which no exception may pass: the lack of memory
-/// becomes the value by which the callback refuses.
+/// Runs a callback of libcurl or OpenSSL, through which no exception may pass: one becomes the
+/// value by which the callback refuses.
 template <class Result, class Callback>
 Result orRefuse(Result refusal, const Callback& callback) {
   try {
     return callback();
-  } catch (const std::exception&) {
+  } catch (...) {
     return refusal;
   }
 }
@@ -141,6 +141,7 @@ void CurlExchange::release() {
   easy_.reset();
   headers_.reset();
   request_.body.reset();
+  request_.mayBeSent = nullptr;
 }
 
 template <class Value>
@@ -221,6 +222,7 @@ void CurlExchange::prepareHop(const std::string& address) {
 
   newConnection_ = false;
   stale_ = false;
+  withdrawn_ = false;
   requestSent_ = false;
   headerEnded_ = false;
   errorText_[0] = '\0';
@@ -231,14 +233,18 @@ void CurlExchange::prepareHop(const std::string& address) {
   set(CURLOPT_FRESH_CONNECT, 0L);
   set(CURLOPT_HTTPHEADER, headers_.get());
   if (request_.method == "POST") {
-    const bool empty = !request_.body || request_.body->empty();
+    const bool filled = carriesBody();
     set(CURLOPT_POST, 1L);
-    set(CURLOPT_POSTFIELDSIZE_LARGE, static_cast<curl_off_t>(empty ? 0 : request_.body->size()));
+    set(CURLOPT_POSTFIELDSIZE_LARGE, static_cast<curl_off_t>(filled ? request_.body->size() : 0));
     // Without a copy: the request outlives the transfer.
-    set(CURLOPT_POSTFIELDS, empty ? "" : reinterpret_cast<const char*>(request_.body->data()));
+    set(CURLOPT_POSTFIELDS, filled ? reinterpret_cast<const char*>(request_.body->data()) : "");
   } else {
     set(CURLOPT_HTTPGET, 1L);
   }
+}
+
+bool CurlExchange::carriesBody() const {
+  return request_.method == "POST" && request_.body && !request_.body->empty();
 }
 
 curl_socket_t CurlExchange::onOpenSocket(void* self, curlsocktype, curl_sockaddr* address) {
@@ -262,8 +268,17 @@ int CurlExchange::onRequest(void* self, char*, char*, int serverPort, int localP
   if (exchange.stale_) {
     return CURL_PREREQFUNC_ABORT;
   }
+  exchange.withdrawn_ = !exchange.mayBeSent();
+  if (exchange.withdrawn_) {
+    return CURL_PREREQFUNC_ABORT;
+  }
   exchange.requestSent_ = true;
   return CURL_PREREQFUNC_OK;
+}
+
+bool CurlExchange::mayBeSent() const {
+  return !isOver() &&
+         orRefuse(false, [this] { return !request_.mayBeSent || request_.mayBeSent(); });
 }
 
 std::size_t CurlExchange::onHeader(char* line, std::size_t unit, std::size_t count, void* self) {
@@ -326,6 +341,8 @@ bool CurlExchange::endHop(CURLcode result) {
     tellEnd([](UrlConnectionDelegate& delegate) { delegate.didFinishLoading(); });
   } else if (refused_) {
     fail("the server's certificate was not accepted");
+  } else if (withdrawn_) {
+    fail("the request was withdrawn before it was sent");
   } else if (requestSent_ && lastByte_ == hopBegin_) {
     fail("the server closed the connection without an answer");
   } else if (result == CURLE_OK) {
@@ -355,8 +372,14 @@ bool CurlExchange::prepareRedirect() {
       request_.method = "GET";
     }
     const std::string address(target);
+    const RequestTarget next = targetOf(address);
     // Once another host has had a say in where the request goes, the fields stay out.
-    ownHost_ = ownHost_ && targetOf(address).hasOriginOf(targetOf(request_.url));
+    ownHost_ = ownHost_ && next.hasOriginOf(targetOf(request_.url));
+    if (!ownHost_ && carriesBody()) {
+      throw std::runtime_error(
+          fmt::format("the redirect to https://{} would carry the request's body to another server",
+                      next.origin));
+    }
     prepareHop(address);
     return true;
   } catch (const std::exception& error) {
@@ -367,6 +390,9 @@ bool CurlExchange::prepareRedirect() {
 
 CURLcode CurlExchange::onTlsContext(CURL*, void* context, void* self) {
   auto* tls = static_cast<SSL_CTX*>(context);
+  // libcurl writes the session keys where the variable SSLKEYLOGFILE says; a payment's are nobody
+  // else's, whatever the environment.
+  SSL_CTX_set_keylog_callback(tls, nullptr);
   // A further handshake on the same connection would ask an exchange that may be gone.
   SSL_CTX_set_options(tls, SSL_OP_NO_RENEGOTIATION | SSL_OP_CLEANSE_PLAINTEXT);
   SSL_CTX_set_cert_verify_callback(tls, &onCertificates, self);

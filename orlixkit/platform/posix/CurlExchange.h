@@ -62,6 +62,8 @@ class CurlExchange : public UrlConnection, public std::enable_shared_from_this<C
   void setConstantOptions();
   /// Sets address, method, header and body of the next hop. Throws when it cannot be made.
   void prepareHop(const std::string& address);
+  bool carriesBody() const;
+  bool mayBeSent() const;
   bool followsRedirect() const;
   bool prepareRedirect();
 
@@ -103,8 +105,9 @@ class CurlExchange : public UrlConnection, public std::enable_shared_from_this<C
   int redirects_ = 0;
   // Of this hop:
   bool newConnection_ = false;
-  bool stale_ = false;    // the kept connection was found closed before the request went out
-  bool refused_ = false;  // the server's certificate
+  bool stale_ = false;      // the kept connection was found closed before the request went out
+  bool refused_ = false;    // the server's certificate
+  bool withdrawn_ = false;  // the request may not be sent any more
   bool requestSent_ = false;
   bool headerEnded_ = false;
   SteadyTime hopBegin_;
