@@ -5,6 +5,7 @@
 
 #include <filesystem>
 #include <iostream>
+#include <stdexcept>
 #include <string>
 
 #include "orlixkit/OrlixKit.h"
@@ -56,19 +57,13 @@ struct Terminal : orlix::UiObserver {
   }
 };
 
-}  // namespace
-
-int main(int argc, char** argv) {
-  if (argc != 4) {
-    std::cerr << "usage: orlix-minimal BASE ANCHOR CODE\n";
-    return 2;
-  }
+void pay(const std::string& base, const std::string& anchor, const std::string& code) {
   orlix::PosixOptions options;
   options.applicationName = "orlix-minimal";
   options.stateDirectory = std::filesystem::temp_directory_path() / "orlix-minimal";
-  options.anchorFile = argv[2];
+  options.anchorFile = anchor;
   orlix::installOrlixKit(std::make_shared<orlix::Host>(orlix::makePosixPorts(options),
-                                                       orlix::Deployment{argv[1], argv[1], ""}));
+                                                       orlix::Deployment{base, base, ""}));
 
   const auto window = std::make_shared<orlix::ViewController>();
   Terminal terminal;
@@ -77,11 +72,27 @@ int main(int argc, char** argv) {
 
   const auto outcome = std::make_shared<Outcome>();
   const auto facade = orlix::OXOrlix::make();
-  facade->checkout({.code = argv[3],
+  facade->checkout({.code = code,
                     .apiKey = "minimal-key",
                     .system = orlix::kTestSystem,
                     .controller = window,
                     .delegate = outcome});
   orlix::Host::current().ports().mainQueue->runUntil([&] { return outcome->over; });
   orlix::Host::uninstall();
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  if (argc != 4) {
+    std::cerr << "usage: orlix-minimal BASE ANCHOR CODE\n";
+    return 2;
+  }
+  try {
+    pay(argv[1], argv[2], argv[3]);
+  } catch (const std::runtime_error& error) {
+    // A store that cannot be used, a file without a certificate: the text says what to do.
+    std::cerr << "orlix-minimal: " << error.what() << '\n';
+    return 1;
+  }
 }

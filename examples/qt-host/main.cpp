@@ -7,6 +7,8 @@
 #include <QQuickWindow>
 #include <QStandardPaths>
 #include <iostream>
+#include <stdexcept>
+#include <string>
 
 #include "shell/OrlixShell.h"
 
@@ -31,15 +33,7 @@ struct Outcome : orlix::OXOrlixDelegate {
   }
 };
 
-}  // namespace
-
-int main(int argc, char** argv) {
-  orlix::shell::OrlixShell::initialize();
-  QGuiApplication application(argc, argv);
-  if (argc != 4) {
-    std::cerr << "usage: orlix-qt-host BASE ANCHOR CODE\n";
-    return 2;
-  }
+int pay(const std::string& base, const std::string& anchor, const std::string& code) {
   QQmlEngine engine;
   QQuickWindow window;
   window.resize(375, 667);
@@ -49,15 +43,33 @@ int main(int argc, char** argv) {
   options.applicationName = "orlix-qt-host";
   options.stateDirectory =
       QStandardPaths::writableLocation(QStandardPaths::AppDataLocation).toStdString();
-  options.anchorFile = argv[2];
-  const orlix::shell::OrlixShell shell(engine, window, options, {argv[1], argv[1], ""});
+  options.anchorFile = anchor;
+  const orlix::shell::OrlixShell shell(engine, window, options, {base, base, ""});
 
   const auto outcome = std::make_shared<Outcome>();
   const auto facade = orlix::OXOrlix::make();
-  facade->checkout({.code = argv[3],
+  facade->checkout({.code = code,
                     .apiKey = "qt-host-key",
                     .system = orlix::kTestSystem,
                     .controller = shell.hostScreen(),
                     .delegate = outcome});
   return QGuiApplication::exec();
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  orlix::shell::OrlixShell::initialize();
+  const QGuiApplication application(argc, argv);
+  if (argc != 4) {
+    std::cerr << "usage: orlix-qt-host BASE ANCHOR CODE\n";
+    return 2;
+  }
+  try {
+    return pay(argv[1], argv[2], argv[3]);
+  } catch (const std::runtime_error& error) {
+    // A store that cannot be used, a file without a certificate: the text says what to do.
+    std::cerr << "orlix-qt-host: " << error.what() << '\n';
+    return 1;
+  }
 }

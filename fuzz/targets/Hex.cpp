@@ -12,6 +12,7 @@
 #include <openssl/evp.h>
 
 #include "fuzz/Target.h"
+#include "orlixkit/platform/Characters.h"
 #include "orlixkit/security/Base64.h"
 #include "orlixkit/security/Cipher.h"
 #include "orlixkit/security/PinBlock.h"
@@ -52,7 +53,8 @@ void takesAnyText(std::string_view text) {
   const Bytes bytes = Hex::convert(text);
   check(bytes.size() == blankless.size() / 2, "a byte for each pair");
   check(bytes == Hex::convert(blankless), "blanks do not count");
-  check(PinBlock::nibblePackString(text).size() == (text.size() + 1) / 2, "two digits a byte");
+  check(PinBlock::nibblePackString(text).size() == (countCharacters(text) + 1) / 2,
+        "two characters a byte");
   check(PinBlock::nibblePackSerial(text).size() == 16, "a device key has 16 bytes");
   if (const auto decoded = Base64::decode(text)) {
     check(text.size() % 4 == 0 && decoded->size() + 2 >= text.size() / 4 * 3,

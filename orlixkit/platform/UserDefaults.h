@@ -2,17 +2,26 @@
 
 #include <cstdint>
 #include <optional>
+#include <stdexcept>
 #include <string>
 
 #include "orlixkit/platform/Bytes.h"
 
 namespace orlix {
 
+/// The store cannot be read or written. `what` is for the operator: it names the file or key, the
+/// cause and, where there is one, the remedy.
+class StoreException : public std::runtime_error {
+ public:
+  using std::runtime_error::runtime_error;
+};
+
 /// The application's key/value store.
 ///
 /// Thread: every operation may be called from any thread.
 /// A value is durable when its setter returns. A setter that cannot keep the value throws
-/// std::runtime_error and leaves the former one in place.
+/// StoreException and leaves the former one in place; a getter throws it when it cannot tell what
+/// is stored. On the main thread it ends the flow with error 2 (see `runLogged`).
 /// A value read under another type than it was stored with counts as absent.
 class UserDefaults {
  public:

@@ -7,6 +7,7 @@
 
 #include <fmt/format.h>
 
+#include "orlixkit/platform/Characters.h"
 #include "orlixkit/security/Cipher.h"
 #include "orlixkit/security/Hex.h"
 
@@ -34,11 +35,25 @@ std::uint8_t packed(std::uint8_t high, std::uint8_t low) {
   return static_cast<std::uint8_t>((static_cast<unsigned>(high) << 4U) | low);
 }
 
+/// The value of each character. A character of several bytes is no digit: its first byte says so,
+/// and the others are skipped.
+SecretBytes digitValues(std::string_view text) {
+  SecretBytes values(countCharacters(text), 0);
+  std::size_t next = 0;
+  for (const char unit : text) {
+    if (startsCharacter(unit)) {
+      values.data()[next++] = digitValue(unit);
+    }
+  }
+  return values;
+}
+
 SecretString padding(const SecretString& text, std::int32_t minLength, char padChar) {
   const std::size_t wanted = minLength > 0 ? static_cast<std::size_t>(minLength) : 0;
+  const std::size_t length = countCharacters(text.text());
   SecretString pad;
-  if (text.size() < wanted) {
-    pad.resize(wanted - text.size());
+  if (length < wanted) {
+    pad.resize(wanted - length);
     std::fill_n(pad.data(), pad.size(), padChar);
   }
   return pad;
@@ -78,7 +93,7 @@ std::optional<std::string> PinBlock::createPINBlock(const SecretBytes& key, cons
 
 SecretBytes PinBlock::generatePinBlock(const SecretString& pin, std::int64_t reference) {
   const SecretString account{accountText(reference)};
-  SecretString pinText{fmt::format("0{}", pin.size())};
+  SecretString pinText{fmt::format("0{}", countCharacters(pin.text()))};
   pinText.append(pin.reveal());
   const SecretBytes pinField = nibblePackString(padEnd(pinText, 16, 'F').text());
   const SecretBytes accountField = nibblePackString(padStart(account, 16, '0').text());
@@ -98,11 +113,11 @@ SecretString PinBlock::padEnd(const SecretString& text, std::int32_t minLenght, 
 }
 
 SecretBytes PinBlock::nibblePackString(std::string_view text) {
-  SecretBytes bytes((text.size() + 1) / 2, 0);
+  SecretBytes values = digitValues(text);
+  values.resize((values.size() + 1) / 2 * 2);
+  SecretBytes bytes(values.size() / 2, 0);
   for (std::size_t i = 0; i < bytes.size(); ++i) {
-    const std::uint8_t high = digitValue(text[2 * i]);
-    const std::uint8_t low = 2 * i + 1 < text.size() ? digitValue(text[2 * i + 1]) : std::uint8_t{};
-    bytes.data()[i] = packed(high, low);
+    bytes.data()[i] = packed(values.data()[2 * i], values.data()[2 * i + 1]);
   }
   return bytes;
 }

@@ -13,7 +13,7 @@ namespace orlix {
 /// The encrypted form in which a PIN travels, and the packing that the device key is made with.
 ///
 /// Thread: any. Everything that holds PIN digits or key bytes is wiped on the way.
-/// Texts are taken byte by byte: PINs and identifiers are ASCII.
+/// Texts are UTF-8; lengths are counted in characters (code points), not in bytes.
 class PinBlock {
  public:
   /// The PIN block (ISO 9564, format 0) of `pin` and `ref`, encrypted with two-key triple DES in

@@ -1,4 +1,4 @@
-// The small ports on Linux (device, bundles, log, position), and all of them put together.
+// The small ports on Linux (bundles, log, position), and all of them put together.
 
 #include <chrono>
 #include <fstream>
@@ -11,7 +11,6 @@
 #include "orlixkit/platform/posix/AnchorBundle.h"
 #include "orlixkit/platform/posix/ChainedBundle.h"
 #include "orlixkit/platform/posix/DirectoryBundle.h"
-#include "orlixkit/platform/posix/PosixDevice.h"
 #include "orlixkit/platform/posix/PosixPorts.h"
 #include "tests/platform/PosixPlatform.h"
 #include "tests/platform/TestCertificates.h"
@@ -24,30 +23,6 @@ namespace {
 void write(const std::filesystem::path& file, const std::string& text) {
   std::filesystem::create_directories(file.parent_path());
   std::ofstream(file, std::ios::binary) << text;
-}
-
-constexpr auto uuidForm = "[0-9A-F]{8}-[0-9A-F]{4}-[48][0-9A-F]{3}-[89AB][0-9A-F]{3}-[0-9A-F]{12}";
-
-TEST(PosixDevice, TheVendorIdentifierIsOfMachineAndApplicationOrOneRandomOneIsKept) {
-  const TemporaryFolder folder;
-  const std::filesystem::path state = folder.path() / "a" / "state";
-  const auto identifier = [&](const std::string& machine, const std::string& application) {
-    write(folder.path() / "machine-id", machine + "\n");
-    return PosixDevice({application, state, folder.path() / "machine-id"}).vendorIdentifier();
-  };
-  const std::string machine = "0123456789abcdef0123456789abcdef";
-  const std::string first = identifier(machine, "shop");
-  EXPECT_THAT(first, testing::MatchesRegex(uuidForm));
-  EXPECT_EQ(identifier(machine, "shop"), first);
-  EXPECT_NE(identifier(machine, "bank"), first);
-  EXPECT_NE(identifier("f" + machine.substr(1), "shop"), first);
-  EXPECT_FALSE(std::filesystem::exists(state)) << "nothing needs to be kept";
-
-  const std::string kept = identifier("uninitialized", "shop");
-  EXPECT_THAT(kept, testing::MatchesRegex(uuidForm));
-  EXPECT_EQ(identifier("uninitialized", "shop"), kept);
-  write(state / "vendor-identifier", "torn");
-  EXPECT_THROW(PosixDevice({"shop", state, folder.path() / "none"}), std::runtime_error);
 }
 
 TEST(Bundles, GiveTheirOwnFilesOnlyAndTheFirstOfAChainWins) {
@@ -114,7 +89,7 @@ TEST(PosixPorts, MakeAHostThatShutsDownPromptlyWhileWorkIsUnderWay) {
   Host host(makePosixPorts(options), {});
   const Ports& ports = host.ports();
   EXPECT_EQ(ports.bundle->resource("a", "plist"), toBytes("list"));
-  EXPECT_THAT(ports.device->vendorIdentifier(), testing::MatchesRegex(uuidForm));
+  EXPECT_EQ(ports.device->vendorIdentifier().size(), 36U);
   EXPECT_NE(ports.device->model() + ports.device->systemVersion(), "");
   EXPECT_THAT(ports.device->bundleShortVersion(),
               testing::MatchesRegex("[0-9]+\\.[0-9]+\\.[0-9]+"));

@@ -6,6 +6,7 @@
 #include <thread>
 #include <unistd.h>
 
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <sqlite3.h>
 #include <sys/stat.h>
@@ -13,12 +14,16 @@
 
 #include "orlixkit/platform/posix/DirectoryBundle.h"
 #include "orlixkit/platform/posix/SqliteUserDefaults.h"
+#include "tests/platform/FaultyDisk.h"
 #include "tests/platform/PosixPlatform.h"
 #include "tests/platform/UserDefaultsContract.h"
 
 namespace orlix {
 
 namespace {
+
+using testing::AllOf;
+using testing::HasSubstr;
 
 class SqlitePlatform {
  public:
@@ -38,7 +43,7 @@ class SqliteUserDefaultsTest : public testing::Test {
   std::string failureOf(const Task& task) const {
     try {
       task();
-    } catch (const std::runtime_error& error) {
+    } catch (const StoreException& error) {
       return error.what();
     }
     return "no failure";
@@ -143,6 +148,93 @@ TEST_F(SqliteUserDefaultsTest, ASetterThatFailsKeepsTheFormerValueAndTheStoreGoe
   execute(other, "DROP TRIGGER full");
   store.setString("key", "new");
   EXPECT_EQ(store.stringForKey("key"), "new");
+}
+
+TEST_F(SqliteUserDefaultsTest, AValueIsForcedOntoTheDiskBeforeItsSetterReturns) {
+  FaultyDisk disk;
+  SqliteUserDefaults store(file);
+  const std::vector<Task> setters{[&] { store.setInteger("key", 1); },
+                                  [&] { store.setString("key", "text"); },
+                                  [&] { store.setData("key", {1}); }};
+  for (const Task& set : setters) {
+    const int before = disk.syncs;
+    set();
+    EXPECT_GT(disk.syncs, before);
+  }
+}
+
+TEST_F(SqliteUserDefaultsTest, AFailureNamesTheFileTheCauseAndTheRemedy) {
+  using Fault = FaultyDisk::Fault;
+  FaultyDisk disk;
+  const auto reopen = [&] { SqliteUserDefaults again(file); };
+  {
+    SqliteUserDefaults store(file);
+    store.setString("key", "former");
+    const Task write = [&] { store.setString("key", "new"); };
+    const Task readFromDisk = [&] {
+      execute(openedElsewhere(), "INSERT INTO defaults VALUES ('other', 1)");  // the cache is old
+      disk.fault = Fault::unreadable;
+      store.stringForKey("key");
+    };
+    const Task writeToDisk = [&] {
+      disk.fault = Fault::full;
+      write();
+    };
+    for (const auto& [action, cause, remedy] :
+         {std::tuple(writeToDisk, "disk is full", "Make room"),
+          std::tuple(readFromDisk, "disk I/O error", "Check the disk")}) {
+      const std::string failure = failureOf(action);
+      disk.fault = Fault::none;
+      EXPECT_THAT(failure, AllOf(HasSubstr(file.string()), HasSubstr(cause), HasSubstr(remedy)));
+      EXPECT_EQ(store.stringForKey("key"), "former");
+    }
+  }
+  disk.fault = Fault::readOnly;
+  EXPECT_THAT(failureOf(reopen), AllOf(HasSubstr(file.string()), HasSubstr("readonly"),
+                                       HasSubstr("the right to write")))
+      << "at the start, although nothing would have to be written";
+}
+
+TEST_F(SqliteUserDefaultsTest, ADamagedPageIsFoundAtTheStartAndLeftAsItIs) {
+  {
+    SqliteUserDefaults store(file);
+    store.setData("key", Bytes(20'000, 'x'));
+  }
+  std::string bytes = toText(readFile(file).value());
+  bytes.replace(4096, 100, std::string(100, '\x5A'));  // the table's first page
+  std::ofstream(file, std::ios::binary) << bytes;
+  EXPECT_THAT(failureOf([&] { SqliteUserDefaults store(file); }),
+              AllOf(HasSubstr(file.string()), HasSubstr("from a backup")));
+  EXPECT_EQ(toText(readFile(file).value()), bytes);
+}
+
+TEST_F(SqliteUserDefaultsTest, AWriteThatWaitsForAnotherProcessDoesNotHoldUpReads) {
+  static std::latch* writing;
+  std::latch begun(1);
+  writing = &begun;
+  const auto watch = [](sqlite3* opened, char**, const sqlite3_api_routines*) {
+    const auto onStatement = [](unsigned, void*, void* statement, void*) {
+      const std::string sql = sqlite3_sql(static_cast<sqlite3_stmt*>(statement));
+      if (sql.starts_with("INSERT") && !writing->try_wait()) {
+        writing->count_down();
+      }
+      return 0;
+    };
+    return sqlite3_trace_v2(opened, SQLITE_TRACE_STMT, onStatement, nullptr);
+  };
+  const auto hook = reinterpret_cast<void (*)()>(+watch);
+  ASSERT_EQ(sqlite3_auto_extension(hook), SQLITE_OK);
+  SqliteUserDefaults store(file);
+  const Database other = openedElsewhere();
+  sqlite3_cancel_auto_extension(hook);
+  execute(other, "BEGIN IMMEDIATE");
+  std::jthread writer(
+      [&] { EXPECT_EQ(failureOf([&] { store.setInteger("key", 1); }), "no failure"); });
+  begun.wait();
+  EXPECT_EQ(store.integerForKey("other key"), 0);
+  execute(other, "COMMIT");
+  writer.join();
+  EXPECT_EQ(store.integerForKey("key"), 1);
 }
 
 TEST_F(SqliteUserDefaultsTest, TheSwitchToTheWriteAheadLogIsTriedAgainWhileAnotherHoldsTheFile) {

@@ -35,6 +35,9 @@ TEST(PinBlock, IsThePinFieldXorTheAccountField) {
       {"no PIN", "", 0, "00FFFFFFFFFFFFFF"},
       {"no digit as high nibble", "x234", 0, "04F234FFFFFFFFFF"},
       {"no digit as low nibble", "1x34", 0, "04FF34FFFFFFFFFF"},
+      {"two bytes are one character, high", "\u00E9234", 0, "04F234FFFFFFFFFF"},
+      {"three bytes are one character, low", "1\u20AC34", 0, "04FF34FFFFFFFFFF"},
+      {"four bytes are one character, last", "123\U0001F600", 0, "0412FFFFFFFFFFFF"},
       {"negative reference: the minus is no digit", "1234", -5, "041234FFFFFFFF0A"},
       {"12 characters with the minus", "1234", -12345678901, "0412C5DCBA9876FE"},
   };
@@ -110,8 +113,11 @@ TEST(PinBlock, IsMadeOfPartsThatKeepTheirOddities) {
     EXPECT_EQ(PinBlock::padStart(SecretString("12"), minimum, '0').text(), "12") << minimum;
     EXPECT_EQ(PinBlock::padEnd(SecretString("12"), minimum, '0').text(), "12") << minimum;
   }
+  EXPECT_EQ(PinBlock::padStart(SecretString("\u20AC2"), 3, '0').text(), "0\u20AC2");
+  EXPECT_EQ(PinBlock::padEnd(SecretString("1\u20AC"), 3, 'F').text(), "1\u20ACF");
   const std::pair<const char*, const char*> packed[] = {
-      {"0aF9", "0AF9"}, {"ABC", "ABC0"}, {"G", "F0"}, {"G3", "F3"}, {"3G", "FF"}, {"", ""}};
+      {"0aF9", "0AF9"}, {"ABC", "ABC0"}, {"G", "F0"},      {"G3", "F3"},
+      {"3G", "FF"},     {"", ""},        {"\u20AC", "F0"}, {"1\u00E92", "FF20"}};
   for (const auto& [digits, bytes] : packed) {
     EXPECT_EQ(hex(PinBlock::nibblePackString(digits)), bytes) << digits;
   }

@@ -2,6 +2,7 @@
 
 #include <stdexcept>
 
+#include "orlixkit/platform/Characters.h"
 #include "orlixkit/platform/MainQueue.h"
 #include "orlixkit/platform/ui/FieldTouch.h"
 #include "orlixkit/platform/ui/TableView.h"
@@ -14,7 +15,7 @@ namespace {
 std::vector<std::string> keysOf(const std::string& text) {
   std::vector<std::string> keys;
   for (const char unit : text) {
-    if (keys.empty() || (static_cast<unsigned char>(unit) & 0xC0U) != 0x80U) {
+    if (keys.empty() || startsCharacter(unit)) {
       keys.emplace_back();
     }
     keys.back() += unit;

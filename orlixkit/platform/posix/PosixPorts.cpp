@@ -12,6 +12,7 @@
 #include "orlixkit/platform/posix/PosixDevice.h"
 #include "orlixkit/platform/posix/PosixRunLoop.h"
 #include "orlixkit/platform/posix/SqliteUserDefaults.h"
+#include "orlixkit/platform/posix/StateFolder.h"
 
 namespace orlix {
 
@@ -40,9 +41,10 @@ Ports makePosixPorts(const PosixOptions& options) {
   ports.clock = std::make_shared<PosixClock>(shutdown.get_token(), connections->waitingWork());
   ports.mainQueue = std::make_shared<PosixRunLoop>(ports.log);
   ports.backgroundQueues = std::make_shared<PosixBackgroundQueues>(shutdown);
-  ports.userDefaults = std::make_shared<SqliteUserDefaults>(options.stateDirectory / "defaults.db");
+  // The device first: a store without an identifier beside it is one of an earlier release.
   ports.device = std::make_shared<PosixDevice>(
-      PosixDevice::Sources{options.applicationName, options.stateDirectory});
+      IdentifierSources{options.applicationName, options.stateDirectory});
+  ports.userDefaults = std::make_shared<SqliteUserDefaults>(options.stateDirectory / storeFileName);
   ports.bundle = makeBundle(options);
   if (options.location) {
     ports.locationManager = std::make_shared<FixedLocationManager>(

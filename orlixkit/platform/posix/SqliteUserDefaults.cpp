@@ -4,14 +4,15 @@
 #include <chrono>
 #include <cstring>
 #include <fcntl.h>
-#include <stdexcept>
-#include <string_view>
 #include <thread>
 #include <unistd.h>
 
 #include <fmt/format.h>
 #include <sqlite3.h>
 #include <sys/stat.h>
+
+#include "orlixkit/platform/posix/SqliteFailure.h"
+#include "orlixkit/platform/posix/StateFolder.h"
 
 namespace orlix {
 
@@ -27,6 +28,14 @@ struct ResetOnExit {
     sqlite3_clear_bindings(statement);
   }
 };
+
+/// The text in the row's first column.
+std::string textIn(sqlite3_stmt* row) {
+  const auto* text = reinterpret_cast<const char*>(sqlite3_column_text(row, 0));
+  return text == nullptr
+             ? std::string()
+             : std::string(text, static_cast<std::size_t>(sqlite3_column_bytes(row, 0)));
+}
 
 }  // namespace
 
@@ -44,30 +53,30 @@ SqliteUserDefaults::SqliteUserDefaults(const std::filesystem::path& file) : file
   useWriteAheadLog();
   // FULL: a commit is on the disk before it returns.
   execute("PRAGMA synchronous=FULL");
-  // IMMEDIATE: two processes that start on a new file must not both read it as empty and then wait
-  // for each other. A column without a type keeps each value's own type.
-  execute("BEGIN IMMEDIATE");
+  // A column without a type keeps each value's own type.
   execute(
       "CREATE TABLE IF NOT EXISTS defaults (key TEXT PRIMARY KEY NOT NULL, value NOT NULL) "
       "WITHOUT ROWID");
-  execute("COMMIT");
+  checkPages();
   select_ = prepare("SELECT value FROM defaults WHERE key = ?1");
   upsert_ = prepare(
       "INSERT INTO defaults (key, value) VALUES (?1, ?2) "
       "ON CONFLICT (key) DO UPDATE SET value = excluded.value");
+  // From here on `untilUnlocked` waits, without this object's lock.
+  sqlite3_busy_timeout(database_.get(), 0);
 }
 
 SqliteUserDefaults::~SqliteUserDefaults() = default;
 
 void SqliteUserDefaults::createFile() const {
-  std::error_code problem;
-  if (file_.has_parent_path() && !std::filesystem::exists(file_.parent_path(), problem)) {
-    std::filesystem::create_directories(file_.parent_path(), problem);
-    if (problem) {
-      throw std::runtime_error(fmt::format("user defaults: cannot make the folder {}: {}",
-                                           file_.parent_path().string(), problem.message()));
-    }
-    ::chmod(file_.parent_path().c_str(), S_IRWXU);
+  requirePrivateFolder(file_.parent_path());
+  for (const char* ending : {"-wal", "-shm", "-journal"}) {
+    existsAndIsPrivate(file_.string() + ending);
+  }
+  if (existsAndIsPrivate(file_)) {
+    // Private also when it was copied here by someone careless.
+    ::chmod(file_.c_str(), S_IRUSR | S_IWUSR);
+    return;
   }
   // Private from its first moment: SQLite itself would make the file readable for everyone. It is
   // opened only when it is new, for closing any descriptor of a file drops the locks that another
@@ -76,10 +85,8 @@ void SqliteUserDefaults::createFile() const {
   if (made >= 0) {
     ::close(made);
   } else if (errno != EEXIST) {
-    throw std::runtime_error(fmt::format("user defaults: cannot make the file {}: {}",
-                                         file_.string(), std::strerror(errno)));
-  } else {
-    ::chmod(file_.c_str(), S_IRUSR | S_IWUSR);
+    throwSqliteFailure("make", file_, errno == ENOSPC ? SQLITE_FULL : SQLITE_CANTOPEN,
+                       std::strerror(errno));
   }
 }
 
@@ -91,28 +98,39 @@ void SqliteUserDefaults::open() {
   if (result != SQLITE_OK) {
     fail("open");
   }
+  // SQLite opens what it may not write for reading only: better found now than during a payment.
+  if (sqlite3_db_readonly(database_.get(), nullptr) != 0) {
+    throwSqliteFailure("write", file_, SQLITE_READONLY, sqlite3_errstr(SQLITE_READONLY));
+  }
   sqlite3_busy_timeout(database_.get(), static_cast<int>(busyTimeout.count()));
 }
 
 void SqliteUserDefaults::useWriteAheadLog() {
+  const Statement statement = prepare("PRAGMA journal_mode=WAL");
   // The busy time-out does not cover this switch: while another process makes it on a new file, it
   // is refused at once.
-  const auto deadline = std::chrono::steady_clock::now() + busyTimeout;
-  while (true) {
-    const Statement statement = prepare("PRAGMA journal_mode=WAL");
+  untilUnlocked("open", [&] {
+    const ResetOnExit reset{statement.get()};
     const int result = sqlite3_step(statement.get());
-    if (result == SQLITE_ROW) {
-      const unsigned char* mode = sqlite3_column_text(statement.get(), 0);
-      if (mode != nullptr && std::string_view(reinterpret_cast<const char*>(mode)) == "wal") {
-        return;
-      }
-      throw std::runtime_error(fmt::format(
-          "user defaults: {} stands on a file system without write-ahead log", file_.string()));
+    if (result == SQLITE_ROW && textIn(statement.get()) != "wal") {
+      throw StoreException(fmt::format(
+          "user defaults: {} is on a file system without shared memory, which the write-ahead log "
+          "needs. Choose a state folder on a local file system.",
+          file_.string()));
     }
-    if ((result & 0xFF) != SQLITE_BUSY || std::chrono::steady_clock::now() > deadline) {
-      fail("open");
-    }
-    std::this_thread::sleep_for(std::chrono::milliseconds(2));
+    return result;
+  });
+}
+
+/// A damaged page is found at the start of the application, not in the middle of a payment.
+void SqliteUserDefaults::checkPages() const {
+  const Statement statement = prepare("PRAGMA quick_check(1)");
+  if (sqlite3_step(statement.get()) != SQLITE_ROW) {
+    fail("read");
+  }
+  const std::string finding = textIn(statement.get());
+  if (finding != "ok") {
+    throwSqliteFailure("read", file_, SQLITE_CORRUPT, finding);
   }
 }
 
@@ -132,8 +150,25 @@ void SqliteUserDefaults::execute(const char* sql) const {
 }
 
 void SqliteUserDefaults::fail(const char* action) const {
-  throw std::runtime_error(fmt::format("user defaults: cannot {} {}: {}", action, file_.string(),
-                                       sqlite3_errmsg(database_.get())));
+  throwSqliteFailure(action, file_, database_.get());
+}
+
+void SqliteUserDefaults::untilUnlocked(const char* action,
+                                       const std::function<int()>& attempt) const {
+  const auto deadline = std::chrono::steady_clock::now() + busyTimeout;
+  while (true) {
+    {
+      const std::lock_guard lock(lock_);
+      const int result = attempt();
+      if (result == SQLITE_ROW || result == SQLITE_DONE) {
+        return;
+      }
+      if ((result & 0xFF) != SQLITE_BUSY || std::chrono::steady_clock::now() > deadline) {
+        fail(action);
+      }
+    }
+    std::this_thread::sleep_for(std::chrono::milliseconds(2));
+  }
 }
 
 void SqliteUserDefaults::bindKey(sqlite3_stmt* statement, const std::string& key) const {
@@ -145,25 +180,25 @@ void SqliteUserDefaults::bindKey(sqlite3_stmt* statement, const std::string& key
 
 void SqliteUserDefaults::read(const std::string& key,
                               const std::function<void(sqlite3_stmt*)>& take) const {
-  const std::lock_guard lock(lock_);
-  const ResetOnExit reset{select_.get()};
-  bindKey(select_.get(), key);
-  const int result = sqlite3_step(select_.get());
-  if (result == SQLITE_ROW) {
-    take(select_.get());
-  } else if (result != SQLITE_DONE) {
-    fail("read");
-  }
+  untilUnlocked("read", [&] {
+    const ResetOnExit reset{select_.get()};
+    bindKey(select_.get(), key);
+    const int result = sqlite3_step(select_.get());
+    if (result == SQLITE_ROW) {
+      take(select_.get());
+    }
+    return result;
+  });
 }
 
 void SqliteUserDefaults::write(const std::string& key,
                                const std::function<int(sqlite3_stmt*)>& bindValue) {
-  const std::lock_guard lock(lock_);
-  const ResetOnExit reset{upsert_.get()};
-  bindKey(upsert_.get(), key);
-  if (bindValue(upsert_.get()) != SQLITE_OK || sqlite3_step(upsert_.get()) != SQLITE_DONE) {
-    fail("write");
-  }
+  untilUnlocked("write", [&] {
+    const ResetOnExit reset{upsert_.get()};
+    bindKey(upsert_.get(), key);
+    const int bound = bindValue(upsert_.get());
+    return bound == SQLITE_OK ? sqlite3_step(upsert_.get()) : bound;
+  });
 }
 
 std::optional<Bytes> SqliteUserDefaults::dataForKey(const std::string& key) const {
@@ -181,8 +216,7 @@ std::optional<std::string> SqliteUserDefaults::stringForKey(const std::string& k
   std::optional<std::string> found;
   read(key, [&found](sqlite3_stmt* row) {
     if (sqlite3_column_type(row, 0) == SQLITE_TEXT) {
-      const auto* text = reinterpret_cast<const char*>(sqlite3_column_text(row, 0));
-      found.emplace(text, static_cast<std::size_t>(sqlite3_column_bytes(row, 0)));
+      found = textIn(row);
     }
   });
   return found;

@@ -14,13 +14,16 @@ namespace orlix {
 
 /// The key/value store in one SQLite file, readable by its owner only. A value that a setter has
 /// returned from survives the process's and the machine's sudden end. Several processes may use the
-/// same file at once; one waits for the other up to five seconds.
+/// same file at once; one waits for the other up to five seconds. A write that waits does not hold
+/// up the reads of other threads.
 ///
-/// Every operation throws std::runtime_error with the file's name and SQLite's reason when the file
-/// cannot be read or written; what it held stays as it was.
+/// Every operation throws StoreException with the file's name, SQLite's reason and the remedy when
+/// the file cannot be read or written; what it held stays as it was.
 class SqliteUserDefaults : public UserDefaults {
  public:
-  /// Makes the file, and the folders it stands in, when they do not exist.
+  /// Makes the file, and the folders that it is in, when they do not exist. Throws StoreException
+  /// also when the store is damaged or read-only, and when its folder or one of its files is not
+  /// private (see `requirePrivateFolder`).
   explicit SqliteUserDefaults(const std::filesystem::path& file);
   ~SqliteUserDefaults() override;
 
@@ -44,11 +47,15 @@ class SqliteUserDefaults : public UserDefaults {
   void createFile() const;
   void open();
   void useWriteAheadLog();
+  void checkPages() const;
   Statement prepare(const char* sql) const;
   void execute(const char* sql) const;
   /// Calls `take` with the value's row; not at all when there is none.
   void read(const std::string& key, const std::function<void(sqlite3_stmt*)>& take) const;
   void write(const std::string& key, const std::function<int(sqlite3_stmt*)>& bindValue);
+  /// Runs `attempt`, which returns a step's result, with the lock; again after a pause without the
+  /// lock while another process has locked the file.
+  void untilUnlocked(const char* action, const std::function<int()>& attempt) const;
   void bindKey(sqlite3_stmt* statement, const std::string& key) const;
   [[noreturn]] void fail(const char* action) const;
 

@@ -2,15 +2,11 @@
 
 #include <algorithm>
 
+#include "orlixkit/platform/Characters.h"
+
 namespace orlix {
 
 namespace {
-
-bool startsCharacter(char unit) { return (static_cast<unsigned char>(unit) & 0xC0U) != 0x80U; }
-
-std::size_t countCharacters(std::string_view text) {
-  return static_cast<std::size_t>(std::count_if(text.begin(), text.end(), startsCharacter));
-}
 
 /// Byte offset of the character with this index; the text's size behind the last one.
 std::size_t byteOffset(std::string_view text, std::size_t character) {
