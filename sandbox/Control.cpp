@@ -46,6 +46,7 @@ const std::vector<Control::Entry>& Control::entries() {
       {"POST", "/control/faults", &Control::addFault},
       {"GET", "/control/faults", &Control::listFaults},
       {"DELETE", "/control/faults", &Control::clearFaults},
+      {"POST", "/control/sessions", &Control::setSessions},
       {"DELETE", "/control/sessions", &Control::forgetSessions},
       {"DELETE", "/control/connections", &Control::dropConnections},
       {"POST", "/control/start", &Control::setSessionStart},
@@ -102,6 +103,12 @@ HttpAnswer Control::forgetSessions(const json::object& /*wish*/) {
   return done();
 }
 
+HttpAnswer Control::setSessions(const json::object& wish) {
+  if (auto wrong = complaint(wish, {{"onePerDevice", Kind::boolean}})) return mistake(*wrong);
+  state_.sessions.keepOnePerDevice(booleanOf(wish, "onePerDevice"));
+  return done();
+}
+
 HttpAnswer Control::setSessionStart(const json::object& wish) {
   constexpr std::array<std::string_view, 7> starts{
       "normal", "notice", "refused", "refusedEmpty", "refusedAbsent", "terms", "enrol"};
@@ -149,6 +156,7 @@ HttpAnswer Control::counts(const json::object& /*wish*/) {
                      {"handshakes", connections.handshakes},
                      {"resumed", connections.resumed},
                      {"sessions", state_.sessions.count()},
+                     {"sessionsOpened", state_.sessions.openedCount()},
                      {"requests", state_.seen.size()},
                      {"purchasesReceived", state_.purchases.receivedCount()},
                      {"purchasesPaid", state_.purchases.paymentCount()},

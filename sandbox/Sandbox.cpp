@@ -52,6 +52,7 @@ class Sandbox::Server {
     if (front_) throw std::runtime_error("the sandbox has been started already");
     state_ = std::make_unique<State>(options_.database);
     state_->everyDeviceEnrolled = options_.enrolled;
+    state_->sessions.keepOnePerDevice(options_.oneSession);
     const Certificates certificates(options_.certificateFlaw);
     prepareFolder();
     certificates.write(folder_);

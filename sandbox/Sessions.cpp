@@ -9,8 +9,9 @@ namespace orlix::sandbox {
 const Session& Sessions::open(std::string_view deviceSerial, std::string_view wallet) {
   size_t kept = 1;
   sessions_.remove_if([&](const Session& session) {
-    return session.deviceSerial == deviceSerial && ++kept > keptForEachDevice;
+    return session.deviceSerial == deviceSerial && ++kept > keptForEachDevice_;
   });
+  ++openedCount_;
   sessions_.push_front({.token1 = randomHex(16),
                         .token2 = randomHex(16),
                         .deviceSerial = std::string(deviceSerial),

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstdint>
 #include <list>
 #include <string>
 #include <string_view>
@@ -22,19 +23,28 @@ class Sessions {
  public:
   /// A session with fresh tokens and PIN key. A device keeps its latest sessions only, so that a
   /// client that re-establishes without end does not fill the memory.
+  ///
+  /// With `keepOnePerDevice` the device keeps the new session only.
   const Session& open(std::string_view deviceSerial, std::string_view wallet);
 
   /// The session with both tokens, or none.
   Session* find(std::string_view token1, std::string_view token2);
 
+  /// From the next `open` on. A device's earlier sessions are kept until then.
+  void keepOnePerDevice(bool one) { keptForEachDevice_ = one ? 1 : severalSessions; }
+
   void forget(std::string_view token1);
   void forgetAll();
   size_t count() const { return sessions_.size(); }
+  /// All that were ever opened.
+  std::int64_t openedCount() const { return openedCount_; }
 
  private:
-  static constexpr size_t keptForEachDevice = 16;
+  static constexpr size_t severalSessions = 16;
 
   std::list<Session> sessions_;  ///< Latest first.
+  size_t keptForEachDevice_ = severalSessions;
+  std::int64_t openedCount_ = 0;
 };
 
 }  // namespace orlix::sandbox
