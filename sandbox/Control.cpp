@@ -81,15 +81,18 @@ HttpAnswer Control::answer(const HttpRequest& request) {
 
 HttpAnswer Control::addFault(const json::object& wish) {
   if (const auto wrong = state_.faults.add(wish)) return mistake(*wrong);
-  return answerWith({{"faults", state_.faults.list()}});
+  json::array faults = state_.faults.list();
+  const json::value id = faults.back().at("id");
+  return answerWith({{"id", id}, {"faults", std::move(faults)}});
 }
 
 HttpAnswer Control::listFaults(const json::object& /*wish*/) {
   return answerWith({{"faults", state_.faults.list()}});
 }
 
-HttpAnswer Control::clearFaults(const json::object& /*wish*/) {
-  state_.faults.clear();
+HttpAnswer Control::clearFaults(const json::object& wish) {
+  if (const auto wrong = state_.faults.clear(wish)) return mistake(*wrong);
+  state_.changed.notify_all();
   return done();
 }
 

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <chrono>
+#include <functional>
 #include <string>
 #include <utility>
 #include <vector>
@@ -37,6 +38,7 @@ struct HttpAnswer {
   std::vector<std::pair<std::string, std::string>> headers{};
   Delivery delivery = Delivery::whole;
   std::chrono::milliseconds delay{0};        ///< Waited before anything is sent.
+  std::function<bool()> hold{};              ///< Then waits; false: nothing is to be sent any more.
   std::chrono::milliseconds interval{1000};  ///< Between two bytes of a trickled body.
 };
 

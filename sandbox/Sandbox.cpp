@@ -1,7 +1,9 @@
 #include "sandbox/Sandbox.h"
 
+#include <algorithm>
 #include <cstdlib>
 #include <filesystem>
+#include <functional>
 #include <stdexcept>
 #include <system_error>
 #include <utility>
@@ -78,7 +80,7 @@ class Sandbox::Server {
     shutdown_.begin();
     if (state_) {
       const std::lock_guard lock(state_->mutex);
-      state_->termsAccepted.notify_all();
+      state_->changed.notify_all();
     }
     if (front_) front_->stop();
     if (temporary_) {
@@ -117,25 +119,38 @@ class Sandbox::Server {
 
   HttpAnswer answerClient(const HttpRequest& request) {
     const bool isPurchase = Vello::isPurchase(request);
-    std::optional<Fault> fault;
+    std::vector<Fault> faults;
     size_t place = 0;
     {
       const std::lock_guard lock(state_->mutex);
-      fault = state_->faults.take(request.path);
+      faults = state_->faults.take(request.path);
       if (isPurchase) place = state_->purchases.received(request.path, request.body);
-      if (fault && fault->kind == Fault::Kind::forgetSession) {
+      for (const Fault& fault : faults) {
+        if (fault.kind != Fault::Kind::forgetSession) continue;
         state_->sessions.forget(request.sessionToken1);
       }
     }
     HttpAnswer answer;
-    if (!fault || fault->carriesOut()) answer = route(request);
+    if (std::all_of(faults.begin(), faults.end(), std::mem_fn(&Fault::carriesOut))) {
+      answer = route(request);
+    }
     const std::string told = answer.body;  // What the server meant, whatever becomes of it.
-    if (fault) Faults::spoil(answer, *fault);
+    for (const Fault& fault : faults) {
+      Faults::spoil(answer, fault);
+      if (fault.kind == Fault::Kind::hold) answer.hold = [this, fault] { return awaitEnd(fault); };
+    }
 
     const std::lock_guard lock(state_->mutex);
     if (isPurchase) state_->purchases.answered(place, answer.status, told);
     remember(request, answer.status);
     return answer;
+  }
+
+  /// False when the server ends before the fault is cleared.
+  bool awaitEnd(const Fault& fault) {
+    std::unique_lock lock(state_->mutex);
+    state_->changed.wait(lock, [&] { return shutdown_.begun() || !state_->faults.has(fault.id); });
+    return !shutdown_.begun();
   }
 
   HttpAnswer route(const HttpRequest& request) {

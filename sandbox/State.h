@@ -33,7 +33,9 @@ struct State {
       : database(databaseFile), kinds(database), devices(database), wallets(database, kinds) {}
 
   std::mutex mutex;
-  std::condition_variable termsAccepted;
+  /// Signalled when terms are accepted, a fault is cleared, or the server ends: what an answer may
+  /// be waiting for.
+  std::condition_variable changed;
 
   Database database;
   CardKinds kinds;

@@ -72,6 +72,7 @@ bool TlsStream::deliver(const HttpAnswer& answer, Shutdown& shutdown) {
   std::string out;
   out.swap(outgoing_);
   if (answer.delay.count() > 0 && !shutdown.pause(answer.delay)) return false;
+  if (answer.hold && !answer.hold()) return false;
 
   const size_t headEnd = out.find("\r\n\r\n");
   const size_t head = headEnd == std::string::npos ? out.size() : headEnd + 4;
