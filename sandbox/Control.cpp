@@ -13,12 +13,6 @@ bool isLoopback(std::string_view address) {
   return address.substr(0, 4) == "127." || address == "::1";
 }
 
-HttpAnswer refused(int status, std::string_view reason) {
-  HttpAnswer answer = mistake(reason);
-  answer.status = status;
-  return answer;
-}
-
 HttpAnswer done() { return answerWith({{"done", true}}); }
 
 /// What arrived, told back; the target of a redirect can be seen to have lost or kept things.
@@ -67,7 +61,7 @@ Control::Control(State& state, Connections connections)
 bool Control::owns(const HttpRequest& request) { return request.path.rfind("/control/", 0) == 0; }
 
 HttpAnswer Control::answer(const HttpRequest& request) {
-  if (!isLoopback(request.remoteAddress)) return refused(403, "for this machine only");
+  if (!isLoopback(request.remoteAddress)) return refusal(403, "for this machine only");
   if (request.path == "/control/echo") return echo(request);
   for (const Entry& entry : entries()) {
     if (entry.method != request.method || entry.path != request.path) continue;
@@ -76,7 +70,7 @@ HttpAnswer Control::answer(const HttpRequest& request) {
     const std::lock_guard lock(state_.mutex);
     return (this->*entry.answer)(*wish);
   }
-  return refused(404, "there is no such switch");
+  return refusal(404, "there is no such switch");
 }
 
 HttpAnswer Control::addFault(const json::object& wish) {
@@ -160,7 +154,7 @@ HttpAnswer Control::counts(const json::object& /*wish*/) {
                      {"resumed", connections.resumed},
                      {"sessions", state_.sessions.count()},
                      {"sessionsOpened", state_.sessions.openedCount()},
-                     {"requests", state_.seen.size()},
+                     {"requests", state_.seen.count()},
                      {"purchasesReceived", state_.purchases.receivedCount()},
                      {"purchasesPaid", state_.purchases.paymentCount()},
                      {"termsVersion", state_.wallets.termsVersion()},
@@ -177,17 +171,7 @@ HttpAnswer Control::clearPurchases(const json::object& /*wish*/) {
 }
 
 HttpAnswer Control::listRequests(const json::object& /*wish*/) {
-  json::array out;
-  for (const SeenRequest& seen : state_.seen) {
-    out.push_back(json::object{{"method", seen.method},
-                               {"path", seen.path},
-                               {"status", seen.status},
-                               {"token1", seen.token1},
-                               {"token2", seen.token2},
-                               {"contentType", seen.contentType},
-                               {"bytes", seen.bytes}});
-  }
-  return answerWith({{"requests", std::move(out)}});
+  return answerWith({{"requests", state_.seen.list()}});
 }
 
 HttpAnswer Control::clearRequests(const json::object& /*wish*/) {

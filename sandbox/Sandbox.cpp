@@ -1,27 +1,23 @@
 #include "sandbox/Sandbox.h"
 
-#include <algorithm>
 #include <cstdlib>
 #include <filesystem>
-#include <functional>
 #include <stdexcept>
 #include <system_error>
 #include <utility>
 
 #include <fmt/format.h>
 
+#include "sandbox/Call.h"
+#include "sandbox/ClientRequests.h"
 #include "sandbox/Control.h"
 #include "sandbox/HttpFront.h"
-#include "sandbox/Issuer.h"
-#include "sandbox/Vello.h"
 
 namespace orlix::sandbox {
 
 namespace fs = std::filesystem;
 
 namespace {
-
-constexpr size_t requestsKept = 10'000;
 
 fs::path makeTemporaryFolder() {
   std::string name = (fs::temp_directory_path() / "orlix-sandbox-XXXXXX").string();
@@ -58,8 +54,7 @@ class Sandbox::Server {
     const Certificates certificates(options_.certificateFlaw);
     prepareFolder();
     certificates.write(folder_);
-    vello_ = std::make_unique<Vello>(*state_, log_, shutdown_);
-    issuer_ = std::make_unique<Issuer>(*state_);
+    clients_ = std::make_unique<ClientRequests>(*state_, log_, shutdown_);
     control_ = std::make_unique<Control>(
         *state_, Control::Connections{.counts = [this] { return front_->counts(); },
                                       .drop = [this] { front_->dropConnections(); }});
@@ -95,11 +90,11 @@ class Sandbox::Server {
   EventLog& log() { return log_; }
 
   HttpAnswer answer(const HttpRequest& request) {
-    if (!front_) return {.status = 503, .body = R"({"error":"the sandbox has not been started"})"};
+    if (!front_) return refusal(503, "the sandbox has not been started");
     try {
-      return Control::owns(request) ? control_->answer(request) : answerClient(request);
+      return Control::owns(request) ? control_->answer(request) : clients_->answer(request);
     } catch (const std::exception& failure) {
-      return {.status = 500, .body = json::serialize(json::object{{"error", failure.what()}})};
+      return refusal(500, failure.what());
     }
   }
 
@@ -117,57 +112,6 @@ class Sandbox::Server {
     if (!temporary_) makeFolder(folder_);
   }
 
-  HttpAnswer answerClient(const HttpRequest& request) {
-    const bool isPurchase = Vello::isPurchase(request);
-    std::vector<Fault> faults;
-    size_t place = 0;
-    {
-      const std::lock_guard lock(state_->mutex);
-      faults = state_->faults.take(request.path);
-      if (isPurchase) place = state_->purchases.received(request.path, request.body);
-      for (const Fault& fault : faults) {
-        if (fault.kind != Fault::Kind::forgetSession) continue;
-        state_->sessions.forget(request.sessionToken1);
-      }
-    }
-    HttpAnswer answer;
-    if (std::all_of(faults.begin(), faults.end(), std::mem_fn(&Fault::carriesOut))) {
-      answer = route(request);
-    }
-    const std::string told = answer.body;  // What the server meant, whatever becomes of it.
-    for (const Fault& fault : faults) {
-      Faults::spoil(answer, fault);
-      if (fault.kind == Fault::Kind::hold) answer.hold = [this, fault] { return awaitEnd(fault); };
-    }
-
-    const std::lock_guard lock(state_->mutex);
-    if (isPurchase) state_->purchases.answered(place, answer.status, told);
-    remember(request, answer.status);
-    return answer;
-  }
-
-  /// False when the server ends before the fault is cleared.
-  bool awaitEnd(const Fault& fault) {
-    std::unique_lock lock(state_->mutex);
-    state_->changed.wait(lock, [&] { return shutdown_.begun() || !state_->faults.has(fault.id); });
-    return !shutdown_.begun();
-  }
-
-  HttpAnswer route(const HttpRequest& request) {
-    return Issuer::owns(request) ? issuer_->answer(request) : vello_->answer(request);
-  }
-
-  void remember(const HttpRequest& request, int status) {
-    state_->seen.push_back({.method = request.method,
-                            .path = request.path,
-                            .status = status,
-                            .token1 = !request.sessionToken1.empty(),
-                            .token2 = !request.sessionToken2.empty(),
-                            .contentType = request.contentType,
-                            .bytes = request.body.size()});
-    if (state_->seen.size() > requestsKept) state_->seen.pop_front();
-  }
-
   Options options_;
   EventLog log_;
   Shutdown shutdown_;
@@ -175,8 +119,7 @@ class Sandbox::Server {
   bool temporary_ = false;
   int port_ = 0;
   std::unique_ptr<State> state_;
-  std::unique_ptr<Vello> vello_;
-  std::unique_ptr<Issuer> issuer_;
+  std::unique_ptr<ClientRequests> clients_;
   std::unique_ptr<Control> control_;
   std::unique_ptr<HttpFront> front_;  // Last: its threads use all of the above.
 };
