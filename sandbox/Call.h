@@ -47,6 +47,9 @@ const std::vector<Route>& secureCodeRoutes();
 
 HttpAnswer answerWith(const json::object& object);
 
+/// Another status than 200, with the reason.
+HttpAnswer refusal(int status, std::string_view reason);
+
 /// The client has broken the protocol: 400 with the reason.
 HttpAnswer mistake(std::string_view reason);
 

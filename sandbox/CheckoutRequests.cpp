@@ -32,7 +32,7 @@ void forbidPurchases(Faults& faults) {
 /// Gives a person time to accept changed terms before the lookup's answer replaces that screen.
 void awaitTerms(Call& call, const std::string& wallet) {
   State& state = call.state;
-  state.termsAccepted.wait_for(call.lock, std::chrono::milliseconds(state.termsWaitMs), [&] {
+  state.changed.wait_for(call.lock, std::chrono::milliseconds(state.termsWaitMs), [&] {
     return state.wallets.acceptsPresentTerms(wallet) || call.shutdown.begun();
   });
 }

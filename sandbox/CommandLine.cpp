@@ -17,11 +17,13 @@ bool readPort(std::string_view text, int& port) {
 }  // namespace
 
 std::string usage() {
-  return "usage: orlix-sandbox [--port N] [--db FILE] [--dir DIR] [--enrolled]\n"
-         "  --port N    listen on 127.0.0.1:N (default: a free port)\n"
-         "  --db FILE   keep the state in this SQLite file (default: in memory)\n"
-         "  --dir DIR   write the certificates here (default: a new temporary folder)\n"
-         "  --enrolled  every device counts as enrolled, with a wallet of every documented card\n";
+  return "usage: orlix-sandbox [--port N] [--db FILE] [--dir DIR] [--enrolled] [--one-session]\n"
+         "  --port N       listen on 127.0.0.1:N (default: a free port)\n"
+         "  --db FILE      keep the state in this SQLite file (default: in memory)\n"
+         "  --dir DIR      write the certificates here (default: a new temporary folder)\n"
+         "  --enrolled     every device counts as enrolled, with a wallet of every documented "
+         "card\n"
+         "  --one-session  a device's session start ends its former sessions\n";
 }
 
 std::variant<Options, HelpWanted, UsageError> readCommandLine(
@@ -32,6 +34,10 @@ std::variant<Options, HelpWanted, UsageError> readCommandLine(
     if (name == "--help") return HelpWanted{};
     if (name == "--enrolled") {
       options.enrolled = true;
+      continue;
+    }
+    if (name == "--one-session") {
+      options.oneSession = true;
       continue;
     }
     if (name != "--port" && name != "--db" && name != "--dir") {

@@ -13,12 +13,6 @@ bool isLoopback(std::string_view address) {
   return address.substr(0, 4) == "127." || address == "::1";
 }
 
-HttpAnswer refused(int status, std::string_view reason) {
-  HttpAnswer answer = mistake(reason);
-  answer.status = status;
-  return answer;
-}
-
 HttpAnswer done() { return answerWith({{"done", true}}); }
 
 /// What arrived, told back; the target of a redirect can be seen to have lost or kept things.
@@ -46,6 +40,7 @@ const std::vector<Control::Entry>& Control::entries() {
       {"POST", "/control/faults", &Control::addFault},
       {"GET", "/control/faults", &Control::listFaults},
       {"DELETE", "/control/faults", &Control::clearFaults},
+      {"POST", "/control/sessions", &Control::setSessions},
       {"DELETE", "/control/sessions", &Control::forgetSessions},
       {"DELETE", "/control/connections", &Control::dropConnections},
       {"POST", "/control/start", &Control::setSessionStart},
@@ -66,7 +61,7 @@ Control::Control(State& state, Connections connections)
 bool Control::owns(const HttpRequest& request) { return request.path.rfind("/control/", 0) == 0; }
 
 HttpAnswer Control::answer(const HttpRequest& request) {
-  if (!isLoopback(request.remoteAddress)) return refused(403, "for this machine only");
+  if (!isLoopback(request.remoteAddress)) return refusal(403, "for this machine only");
   if (request.path == "/control/echo") return echo(request);
   for (const Entry& entry : entries()) {
     if (entry.method != request.method || entry.path != request.path) continue;
@@ -75,20 +70,23 @@ HttpAnswer Control::answer(const HttpRequest& request) {
     const std::lock_guard lock(state_.mutex);
     return (this->*entry.answer)(*wish);
   }
-  return refused(404, "there is no such switch");
+  return refusal(404, "there is no such switch");
 }
 
 HttpAnswer Control::addFault(const json::object& wish) {
   if (const auto wrong = state_.faults.add(wish)) return mistake(*wrong);
-  return answerWith({{"faults", state_.faults.list()}});
+  json::array faults = state_.faults.list();
+  const json::value id = faults.back().at("id");
+  return answerWith({{"id", id}, {"faults", std::move(faults)}});
 }
 
 HttpAnswer Control::listFaults(const json::object& /*wish*/) {
   return answerWith({{"faults", state_.faults.list()}});
 }
 
-HttpAnswer Control::clearFaults(const json::object& /*wish*/) {
-  state_.faults.clear();
+HttpAnswer Control::clearFaults(const json::object& wish) {
+  if (const auto wrong = state_.faults.clear(wish)) return mistake(*wrong);
+  state_.changed.notify_all();
   return done();
 }
 
@@ -99,6 +97,12 @@ HttpAnswer Control::dropConnections(const json::object& /*wish*/) {
 
 HttpAnswer Control::forgetSessions(const json::object& /*wish*/) {
   state_.sessions.forgetAll();
+  return done();
+}
+
+HttpAnswer Control::setSessions(const json::object& wish) {
+  if (auto wrong = complaint(wish, {{"onePerDevice", Kind::boolean}})) return mistake(*wrong);
+  state_.sessions.keepOnePerDevice(booleanOf(wish, "onePerDevice"));
   return done();
 }
 
@@ -149,7 +153,8 @@ HttpAnswer Control::counts(const json::object& /*wish*/) {
                      {"handshakes", connections.handshakes},
                      {"resumed", connections.resumed},
                      {"sessions", state_.sessions.count()},
-                     {"requests", state_.seen.size()},
+                     {"sessionsOpened", state_.sessions.openedCount()},
+                     {"requests", state_.seen.count()},
                      {"purchasesReceived", state_.purchases.receivedCount()},
                      {"purchasesPaid", state_.purchases.paymentCount()},
                      {"termsVersion", state_.wallets.termsVersion()},
@@ -166,17 +171,7 @@ HttpAnswer Control::clearPurchases(const json::object& /*wish*/) {
 }
 
 HttpAnswer Control::listRequests(const json::object& /*wish*/) {
-  json::array out;
-  for (const SeenRequest& seen : state_.seen) {
-    out.push_back(json::object{{"method", seen.method},
-                               {"path", seen.path},
-                               {"status", seen.status},
-                               {"token1", seen.token1},
-                               {"token2", seen.token2},
-                               {"contentType", seen.contentType},
-                               {"bytes", seen.bytes}});
-  }
-  return answerWith({{"requests", std::move(out)}});
+  return answerWith({{"requests", state_.seen.list()}});
 }
 
 HttpAnswer Control::clearRequests(const json::object& /*wish*/) {

@@ -34,6 +34,7 @@ class Control {
   HttpAnswer clearFaults(const json::object& wish);
   HttpAnswer dropConnections(const json::object& wish);
   HttpAnswer forgetSessions(const json::object& wish);
+  HttpAnswer setSessions(const json::object& wish);
   HttpAnswer setSessionStart(const json::object& wish);
   HttpAnswer setTerms(const json::object& wish);
   HttpAnswer setEnrolled(const json::object& wish);

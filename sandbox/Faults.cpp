@@ -10,11 +10,12 @@ namespace orlix::sandbox {
 
 namespace {
 
-constexpr std::array<std::pair<std::string_view, Fault::Kind>, 19> kindNames{{
+constexpr std::array<std::pair<std::string_view, Fault::Kind>, 20> kindNames{{
     {"status", Fault::Kind::status},
     {"redirect", Fault::Kind::redirect},
     {"forget-session", Fault::Kind::forgetSession},
     {"delay", Fault::Kind::delay},
+    {"hold", Fault::Kind::hold},
     {"hang-up", Fault::Kind::hangUp},
     {"silence", Fault::Kind::silence},
     {"header-then-silence", Fault::Kind::headerThenSilence},
@@ -46,9 +47,24 @@ bool meetsConnection(const Fault& fault, std::string_view /*path*/) {
   return meetsConnections(fault);
 }
 
-bool meetsRequest(const Fault& fault, std::string_view path) {
-  if (meetsConnections(fault)) return false;
-  return fault.path == path || (fault.path == "*" && path.substr(0, 7) == "/vello/");
+bool covers(std::string_view pattern, std::string_view path) {
+  if (pattern == "*") pattern = "/vello/*";
+  if (!pattern.ends_with('*')) return pattern == path;
+  return path.starts_with(pattern.substr(0, pattern.size() - 1));
+}
+
+bool holdsAnswerBack(const Fault& fault, std::string_view path) {
+  return fault.holdsBack() && covers(fault.path, path);
+}
+
+bool spoilsAnswer(const Fault& fault, std::string_view path) {
+  return !meetsConnections(fault) && !fault.holdsBack() && covers(fault.path, path);
+}
+
+std::optional<std::string> complaintAboutPath(std::string_view path) {
+  if (path != "*" && !path.starts_with('/')) return "\"path\" is neither \"*\" nor begins with /";
+  if (path.find('*') < path.size() - 1) return "\"path\" has a \"*\" that is not its end";
+  return std::nullopt;
 }
 
 json::value ofAnotherType(const json::value& value) {
@@ -117,6 +133,7 @@ std::optional<std::string> Faults::add(const json::object& wish) {
   Fault fault;
   fault.kind = found->second;
   if (wish.contains("path")) fault.path = textOf(wish, "path");
+  if (const auto wrong = complaintAboutPath(fault.path)) return wrong;
   fault.skip = integerOf(wish, "skip", fault.skip);
   fault.count = integerOf(wish, "count", fault.count);
   if (wish.contains("carriedOut")) fault.carriedOut = booleanOf(wish, "carriedOut");
@@ -153,7 +170,13 @@ std::optional<Fault> Faults::takeIf(bool (*fits)(const Fault&, std::string_view)
   return std::nullopt;
 }
 
-std::optional<Fault> Faults::take(std::string_view path) { return takeIf(&meetsRequest, path); }
+std::vector<Fault> Faults::take(std::string_view path) {
+  std::vector<Fault> met;
+  for (const auto fits : {&holdsAnswerBack, &spoilsAnswer}) {
+    if (auto fault = takeIf(fits, path)) met.push_back(std::move(*fault));
+  }
+  return met;
+}
 
 ConnectionFault Faults::takeForConnection() {
   const auto fault = takeIf(&meetsConnection, {});
@@ -162,8 +185,24 @@ ConnectionFault Faults::takeForConnection() {
                                                      : ConnectionFault::refuseHandshake;
 }
 
-bool Faults::remove(std::int64_t id) {
-  return faults_.remove_if([&](const Fault& fault) { return fault.id == id; }) > 0;
+std::optional<std::string> Faults::clear(const json::object& wish) {
+  if (auto wrong = complaint(wish, {{"id", Kind::integer, false},
+                                    {"kind", Kind::text, false},
+                                    {"path", Kind::text, false}})) {
+    return wrong;
+  }
+  const size_t cleared = faults_.remove_if([&](const Fault& fault) {
+    return integerOf(wish, "id", fault.id) == fault.id &&
+           (!wish.contains("kind") || textOf(wish, "kind") == nameOf(fault.kind)) &&
+           (!wish.contains("path") || textOf(wish, "path") == fault.path);
+  });
+  if (cleared == 0 && !wish.empty()) return "there is no such fault";
+  return std::nullopt;
+}
+
+bool Faults::has(std::int64_t id) const {
+  return std::any_of(faults_.begin(), faults_.end(),
+                     [&](const Fault& fault) { return fault.id == id; });
 }
 
 json::array Faults::list() const {
@@ -227,6 +266,8 @@ void Faults::spoil(HttpAnswer& answer, const Fault& fault) {
     case Fault::Kind::lastAnswer:
       answer.headers.emplace_back("Connection", "close");
       break;
+    case Fault::Kind::hold:
+      break;  // Done by the server, which knows when the fault is cleared.
     case Fault::Kind::forgetSession:
     case Fault::Kind::resetConnection:
     case Fault::Kind::refuseHandshake:

@@ -5,6 +5,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "sandbox/Http.h"
 #include "sandbox/HttpFront.h"
@@ -19,6 +20,7 @@ struct Fault {
     redirect,       ///< To `location`; not carried out.
     forgetSession,  ///< The session is forgotten first, so that the answer is 403.
     delay,          ///< Carried out, the answer held back for `milliseconds`.
+    hold,           ///< Carried out, the answer held back until the fault is cleared.
     hangUp,         ///< The rest: carried out, the answer spoilt.
     silence,
     headerThenSilence,
@@ -38,7 +40,8 @@ struct Fault {
 
   std::int64_t id = 0;
   Kind kind = Kind::status;
-  std::string path = "*";          ///< A whole path, or "*" for every path below /vello.
+  /// A whole path, a prefix with "*" behind it, or "*" for every path below /vello.
+  std::string path = "*";
   std::int64_t skip = 0;           ///< Requests let through first.
   std::int64_t count = 1;          ///< Requests spoilt after those; -1: until taken away.
   std::int64_t hits = 0;           ///< Requests spoilt so far.
@@ -50,6 +53,8 @@ struct Fault {
   std::int64_t bytes = 50'000'000;
 
   bool carriesOut() const;
+  /// True for the kinds that change when an answer leaves, not what it says.
+  bool holdsBack() const { return kind == Kind::delay || kind == Kind::hold; }
   json::object toJson() const;
 };
 
@@ -61,13 +66,17 @@ class Faults {
   std::optional<std::string> add(const json::object& wish);
   std::int64_t add(Fault fault);
 
-  /// The fault that meets this request, if any: the one switched on first that is not spent.
-  std::optional<Fault> take(std::string_view path);
+  /// The faults that meet this request: at most one that holds its answer back and one of the
+  /// others, of each the one switched on first that is not spent.
+  std::vector<Fault> take(std::string_view path);
 
   ConnectionFault takeForConnection();
 
-  bool remove(std::int64_t id);
-  void clear() { faults_.clear(); }
+  /// Switches off the faults that have the "id", "kind" and "path" of `wish`, all without any of
+  /// them; what is wrong with it in words, or nothing.
+  std::optional<std::string> clear(const json::object& wish);
+  /// False once the fault has been cleared; a fault that is spent is still there.
+  bool has(std::int64_t id) const;
   json::array list() const;
 
   /// Spoils the answer of a request that was carried out, or stands in for it.

@@ -1,6 +1,8 @@
 #pragma once
 
 #include <chrono>
+#include <functional>
+#include <memory>
 #include <string>
 #include <utility>
 #include <vector>
@@ -37,7 +39,10 @@ struct HttpAnswer {
   std::vector<std::pair<std::string, std::string>> headers{};
   Delivery delivery = Delivery::whole;
   std::chrono::milliseconds delay{0};        ///< Waited before anything is sent.
+  std::function<bool()> hold{};              ///< Then waits; false: nothing is to be sent any more.
   std::chrono::milliseconds interval{1000};  ///< Between two bytes of a trickled body.
+  /// Released before the last byte is sent, or when it is certain that it never will be.
+  std::shared_ptr<void> underWay{};
 };
 
 }  // namespace orlix::sandbox

@@ -183,7 +183,8 @@ class HttpFront::Server : public httplib::Server {
       bool asksToClose = false;
       const bool understood = process_request(stream, false, asksToClose, [](httplib::Request&) {});
       currentAnswer = nullptr;
-      if (!stream.deliver(answer, shutdown_)) return;  // A fault, or the client has gone.
+      if (!stream.deliver(std::move(answer), shutdown_))
+        return;  // A fault, or the client has gone.
       if (!understood || asksToClose) break;
     }
     stream.closeCleanly();

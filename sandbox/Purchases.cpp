@@ -1,5 +1,8 @@
 #include "sandbox/Purchases.h"
 
+#include <algorithm>
+#include <utility>
+
 namespace orlix::sandbox {
 
 namespace {
@@ -25,8 +28,12 @@ json::value withoutSecrets(std::string_view body) {
   return std::move(*object);
 }
 
-size_t Purchases::received(std::string_view path, std::string_view body) {
-  received_.push_back({.path = std::string(path), .body = withoutSecrets(body)});
+size_t Purchases::received(ReceivedPurchase purchase) {
+  DeviceCount& device = devices_[purchase.origin.device];
+  ++device.received;
+  ++device.underWay;
+  device.mostUnderWay = std::max(device.mostUnderWay, device.underWay);
+  received_.push_back(std::move(purchase));
   ++receivedCount_;
   if (received_.size() > kept) {
     received_.pop_front();
@@ -35,7 +42,7 @@ size_t Purchases::received(std::string_view path, std::string_view body) {
   return dropped_ + received_.size() - 1;
 }
 
-void Purchases::answered(size_t place, int status, std::string_view answer) {
+void Purchases::decided(size_t place, int status, std::string_view answer) {
   if (place < dropped_) return;  // The account was cleared meanwhile.
   ReceivedPurchase& entry = received_.at(place - dropped_);
   entry.status = status;
@@ -45,7 +52,13 @@ void Purchases::answered(size_t place, int status, std::string_view answer) {
   }
 }
 
+void Purchases::ended(const std::string& device) { --devices_[device].underWay; }
+
 void Purchases::clearAccount() {
+  for (auto& [name, device] : devices_) {
+    device.received = 0;
+    device.mostUnderWay = device.underWay;
+  }
   dropped_ += received_.size();
   received_.clear();
   receivedCount_ = 0;
@@ -55,13 +68,26 @@ void Purchases::clearAccount() {
 json::object Purchases::account() const {
   json::array list;
   for (const ReceivedPurchase& entry : received_) {
-    list.push_back(json::object{{"path", entry.path},
+    list.push_back(json::object{{"request", entry.request},
+                                {"session", entry.origin.session},
+                                {"device", entry.origin.device},
+                                {"path", entry.path},
                                 {"body", entry.body},
                                 {"status", entry.status},
                                 {"outcome", entry.outcome},
                                 {"transactionId", entry.transactionId}});
   }
-  return {{"received", receivedCount_}, {"paid", paymentCount_}, {"purchases", std::move(list)}};
+  json::array devices;
+  for (const auto& [name, device] : devices_) {
+    devices.push_back(json::object{{"device", name},
+                                   {"received", device.received},
+                                   {"underWay", device.underWay},
+                                   {"mostUnderWay", device.mostUnderWay}});
+  }
+  return {{"received", receivedCount_},
+          {"paid", paymentCount_},
+          {"devices", std::move(devices)},
+          {"purchases", std::move(list)}};
 }
 
 std::int64_t Purchases::pay(Payment payment, bool bigReference) {

@@ -9,6 +9,7 @@
 
 #include "sandbox/Codes.h"
 #include "sandbox/Json.h"
+#include "sandbox/SeenRequests.h"
 
 namespace orlix::sandbox {
 
@@ -25,7 +26,9 @@ struct Payment {
 /// Every purchase body that reached the server, whatever became of it. What is secret in it is
 /// replaced by "***" before it is kept.
 struct ReceivedPurchase {
-  std::string path;
+  std::int64_t request = 0;  ///< Number among the requests seen.
+  Origin origin{};
+  std::string path{};
   json::value body{};
   int status = 0;         ///< HTTP status of the answer.
   std::string outcome{};  ///< "status" of the answer, when it had one.
@@ -36,8 +39,10 @@ struct ReceivedPurchase {
 class Purchases {
  public:
   /// Counts a purchase request that has arrived; returns its place in the account.
-  size_t received(std::string_view path, std::string_view body);
-  void answered(size_t place, int status, std::string_view answer);
+  size_t received(ReceivedPurchase purchase);
+  void decided(size_t place, int status, std::string_view answer);
+  /// The answer of one of the device's purchases has been sent, or never will be.
+  void ended(const std::string& device);
   void clearAccount();
   json::object account() const;
   std::int64_t receivedCount() const { return receivedCount_; }
@@ -53,6 +58,13 @@ class Purchases {
  private:
   static constexpr size_t kept = 10'000;  ///< Of each; the oldest are dropped.
 
+  struct DeviceCount {
+    std::int64_t received = 0;
+    std::int64_t underWay = 0;
+    std::int64_t mostUnderWay = 0;
+  };
+
+  std::map<std::string, DeviceCount> devices_;
   std::deque<ReceivedPurchase> received_;
   size_t dropped_ = 0;  ///< Entries that are gone; places count on from there.
   std::int64_t receivedCount_ = 0;

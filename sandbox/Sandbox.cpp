@@ -8,18 +8,16 @@
 
 #include <fmt/format.h>
 
+#include "sandbox/Call.h"
+#include "sandbox/ClientRequests.h"
 #include "sandbox/Control.h"
 #include "sandbox/HttpFront.h"
-#include "sandbox/Issuer.h"
-#include "sandbox/Vello.h"
 
 namespace orlix::sandbox {
 
 namespace fs = std::filesystem;
 
 namespace {
-
-constexpr size_t requestsKept = 10'000;
 
 fs::path makeTemporaryFolder() {
   std::string name = (fs::temp_directory_path() / "orlix-sandbox-XXXXXX").string();
@@ -52,11 +50,11 @@ class Sandbox::Server {
     if (front_) throw std::runtime_error("the sandbox has been started already");
     state_ = std::make_unique<State>(options_.database);
     state_->everyDeviceEnrolled = options_.enrolled;
+    state_->sessions.keepOnePerDevice(options_.oneSession);
     const Certificates certificates(options_.certificateFlaw);
     prepareFolder();
     certificates.write(folder_);
-    vello_ = std::make_unique<Vello>(*state_, log_, shutdown_);
-    issuer_ = std::make_unique<Issuer>(*state_);
+    clients_ = std::make_unique<ClientRequests>(*state_, log_, shutdown_);
     control_ = std::make_unique<Control>(
         *state_, Control::Connections{.counts = [this] { return front_->counts(); },
                                       .drop = [this] { front_->dropConnections(); }});
@@ -77,7 +75,7 @@ class Sandbox::Server {
     shutdown_.begin();
     if (state_) {
       const std::lock_guard lock(state_->mutex);
-      state_->termsAccepted.notify_all();
+      state_->changed.notify_all();
     }
     if (front_) front_->stop();
     if (temporary_) {
@@ -92,11 +90,11 @@ class Sandbox::Server {
   EventLog& log() { return log_; }
 
   HttpAnswer answer(const HttpRequest& request) {
-    if (!front_) return {.status = 503, .body = R"({"error":"the sandbox has not been started"})"};
+    if (!front_) return refusal(503, "the sandbox has not been started");
     try {
-      return Control::owns(request) ? control_->answer(request) : answerClient(request);
+      return Control::owns(request) ? control_->answer(request) : clients_->answer(request);
     } catch (const std::exception& failure) {
-      return {.status = 500, .body = json::serialize(json::object{{"error", failure.what()}})};
+      return refusal(500, failure.what());
     }
   }
 
@@ -114,44 +112,6 @@ class Sandbox::Server {
     if (!temporary_) makeFolder(folder_);
   }
 
-  HttpAnswer answerClient(const HttpRequest& request) {
-    const bool isPurchase = Vello::isPurchase(request);
-    std::optional<Fault> fault;
-    size_t place = 0;
-    {
-      const std::lock_guard lock(state_->mutex);
-      fault = state_->faults.take(request.path);
-      if (isPurchase) place = state_->purchases.received(request.path, request.body);
-      if (fault && fault->kind == Fault::Kind::forgetSession) {
-        state_->sessions.forget(request.sessionToken1);
-      }
-    }
-    HttpAnswer answer;
-    if (!fault || fault->carriesOut()) answer = route(request);
-    const std::string told = answer.body;  // What the server meant, whatever becomes of it.
-    if (fault) Faults::spoil(answer, *fault);
-
-    const std::lock_guard lock(state_->mutex);
-    if (isPurchase) state_->purchases.answered(place, answer.status, told);
-    remember(request, answer.status);
-    return answer;
-  }
-
-  HttpAnswer route(const HttpRequest& request) {
-    return Issuer::owns(request) ? issuer_->answer(request) : vello_->answer(request);
-  }
-
-  void remember(const HttpRequest& request, int status) {
-    state_->seen.push_back({.method = request.method,
-                            .path = request.path,
-                            .status = status,
-                            .token1 = !request.sessionToken1.empty(),
-                            .token2 = !request.sessionToken2.empty(),
-                            .contentType = request.contentType,
-                            .bytes = request.body.size()});
-    if (state_->seen.size() > requestsKept) state_->seen.pop_front();
-  }
-
   Options options_;
   EventLog log_;
   Shutdown shutdown_;
@@ -159,8 +119,7 @@ class Sandbox::Server {
   bool temporary_ = false;
   int port_ = 0;
   std::unique_ptr<State> state_;
-  std::unique_ptr<Vello> vello_;
-  std::unique_ptr<Issuer> issuer_;
+  std::unique_ptr<ClientRequests> clients_;
   std::unique_ptr<Control> control_;
   std::unique_ptr<HttpFront> front_;  // Last: its threads use all of the above.
 };

@@ -10,10 +10,11 @@
 namespace orlix::sandbox {
 
 struct Options {
-  int port = 0;            ///< 0 takes a free one.
-  std::string database{};  ///< SQLite file; empty: in memory.
-  std::string folder{};    ///< Where the certificates are written; empty: a new temporary folder.
-  bool enrolled = false;   ///< Every device counts as enrolled, with a wallet of every card.
+  int port = 0;             ///< 0 takes a free one.
+  std::string database{};   ///< SQLite file; empty: in memory.
+  std::string folder{};     ///< Where the certificates are written; empty: a new temporary folder.
+  bool enrolled = false;    ///< Every device counts as enrolled, with a wallet of every card.
+  bool oneSession = false;  ///< A device's session start ends its former sessions.
   EventLog::Sink
       onEvent{};  ///< Gets each JSON line; called on the server's threads, one at a time.
   CertificateFlaw certificateFlaw = CertificateFlaw::none;  ///< For clients that must refuse it.

@@ -135,7 +135,7 @@ HttpAnswer activateSession(Call& call) {
 
 HttpAnswer acceptTerms(Call& call) {
   call.state.wallets.acceptTerms(call.session->wallet);
-  call.state.termsAccepted.notify_all();
+  call.state.changed.notify_all();
   return answerWith({{"status", "SUCCESS"}});
 }
 

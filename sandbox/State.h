@@ -1,7 +1,6 @@
 #pragma once
 
 #include <condition_variable>
-#include <deque>
 #include <mutex>
 #include <string>
 
@@ -11,21 +10,11 @@
 #include "sandbox/Devices.h"
 #include "sandbox/Faults.h"
 #include "sandbox/Purchases.h"
+#include "sandbox/SeenRequests.h"
 #include "sandbox/Sessions.h"
 #include "sandbox/Wallets.h"
 
 namespace orlix::sandbox {
-
-/// A request as it was, for those who ask afterwards.
-struct SeenRequest {
-  std::string method;
-  std::string path;
-  int status = 0;
-  bool token1 = false;
-  bool token2 = false;
-  std::string contentType;
-  size_t bytes = 0;
-};
 
 /// All that the server remembers. Everything is read and changed under `mutex`.
 struct State {
@@ -33,7 +22,9 @@ struct State {
       : database(databaseFile), kinds(database), devices(database), wallets(database, kinds) {}
 
   std::mutex mutex;
-  std::condition_variable termsAccepted;
+  /// Signalled when terms are accepted, a fault is cleared, or the server ends: what an answer may
+  /// be waiting for.
+  std::condition_variable changed;
 
   Database database;
   CardKinds kinds;
@@ -44,7 +35,7 @@ struct State {
   Purchases purchases;
   Authentications authentications;
   Faults faults;
-  std::deque<SeenRequest> seen;
+  SeenRequests seen;
 
   std::string origin;  ///< "https://127.0.0.1:PORT"
   bool everyDeviceEnrolled = false;

@@ -68,15 +68,17 @@ bool TlsStream::waitUntilClientLeaves(Shutdown& shutdown) {
   return false;
 }
 
-bool TlsStream::deliver(const HttpAnswer& answer, Shutdown& shutdown) {
+bool TlsStream::deliver(HttpAnswer answer, Shutdown& shutdown) {
   std::string out;
   out.swap(outgoing_);
   if (answer.delay.count() > 0 && !shutdown.pause(answer.delay)) return false;
+  if (answer.hold && !answer.hold()) return false;
 
   const size_t headEnd = out.find("\r\n\r\n");
   const size_t head = headEnd == std::string::npos ? out.size() : headEnd + 4;
   switch (answer.delivery) {
     case Delivery::whole:
+      answer.underWay.reset();  // Having the answer, the client may send its next request at once.
       return out.empty() || send(out.data(), out.size());
     case Delivery::hangUp:
       return false;
@@ -90,7 +92,9 @@ bool TlsStream::deliver(const HttpAnswer& answer, Shutdown& shutdown) {
     case Delivery::trickle:
       if (!send(out.data(), head)) return false;
       for (size_t at = head; at < out.size(); ++at) {
-        if (!shutdown.pause(answer.interval) || !send(&out[at], 1)) return false;
+        if (!shutdown.pause(answer.interval)) return false;
+        if (at + 1 == out.size()) answer.underWay.reset();
+        if (!send(&out[at], 1)) return false;
       }
       return true;
   }

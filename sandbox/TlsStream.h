@@ -30,7 +30,7 @@ class TlsStream : public httplib::Stream {
   bool awaitRequest(std::chrono::milliseconds idle);
 
   /// Sends what was written; false when the connection must end.
-  bool deliver(const HttpAnswer& answer, Shutdown& shutdown);
+  bool deliver(HttpAnswer answer, Shutdown& shutdown);
 
   /// Says good-bye by the rules of TLS; without it the end of the stream is an abrupt hang-up.
   void closeCleanly();

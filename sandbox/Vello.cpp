@@ -6,12 +6,6 @@ namespace orlix::sandbox {
 
 namespace {
 
-HttpAnswer refusal(int status, std::string_view reason) {
-  HttpAnswer answer = answerWith({{"error", reason}});
-  answer.status = status;
-  return answer;
-}
-
 const Route* findRoute(std::string_view path) {
   for (const auto* routes :
        {&sessionRoutes(), &cardRoutes(), &checkoutRoutes(), &secureCodeRoutes()}) {
@@ -36,6 +30,12 @@ Session* sessionOf(State& state, const HttpRequest& request) {
 
 HttpAnswer answerWith(const json::object& object) { return {.body = json::serialize(object)}; }
 
+HttpAnswer refusal(int status, std::string_view reason) {
+  HttpAnswer answer = answerWith({{"error", reason}});
+  answer.status = status;
+  return answer;
+}
+
 HttpAnswer mistake(std::string_view reason) { return refusal(400, reason); }
 
 Vello::Vello(State& state, EventLog& log, Shutdown& shutdown)
@@ -44,6 +44,10 @@ Vello::Vello(State& state, EventLog& log, Shutdown& shutdown)
 bool Vello::isPurchase(const HttpRequest& request) {
   return request.method == "POST" &&
          (request.path == "/vello/purchase/TALU" || request.path == "/vello/auth3Ds/TALU");
+}
+
+bool Vello::isSessionStart(const HttpRequest& request) {
+  return request.method == "POST" && request.path == "/vello/session/new/TALU";
 }
 
 HttpAnswer Vello::answer(const HttpRequest& request) {

@@ -16,6 +16,7 @@ class Vello {
 
   /// True for the two paths that can move money.
   static bool isPurchase(const HttpRequest& request);
+  static bool isSessionStart(const HttpRequest& request);
 
  private:
   HttpAnswer answerRoute(const Route& route, const HttpRequest& request);

@@ -32,10 +32,12 @@ TEST_F(Server, StoppingEndsWhatIsHeldBackAndCanBeRepeated) {
   control("POST", "/control/terms", R"({"version":99,"waitMilliseconds":600000})");
   wallet_->start();  // From now on lookups wait for the acceptance.
   switchOn({{"kind", "delay"}, {"milliseconds", 600'000}});
+  switchOn({{"kind", "hold"}}, "/vello/card/bin/TALU");
   // Not carried out: accepting the terms would let the lookup go.
   switchOn({{"kind", "silence"}, {"carriedOut", false}}, "/vello/profile/updateTC");
   std::vector<std::thread> threads;
-  for (const char* path : {"card/list/TALU", "profile/updateTC", "lookup/query/v2/TALU"}) {
+  for (const char* path :
+       {"card/list/TALU", "card/bin/TALU", "profile/updateTC", "lookup/query/v2/TALU"}) {
     threads.emplace_back([&, path = std::string(path)] {
       Wallet other(sandbox_);
       other.start();
@@ -43,8 +45,8 @@ TEST_F(Server, StoppingEndsWhatIsHeldBackAndCanBeRepeated) {
       EXPECT_EQ((looksUp ? other.lookUp("FIXED-25") : other.post(path)).status, 0) << path;
     });
   }
-  // Wherever the three have got to by then, none may get an answer or hold up the end.
-  while (counted("handshakes") < 4) std::this_thread::yield();
+  // Wherever the four have got to by then, none may get an answer or hold up the end.
+  while (counted("handshakes") < 5) std::this_thread::yield();
   sandbox_.stop();
   for (std::thread& thread : threads) thread.join();
   sandbox_.stop();

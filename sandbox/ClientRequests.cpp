@@ -1,0 +1,93 @@
+#include "sandbox/ClientRequests.h"
+
+#include <algorithm>
+#include <functional>
+#include <memory>
+#include <optional>
+#include <vector>
+
+#include "sandbox/Formats.h"
+
+namespace orlix::sandbox {
+
+/// A request, noted before it is carried out.
+struct ClientRequests::Arrival {
+  std::int64_t number = 0;         ///< Among the requests seen.
+  std::optional<size_t> purchase;  ///< Its place in the account, when it is one.
+  std::vector<Fault> faults;       ///< Those that it meets.
+  std::shared_ptr<void> underWay;  ///< Its end is noted when this is released.
+};
+
+ClientRequests::ClientRequests(State& state, EventLog& log, Shutdown& shutdown)
+    : state_(state), shutdown_(shutdown), vello_(state, log, shutdown), issuer_(state) {}
+
+HttpAnswer ClientRequests::answer(const HttpRequest& request) {
+  const Arrival arrival = note(request);
+  const std::vector<Fault>& faults = arrival.faults;
+  HttpAnswer answer;
+  if (std::all_of(faults.begin(), faults.end(), std::mem_fn(&Fault::carriesOut))) {
+    answer = carryOut(request);
+  }
+  const std::string told = answer.body;  // What the server meant, whatever becomes of it.
+  for (const Fault& fault : faults) {
+    Faults::spoil(answer, fault);
+    if (fault.kind == Fault::Kind::hold) answer.hold = [this, fault] { return awaitEnd(fault); };
+  }
+  answer.underWay = arrival.underWay;
+
+  const std::lock_guard lock(state_.mutex);
+  if (arrival.purchase) state_.purchases.decided(*arrival.purchase, answer.status, told);
+  state_.seen.decided(arrival.number, answer.status);
+  return answer;
+}
+
+ClientRequests::Arrival ClientRequests::note(const HttpRequest& request) {
+  Arrival arrival;
+  const bool isPurchase = Vello::isPurchase(request);
+  const std::lock_guard lock(state_.mutex);
+  const Origin origin = originOf(request);
+  arrival.number = state_.seen.arrived(request, origin);
+  if (isPurchase) {
+    arrival.purchase = state_.purchases.received({.request = arrival.number,
+                                                  .origin = origin,
+                                                  .path = request.path,
+                                                  .body = withoutSecrets(request.body)});
+  }
+  arrival.underWay = {nullptr, [this, number = arrival.number, origin, isPurchase](void*) {
+                        const std::lock_guard held(state_.mutex);
+                        state_.seen.ended(number);
+                        if (isPurchase) state_.purchases.ended(origin.device);
+                      }};
+  arrival.faults = state_.faults.take(request.path);
+  for (const Fault& fault : arrival.faults) {
+    if (fault.kind == Fault::Kind::forgetSession) state_.sessions.forget(request.sessionToken1);
+  }
+  return arrival;
+}
+
+/// A session start says itself for which device it is.
+Origin ClientRequests::originOf(const HttpRequest& request) const {
+  Origin origin = state_.sessions.originOf(request.sessionToken1, request.sessionToken2);
+  if (!Vello::isSessionStart(request)) return origin;
+  const auto body = parseObject(request.body);
+  const std::string serial = body ? textOf(*body, "deviceSerial") : "";
+  origin.device = isDeviceSerial(serial) ? serial : "";
+  return origin;
+}
+
+/// What fails here is answered like anything else, so that the account knows its status.
+HttpAnswer ClientRequests::carryOut(const HttpRequest& request) {
+  try {
+    return Issuer::owns(request) ? issuer_.answer(request) : vello_.answer(request);
+  } catch (const std::exception& failure) {
+    return refusal(500, failure.what());
+  }
+}
+
+bool ClientRequests::awaitEnd(const Fault& fault) {
+  std::unique_lock lock(state_.mutex);
+  state_.changed.wait(lock, [&] { return shutdown_.begun() || !state_.faults.has(fault.id); });
+  return !shutdown_.begun();
+}
+
+}  // namespace orlix::sandbox
