@@ -4,13 +4,18 @@
 #include <charconv>
 #include <cmath>
 #include <new>
+#include <stdexcept>
+#include <system_error>
 #include <utility>
 
+#include "orlixkit/checkout/OXSession.h"
 #include "orlixkit/checkout/OXUtil.h"
 #include "orlixkit/checkout/ScreenChange.h"
 #include "orlixkit/checkout/SuggestedMsisdn.h"
-#include "orlixkit/checkout/WalletRequest.h"
 #include "orlixkit/platform/Host.h"
+#include "orlixkit/protocol/LocationUtil.h"
+#include "orlixkit/protocol/OMVello.h"
+#include "orlixkit/protocol/Utf8.h"
 #include "orlixkit/security/OMStorage.h"
 
 namespace orlix {
@@ -31,19 +36,14 @@ std::optional<std::string> amountText(double amount) {
 }
 
 void wipeWallet() {
-  if (const auto connection = OMVello::sharedOMVello().connection()) {
-    OMStorage storage(OXUtil::storageKeyForItem("data"));
-    connection->reset(storage);
-  }
+  OMStorage storage(OXUtil::storageKeyForItem("data"));
+  OMVello::sharedOMVello().resetCredentials(storage);
 }
 
-/// Takes the replaced flow's screens away: their buttons would do nothing any more. The waiting
-/// screen of this facade stays, the new flow waits on it as well.
-void clearScreensOf(const OXSession& replaced, const OXOrlix::Controller& waiting) {
-  const OXOrlix::Controller& controller = replaced.presentingController;
-  if (replaced.isLive() && controller && controller->presentedViewController() &&
-      controller->presentedViewController() != waiting) {
-    cutPresented(controller, [] {});
+/// Texts that cannot be written into a request would fail it each time it is retried.
+void requireUtf8(const std::string& text, const std::string& name) {
+  if (!isUtf8(text)) {
+    throw std::invalid_argument("OXOrlix: the " + name + " is not valid UTF-8");
   }
 }
 
@@ -63,19 +63,26 @@ struct OXOrlix::Entry {
 std::shared_ptr<OXOrlix> OXOrlix::make() { return std::make_shared<OXOrlix>(); }
 
 void OXOrlix::begin(const Entry& entry) {
+  requireUtf8(entry.apiKey, "API key");
   try {
     start(entry);
   } catch (const std::bad_alloc&) {
-    waitingController_.reset();
-    runLogged([] { OXSession::currentSession()->abandon(); });
+    abandonStart();
+    throw;
+  } catch (const std::system_error&) {
+    abandonStart();  // no thread for the session start
     throw;
   }
 }
 
+void OXOrlix::abandonStart() {
+  waitingController_.reset();
+  runLogged([] { OXSession::currentSession()->abandon(); });
+}
+
 void OXOrlix::start(const Entry& entry) {
   checkCustomerId(entry.customerId);
-  clearScreensOf(*OXSession::currentSession(), waitingController_);
-  OXUtil::indicator().dismiss();
+  endFormerFlow(entry.controller);
   OXSession::reset();
   const std::shared_ptr<OXSession> session = OXSession::currentSession();
   session->presentingController = entry.controller;
@@ -88,10 +95,48 @@ void OXOrlix::start(const Entry& entry) {
   if (!waitingController_) {
     showLoadingDialogFromController(entry.controller);
   }
-  OMVello::sharedOMVello().initSessionWithLibKey(entry.apiKey, entry.system, shared_from_this());
+  // The observer of what is shown is the host's code, and may have made an entry call itself.
+  if (session->isLive()) {
+    OMVello::sharedOMVello().initSessionWithLibKey(entry.apiKey, entry.system, shared_from_this());
+  }
+}
+
+/// Dismisses the replaced flow's screens and alerts: their buttons would do nothing any more. The
+/// waiting screen of this facade stays, the new flow waits on it as well.
+void OXOrlix::endFormerFlow(const Controller& controller) {
+  const std::shared_ptr<OXSession> former = OXSession::currentSession();
+  const bool wasLive = former->isLive();
+  former->flow()->end();
+  LocationUtil::sharedLocationUtil().stopLocationDetection();
+  OXUtil::indicator().dismiss();
+  forgetWaitingScreenOfAnotherPlace(controller);
+  const Controller& below = former->presentingController;
+  if (!wasLive || !below || !below->presentedViewController()) {
+    return;
+  }
+  cutPresented(below->presentedViewController() == waitingController_ ? waitingController_ : below,
+               [] {});
+}
+
+/// A waiting screen that is kept from an earlier call serves this one only where it is: over the
+/// same controller, or nowhere any more, on the same host.
+void OXOrlix::forgetWaitingScreenOfAnotherPlace(const Controller& controller) {
+  if (!waitingController_) {
+    return;
+  }
+  if (hostNumber_ != Host::current().number()) {
+    waitingController_.reset();
+    return;
+  }
+  const Controller presenter = waitingController_->presentingViewController();
+  if (presenter && (presenter != controller || waitingController_->isBeingDismissed())) {
+    waitingController_.reset();
+    cutPresented(presenter, [] {});
+  }
 }
 
 void OXOrlix::checkout(const CheckoutRequest& request) {
+  requireUtf8(request.code, "code");
   begin({request.apiKey, request.system, request.controller, request.delegate, request.preMSISDN,
          request.customerId, [&request](OXSession& session) {
            session.code = request.code;
@@ -140,6 +185,7 @@ void OXOrlix::checkCustomerId(const std::optional<CustomerId>& customerId) {
 
 void OXOrlix::showLoadingDialogFromController(const Controller& controller) {
   waitingController_ = Host::current().application().storyboard().make("Waiting");
+  hostNumber_ = Host::current().number();
   present(waitingController_, controller);
 }
 

@@ -18,8 +18,8 @@ using OXSystem = std::int64_t;
 inline constexpr OXSystem kLiveSystem = 0;
 inline constexpr OXSystem kTestSystem = 1;
 
-/// The customer, as the host application knows him. A change of customer wipes the wallet's
-/// credentials on this device.
+/// The customer, as the host application knows him. Another one than the last wipes the wallet's
+/// credentials on this device; see OXOrlix.
 struct CustomerId {
   std::string value;
 };
@@ -59,14 +59,26 @@ class OXSettings {};
 /// The one class that a host application talks to. Make one per flow, keep it until the delegate
 /// has heard the outcome. Main thread only.
 ///
-/// An entry call takes the place of a flow that is still on screen; that flow's host hears nothing
-/// more. A facade that has shown a waiting screen shows none in its later entry calls, unless its
-/// flow asked for the activation of the device.
+/// An entry call takes the place of a flow that is still on screen: that flow's host hears nothing
+/// more, and nothing more is sent for it. Of entry calls in succession, and of one that is made in
+/// a callback or by an observer of the screens, the last one counts. No callback is made inside an
+/// entry call. A facade that has shown a waiting screen shows none in its later entry calls on the
+/// same controller, unless its flow asked for the activation of the device.
+///
+/// Customers. A `customerId` that differs from the one last seen in this process or an earlier one
+/// makes the stored credentials unreadable before the session start, those of the system (live or
+/// test) of the entry call before. The first entry call of a process is an exception: it only
+/// remembers the new customer, and its flow still uses the credentials that are stored. A host that
+/// lets customers change between two runs, or that uses both systems, calls `deregisterUser` when
+/// the former customer leaves: it wipes the system of the last entry call. The last used card is
+/// kept; a wallet that does not hold it shows its first card.
 ///
 /// Entry calls throw NetworkException when the customer has changed and the former one's wallet
-/// could not be wiped, and std::runtime_error when the new customer could not be stored: nothing
-/// has begun then, so that no customer pays with another one's wallet. When memory runs out in an
-/// entry call it throws std::bad_alloc: no flow is under way then and no host hears anything.
+/// could not be wiped, std::runtime_error when the new customer could not be stored, and
+/// std::invalid_argument for a code or an API key that is not UTF-8: nothing has begun then, and a
+/// flow that was there goes on. When memory runs out in an entry call it throws std::bad_alloc, and
+/// when no thread can be had std::system_error: no flow is under way then and no host hears
+/// anything.
 class OXOrlix : public OMVelloDelegate, public std::enable_shared_from_this<OXOrlix> {
  public:
   static std::shared_ptr<OXOrlix> make();
@@ -111,9 +123,10 @@ class OXOrlix : public OMVelloDelegate, public std::enable_shared_from_this<OXOr
   /// written as 0 to 9; an empty text stays empty.
   static std::string getSuggestedMSISDN(const std::string& number);
   static std::string getLibVelloApiVersion();
-  /// Makes this device unknown to the wallet, and says so in an alert. Before the first session
-  /// start there is no wallet to wipe. Throws NetworkException, without the alert, when the store
-  /// could not be wiped.
+  /// Makes this device unknown to the wallet of the last entry call's system, and says so in an
+  /// alert. Before the first entry call of the process nothing is wiped, and the alert is shown all
+  /// the same. A flow under way keeps its session. Throws NetworkException, without the alert, when
+  /// the store could not be wiped.
   void reset();
   /// The same without a word.
   void deregisterUser();
@@ -129,6 +142,9 @@ class OXOrlix : public OMVelloDelegate, public std::enable_shared_from_this<OXOr
   /// The first screen of the session's flow. `waiting`: the waiting screen, none after a retry. A
   /// code that stands for nothing ends the flow only when it is given.
   static void loadCodeInfo(const Controller& waiting);
+  /// The same request, for the sake of the data alone: the screens at hand take over what has
+  /// changed, none is shown and nothing ends.
+  static void reloadData();
   static void loadCards();
   static void loadWallet();
 
@@ -144,10 +160,14 @@ class OXOrlix : public OMVelloDelegate, public std::enable_shared_from_this<OXOr
   struct Entry;
   void begin(const Entry& entry);
   void start(const Entry& entry);
+  void abandonStart();
+  void endFormerFlow(const Controller& controller);
+  void forgetWaitingScreenOfAnotherPlace(const Controller& controller);
   void present(const Controller& screen, const Controller& fromController);
 
   std::shared_ptr<OXTransitioningDelegate> transitioningDelegate_;
   Controller waitingController_;
+  std::uint64_t hostNumber_ = 0;  ///< of the host that `waitingController_` belongs to
 };
 
 }  // namespace orlix

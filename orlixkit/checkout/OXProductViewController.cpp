@@ -18,6 +18,7 @@ namespace {
 constexpr Color kBackground{27.0 / 255, 30.0 / 255, 38.0 / 255, 1};
 constexpr Color kCardArea{116.0 / 255, 116.0 / 255, 116.0 / 255, 1};
 constexpr std::size_t kShortestPin = 4;
+const std::string kDefaultTitle = "PROCEED";
 
 void warn(const std::string& message) { OXUtil::showAlertWithTitle("Warning", message); }
 
@@ -36,7 +37,7 @@ void OXProductViewController::giveDefaults() {
   currencyLabel_->setText("ZAR");
   cardViewDropdown_->setImageName("dropdown");
   testWarningLabel_->setText("TEST SYSTEM: no money will be taken");
-  proceedButton_->setTitle("PROCEED");
+  proceedButton_->setTitle(kDefaultTitle);
   inputAmountField_->setPlaceholder("Amount");
   inputAmountField_->setKeyboard(Keyboard::numberPad);
   cvvField_->setPlaceholder("CVV");
@@ -57,7 +58,7 @@ void OXProductViewController::viewDidLoad() {
   cardView_->setBackgroundColor(kCardArea);
   OXUtil::styleButtonsForView(view());
   showSelectedCard();
-  merchantView_->setText(codeInfo ? codeInfo->merchantName.value_or("") : "");
+  showMerchant();
   showAmount();
   testWarningLabel_->setHidden(system == 0);
   LocationUtil::sharedLocationUtil().startLocationDetection();
@@ -87,6 +88,39 @@ void OXProductViewController::showAmount() {
   }
   inputAmountField_->setText(amount && !amount->empty() ? *amount : "0.00");
 }
+
+/// The merchant's and the card's side of the screen. What the user has typed stays, unless it was
+/// meant for another card or another kind of amount.
+void OXProductViewController::sessionDataChanged() {
+  const std::optional<CardOption> formerCard = selectedCard_;
+  const std::string typed = inputAmountField_->text();
+  const bool keepsAmount = isInputableAmount() && !amountGroupIsHidden();
+  needToUnlockCard_ = false;
+  paymentMethod_ = 0;
+  proceedButton_->setTitle(kDefaultTitle);
+  showSelectedCard();
+  const bool sameCard = formerCard && selectedCard_ && formerCard->cardId == selectedCard_->cardId;
+  if (!sameCard) {
+    clearSecrets();
+  }
+  showMerchant();
+  showAmount();
+  if (keepsAmount && !typed.empty()) {
+    inputAmountField_->setText(typed);
+  }
+  setCurrencyLabel();
+}
+
+void OXProductViewController::clearSecrets() {
+  cvvField_->setText("");
+  pinField_->setText("");
+}
+
+void OXProductViewController::showMerchant() {
+  merchantView_->setText(codeInfo ? codeInfo->merchantName.value_or("") : "");
+}
+
+bool OXProductViewController::amountGroupIsHidden() const { return inputAmountField_->hidden(); }
 
 void OXProductViewController::setCurrencyLabel() {
   if (codeInfo && codeInfo->hasCurrency) {
@@ -176,7 +210,7 @@ bool OXProductViewController::textFieldShouldChangeCharacters(TextField& field, 
 
 void OXProductViewController::cardAction() {
   const auto current = session();
-  if (!current || underWay_) {
+  if (!current || current->isPaying()) {
     return;
   }
   if (current->cards.empty()) {
@@ -195,7 +229,7 @@ void OXProductViewController::cancelAction() {
 
 void OXProductViewController::proceedAction() {
   const auto current = session();
-  if (!current || underWay_) {
+  if (!current || current->isPaying()) {
     return;
   }
   if (needToUnlockCard_) {
@@ -215,7 +249,7 @@ void OXProductViewController::proceedAction() {
   OXUtil::setLastUsedCardId(selectedCard_ ? selectedCard_->cardId : 0);
   switch (paymentMethod_) {
     case kSecureCode:
-      payBySecureCode();
+      payBySecureCode(*current);
       break;
     case kPinPayment:
       payWithPin();
@@ -247,29 +281,39 @@ std::optional<std::string> OXProductViewController::amountToPay() const {
   return amount;
 }
 
-void OXProductViewController::payBySecureCode() {
+void OXProductViewController::payBySecureCode(OXSession& session) {
+  if (!session.beginPayment()) {
+    return;
+  }
   if (!mustValidateSelectedCard()) {
     initSessionForSecureCodeScreen();
     return;
   }
-  const auto current = session();
-  current->cardId = OXUtil::getLastUsedCardid();
-  current->cvv = cvvField_->secretText();
-  current->mustValidateCard = true;
+  // The card that is shown. The stored one may be another: a full disk keeps the former choice.
+  session.cardId = selectedCard_ ? selectedCard_->cardId : 0;
+  session.cvv = cvvField_->secretText();
+  session.mustValidateCard = true;
   // The server authenticates the card on an amount of its own; this one is never charged.
-  current->amount = "1.0";
-  current->delegate3DSecure = self();
-  current->show3DAuthSecureCodeScreen();
+  session.amount = "1.0";
+  session.delegate3DSecure = self();
+  session.show3DAuthSecureCodeScreen();
 }
 
-void OXProductViewController::auth3DsValidated() { initSessionForSecureCodeScreen(); }
+void OXProductViewController::auth3DsValidated() {
+  const auto screen = self();  // the session may hold the last reference
+  initSessionForSecureCodeScreen();
+  if (const auto current = session()) {
+    current->delegate3DSecure.reset();
+  }
+  clearSecrets();
+}
 
 void OXProductViewController::initSessionForSecureCodeScreen() {
   const auto current = session();
   if (!current) {
     return;
   }
-  current->cardId = OXUtil::getLastUsedCardid();
+  current->cardId = selectedCard_ ? selectedCard_->cardId : 0;
   current->cvv = cvvField_->secretText();
   current->mustValidateCard = mustValidateSelectedCard();
   current->amount = amountToPay();
@@ -293,14 +337,20 @@ void OXProductViewController::payWithPin() {
     warn("Enter ATM PIN");
     return;
   }
-  purchaseRequest_ = newPurchaseRequest();
-  purchaseRequest_.extraRefValue = "";
-  makeAmtPayment();
+  const auto current = session();
+  if (current && current->beginPayment()) {
+    purchaseRequest_ = newPurchaseRequest();
+    purchaseRequest_.extraRefValue = "";
+    makeAmtPayment();
+  }
 }
 
 void OXProductViewController::payWithoutPin() {
-  purchaseRequest_ = newPurchaseRequest();
-  makeCnpPayment();
+  const auto current = session();
+  if (current && current->beginPayment()) {
+    purchaseRequest_ = newPurchaseRequest();
+    makeCnpPayment();
+  }
 }
 
 void OXProductViewController::makeAmtPayment() {
@@ -316,28 +366,29 @@ void OXProductViewController::makeCnpPayment() {
 }
 
 void OXProductViewController::pay(Purchase purchase, Step again) {
-  underWay_ = true;
-  OXUtil::indicator().show("Making Payment...");
+  showProgress("Making Payment...");
+  if (!session()) {
+    return;  // who watches the indicator has ended the flow
+  }
   requestInBackground<MTPinResponse>(
       RequestQueue::newOperationQueue, std::move(purchase),
       [screen = self()](MTPinResponse response) {
         screen->pinResponse_ = std::move(response);
         if (screen->pinResponse_.status == PinResponseStatus::success) {
           screen->pollForReceipt();
-          return;
+        } else {
+          screen->endWith([](OXSession& session) { session.returnError(2); });
         }
-        OXUtil::indicator().dismiss();
-        screen->session()->returnError(2);
       },
-      [screen = self(), again] { screen->offerRetry(again); });
+      [screen = self(), again] { screen->offerRetryOf(again); });
 }
 
 void OXProductViewController::pollForReceipt() {
-  if (!OXUtil::indicator().visible()) {
-    OXUtil::indicator().show("Making Payment...");
+  if (!OXUtil::indicator().isShownFor(*this)) {
+    showProgress("Making Payment...");
   }
   const Task retry = [screen = self()] {
-    screen->offerRetry(&OXProductViewController::pollForReceipt);
+    screen->offerRetryOf(&OXProductViewController::pollForReceipt);
   };
   ReceiptPollingEnds ends;
   ends.answered = [screen = self()](const MTReceipt& receipt) { screen->receiptArrived(receipt); };
@@ -347,19 +398,37 @@ void OXProductViewController::pollForReceipt() {
 }
 
 void OXProductViewController::receiptArrived(const MTReceipt& receipt) {
-  OXUtil::indicator().dismiss();
   const std::string reference = std::to_string(pinResponse_.transactionId);
-  if (receipt.status == "SUCCESS") {
-    session()->returnPaymentSucceededWithTransactionReference(reference);
-  } else {
-    session()->returnPaymentFailedWithTransactionReference(reference);
+  const bool succeeded = receipt.status == "SUCCESS";
+  endWith([reference, succeeded](OXSession& session) {
+    if (succeeded) {
+      session.returnPaymentSucceededWithTransactionReference(reference);
+    } else {
+      session.returnPaymentFailedWithTransactionReference(reference);
+    }
+  });
+}
+
+void OXProductViewController::endWith(const std::function<void(OXSession&)>& outcome) {
+  hideProgress();
+  // The observer of the indicator is the host's code, and may have ended the flow.
+  if (const auto current = session()) {
+    outcome(*current);
   }
 }
 
-void OXProductViewController::offerRetry(Step step) {
-  OXUtil::indicator().dismiss();
-  OXUtil::showNetworkErrorRetryObject([screen = self(), step] { ((*screen).*step)(); },
-                                      [screen = self()] { screen->underWay_ = false; });
+void OXProductViewController::offerRetryOf(Step step) {
+  hideProgress();
+  ConnectionAlert alert;
+  alert.ofPayment = true;
+  alert.retry = [screen = self(), step] { ((*screen).*step)(); };
+  // However the alert goes without a retry: the user may pay again, or leave.
+  alert.cancel = [screen = self()] {
+    if (const auto current = screen->session()) {
+      current->endPayment();
+    }
+  };
+  OXUtil::showConnectionAlert(std::move(alert));
 }
 
 void OXProductViewController::prepareForSegue(const std::string& name,

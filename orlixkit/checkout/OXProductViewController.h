@@ -22,9 +22,9 @@ namespace orlix {
 /// the card needs them. Pays with and without PIN itself and ends the flow with the outcome; sends
 /// the user on for cards that have to be unlocked or go through 3-D Secure.
 ///
-/// A payment is under way from the moment it is sent until the flow ends or the user cancels the
-/// network alert. Meanwhile proceed and card do nothing, so that no second payment is sent; cancel
-/// ends the flow, and the answer is dropped.
+/// A payment is in progress from PAY until the flow ends or its connection alert has gone without a
+/// retry. Meanwhile proceed and card do nothing, so that no second payment is sent; cancel ends the
+/// flow, and the answer is dropped.
 ///
 /// Stands being shown without code information.
 class OXProductViewController : public SessionScreen,
@@ -44,6 +44,8 @@ class OXProductViewController : public SessionScreen,
   void cancelAction();
   void cardAction();
   void auth3DsValidated() override;
+  bool showsSessionData() const override { return true; }
+  void sessionDataChanged() override;
   bool textFieldShouldChangeCharacters(TextField& field, TextRange range,
                                        const std::string& replacement) override;
 
@@ -54,7 +56,9 @@ class OXProductViewController : public SessionScreen,
   using Step = void (OXProductViewController::*)();
 
   void giveDefaults();
+  void showMerchant();
   void showAmount();
+  bool amountGroupIsHidden() const;
   void setCurrencyLabel();
   void showSelectedCard();
   void showNoCard();
@@ -69,19 +73,22 @@ class OXProductViewController : public SessionScreen,
 
   bool amountIsAcceptable() const;
   bool cvvIsAcceptable() const;
-  void payBySecureCode();
+  void payBySecureCode(OXSession& session);
   void payWithPin();
   void payWithoutPin();
   PurchaseRequest newPurchaseRequest() const;
   std::optional<std::string> amountToPay() const;
   void initSessionForSecureCodeScreen();
+  void clearSecrets();
 
   void makeAmtPayment();
   void makeCnpPayment();
   void pay(Purchase purchase, Step again);
   void pollForReceipt();
   void receiptArrived(const MTReceipt& receipt);
-  void offerRetry(Step step);
+  void offerRetryOf(Step step);
+  /// Dismisses the indicator, then ends the flow.
+  void endWith(const std::function<void(OXSession&)>& outcome);
   std::shared_ptr<OXProductViewController> self();
 
   std::shared_ptr<View> cardView_ = outlet<View>("cardView");
@@ -108,7 +115,6 @@ class OXProductViewController : public SessionScreen,
   std::optional<CardOption> selectedCard_;
   PurchaseRequest purchaseRequest_;
   MTPinResponse pinResponse_;
-  bool underWay_ = false;
 };
 
 }  // namespace orlix

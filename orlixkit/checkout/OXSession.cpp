@@ -1,13 +1,16 @@
 #include "orlixkit/checkout/OXSession.h"
 
+#include <algorithm>
 #include <mutex>
 #include <utility>
 
 #include "orlixkit/checkout/OXUtil.h"
 #include "orlixkit/checkout/PurchaseInputs.h"
 #include "orlixkit/checkout/ScreenChange.h"
+#include "orlixkit/checkout/SessionScreen.h"
 #include "orlixkit/platform/Host.h"
 #include "orlixkit/protocol/LocationUtil.h"
+#include "orlixkit/protocol/OMVello.h"
 
 namespace orlix {
 
@@ -32,17 +35,20 @@ std::shared_ptr<OXSession> OXSession::currentSession() {
 
 void OXSession::reset() {
   auto session = std::make_shared<OXSession>();
+  // Ended first: a background task must not find the replaced flow live beside the new one.
+  currentSession()->flow_->end();
   {
     CurrentSession& holder = current();
     const std::lock_guard guard(holder.lock);
     std::swap(holder.session, session);
   }
-  session->letGo();
+  session->release();
 }
 
 /// A task that is still under way may hold the session for a while; what the session held goes now.
-void OXSession::letGo() {
-  ended_ = true;
+void OXSession::release() {
+  closeAlerts();
+  whenNotPaying_.clear();
   presentingController.reset();
   delegate.reset();
   delegate3DSecure.reset();
@@ -51,7 +57,10 @@ void OXSession::letGo() {
   cvv.reset();
 }
 
-bool OXSession::isLive() const { return !ended_ && currentSession().get() == this; }
+std::optional<KCVelloConnection> OXSession::connection() const {
+  const std::shared_ptr<KCVelloConnection> client = OMVello::sharedOMVello().connection();
+  return client ? std::optional(client->within({.flow = flow_})) : std::nullopt;
+}
 
 bool OXSession::isLiveFor(const std::string& operation) const {
   if (!isLive()) {
@@ -66,11 +75,23 @@ bool OXSession::isNotVariableAmount() const {
 }
 
 void OXSession::show(const std::string& identifier, const Prepare& prepare) {
+  if (paying_) {
+    log("OrlixKit: A payment is in progress; ignoring the screen " + identifier + ".");
+    return;
+  }
+  replaceScreen(identifier, prepare);
+}
+
+/// Part of a payment, and so not kept back by it.
+void OXSession::showIssuersPage(const std::string& identifier) { replaceScreen(identifier, {}); }
+
+void OXSession::replaceScreen(const std::string& identifier, const Prepare& prepare) {
   if (!isLiveFor("the screen " + identifier) || !presentingController) {
     return;
   }
+  ++screenChanges_;
   cutPresented(presentingController, [self = shared_from_this(), identifier, prepare] {
-    // The cut may have made an earlier flow's callback, and its host begun the next flow in it.
+    // An observer of the cut may have ended the flow, or begun the next one.
     if (self->isLiveFor("the screen " + identifier)) {
       self->present(identifier, prepare);
     }
@@ -107,70 +128,143 @@ void OXSession::showPurchaseScreen() {
 
 void OXSession::showCardsScreen() { show("Cards"); }
 void OXSession::showAddCardScreen() { show("AddCard"); }
-void OXSession::showSecureCodeScreen() { show("SecureCode"); }
-void OXSession::show3DAuthSecureCodeScreen() { show("3DAuthSecureCode"); }
+void OXSession::showSecureCodeScreen() { showIssuersPage("SecureCode"); }
+void OXSession::show3DAuthSecureCodeScreen() { showIssuersPage("3DAuthSecureCode"); }
 void OXSession::showMsisdnRelinkScreen() { show("MsisdnRelink"); }
 void OXSession::showCardValidationScreen() { show("CardValidation"); }
 void OXSession::showTemsAndConditionChangeScreen() { show("TermsAndConditionChange"); }
 void OXSession::showWalletManagementScreen() { show("WalletManagement"); }
 
+std::vector<std::shared_ptr<SessionScreen>> OXSession::shownScreens() const {
+  std::vector<std::shared_ptr<SessionScreen>> screens;
+  const auto first =
+      presentingController ? presentingController->presentedViewController() : nullptr;
+  for (auto next = first; next; next = next->presentedViewController()) {
+    if (auto screen = std::dynamic_pointer_cast<SessionScreen>(next)) {
+      screens.push_back(std::move(screen));
+    }
+  }
+  return screens;
+}
+
+void OXSession::dataChanged() {
+  for (const auto& screen : shownScreens()) {
+    handInputsTo(screen);
+    screen->sessionDataChanged();
+  }
+}
+
+bool OXSession::isDataShown() const {
+  const auto screens = shownScreens();
+  return std::any_of(screens.begin(), screens.end(),
+                     [](const auto& screen) { return screen->showsSessionData(); });
+}
+
+bool OXSession::beginPayment() {
+  if (!isLive() || paying_) {
+    return false;
+  }
+  paying_ = true;
+  return true;
+}
+
+void OXSession::endPayment() {
+  paying_ = false;
+  for (const auto& [source, task] : std::exchange(whenNotPaying_, {})) {
+    if (isLive()) {
+      runLogged(task);
+    }
+  }
+}
+
+void OXSession::whenNotPaying(const std::string& source, Task task) {
+  if (!paying_) {
+    task();
+    return;
+  }
+  std::erase_if(whenNotPaying_, [&source](const auto& entry) { return entry.first == source; });
+  whenNotPaying_.emplace_back(source, std::move(task));
+}
+
+void OXSession::keepTrackOf(const std::shared_ptr<AlertController>& alert) {
+  std::erase_if(alerts_, [](const auto& entry) { return entry.expired(); });
+  alerts_.push_back(alert);
+}
+
+void OXSession::closeAlerts() {
+  connectionAlerts_->close();
+  for (const auto& entry : std::exchange(alerts_, {})) {
+    if (const std::shared_ptr<AlertController> alert = entry.lock()) {
+      alert->withdraw();
+    }
+  }
+}
+
 void OXSession::end(const std::string& operation, HostCallback callback) {
   if (!isLiveFor(operation)) {
     return;
   }
-  owe(std::move(callback));
+  setPendingCallback(std::move(callback));
   OXUtil::indicator().dismiss();
-  leave([self = shared_from_this()] { self->payOwed(); });
+  leave([self = shared_from_this()] {
+    self->closeAlerts();
+    // Not from here: this may run inside an entry call, which cuts the dismissal short, and the
+    // host may make an entry call in its callback.
+    Host::current().ports().mainQueue->async([self] { self->deliverPendingCallback(); });
+  });
 }
 
-/// From here on the host is owed its callback, whatever becomes of the steps up to it.
-void OXSession::owe(HostCallback callback) {
-  owed_ = [receiver = delegate, callback = std::move(callback)] {
+/// From here on the callback is due, whatever becomes of the steps up to it.
+void OXSession::setPendingCallback(HostCallback callback) {
+  pendingCallback_ = [receiver = delegate, callback = std::move(callback)] {
     if (receiver) {
       callback(*receiver);
     }
   };
-  ended_ = true;
+  flow_->end();
+  // The payment screen that waited for an authentication, with the CVV in its field.
+  delegate3DSecure.reset();
 }
 
-void OXSession::payOwed() {
-  if (const Task callback = std::exchange(owed_, {})) {
+void OXSession::deliverPendingCallback() {
+  if (const Task callback = std::exchange(pendingCallback_, {})) {
     callback();
   }
 }
 
 void OXSession::fail() {
   if (isLive()) {
-    owe([](OXOrlixDelegate& host) { host.orlixError(2); });
+    setPendingCallback([](OXOrlixDelegate& host) { host.orlixError(2); });
   }
-  if (owed_) {
+  if (pendingCallback_) {
     leaveAtOnce();
   }
 }
 
 void OXSession::abandon() {
-  ended_ = true;
-  owed_ = {};
+  flow_->end();
+  pendingCallback_ = {};
   leaveAtOnce();
 }
 
 void OXSession::leaveAtOnce() {
   LocationUtil::sharedLocationUtil().stopLocationDetection();
+  closeAlerts();
   if (!presentingController) {
     OXUtil::indicator().dismiss();
     return;
   }
   presentingController->dismiss(false, [self = shared_from_this()] {
-    // Only now: a screen on its way in is told that it has appeared before it is taken away.
+    // Only now: a screen on its way in is told that it has appeared before it is dismissed.
     OXUtil::indicator().dismiss();
-    self->payOwed();
+    self->deliverPendingCallback();
   });
 }
 
-void OXSession::leave(Task callback) {
+void OXSession::leave(Task then) {
   LocationUtil::sharedLocationUtil().stopLocationDetection();
   if (presentingController) {
-    presentingController->dismiss(true, std::move(callback));
+    presentingController->dismiss(true, std::move(then));
   }
 }
 

@@ -22,35 +22,6 @@ constexpr double kHeightOfLogo = 46;
 
 std::string lastUsedCardKey() { return OXUtil::storageKeyForItem("lastUsedCard"); }
 
-/// Wraps a handler so that it is dropped once the session is over. Weak: an alert on the session's
-/// own screen must not keep the session alive.
-Task whileLive(const std::shared_ptr<OXSession>& session, Task handler) {
-  return [weak = std::weak_ptr<OXSession>(session), handler = std::move(handler)] {
-    const std::shared_ptr<OXSession> held = weak.lock();
-    if (held && held->isLive()) {
-      handler();
-    } else {
-      log("OrlixKit: The checkout is over; ignoring an answer to a network alert.");
-    }
-  };
-}
-
-std::shared_ptr<AlertController> connectionProblemAlert(const std::shared_ptr<OXSession>& session,
-                                                        Task retry, Task cancel) {
-  auto alert = std::make_shared<AlertController>(
-      "Connection problem", "Please check your network connection and try again.");
-  const Task afterCancel = [cancel = std::move(cancel)] {
-    OXUtil::indicator().dismiss();
-    if (cancel) {
-      cancel();
-    }
-  };
-  alert->addAction({"Cancel", AlertActionStyle::cancel, whileLive(session, afterCancel)});
-  alert->addAction({"Retry", AlertActionStyle::standard, whileLive(session, std::move(retry))});
-  OXUtil::styleAlertController(*alert);
-  return alert;
-}
-
 }  // namespace
 
 std::string OXUtil::storageKeyForItem(const std::string& item) {
@@ -69,22 +40,37 @@ std::string OXUtil::deviceModel() { return Host::current().ports().device->model
 void OXUtil::showAlertWithTitle(const std::string& title, const std::string& message) {
   const auto alert = std::make_shared<AlertController>(title, message);
   alert->addAction({"Ok", AlertActionStyle::cancel, {}});
+  showAlert(alert);
+}
+
+void OXUtil::showAlert(const std::shared_ptr<AlertController>& alert) {
   styleAlertController(*alert);
+  const std::shared_ptr<OXSession> session = OXSession::currentSession();
+  if (session->isLive() && session->presentingController) {
+    session->keepTrackOf(alert);
+  }
   AlertWindow::show(alert);
 }
 
-void OXUtil::showNetworkErrorRetryObject(Task retry, Task cancel) {
+void OXUtil::showConnectionAlert(ConnectionAlert alert) {
   const auto session = OXSession::currentSession();
-  const Task show = [session, retry = std::move(retry), cancel = std::move(cancel)] {
-    if (session->isLive()) {
-      AlertWindow::show(connectionProblemAlert(session, retry, cancel));
-    }
-  };
-  Host::current().ports().mainQueue->async([session, show] {
-    if (session->isLive()) {
-      indicator().dismiss(show);
+  Host::current().ports().mainQueue->async([session, alert = std::move(alert)] {
+    if (!session->isLive()) {
+      log("OrlixKit: The checkout is over; ignoring a failed request.");
+    } else if (alert.ofPayment) {
+      session->connectionAlerts().add(alert);
+    } else {
+      session->whenNotPaying("alert " + alert.source,
+                             [session, alert] { session->connectionAlerts().add(alert); });
     }
   });
+}
+
+void OXUtil::showNetworkErrorRetryObject(Task retry, Task cancel) {
+  ConnectionAlert alert;
+  alert.retry = std::move(retry);
+  alert.cancel = std::move(cancel);
+  showConnectionAlert(std::move(alert));
 }
 
 void OXUtil::showController(const std::shared_ptr<ViewController>& controller,

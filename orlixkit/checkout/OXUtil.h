@@ -5,6 +5,7 @@
 #include <optional>
 #include <string>
 
+#include "orlixkit/checkout/ConnectionAlerts.h"
 #include "orlixkit/platform/Bytes.h"
 #include "orlixkit/platform/ui/AlertController.h"
 #include "orlixkit/platform/ui/ProgressIndicator.h"
@@ -30,9 +31,12 @@ class OXUtil {
   static ProgressIndicator& indicator();
   /// An alert with one button "Ok".
   static void showAlertWithTitle(const std::string& title, const std::string& message);
-  /// The "Connection problem" alert, shown when the progress indicator is gone: "Retry" runs
-  /// `retry`, "Cancel" dismisses the indicator and runs `cancel`, if any. The alert and both
-  /// handlers are dropped once the session that was current at the call is over. Any thread.
+  /// An alert of the current flow, in the library's look: it goes when the flow is over.
+  static void showAlert(const std::shared_ptr<AlertController>& alert);
+  /// The "Connection problem" alert of the current flow, shown when the progress indicator is gone.
+  /// It and its tasks are dropped once the flow is over. Any thread.
+  static void showConnectionAlert(ConnectionAlert alert);
+  /// The same: "Retry" runs `retry`, "Cancel" dismisses the indicator and runs `cancel`, if any.
   static void showNetworkErrorRetryObject(Task retry, Task cancel = {});
   static void showController(const std::shared_ptr<ViewController>& controller,
                              const std::shared_ptr<ViewController>& from);

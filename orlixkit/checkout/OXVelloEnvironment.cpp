@@ -13,6 +13,10 @@ std::string OXVelloEnvironment::storageKeyForItem(const std::string& item) {
 
 std::string OXVelloEnvironment::deviceModel() { return OXUtil::deviceModel(); }
 
+std::shared_ptr<const Flow> OXVelloEnvironment::currentFlow() {
+  return OXSession::currentSession()->flow();
+}
+
 void OXVelloEnvironment::showAlertWithTitle(const std::string& title,
                                             const std::optional<std::string>& message) {
   OXUtil::showAlertWithTitle(title, message.value_or(""));

@@ -13,6 +13,7 @@ class OXVelloEnvironment : public OMVelloEnvironment {
   std::string velloUrl() override;
   std::string storageKeyForItem(const std::string& item) override;
   std::string deviceModel() override;
+  std::shared_ptr<const Flow> currentFlow() override;
   void showAlertWithTitle(const std::string& title,
                           const std::optional<std::string>& message) override;
   void showNetworkErrorRetry(Task retry, Task cancel) override;

@@ -8,6 +8,7 @@
 
 #include "orlixkit/checkout/WalletRequest.h"
 #include "orlixkit/platform/Host.h"
+#include "orlixkit/protocol/OMVello.h"
 
 namespace orlix {
 
@@ -37,12 +38,18 @@ struct PollingRound {
     }
     Clock& clock = *Host::current().ports().clock;
     const SteadyTime deadline = clock.steadyNow() + kRound;
+    // The deadline also ends the re-sending of a poll that the server keeps refusing.
+    KCVelloConnection client = connection->within({.flow = session->flow(), .deadline = deadline});
     while (clock.steadyNow() < deadline) {
       if (!session->isLive()) {
         return RoundEnd::abandoned;
       }
       log("Polling for receipt...");
-      receipt = connection->pollForReceipt(transactionId);
+      try {
+        receipt = client.pollForReceipt(transactionId);
+      } catch (const RequestEnded&) {
+        break;
+      }
       if (answered()) {
         return RoundEnd::answered;
       }
@@ -50,6 +57,9 @@ struct PollingRound {
       if (left > Duration::zero() && !clock.sleep(std::min(kLongestPause, left))) {
         return RoundEnd::abandoned;
       }
+    }
+    if (!session->isLive()) {
+      return RoundEnd::abandoned;
     }
     log("Receipt polling timed out after 60 seconds.");
     return RoundEnd::timedOut;
@@ -91,7 +101,7 @@ void pollForReceipt(std::int64_t transactionId, ReceiptPollingEnds ends) {
   const auto round = std::make_shared<PollingRound>();
   round->transactionId = transactionId;
   round->ends = std::move(ends);
-  runThereAndBack(
+  runInBackground(
       RequestQueue::newOperationQueue, [round] { round->run(); }, [round] { round->finish(); });
 }
 

@@ -1,18 +1,33 @@
 #pragma once
 
+#include <cstdint>
+#include <functional>
+#include <map>
 #include <memory>
 #include <string>
+#include <utility>
 
 #include "orlixkit/checkout/OXSession.h"
+#include "orlixkit/checkout/WalletRequest.h"
+#include "orlixkit/platform/ui/ProgressIndicator.h"
 #include "orlixkit/platform/ui/ViewController.h"
 
 namespace orlix {
 
 /// A screen that belongs to the checkout that was in progress when it was made, and that can do
-/// nothing any more once that checkout is over.
+/// nothing any more once that checkout is over. Once it was left it changes nothing either: the
+/// answers to its requests are dropped, its alerts are not shown, its progress indicator goes.
 class SessionScreen : public ViewController {
  public:
   SessionScreen() : session_(OXSession::currentSession()) {}
+
+  /// Shows the session's cards or its code information.
+  virtual bool showsSessionData() const { return false; }
+  /// These have been replaced while this screen is shown.
+  virtual void sessionDataChanged() {}
+
+  /// No longer presented, or on its way out.
+  bool wasLeft() const { return !presentingViewController() || isBeingDismissed(); }
 
  protected:
   /// The screen's session; none when it has been replaced or has ended. An action registered by
@@ -31,8 +46,64 @@ class SessionScreen : public ViewController {
     });
   }
 
+  void showProgress(const std::string& status, ProgressMask mask = ProgressMask::none,
+                    ProgressStyle style = ProgressStyle::activity);
+  /// Dismisses the progress indicator if this screen shows it.
+  void hideProgress();
+  /// The connection alert for a request of this screen that has failed.
+  void offerRetry(const std::string& kind, Task retry);
+
+  /// A request that only this screen waits for.
+  template <class Answer>
+  struct Request {
+    std::string kind;  ///< which of the screen's requests it is
+    RequestQueue queue = RequestQueue::newOperationQueue;
+    std::function<Answer(KCVelloConnection&)> ask;
+    std::function<void(Answer)> answered;
+    Task failed;
+    /// Runs in the place of `answered` once the screen has been left. It may bring the session's
+    /// data up to date; the screens are no longer its business.
+    Task answeredLate = {};
+    /// The answer is dropped when one of the same kind that was asked for later has been taken: a
+    /// lookup, say. Requests that change something count each for itself.
+    bool latestCounts = false;
+  };
+
+  /// See `requestInBackground`.
+  template <class Answer>
+  void send(Request<Answer> request) {
+    const auto self = std::static_pointer_cast<SessionScreen>(shared_from_this());
+    const std::uint64_t number = ++asked_;
+    const auto isOvertaken = [self, kind = request.kind, number,
+                              latestCounts = request.latestCounts] {
+      return latestCounts && !self->take(kind, number);
+    };
+    requestInBackground<Answer>(
+        request.queue, std::move(request.ask),
+        [self, isOvertaken, answered = std::move(request.answered),
+         late = std::move(request.answeredLate)](Answer answer) {
+          if (!self->wasLeft()) {
+            if (!isOvertaken()) {
+              answered(std::move(answer));
+            }
+          } else if (late) {
+            late();
+          }
+        },
+        [self, isOvertaken, failed = std::move(request.failed)] {
+          if (!self->wasLeft() && !isOvertaken()) {
+            failed();
+          }
+        });
+  }
+
  private:
+  /// False when an answer of this kind that was asked for later has been taken already.
+  bool take(const std::string& kind, std::uint64_t number);
+
   std::weak_ptr<OXSession> session_;
+  std::uint64_t asked_ = 0;
+  std::map<std::string, std::uint64_t> taken_;
 };
 
 }  // namespace orlix

@@ -1,12 +1,15 @@
 #include "orlixkit/checkout/WalletRequest.h"
 
+#include <stdexcept>
+#include <system_error>
+
+#include "orlixkit/platform/Host.h"
+
 namespace orlix {
 
-void runThereAndBack(RequestQueue queue, Task work, const Task& back) {
-  Task task = [work = std::move(work), back] {
-    runLoggedInBackground(work);
-    handOver(back);
-  };
+namespace {
+
+void addTo(RequestQueue queue, Task task) {
   BackgroundQueues& queues = *Host::current().ports().backgroundQueues;
   switch (queue) {
     case RequestQueue::newOperationQueue:
@@ -18,6 +21,26 @@ void runThereAndBack(RequestQueue queue, Task work, const Task& back) {
     case RequestQueue::globalHigh:
       queues.global(QualityOfService::high, std::move(task));
       break;
+  }
+}
+
+}  // namespace
+
+void runInBackground(RequestQueue queue, Task work, const Task& then) {
+  try {
+    addTo(queue, [work = std::move(work), then] {
+      runLoggedInBackground(work);
+      handOver(then);
+    });
+  } catch (const std::system_error& failure) {
+    log(std::string("OrlixKit: no thread for a request: ") + failure.what());
+    Host::current().ports().mainQueue->async(then);
+  }
+}
+
+void logFailureOfRequest(const std::exception& failure) {
+  if (dynamic_cast<const NetworkException*>(&failure) == nullptr) {
+    logFailure("a request", failure.what());
   }
 }
 

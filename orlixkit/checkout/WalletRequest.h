@@ -1,30 +1,33 @@
 #pragma once
 
+#include <exception>
 #include <functional>
 #include <memory>
 #include <optional>
 #include <utility>
 
 #include "orlixkit/checkout/OXSession.h"
-#include "orlixkit/platform/Host.h"
 #include "orlixkit/protocol/KCVelloConnection.h"
-#include "orlixkit/protocol/OMVello.h"
 
 namespace orlix {
 
-/// Where a request of a screen runs.
+/// Where a request of a flow runs.
 enum class RequestQueue { newOperationQueue, globalBackground, globalHigh };
 
-/// Runs `work` on that queue of the installed host, then `back` on the main queue. Both are made
-/// before the work is done, so that what it brings does not get lost for want of memory. What they
-/// share is to be let go of by `back`: screens die on the main thread.
-void runThereAndBack(RequestQueue queue, Task work, const Task& back);
+/// Runs `work` on that queue of the installed host, then `then` on the main queue. Both are made
+/// before the work is done, so that its result does not get lost for want of memory. What they
+/// share is to be released by `then`: screens die on the main thread. When no thread can be had for
+/// the work, `then` runs without it.
+void runInBackground(RequestQueue queue, Task work, const Task& then);
 
-/// One request of a screen, on its way from the main thread to the background and back.
+/// Writes why a request failed, unless the protocol client has done so.
+void logFailureOfRequest(const std::exception& failure);
+
+/// One request of a flow, on its way from the main thread to the background and back.
 template <class Answer>
 struct WalletRequest {
-  std::shared_ptr<OXSession> session = OXSession::currentSession();
-  std::shared_ptr<KCVelloConnection> connection = OMVello::sharedOMVello().connection();
+  std::shared_ptr<OXSession> session;
+  std::optional<KCVelloConnection> connection;
   std::function<Answer(KCVelloConnection&)> ask;
   std::function<void(Answer)> answered;
   Task failed;
@@ -33,18 +36,21 @@ struct WalletRequest {
   /// Off the main thread. What was asked is released at once.
   void run() {
     try {
-      if (connection) {
+      if (connection && session->isLive()) {
         answer.emplace(ask(*connection));
       }
-    } catch (...) {
+    } catch (const std::exception& failure) {
       // Every failure of a request looks alike to the user: the connection alert offers a retry.
+      answer.reset();
+      logFailureOfRequest(failure);
+    } catch (...) {
       answer.reset();
     }
     ask = {};
     connection.reset();
   }
 
-  /// Back on the main thread, where the captured screen is let go of.
+  /// Back on the main thread, where the captured screen is released.
   void finish() {
     const auto whenAnswered = std::exchange(answered, {});
     const auto whenFailed = std::exchange(failed, {});
@@ -59,20 +65,25 @@ struct WalletRequest {
   }
 };
 
-/// One request of a screen: asked off the main thread, answered on it.
+/// One request of the current flow: asked off the main thread, answered on it.
 ///
-/// `ask` runs in the background with the client that was current at the call. Then, on the main
-/// queue, either `answered` or, when `ask` threw anything or there is no client yet, `failed` runs:
-/// both only while the session that was current at the call is still live, so that a late answer
-/// finds no other flow. Capture the screen by `shared_from_this` in those two, never in `ask`.
+/// `ask` runs in the background with the client of the flow, which sends nothing, first or again,
+/// once the flow is over. Then, on the main queue, either `answered` or, when `ask` threw anything,
+/// there is no client yet, or no thread can be had, `failed` runs: both only while the flow is
+/// live. Capture the screen by `shared_from_this` in those two, never in `ask`.
+///
+/// For what belongs to the flow whatever the user does meanwhile: its lookups and its payment. A
+/// request that only its screen waits for goes through `SessionScreen::request`.
 template <class Answer>
 void requestInBackground(RequestQueue queue, std::function<Answer(KCVelloConnection&)> ask,
                          std::function<void(Answer)> answered, Task failed) {
   const auto request = std::make_shared<WalletRequest<Answer>>();
+  request->session = OXSession::currentSession();
+  request->connection = request->session->connection();
   request->ask = std::move(ask);
   request->answered = std::move(answered);
   request->failed = std::move(failed);
-  runThereAndBack(
+  runInBackground(
       queue, [request] { request->run(); }, [request] { request->finish(); });
 }
 

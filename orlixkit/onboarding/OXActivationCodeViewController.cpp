@@ -3,10 +3,11 @@
 #include <fmt/format.h>
 
 #include "orlixkit/checkout/OXUtil.h"
-#include "orlixkit/checkout/WalletRequest.h"
+#include "orlixkit/checkout/PurchaseInputs.h"
 #include "orlixkit/onboarding/ScreenSetUp.h"
 #include "orlixkit/onboarding/SecondAttempt.h"
 #include "orlixkit/platform/Host.h"
+#include "orlixkit/protocol/OMVello.h"
 
 namespace orlix {
 
@@ -38,22 +39,27 @@ void OXActivationCodeViewController::proceedAction() {
   if (!session()) {
     return;
   }
-  OXUtil::indicator().show("Please wait...", ProgressMask::gradient);
+  showProgress("Please wait...", ProgressMask::gradient);
   const auto screen = std::static_pointer_cast<OXActivationCodeViewController>(shared_from_this());
-  requestInBackground<std::int32_t>(
-      RequestQueue::globalBackground,
-      [code = codeField_->text()](KCVelloConnection& connection) {
-        return askTwice([&] { return connection.processActivationCode(code); });
-      },
-      [screen](std::int32_t status) { screen->answered(status); },
-      [screen] {
-        // The indicator is left to the alert, so that nothing can be touched until it stands.
-        OXUtil::showNetworkErrorRetryObject([screen] { screen->proceedAction(); });
-      });
+  send<std::int32_t>(
+      {.kind = "activate",
+       .queue = RequestQueue::globalBackground,
+       .ask =
+           [code = codeField_->text()](KCVelloConnection& connection) {
+             return askTwice([&] { return connection.processActivationCode(code); });
+           },
+       .answered = [screen](std::int32_t status) { screen->answered(status); },
+       // The indicator is left to the alert, so that nothing can be touched until
+       // it is there.
+       .failed =
+           [screen] { screen->offerRetry("activate", [screen] { screen->proceedAction(); }); }});
 }
 
 void OXActivationCodeViewController::answered(std::int32_t status) {
-  OXUtil::indicator().dismiss();
+  hideProgress();
+  if (!session()) {
+    return;
+  }
   if (status == 1) {
     OXUtil::showAlertWithTitle("Warning", "Invalid activation code.");
     return;
@@ -67,6 +73,17 @@ void OXActivationCodeViewController::answered(std::int32_t status) {
   // information, and is replaced when the facade, told of the session, has looked the code up.
   OMVello::sharedOMVello().velloSessionEstablished();
   performSegue("Product");
+}
+
+/// The payment screen looks here as it does when the session shows it.
+void OXActivationCodeViewController::prepareForSegue(
+    const std::string&, const std::shared_ptr<ViewController>& destination) {
+  transitioningDelegate_ = presentAsCard(*destination);
+  const auto inputs = std::dynamic_pointer_cast<PurchaseInputs>(destination);
+  const auto current = session();
+  if (inputs && current) {
+    inputs->system = current->system;
+  }
 }
 
 void OXActivationCodeViewController::cancelAction() {

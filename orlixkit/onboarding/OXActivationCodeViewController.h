@@ -2,7 +2,9 @@
 
 #include <cstdint>
 #include <memory>
+#include <string>
 
+#include "orlixkit/checkout/OXTransitioningDelegate.h"
 #include "orlixkit/checkout/OrlixViewController.h"
 #include "orlixkit/platform/ui/TextField.h"
 
@@ -14,6 +16,8 @@ class OXActivationCodeViewController : public OrlixViewController {
  public:
   OXActivationCodeViewController();
   void viewDidLoad() override;
+  void prepareForSegue(const std::string& name,
+                       const std::shared_ptr<ViewController>& destination) override;
 
   /// Sends the code as it was typed. What the network alert's retry calls, too.
   void proceedAction();
@@ -26,6 +30,7 @@ class OXActivationCodeViewController : public OrlixViewController {
   std::shared_ptr<TextField> codeField_;
   std::shared_ptr<Button> proceedButton_;
   std::shared_ptr<Button> cancelButton_;
+  std::shared_ptr<OXTransitioningDelegate> transitioningDelegate_;
 };
 
 }  // namespace orlix

@@ -1,7 +1,6 @@
 #include "orlixkit/onboarding/OXActivationViewController.h"
 
 #include "orlixkit/checkout/OXUtil.h"
-#include "orlixkit/checkout/WalletRequest.h"
 #include "orlixkit/onboarding/CountryCellCodes.h"
 #include "orlixkit/onboarding/Msisdn.h"
 #include "orlixkit/onboarding/OMCountryCodeViewController.h"
@@ -9,6 +8,7 @@
 #include "orlixkit/onboarding/SecondAttempt.h"
 #include "orlixkit/platform/Host.h"
 #include "orlixkit/platform/ui/Containers.h"
+#include "orlixkit/protocol/OMVello.h"
 
 namespace orlix {
 
@@ -128,21 +128,27 @@ void OXActivationViewController::sendMsisdn() {
 }
 
 void OXActivationViewController::ask(const std::string& msisdn) {
-  OXUtil::indicator().show("Please wait...", ProgressMask::gradient);
-  requestInBackground<MTSmsResponse>(
-      RequestQueue::globalBackground,
-      [msisdn](KCVelloConnection& connection) {
-        return askTwice([&] { return connection.sendMsisdn(msisdn); });
-      },
-      [screen = self()](const MTSmsResponse& response) { screen->answered(response); },
-      [screen = self()] {
-        OXUtil::indicator().dismiss();
-        OXUtil::showNetworkErrorRetryObject([screen] { screen->sendMsisdn(); });
-      });
+  showProgress("Please wait...", ProgressMask::gradient);
+  send<MTSmsResponse>(
+      {.kind = "msisdn",
+       .queue = RequestQueue::globalBackground,
+       .ask =
+           [msisdn](KCVelloConnection& connection) {
+             return askTwice([&] { return connection.sendMsisdn(msisdn); });
+           },
+       .answered = [screen = self()](const MTSmsResponse& response) { screen->answered(response); },
+       .failed =
+           [screen = self()] {
+             screen->hideProgress();
+             screen->offerRetry("msisdn", [screen] { screen->sendMsisdn(); });
+           }});
 }
 
 void OXActivationViewController::answered(const MTSmsResponse& response) {
-  OXUtil::indicator().dismiss();
+  hideProgress();
+  if (!session()) {
+    return;
+  }
   if (response.status != SmsResponseStatus::success) {
     OXUtil::showAlertWithTitle("Warning", "Could not send msisdn.");
     return;

@@ -2,7 +2,6 @@
 
 #include "orlixkit/checkout/OXOrlix.h"
 #include "orlixkit/checkout/OXUtil.h"
-#include "orlixkit/checkout/WalletRequest.h"
 #include "orlixkit/onboarding/CardDates.h"
 #include "orlixkit/onboarding/ScreenSetUp.h"
 #include "orlixkit/widgets/Characters.h"
@@ -98,30 +97,24 @@ void OXAddCardViewController::checkCard() {
   if (!session()) {
     return;
   }
-  OXUtil::indicator().show("Loading...", ProgressMask::none, ProgressStyle::information);
-  requestInBackground<MTBinInfo>(
-      RequestQueue::newOperationQueue,
-      [number = cardNumber_](KCVelloConnection& connection) {
-        return connection.getBinInfo(number);
-      },
-      [screen = self()](const MTBinInfo& info) { screen->lookedUp(info); },
-      [screen = self()] {
-        OXUtil::indicator().dismiss();
-        if (!screen->wasLeft()) {
-          OXUtil::showNetworkErrorRetryObject([screen] { screen->checkCard(); });
-        }
-      });
+  showProgress("Loading...", ProgressMask::none, ProgressStyle::information);
+  send<MTBinInfo>(
+      {.kind = "bin",
+       .ask = [number = cardNumber_](
+                  KCVelloConnection& connection) { return connection.getBinInfo(number); },
+       .answered = [screen = self()](const MTBinInfo& info) { screen->lookedUp(info); },
+       .failed =
+           [screen = self()] {
+             screen->hideProgress();
+             screen->offerRetry("bin", [screen] { screen->checkCard(); });
+           },
+       .latestCounts = true});
 }
 
 void OXAddCardViewController::lookedUp(const MTBinInfo& info) {
   binInfo_ = info;
-  if (wasLeft()) {
-    // The user has thought better of it: a card must not be linked behind his back.
-    OXUtil::indicator().dismiss();
-    return;
-  }
   if (!binInfo_.cardSupported) {
-    OXUtil::indicator().dismiss();
+    hideProgress();
     warn("This bank card is not supported");
     return;
   }
@@ -146,7 +139,7 @@ bool OXAddCardViewController::takeExpiryDate(CardInfoResponse& card) {
   }
   const std::optional<ExpiryDate> date = splitExpiryDate(expiryDate_);
   if (!date || !isValidExpiryDate(expiryDate_)) {
-    OXUtil::indicator().dismiss();
+    hideProgress();
     warn("Invalid expiry date");
     return false;
   }
@@ -161,7 +154,7 @@ bool OXAddCardViewController::takeDateOfBirth(CardInfoResponse& card) {
   }
   const std::optional<std::string> formatted = dateOfBirthFromYear(dateOfBirth_, "");
   if (!formatted || !isValidDateOfBirth(dateOfBirth_)) {
-    OXUtil::indicator().dismiss();
+    hideProgress();
     warn("Enter a valid date of birth DD/MM/YYYY");
     return false;
   }
@@ -177,11 +170,11 @@ bool OXAddCardViewController::takeAccount(CardInfoResponse& card) {
   if (cardAccountGroupView_->subviews().front()->hidden()) {
     // Without a word: the row that appears says it. The next proceed asks for all of it again.
     cardAccountGroupView_->setSubviewsHidden(false);
-    OXUtil::indicator().dismiss();
+    hideProgress();
     return false;
   }
   if (cardAccountField_->text().empty()) {
-    OXUtil::indicator().dismiss();
+    hideProgress();
     warn("Please select an account.");
     return false;
   }
@@ -193,35 +186,34 @@ void OXAddCardViewController::linkCard(const std::shared_ptr<CardInfoResponse>& 
   if (!session()) {
     return;
   }
-  requestInBackground<MTCardResponse>(
-      RequestQueue::newOperationQueue,
-      [card](KCVelloConnection& connection) { return connection.linkCard(*card); },
-      [screen = self(), card](const MTCardResponse& response) { screen->answered(response, card); },
-      [screen = self(), card] {
-        OXUtil::indicator().dismiss();
-        OXUtil::showNetworkErrorRetryObject([screen, card] { screen->linkCard(card); });
-      });
+  send<MTCardResponse>(
+      {.kind = "link",
+       .ask = [card](KCVelloConnection& connection) { return connection.linkCard(*card); },
+       .answered = [screen = self(),
+                    card](const MTCardResponse& response) { screen->answered(response, card); },
+       .failed =
+           [screen = self(), card] {
+             screen->hideProgress();
+             screen->offerRetry("link", [screen, card] { screen->linkCard(card); });
+           },
+       // The wallet may hold the card by now; which one is paid with was chosen without it.
+       .answeredLate = [] { OXOrlix::reloadData(); }});
 }
 
 void OXAddCardViewController::answered(const MTCardResponse& response,
                                        const std::shared_ptr<CardInfoResponse>& card) {
   if (response.status == CardResponseStatus::success) {
-    OXUtil::indicator().dismiss();
+    hideProgress();
     linked(response);
-    return;
-  }
-  if (wasLeft()) {
-    // A form that is gone has nothing to ask.
-    OXUtil::indicator().dismiss();
-    return;
-  }
-  if (response.status == CardResponseStatus::failed) {
-    OXUtil::indicator().dismiss();
+  } else if (response.status == CardResponseStatus::failed) {
+    hideProgress();
     warn("There seems to be some problem adding this card");
   } else if (response.status == CardResponseStatus::relink) {
-    OXUtil::indicator().dismiss();
-    session()->cardInfoResponse = card;
-    session()->showMsisdnRelinkScreen();
+    hideProgress();
+    if (const auto current = session()) {
+      current->cardInfoResponse = card;
+      current->showMsisdnRelinkScreen();
+    }
   }
   // An answer that says none of the three leaves the indicator up: the outcome is not known, and
   // the user should look twice before adding the card once more.

@@ -53,7 +53,6 @@ class OXAddCardViewController : public OrlixViewController {
   void answered(const MTCardResponse& response, const std::shared_ptr<CardInfoResponse>& card);
   void linked(const MTCardResponse& response);
   void warn(const std::string& message);
-  bool wasLeft() const { return !presentingViewController(); }
   std::shared_ptr<OXAddCardViewController> self();
 
   std::shared_ptr<CardNumberField> cardNumberField_;

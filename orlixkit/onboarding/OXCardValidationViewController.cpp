@@ -2,10 +2,8 @@
 
 #include <fmt/format.h>
 
-#include "orlixkit/checkout/AlertWindow.h"
 #include "orlixkit/checkout/OXOrlix.h"
 #include "orlixkit/checkout/OXUtil.h"
-#include "orlixkit/checkout/WalletRequest.h"
 #include "orlixkit/onboarding/CardDates.h"
 #include "orlixkit/onboarding/ScreenSetUp.h"
 
@@ -58,27 +56,36 @@ void OXCardValidationViewController::unlockCardWithDateOfBirth(const std::string
   if (!session()) {
     return;
   }
-  OXUtil::indicator().show("Please wait...");
+  showProgress("Please wait...");
   const auto screen = std::static_pointer_cast<OXCardValidationViewController>(shared_from_this());
-  requestInBackground<MTCardValidateResponse>(
-      RequestQueue::globalBackground,
-      [cardId = card_.cardId, dateOfBirth](KCVelloConnection& connection) {
-        return connection.validateCard(true, cardId, dateOfBirth);
-      },
-      [screen](const MTCardValidateResponse& response) { screen->answered(response); },
-      [screen, dateOfBirth] {
-        OXUtil::indicator().dismiss();
-        OXUtil::showNetworkErrorRetryObject(
-            [screen, dateOfBirth] { screen->unlockCardWithDateOfBirth(dateOfBirth); });
-      });
+  send<MTCardValidateResponse>(
+      {.kind = "validate",
+       .queue = RequestQueue::globalBackground,
+       .ask =
+           [cardId = card_.cardId, dateOfBirth](KCVelloConnection& connection) {
+             return connection.validateCard(true, cardId, dateOfBirth);
+           },
+       .answered = [screen](const MTCardValidateResponse& response) { screen->answered(response); },
+       .failed =
+           [screen, dateOfBirth] {
+             screen->hideProgress();
+             screen->offerRetry("validate", [screen, dateOfBirth] {
+               screen->unlockCardWithDateOfBirth(dateOfBirth);
+             });
+           },
+       .answeredLate = [] { OXOrlix::reloadData(); }});
 }
 
 void OXCardValidationViewController::answered(const MTCardValidateResponse& response) {
-  OXUtil::indicator().dismiss();
+  hideProgress();
+  const auto current = session();
+  if (!current) {
+    return;
+  }
   // The sentence alone decides, to the letter: the server has no other sign of success.
   if (response.message == "Your card has been added") {
     OXOrlix::loadCodeInfo(nullptr);
-    session()->showPurchaseScreen();
+    current->showPurchaseScreen();
     return;
   }
   const auto alert = std::make_shared<AlertController>(
@@ -89,8 +96,7 @@ void OXCardValidationViewController::answered(const MTCardValidateResponse& resp
                         OXOrlix::loadCodeInfo(nullptr);
                       }
                     }});
-  OXUtil::styleAlertController(*alert);
-  AlertWindow::show(alert);
+  OXUtil::showAlert(alert);
 }
 
 void OXCardValidationViewController::cancelAction() {

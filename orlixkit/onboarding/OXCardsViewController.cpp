@@ -4,7 +4,6 @@
 
 #include "orlixkit/checkout/OXOrlix.h"
 #include "orlixkit/checkout/OXUtil.h"
-#include "orlixkit/checkout/WalletRequest.h"
 #include "orlixkit/onboarding/ScreenSetUp.h"
 #include "orlixkit/platform/ui/AlertController.h"
 
@@ -37,7 +36,11 @@ std::size_t OXCardsViewController::numberOfRows() {
 }
 
 TableCell OXCardsViewController::cellForRow(std::size_t row) {
-  const CardOption& card = session()->cards[row];
+  const std::shared_ptr<OXSession> current = session();
+  if (!current || row >= current->cards.size()) {
+    return {};
+  }
+  const CardOption& card = current->cards[row];
   TableCell cell;
   cell.identifier = "CardCell";
   cell.text = fmt::format("xxx-{}", card.cardHint.value_or(""));
@@ -61,8 +64,11 @@ std::shared_ptr<Button> OXCardsViewController::deleteButton(std::size_t row) {
 }
 
 void OXCardsViewController::didSelectRow(std::size_t row) {
-  OXUtil::setLastUsedCardId(session()->cards[row].cardId);
-  showScreen();
+  // The list may have become shorter since the row was drawn.
+  if (row < numberOfRows()) {
+    OXUtil::setLastUsedCardId(session()->cards[row].cardId);
+    showScreen();
+  }
 }
 
 void OXCardsViewController::showScreen() {
@@ -95,6 +101,7 @@ void OXCardsViewController::deleteCardAction(std::size_t row) {
   alert->addAction({"Delete", AlertActionStyle::destructive,
                     [screen = self(), card = session()->cards[row]] { screen->deleteCard(card); }});
   OXUtil::styleAlertController(*alert);
+  session()->keepTrackOf(alert);
   present(alert, true);
 }
 
@@ -102,22 +109,27 @@ void OXCardsViewController::deleteCard(const CardOption& card) {
   if (!session()) {
     return;
   }
-  OXUtil::indicator().show("Please wait...");
-  requestInBackground<MTCardResponse>(
-      RequestQueue::newOperationQueue,
-      [cardId = card.cardId](KCVelloConnection& connection) {
-        return connection.delinkCard(cardId);
-      },
-      [screen = self()](const MTCardResponse&) {
-        // Whatever the answer says: the reloaded list shows the truth.
-        OXUtil::indicator().dismiss();
-        OXOrlix::loadCodeInfo(nullptr);
-        screen->tableView_->reloadData();
-      },
-      [screen = self(), card] {
-        // The indicator is left to the alert.
-        OXUtil::showNetworkErrorRetryObject([screen, card] { screen->deleteCard(card); });
-      });
+  showProgress("Please wait...");
+  send<MTCardResponse>(
+      {.kind = "delete",
+       .ask = [cardId = card.cardId](
+                  KCVelloConnection& connection) { return connection.delinkCard(cardId); },
+       // Whatever the answer says: the reloaded list shows the truth.
+       .answered =
+           [screen = self()](const MTCardResponse&) {
+             screen->hideProgress();
+             OXOrlix::loadCodeInfo(nullptr);
+             screen->tableView_->reloadData();
+           },
+       .failed =
+           [screen = self(), card] {
+             // The indicator is left to the alert.
+             screen->offerRetry("delete " + std::to_string(card.cardId),
+                                [screen, card] { screen->deleteCard(card); });
+           },
+       .answeredLate = [] { OXOrlix::reloadData(); }});
 }
+
+void OXCardsViewController::sessionDataChanged() { tableView_->reloadData(); }
 
 }  // namespace orlix

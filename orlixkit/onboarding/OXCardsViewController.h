@@ -17,6 +17,8 @@ class OXCardsViewController : public OrlixViewController, public TableViewDataSo
   OXCardsViewController& operator=(const OXCardsViewController&) = delete;
 
   void viewDidLoad() override;
+  bool showsSessionData() const override { return true; }
+  void sessionDataChanged() override;
 
   std::size_t numberOfRows() override;
   TableCell cellForRow(std::size_t row) override;

@@ -2,7 +2,6 @@
 
 #include "orlixkit/checkout/OXOrlix.h"
 #include "orlixkit/checkout/OXUtil.h"
-#include "orlixkit/checkout/WalletRequest.h"
 #include "orlixkit/onboarding/ScreenSetUp.h"
 
 namespace orlix {
@@ -33,23 +32,26 @@ void OXMsisdnRelinkViewController::proceedAction() {
     current->cardInfoResponse = std::make_shared<CardInfoResponse>();
   }
   current->cardInfoResponse->linkedMsisdn = msisdnField_->text();
-  OXUtil::indicator().show("Please wait...");
+  showProgress("Please wait...");
   const auto screen = std::static_pointer_cast<OXMsisdnRelinkViewController>(shared_from_this());
-  requestInBackground<MTCardResponse>(
-      RequestQueue::globalBackground,
-      // A copy: the request fills its record in, while the user may be proceeding once more.
-      [card = *current->cardInfoResponse](KCVelloConnection& connection) mutable {
-        return connection.linkCard(card);
-      },
-      [screen](const MTCardResponse& response) { screen->answered(response); },
-      [screen] {
-        OXUtil::indicator().dismiss();
-        OXUtil::showNetworkErrorRetryObject([screen] { screen->proceedAction(); });
-      });
+  send<MTCardResponse>(
+      {.kind = "link",
+       .queue = RequestQueue::globalBackground,
+       // A copy: the request fills its record in, while the user may be proceeding once more.
+       .ask = [card = *current->cardInfoResponse](
+                  KCVelloConnection& connection) mutable { return connection.linkCard(card); },
+       .answered = [screen](const MTCardResponse& response) { screen->answered(response); },
+       .failed =
+           [screen] {
+             screen->hideProgress();
+             screen->offerRetry("link", [screen] { screen->proceedAction(); });
+           },
+       // The wallet may hold the card by now; which one is paid with was chosen without it.
+       .answeredLate = [] { OXOrlix::reloadData(); }});
 }
 
 void OXMsisdnRelinkViewController::answered(const MTCardResponse& response) {
-  OXUtil::indicator().dismiss();
+  hideProgress();
   switch (response.status) {
     case CardResponseStatus::success:
       linked(response);

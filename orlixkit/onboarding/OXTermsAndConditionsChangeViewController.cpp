@@ -2,7 +2,6 @@
 
 #include "orlixkit/checkout/OXUtil.h"
 #include "orlixkit/onboarding/ScreenSetUp.h"
-#include "orlixkit/protocol/OMVello.h"
 
 namespace orlix {
 
@@ -43,7 +42,11 @@ void OXTermsAndConditionsChangeViewController::prepareForSegue(
 }
 
 void OXTermsAndConditionsChangeViewController::proceedAction() {
-  if (const auto connection = OMVello::sharedOMVello().connection()) {
+  const std::shared_ptr<OXSession> former = session();
+  if (!former) {
+    return;
+  }
+  if (auto connection = former->connection()) {
     // On this thread, and its answer unread: whatever the server says, the session asks for the
     // payment screen, and the next start shows whether the terms count as accepted.
     connection->updateTC();

@@ -43,6 +43,8 @@ void OXWalletManagementViewController::showSelectedCard() {
   }
 }
 
+void OXWalletManagementViewController::sessionDataChanged() { showSelectedCard(); }
+
 void OXWalletManagementViewController::cardAction() {
   const std::shared_ptr<OXSession> current = session();
   if (!current) {

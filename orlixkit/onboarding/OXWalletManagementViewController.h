@@ -13,6 +13,8 @@ class OXWalletManagementViewController : public OrlixViewController {
  public:
   OXWalletManagementViewController();
   void viewDidLoad() override;
+  bool showsSessionData() const override { return true; }
+  void sessionDataChanged() override;
 
   void showSelectedCard();
   void cardAction();

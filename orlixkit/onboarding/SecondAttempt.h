@@ -3,6 +3,7 @@
 #include <exception>
 
 #include "orlixkit/platform/Host.h"
+#include "orlixkit/protocol/RequestScope.h"
 
 namespace orlix {
 
@@ -13,6 +14,8 @@ template <class Ask>
 auto askTwice(const Ask& ask) {
   try {
     return ask();
+  } catch (const RequestEnded&) {
+    throw;  // the flow is over
   } catch (const std::exception&) {
     log("--- ERROR, TRY AGAIN ---");
   }

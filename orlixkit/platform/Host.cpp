@@ -1,5 +1,6 @@
 #include "orlixkit/platform/Host.h"
 
+#include <atomic>
 #include <new>
 #include <stdexcept>
 
@@ -12,6 +13,11 @@ std::shared_ptr<Host>& installed() {
   return host;
 }
 
+std::uint64_t nextNumber() {
+  static std::atomic<std::uint64_t> last{0};
+  return ++last;
+}
+
 void require(bool present, const std::string& port) {
   if (!present) {
     throw std::invalid_argument("Host: the port " + port + " is missing");
@@ -21,7 +27,7 @@ void require(bool present, const std::string& port) {
 }  // namespace
 
 Host::Host(Ports ports, Deployment deployment)
-    : ports_(std::move(ports)), deployment_(std::move(deployment)) {
+    : ports_(std::move(ports)), deployment_(std::move(deployment)), number_(nextNumber()) {
   require(ports_.log != nullptr, "log");
   require(ports_.clock != nullptr, "clock");
   require(ports_.mainQueue != nullptr, "mainQueue");

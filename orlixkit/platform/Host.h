@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstdint>
 #include <map>
 #include <memory>
 #include <mutex>
@@ -60,6 +61,8 @@ class Host {
   static Host& current();
   static bool isInstalled();
 
+  /// Tells the hosts of a process apart, from 1 in the order in which they were made.
+  std::uint64_t number() const { return number_; }
   const Ports& ports() const { return ports_; }
   const Deployment& deployment() const { return deployment_; }
   Application& application() { return *application_; }
@@ -81,6 +84,7 @@ class Host {
  private:
   Ports ports_;
   Deployment deployment_;
+  std::uint64_t number_;
   std::shared_ptr<Application> application_ = std::make_shared<Application>();
   std::recursive_mutex sharedLock_;
   std::map<std::type_index, std::shared_ptr<void>> shared_;

@@ -1,7 +1,5 @@
-#include <mutex>
-
 #include "orlixkit/protocol/KCVelloConnection.h"
-#include "orlixkit/protocol/RequestFailure.h"
+#include "orlixkit/protocol/StoredCredentials.h"
 
 // The requests of KCVelloConnection that enrol the device by SMS. Their paths have no node.
 
@@ -12,16 +10,11 @@ MTSmsResponse KCVelloConnection::sendMsisdn(const std::string& msisdn) {
 }
 
 std::int32_t KCVelloConnection::processActivationCode(const std::string& code) {
-  Turn turn(turn_);
-  const auto answer =
-      _request<MTSmsResponse>(turn, "/sms/activateSession", {{"activationCode", code}});
+  const std::uint64_t wipes = StoredCredentials::shared().wipes();
+  const auto answer = request<MTSmsResponse>("/sms/activateSession", {{"activationCode", code}});
   if (answer.status == SmsResponseStatus::success) {
-    if (!dataStore_.po) {
-      dataStore_.po = std::make_shared<PersistableObject>();
-    }
-    dataStore_.po->ssToken = answer.newSsToken;
     // Not turned into a NetworkException: a retry would find its code used up.
-    dataStore_.save(*storageInterface_, *dataStore_.po);
+    session_->storeToken(answer.newSsToken, wipes, scope_);
   }
   return static_cast<std::int32_t>(answer.status);
 }

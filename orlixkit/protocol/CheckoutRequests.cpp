@@ -1,4 +1,3 @@
-#include <mutex>
 #include <stdexcept>
 
 #include "orlixkit/protocol/KCVelloConnection.h"
@@ -10,6 +9,8 @@
 namespace orlix {
 
 namespace {
+
+constexpr std::size_t kPinKeyBytes = 16;
 
 RequestBody secureCodeFields(const VelloSecureCodeData& data) {
   RequestBody result;
@@ -65,65 +66,56 @@ MTSecureCodeURLResponse KCVelloConnection::get3DAuthSecureCodeUrl(std::int64_t c
                                           {{"cardId", cardId}});
 }
 
-RequestBody KCVelloConnection::_pinData(const SecretString& pin) const {
-  if (!dataStore_.pinKey) {
+RequestBody KCVelloConnection::_pinData(const std::optional<SecretBytes>& pinKey,
+                                        const SecretString& pin) {
+  // A shorter key would be filled up with zero bytes, and the PIN hardly be hidden at all.
+  if (!pinKey || pinKey->size() < kPinKeyBytes) {
     throw std::invalid_argument("the session has brought no key for the PIN");
   }
-  const std::optional<std::string> block =
-      PinBlock::createPINBlock(*dataStore_.pinKey, pin, /*ref=*/0);
   RequestBody pinData;
-  pinData.setRequired("pinBlock", block);
+  pinData.setRequired("pinBlock", PinBlock::createPINBlock(*pinKey, pin, /*ref=*/0));
   return pinData;
 }
 
 MTPinResponse KCVelloConnection::purchaseAMT(const PurchaseRequest& request,
                                              const SecretString& pin) {
-  Turn turn(turn_);
-  return _purchase(turn, request, {{"pinData", _pinData(pin)}}, &pin, withNode("/purchase/"));
+  const WalletSession::Values session = session_->values();
+  RequestBody fields{{"pinData", _pinData(session.store.pinKey, pin)}};
+  addPurchase(fields, request);
+  const std::string path = withNode("/purchase/");
+  return withNetworkException(path, [&] {
+    return parsed<MTPinResponse>(path, _sendPurchaseAMT(path, fields, pin, session.number));
+  });
 }
 
 MTPinResponse KCVelloConnection::puchaseCNP(const PurchaseRequest& request) {
-  Turn turn(turn_);
-  return _purchase(turn, request, {}, nullptr, withNode("/purchase/"));
+  return _purchase(request, {}, withNode("/purchase/"));
 }
 
 MTPinResponse KCVelloConnection::purchaseSecureCode(const PurchaseRequest& request,
                                                     const VelloSecureCodeData& secureCodeData) {
-  Turn turn(turn_);
-  return _purchase(turn, request, secureCodeFields(secureCodeData), nullptr,
-                   withNode("/purchase/"));
+  return _purchase(request, secureCodeFields(secureCodeData), withNode("/purchase/"));
 }
 
 MTPinResponse KCVelloConnection::auth3DsCard(const PurchaseRequest& request,
                                              const VelloSecureCodeData& secureCodeData) {
-  Turn turn(turn_);
-  return _purchase(turn, request, secureCodeFields(secureCodeData), nullptr, withNode("/auth3Ds/"));
+  return _purchase(request, secureCodeFields(secureCodeData), withNode("/auth3Ds/"));
 }
 
-MTPinResponse KCVelloConnection::_purchase(Turn& turn, const PurchaseRequest& request,
-                                           RequestBody builder, const SecretString* pin,
-                                           const std::string& url) {
+MTPinResponse KCVelloConnection::_purchase(const PurchaseRequest& request, RequestBody builder,
+                                           const std::string& url) const {
   addPurchase(builder, request);
-  return withNetworkException([&] {
-    MTPinResponse response;
-    const std::optional<SecretBytes> answer =
-        pin != nullptr ? _sendPurchaseAMT(turn, url, builder, *pin) : _send(turn, url, builder);
-    response.parseFromData(bytesOf(answer));
-    return response;
-  });
+  return this->request<MTPinResponse>(url, builder);
 }
 
 std::optional<MTReceipt> KCVelloConnection::pollForReceipt(std::int64_t transactionId) {
-  return withNetworkException([&]() -> std::optional<MTReceipt> {
-    Turn turn(turn_);
-    const std::optional<SecretBytes> answer =
-        _send(turn, withNode("/receipt/poll/"), {{"transactionId", transactionId}});
+  const std::string path = withNode("/receipt/poll/");
+  return withNetworkException(path, [&]() -> std::optional<MTReceipt> {
+    const std::optional<SecretBytes> answer = _send(path, {{"transactionId", transactionId}});
     if (!answer || answer->empty()) {
       return std::nullopt;
     }
-    MTReceipt receipt;
-    receipt.parseFromData(answer->reveal());
-    return receipt;
+    return parsed<MTReceipt>(path, answer);
   });
 }
 

@@ -1,8 +1,8 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <memory>
-#include <mutex>
 #include <optional>
 #include <string>
 
@@ -11,8 +11,9 @@
 #include "orlixkit/protocol/Platform.h"
 #include "orlixkit/protocol/RequestBody.h"
 #include "orlixkit/protocol/RequestFailure.h"
-#include "orlixkit/protocol/RequestTurn.h"
+#include "orlixkit/protocol/RequestScope.h"
 #include "orlixkit/protocol/Serial.h"
+#include "orlixkit/protocol/WalletSession.h"
 #include "orlixkit/records/CardInfoResponse.h"
 #include "orlixkit/records/Failures.h"
 #include "orlixkit/records/MTApiResponse.h"
@@ -32,21 +33,20 @@
 
 namespace orlix {
 
-class AnswerReader;
-
 /// The client of the wallet server: one operation per request, each a POST of a JSON object to a
 /// path under the server's base address. Opens the session when there is none and renews it when
 /// the server has forgotten it (403), as often as that happens.
 ///
-/// Thread: any but the main thread; operations block, up to 60 seconds per exchange. Several
-/// callers may ask at once; only the opening of a session is one caller's at a time. At the host's
-/// shutdown every operation under way or waiting fails.
+/// Thread: any but the main thread; operations block, up to 60 seconds per exchange, and longer
+/// when sessions have to be renewed. `reset` alone waits for no exchange. Several callers may ask
+/// at once; only the opening of a session is one caller's at a time. At the host's shutdown every
+/// operation under way or waiting fails.
 ///
 /// Errors: an operation throws NetworkException (without name and reason) for whatever goes wrong
 /// on the way to the server, there and back, a session that cannot be opened included; offer the
-/// user a retry. A body that cannot be built (an absent required text) throws std::invalid_argument
-/// or std::out_of_range before anything is sent. A refusal by the server is no exception: it is the
-/// status of the returned record.
+/// user a retry. It logs the cause. A body that cannot be built (an absent required text) throws
+/// std::invalid_argument or std::out_of_range before anything is sent. A refusal by the server is
+/// no exception: it is the status of the returned record.
 class KCVelloConnection {
  public:
   /// `url`: base address without a trailing slash. `node`: name of the calling system, last segment
@@ -72,8 +72,8 @@ class KCVelloConnection {
   void establishSession();
 
   MTSmsResponse sendMsisdn(const std::string& msisdn);
-  /// The record's status (SmsResponseStatus). On success the wallet token has been stored; a
-  /// failure of the store reaches the caller as it is.
+  /// The record's status (SmsResponseStatus). On success the wallet token has been stored, unless
+  /// the credentials were wiped meanwhile; a failure of the store reaches the caller as it is.
   std::int32_t processActivationCode(const std::string& code);
 
   MTCardList getCardList();
@@ -86,7 +86,8 @@ class KCVelloConnection {
   /// Throws std::out_of_range when the number has fewer than 9 characters.
   MTBinInfo getBinInfo(const std::string& cardNumber);
   MTApiResponse updateTC();
-  /// Makes the stored record unreadable for this device; nothing is sent.
+  /// Makes the stored record unreadable for this device; nothing is sent. An activation under way
+  /// stores no token any more. Any thread.
   void reset(StorageInterface& storage);
 
   /// Looks a code up. Throws std::invalid_argument without a code.
@@ -97,8 +98,8 @@ class KCVelloConnection {
   MTSecureCodeURLResponse get3DAuthSecureCodeUrl(std::int64_t cardId);
 
   /// Pays with the wallet PIN, which leaves the device only as a PIN block under the session's key.
-  /// Throws std::invalid_argument when no session has brought a PIN key yet, or when no block can
-  /// be made of the PIN.
+  /// Throws std::invalid_argument when the session has brought no PIN key of 16 bytes, or when no
+  /// block can be made of the PIN.
   MTPinResponse purchaseAMT(const PurchaseRequest& request, const SecretString& pin);
   /// Pays without PIN. The name lacks its r for the sake of those who call it.
   MTPinResponse puchaseCNP(const PurchaseRequest& request);
@@ -109,62 +110,54 @@ class KCVelloConnection {
   /// Asks once. None while the receipt is not ready.
   std::optional<MTReceipt> pollForReceipt(std::int64_t transactionId);
 
-  /// The session values and the record in memory. Only while no operation runs.
-  const DataStore& dataStore() const { return dataStore_; }
-  const Serial& serial() const { return serial_; }
+  /// The same client for the requests of one flow, or of one round of polling: all share the
+  /// session. Once the scope is over, an operation sends nothing more and throws RequestEnded.
+  KCVelloConnection within(RequestScope scope) const;
+
+  /// A copy of the session values and of the record in memory. Any thread.
+  DataStore dataStore() const { return session_->values().store; }
+  /// Any thread.
+  Serial serial() const { return session_->serial(); }
 
  private:
-  /// The right to use the session values.
-  using Turn = std::unique_lock<RequestTurn>;
+  KCVelloConnection(std::shared_ptr<WalletSession> session, RequestScope scope)
+      : session_(std::move(session)), scope_(std::move(scope)) {}
 
-  // The operations with an underscore expect the caller to have taken the turn.
-  void _establishSession();
-  void keepSession(const AnswerReader& answer);
-  void judgeSession(const AnswerReader& answer);
-  /// Opens a session when there is neither token.
-  void _ensureSession();
-  /// The body of the answer; none when it was cut off after its header.
-  std::optional<SecretBytes> _send(Turn& turn, const std::string& path, const RequestBody& fields);
-  std::optional<SecretBytes> _sendPurchaseAMT(Turn& turn, const std::string& path,
-                                              RequestBody& fields, const SecretString& pin);
-  /// Posts with the tokens of the moment. Gives the turn up meanwhile: an answer that the server
-  /// holds back must not hold back the other requests, least of all one on the main thread.
-  NetworkResult _post(Turn& turn, const std::string& path, const std::optional<SecretBytes>& body);
-  MTPinResponse _purchase(Turn& turn, const PurchaseRequest& request, RequestBody builder,
-                          const SecretString* pin, const std::string& url);
-  RequestBody _pinData(const SecretString& pin) const;
-  std::string withNode(const std::string& path) const { return path + node_; }
+  /// Makes the body for one send in that session. `keepPinBlock`: the session was renewed for this
+  /// very request, more than once in a row.
+  using BodyMaker = std::function<std::optional<SecretBytes>(const WalletSession::Values& session,
+                                                             bool keepPinBlock)>;
+
+  /// The body of the answer; none when it was cut off after its header. The loop around 403.
+  std::optional<SecretBytes> deliver(const std::string& path, const BodyMaker& bodyFor) const;
+  std::optional<SecretBytes> _send(const std::string& path, const RequestBody& fields) const;
+  /// `keyedIn`: number of the session whose key made the PIN block in `fields`.
+  std::optional<SecretBytes> _sendPurchaseAMT(const std::string& path, RequestBody& fields,
+                                              const SecretString& pin, std::uint64_t keyedIn) const;
+  /// Throws std::invalid_argument for a key that is absent or too short, and for a PIN of which no
+  /// block can be made.
+  static RequestBody _pinData(const std::optional<SecretBytes>& pinKey, const SecretString& pin);
+  MTPinResponse _purchase(const PurchaseRequest& request, RequestBody builder,
+                          const std::string& url) const;
+  std::string withNode(const std::string& path) const { return path + session_->node(); }
 
   /// Sends, and parses the answer into a new record.
   template <class Record>
-  Record _request(Turn& turn, const std::string& path, const RequestBody& fields) {
-    return withNetworkException([&] {
-      const std::optional<SecretBytes> answer = _send(turn, path, fields);
+  Record request(const std::string& path, const RequestBody& fields) const {
+    return withNetworkException(path, [&] { return parsed<Record>(path, _send(path, fields)); });
+  }
+  /// An absent body reads as an empty one, which the parsers refuse.
+  template <class Record>
+  static Record parsed(const std::string& path, const std::optional<SecretBytes>& answer) {
+    return withNetworkException(path + " (HTTP 200)", [&] {
       Record record;
-      record.parseFromData(bytesOf(answer));
+      record.parseFromData(answer ? answer->reveal() : ByteView());
       return record;
     });
   }
-  template <class Record>
-  Record request(const std::string& path, const RequestBody& fields) {
-    Turn turn(turn_);
-    return _request<Record>(turn, path, fields);
-  }
-  /// An absent body reads as an empty one, which the parsers refuse.
-  static ByteView bytesOf(const std::optional<SecretBytes>& answer) {
-    return answer ? answer->reveal() : ByteView();
-  }
 
-  std::shared_ptr<StorageInterface> storageInterface_;
-  std::shared_ptr<NetworkInterface> network_;
-  std::string url_;
-  std::string node_;
-  Serial serial_;
-  DataStore dataStore_;
-  std::string appVersion_;
-  Platform platform_;
-  std::string timeZone_;
-  RequestTurn turn_;
+  std::shared_ptr<WalletSession> session_;
+  RequestScope scope_;
 };
 
 }  // namespace orlix

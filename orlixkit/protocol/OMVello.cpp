@@ -3,11 +3,13 @@
 #include <chrono>
 #include <new>
 #include <stdexcept>
+#include <system_error>
 
 #include <fmt/format.h>
 
 #include "orlixkit/platform/Host.h"
 #include "orlixkit/protocol/OMNetwork.h"
+#include "orlixkit/protocol/RequestFailure.h"
 #include "orlixkit/security/OMStorage.h"
 
 namespace orlix {
@@ -23,6 +25,7 @@ struct OMVello::Start {
   std::optional<std::string> libKey;
   std::int64_t system = 0;
   std::shared_ptr<OMVelloDelegate> delegate;
+  std::shared_ptr<const Flow> flow;
   Serial serial;
   /// Client of the last attempt. Guarded by the driver's lock.
   std::shared_ptr<KCVelloConnection> client;
@@ -47,6 +50,9 @@ void OMVello::initSessionWithLibKey(const std::string& libKey, std::int64_t syst
   start->libKey = libKey;
   start->system = system;
   start->delegate = std::move(delegate);
+  if (const std::shared_ptr<OMVelloEnvironment> upper = environment()) {
+    start->flow = upper->currentFlow();
+  }
   start->serial.phoneId = Host::current().ports().device->vendorIdentifier();
   std::shared_ptr<Start> former = start;  // released, with its delegate, outside the lock
   {
@@ -78,6 +84,15 @@ void OMVello::tryStart(const std::shared_ptr<Start>& start) {
                                                        handOver(failed);
                                                      }
                                                    });
+}
+
+void OMVello::tryAgain(const std::shared_ptr<Start>& start) {
+  try {
+    tryStart(start);
+  } catch (const std::system_error& failure) {
+    log(std::string("OrlixKit: no thread for a session start: ") + failure.what());
+    showRetry(start);
+  }
 }
 
 void OMVello::perform(const std::shared_ptr<Start>& start) {
@@ -147,7 +162,7 @@ void OMVello::establish(const std::shared_ptr<Start>& start,
                         const std::shared_ptr<KCVelloConnection>& client) {
   try {
     if (client) {
-      client->establishSession();
+      client->within({.flow = start->flow}).establishSession();
     }
     reportEstablished(start);
   } catch (const SMSException&) {
@@ -157,6 +172,8 @@ void OMVello::establish(const std::shared_ptr<Start>& start,
         start->delegate->velloNotActivated();
       }
     });
+  } catch (const RequestEnded&) {
+    return;  // the flow that asked for the session is over
   } catch (const NetworkException&) {
     log("NetworkException caught");
     offerRetry(start);
@@ -214,7 +231,7 @@ void OMVello::showRetry(const std::shared_ptr<Start>& start) {
       }
     };
   };
-  environment()->showNetworkErrorRetry(whilePresent([this, start] { tryStart(start); }),
+  environment()->showNetworkErrorRetry(whilePresent([this, start] { tryAgain(start); }),
                                        whilePresent([this] { cancel(); }));
 }
 
@@ -243,6 +260,17 @@ std::int64_t OMVello::system() const { return presentStart()->system; }
 std::shared_ptr<KCVelloConnection> OMVello::connection() const {
   const std::lock_guard held(lock_);
   return connection_;
+}
+
+void OMVello::resetCredentials(StorageInterface& storage) {
+  std::shared_ptr<KCVelloConnection> client = connection();
+  const std::shared_ptr<Start> start = presentStart();
+  if (!client && start->libKey) {
+    client = withNetworkException("reset", [&] { return newConnection(*start); });
+  }
+  if (client) {
+    client->reset(storage);
+  }
 }
 
 std::shared_ptr<OMVello::Start> OMVello::presentStart() const {

@@ -7,6 +7,7 @@
 #include <string>
 
 #include "orlixkit/platform/Bytes.h"
+#include "orlixkit/protocol/Flow.h"
 #include "orlixkit/protocol/KCVelloConnection.h"
 #include "orlixkit/protocol/OMVelloDelegate.h"
 
@@ -22,6 +23,8 @@ class OMVelloEnvironment {
   virtual std::string storageKeyForItem(const std::string& item) = 0;
   /// Any thread.
   virtual std::string deviceModel() = 0;
+  /// The flow that a start belongs to. Main thread; none for a start outside any flow.
+  virtual std::shared_ptr<const Flow> currentFlow() = 0;
   /// Main thread, and so are the three below.
   virtual void showAlertWithTitle(const std::string& title,
                                   const std::optional<std::string>& message) = 0;
@@ -47,7 +50,8 @@ class OMVello {
   void setEnvironment(std::shared_ptr<OMVelloEnvironment> environment);
 
   /// Starts a session and returns at once. Main thread. The delegate is kept until the next start;
-  /// it may be none. Throws std::logic_error when no environment has been set.
+  /// it may be none. Throws std::logic_error when no environment has been set, std::system_error
+  /// when no thread can be had.
   void initSessionWithLibKey(const std::string& libKey, std::int64_t system,
                              std::shared_ptr<OMVelloDelegate> delegate);
   /// Runs the present start (again) in the background. Any thread.
@@ -67,11 +71,17 @@ class OMVello {
   /// The client of the present start; of the former one until the new one has been made; none
   /// before the first start. Any thread.
   std::shared_ptr<KCVelloConnection> connection() const;
+  /// Makes the credentials of this device unreadable in `storage`, also while the first start is
+  /// still to make its client: an entry call for another customer may follow it at once. Does
+  /// nothing before the first start. Throws NetworkException. Waits for no exchange; any thread.
+  void resetCredentials(StorageInterface& storage);
 
  private:
   struct Start;
 
   void tryStart(const std::shared_ptr<Start>& start);
+  /// The same after the user's retry, which has no caller to tell that no thread could be had.
+  void tryAgain(const std::shared_ptr<Start>& start);
   void perform(const std::shared_ptr<Start>& start);
   std::shared_ptr<KCVelloConnection> newConnection(const Start& start);
   Serial serialFor(const Start& start) const;

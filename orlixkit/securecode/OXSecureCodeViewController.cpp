@@ -52,8 +52,11 @@ void OXSecureCodeViewController::addWebView() {
 
 void OXSecureCodeViewController::offerRetry(void (OXSecureCodeViewController::*step)()) {
   OXUtil::indicator().dismiss();
-  OXUtil::showNetworkErrorRetryObject([screen = self(), step] { ((*screen).*step)(); },
-                                      [screen = self()] { screen->cancelTransaction(); });
+  ConnectionAlert alert;
+  alert.ofPayment = true;
+  alert.retry = [screen = self(), step] { ((*screen).*step)(); };
+  alert.cancel = [screen = self()] { screen->cancelTransaction(); };
+  OXUtil::showConnectionAlert(std::move(alert));
 }
 
 void OXSecureCodeViewController::loadSecureCodeInfo() {

@@ -171,7 +171,10 @@ void OrderedFlow::check() const {
     EXPECT_NE(phone_->host.topController(), screen.lock()) << name << " of the former flow";
   }
   checkMore();
-  EXPECT_EQ(phone_->wallet.asked("/purchase") + phone_->wallet.asked("/auth3Ds"), wanted_);
+  const std::size_t sent = phone_->wallet.asked("/purchase") + phone_->wallet.asked("/auth3Ds");
+  EXPECT_LE(sent, wanted_);
+  // What the user wanted may still be on its way when he leaves, and is not sent any more then.
+  EXPECT_TRUE(sent == wanted_ || !goesOn() || hosts_.size() > 1);
 }
 
 void OrderedFlow::leave() {

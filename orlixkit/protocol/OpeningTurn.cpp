@@ -1,4 +1,4 @@
-#include "orlixkit/protocol/RequestTurn.h"
+#include "orlixkit/protocol/OpeningTurn.h"
 
 #include <mutex>
 
@@ -7,10 +7,10 @@
 
 namespace orlix {
 
-RequestTurn::RequestTurn()
+OpeningTurn::OpeningTurn()
     : clock_(Host::current().ports().clock), condition_(clock_->newCondition()) {}
 
-void RequestTurn::lock() {
+void OpeningTurn::lock() {
   const std::lock_guard held(*condition_);
   while (taken_) {
     // The one before opens a session, which has its own limit; only a shutdown ends the wait
@@ -23,7 +23,7 @@ void RequestTurn::lock() {
   taken_ = true;
 }
 
-void RequestTurn::unlock() {
+void OpeningTurn::unlock() {
   const std::lock_guard held(*condition_);
   taken_ = false;
   condition_->signal();
