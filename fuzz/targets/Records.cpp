@@ -1,9 +1,7 @@
 // Answers of the server. An input is the name of a record, a line end and the answer's body.
 
 #include <algorithm>
-#include <cmath>
 #include <initializer_list>
-#include <limits>
 #include <optional>
 #include <stdexcept>
 #include <string>
@@ -14,7 +12,6 @@
 #include "fuzz/Target.h"
 #include "orlixkit/protocol/Utf8.h"
 #include "orlixkit/records/Failures.h"
-#include "orlixkit/records/JsonNumber.h"
 #include "orlixkit/records/JsonText.h"
 #include "orlixkit/records/KCVelloUtil.h"
 #include "orlixkit/records/MTApiResponse.h"
@@ -66,12 +63,6 @@ bool same(const JsonDictionary& one, const JsonDictionary& other) {
                                                   });
 }
 
-/// The JSON library reads a number of 16 digits and more to within its last place only.
-bool same(double one, double other) {
-  return one == other ||
-         std::fabs(one - other) <= 1e-15 * std::fabs(one) + std::numeric_limits<double>::min();
-}
-
 bool same(const JsonValue& one, const JsonValue& other) {
   if (one.is_object() && other.is_object()) {
     return same(one.get_object(), other.get_object());
@@ -83,8 +74,7 @@ bool same(const JsonValue& one, const JsonValue& other) {
                       [](const JsonValue& a, const JsonValue& b) { return same(a, b); });
   }
   if (one.is_double()) {
-    return other.is_number() &&
-           same(jsonNumber(one.get_double()), jsonNumber(other.to_number<double>()));
+    return other.is_number() && one.get_double() == other.to_number<double>();
   }
   return one == other;
 }

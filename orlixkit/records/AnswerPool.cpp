@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <memory>
 
+#include "orlixkit/records/Failures.h"
+
 namespace orlix {
 
 namespace {
@@ -16,6 +18,13 @@ AnswerPool::~AnswerPool() {
   for (const Block& block : blocks_) {
     heap_.giveBack(block.memory, block.size, block.used);
   }
+}
+
+void AnswerPool::countForRecords(std::size_t bytes) {
+  if (bytes > leftForRecords_) {
+    throw unreadableAnswer();
+  }
+  leftForRecords_ -= bytes;
 }
 
 void* AnswerPool::do_allocate(std::size_t size, std::size_t alignment) {

@@ -2,21 +2,23 @@
 
 #include <algorithm>
 #include <limits>
+#include <new>
 #include <stdexcept>
 
 #include <boost/json.hpp>
 
+#include "orlixkit/records/AnswerPool.h"
+#include "orlixkit/records/Failures.h"
 #include "orlixkit/records/JsonNumber.h"
 #include "orlixkit/records/JsonText.h"
+#include "orlixkit/records/KCVelloUtil.h"
+#include "orlixkit/security/WipingResource.h"
 
 namespace orlix {
 
 namespace {
 
 using boost::json::kind;
-
-constexpr std::int64_t largest = std::numeric_limits<std::int64_t>::max();
-constexpr std::int64_t smallest = std::numeric_limits<std::int64_t>::min();
 
 bool isDigit(char c) { return c >= '0' && c <= '9'; }
 
@@ -29,23 +31,8 @@ std::string_view view(const boost::json::string& text) { return {text.data(), te
 
 std::int64_t leadingDigits(std::string_view text) {
   text = withoutSpace(text);
-  const bool negative = text.starts_with('-');
-  if (negative || text.starts_with('+')) {
-    text.remove_prefix(1);
-  }
-  std::int64_t value = 0;
-  for (const char c : text.substr(0, text.find_first_not_of("0123456789"))) {
-    // Counted downwards, since the smallest number has no positive counterpart.
-    const std::int64_t digit = c - '0';
-    if (value < (smallest + digit) / 10) {
-      return negative ? smallest : largest;
-    }
-    value = value * 10 - digit;
-  }
-  if (negative) {
-    return value;
-  }
-  return value == smallest ? largest : -value;
+  const std::size_t sign = text.starts_with('-') || text.starts_with('+') ? 1 : 0;
+  return integerPart(text.substr(0, text.find_first_not_of("0123456789", sign)));
 }
 
 bool firstSign(std::string_view text) {
@@ -56,14 +43,6 @@ bool firstSign(std::string_view text) {
   text.remove_prefix(std::min(text.find_first_not_of('0'), text.size()));
   return !text.empty() &&
          (isDigit(text[0]) || std::string_view("YyTt").find(text[0]) != std::string_view::npos);
-}
-
-std::int64_t cut(double number) {
-  // The bounds are powers of two, exact as doubles.
-  if (number >= 9223372036854775808.0) {
-    return largest;
-  }
-  return number <= -9223372036854775808.0 ? smallest : static_cast<std::int64_t>(number);
 }
 
 [[noreturn]] void refuse(const JsonValue& value, std::string_view wanted) {
@@ -79,10 +58,9 @@ std::int64_t integerReading(const JsonValue& value) {
       return value.get_int64();
     case kind::uint64:
       // The parser uses this kind only for what does not fit the signed one.
-      return static_cast<std::int64_t>(
-          std::min(value.get_uint64(), static_cast<std::uint64_t>(largest)));
+      return std::numeric_limits<std::int64_t>::max();
     case kind::double_:
-      return cut(jsonNumber(value.get_double()));
+      return integerPart(value.get_double());
     case kind::string:
       return leadingDigits(view(value.get_string()));
     default:
@@ -99,7 +77,7 @@ bool booleanReading(const JsonValue& value) {
     case kind::uint64:
       return value.get_uint64() != 0;
     case kind::double_:
-      return jsonNumber(value.get_double()) != 0;
+      return value.get_double() != 0;
     case kind::string:
       return firstSign(view(value.get_string()));
     default:
@@ -107,15 +85,14 @@ bool booleanReading(const JsonValue& value) {
   }
 }
 
-void readText(const JsonValue& value, std::optional<std::string>& field) {
-  if (const auto* text = value.if_string()) {
-    field.emplace(text->data(), text->size());
-  } else if (value.is_null()) {
-    field.reset();
-  } else {
-    field = jsonText(value);
-  }
-}
+/// A value in memory of its own, since the answer's memory goes with the answer.
+struct Copy {
+  Copy(const JsonValue& of, std::size_t limit)
+      : memory(limit), value(of, boost::json::storage_ptr(&memory)) {}
+
+  WipingResource memory;
+  JsonValue value;
+};
 
 /// A larger object has an index of its own, which finds a key faster.
 constexpr std::size_t searchedInTurn = 18;
@@ -138,6 +115,27 @@ bool equalTexts(std::string_view text, std::string_view upperCase, Case letters)
 }
 
 }  // namespace
+
+AnswerReader::AnswerReader(const JsonDictionary& dictionary)
+    : dictionary_(dictionary), pool_(dynamic_cast<AnswerPool*>(dictionary.storage().get())) {}
+
+void AnswerReader::countMemory(std::size_t bytes) const {
+  if (pool_ != nullptr) {
+    pool_->countForRecords(bytes);
+  }
+}
+
+void AnswerReader::readText(const JsonValue& value, std::optional<std::string>& field) const {
+  if (const auto* text = value.if_string()) {
+    countMemory(text->size());
+    field.emplace(text->data(), text->size());
+  } else if (value.is_null()) {
+    field.reset();
+  } else {
+    field = jsonText(value);
+    countMemory(field->size());
+  }
+}
 
 const JsonValue* AnswerReader::find(std::string_view key) const {
   const std::size_t count = dictionary_.size();
@@ -191,9 +189,17 @@ std::optional<SecretString> AnswerReader::secretText(std::string_view key) const
 
 std::shared_ptr<const JsonValue> AnswerReader::value(std::string_view key) const {
   const JsonValue* found = find(key);
-  // Copied to memory of its own: the answer's memory goes with the answer.
-  return found != nullptr ? std::make_shared<const JsonValue>(*found, boost::json::storage_ptr())
-                          : nullptr;
+  if (found == nullptr) {
+    return nullptr;
+  }
+  const std::size_t limit = pool_ != nullptr ? pool_->leftForRecords() : KCVelloUtil::recordLimit;
+  try {
+    const auto copy = std::make_shared<const Copy>(*found, limit);
+    countMemory(limit - copy->memory.left());
+    return {copy, &copy->value};
+  } catch (const std::bad_alloc&) {
+    throw unreadableAnswer();
+  }
 }
 
 const JsonDictionary* AnswerReader::dictionary(std::string_view key) const {

@@ -14,6 +14,8 @@
 
 namespace orlix {
 
+class AnswerPool;
+
 enum class Case { exact, ignored };
 /// What became of an enumeration.
 enum class Match { missingKey, otherValue, known };
@@ -33,12 +35,16 @@ enum class Match { missingKey, otherValue, known };
 /// Leading digits: after white space and a sign; 0 when there are none; to the range's end. First
 /// sign: after white space, a sign and zeros one of Y, y, T, t and 1 to 9 makes it true.
 ///
-/// "Fails" throws std::invalid_argument; requests turn it into NetworkException.
+/// A number is exact from its digits, its fraction and exponent included.
+///
+/// "Fails" throws std::invalid_argument; requests turn it into NetworkException. Records that take
+/// more memory than KCVelloUtil::recordLimit for one answer end in NetworkException as well: lists
+/// and texts are counted as they are read, by every reader of the answer together.
 /// One thread at a time. The answer must outlive the reader.
 class AnswerReader {
  public:
-  explicit AnswerReader(const JsonDictionary& dictionary) : dictionary_(dictionary) {}
-  explicit AnswerReader(const JsonObject& answer) : dictionary_(answer.dictionary()) {}
+  explicit AnswerReader(const JsonDictionary& dictionary);
+  explicit AnswerReader(const JsonObject& answer) : AnswerReader(answer.dictionary()) {}
   explicit AnswerReader(JsonObject&&) = delete;
 
   /// Whether the key exists; null counts as existing.
@@ -102,6 +108,7 @@ class AnswerReader {
   template <class Record>
   void appendRecords(std::string_view key, std::vector<Record>& records) const {
     const std::vector<const JsonDictionary*> elements = dictionaries(key);
+    countMemory(elements.size() * sizeof(Record));
     records.reserve(records.size() + elements.size());
     for (const JsonDictionary* element : elements) {
       records.emplace_back().parseFromData(*element);
@@ -112,8 +119,11 @@ class AnswerReader {
   static std::int32_t match(const JsonValue& value, std::initializer_list<std::string_view> texts,
                             Case letters);
   const JsonValue* find(std::string_view key) const;
+  void readText(const JsonValue& value, std::optional<std::string>& field) const;
+  void countMemory(std::size_t bytes) const;
 
   const JsonDictionary& dictionary_;
+  AnswerPool* const pool_;  ///< the answer's; none for an object that `getJson` did not decode
   mutable std::size_t next_ = 0;  ///< place of the member after the last one found
 };
 

@@ -22,6 +22,11 @@ class NetworkException : public std::exception {
   }
 };
 
+/// What the answer parser throws.
+inline NetworkException unreadableAnswer() {
+  return NetworkException("Parse data", "Something went wrong with the data");
+}
+
 /// The server does not know the device as activated: the activation by SMS has to come first.
 class SMSException : public std::exception {
  public:

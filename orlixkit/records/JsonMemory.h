@@ -12,10 +12,10 @@ namespace orlix {
 
 /// Where a decoded answer lies. Released in the order opposite to the declarations.
 struct JsonObject::Memory {
-  explicit Memory(std::size_t limit) : heap(limit) {}
+  Memory(std::size_t limit, std::size_t recordLimit) : heap(limit), pool(heap, recordLimit) {}
 
   WipingResource heap;
-  AnswerPool pool{heap};
+  AnswerPool pool;
   boost::json::value root = boost::json::value(boost::json::storage_ptr(&pool));
 };
 

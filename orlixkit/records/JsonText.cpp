@@ -6,8 +6,6 @@
 #include <boost/json.hpp>
 #include <fmt/format.h>
 
-#include "orlixkit/records/JsonNumber.h"
-
 namespace orlix {
 
 namespace {
@@ -42,12 +40,11 @@ void append(std::string& out, const JsonValue& value) {
     appendObject(out, *object);
   } else if (const auto* array = value.if_array()) {
     appendArray(out, *array);
-  } else if (const auto* decoded = value.if_double()) {
+  } else if (const auto* number = value.if_double()) {
     // A number beyond the range was read as infinite; JSON has no word for that but a number that
     // is beyond the range as well.
-    const double number = jsonNumber(*decoded);
-    out += std::isfinite(number) ? fmt::format("{}", number)
-                                 : std::string(number < 0 ? "-1e999" : "1e999");
+    out += std::isfinite(*number) ? fmt::format("{}", *number)
+                                  : std::string(*number < 0 ? "-1e999" : "1e999");
   } else {
     out += boost::json::serialize(value);
   }

@@ -13,6 +13,10 @@ class KCVelloUtil {
   /// Memory that decoding an answer may take besides the answer itself. An answer that needs more
   /// is refused, whatever its length: a body of 50 MB made of small values would take over 1 GB.
   static constexpr std::size_t memoryLimit = std::size_t{256} * 1024 * 1024;
+  /// Memory of the records that are filled from one answer: each element of a list, each text, each
+  /// value that is kept as it stands. A list of empty objects would take two hundred times its own
+  /// length otherwise. `AnswerReader` refuses what goes beyond, in the same way as a body.
+  static constexpr std::size_t recordLimit = std::size_t{64} * 1024 * 1024;
   /// Objects and arrays within each other.
   static constexpr std::size_t depthLimit = 64;
 

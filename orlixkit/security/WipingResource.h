@@ -15,6 +15,9 @@ class WipingResource final : public boost::json::memory_resource {
   /// `limit`: bytes that may be held at one time. Beyond them an allocation throws std::bad_alloc.
   explicit WipingResource(std::size_t limit) : left_(limit) {}
 
+  /// Bytes that can still be allocated.
+  std::size_t left() const { return left_; }
+
   /// Deallocates memory of which only the first `used` bytes were ever written. Overwriting the
   /// rest as well would only make the system find real memory for it.
   void giveBack(void* memory, std::size_t size, std::size_t used);

@@ -181,8 +181,10 @@ class Customer {
     if (phone_->screen() != "TermsAndConditionChange" || counted("walletsBehindTerms") == 0) {
       return false;
     }
-    // The connections come in this order: for the session, for the lookup, for the consent.
-    const bool lookedUp = kind_ == nullptr || !kind_->connects || counted("connections") >= 2;
+    // The connections come in this order: for the session, for the lookup, for the consent. A fault
+    // takes the one it is meant for before the handshake, so by then the lookup's has escaped it;
+    // an accepted connection may still be overtaken by the next.
+    const bool lookedUp = kind_ == nullptr || !kind_->connects || counted("handshakes") >= 2;
     if (!lookedUp) {
       phone_->look();  // until it has come, of which nobody tells
     }

@@ -1,6 +1,8 @@
 #include <gtest/gtest.h>
 
 #include "orlixkit/records/Failures.h"
+#include "orlixkit/records/MTCodeResponse.h"
+#include "orlixkit/records/MTReceipt.h"
 #include "tests/records/JsonFixture.h"
 
 namespace orlix {
@@ -70,6 +72,47 @@ TEST(AnswerBody, OfFiftyMegabytesIsReadOrRefusedWithinTheMemoryLimit) {
     many += ",{}";
   }
   EXPECT_TRUE(refused(many + "]}"));
+}
+
+/// `count` times the element in an array under the key.
+std::string listOf(const std::string& key, const std::string& element, std::size_t count) {
+  std::string list = R"({")" + key + R"(":[)" + element;
+  while (--count != 0) {
+    list += "," + element;
+  }
+  return list + "]}";
+}
+
+template <class Record>
+void readAs(const std::string& body) {
+  parsed<Record>(body);
+}
+
+TEST(RecordsOfAnAnswer, TakeTheirLimitOfMemoryTogetherAndNoMore) {
+  const std::size_t cards = KCVelloUtil::recordLimit / sizeof(CardOption);
+  const std::size_t accounts = KCVelloUtil::recordLimit / sizeof(MTVasAccount);
+  EXPECT_EQ(parsed<MTCardList>(listOf("cards", "{}", cards)).cardsArray.size(), cards);
+  const struct {
+    const char* what;
+    void (*read)(const std::string&);
+    std::string body;
+  } rows[] = {
+      {"a card more", readAs<MTCardList>, listOf("cards", "{}", cards + 1)},
+      {"cards in 12 MB", readAs<MTCardList>, listOf("cards", "{}", 4'000'000)},
+      {"accounts", readAs<MTVasAccountList>, listOf("vasAccounts", "{}", accounts + 1)},
+      {"two lists", readAs<MTCodeResponse>,
+       R"({"cardList":)" + listOf("cards", "{}", cards * 2 / 3) +
+           R"(,"codeInfo":{"vasAccountsList":)" + listOf("vasAccounts", "{}", accounts * 2 / 3) +
+           "}}"},
+      {"a text", readAs<MTReceipt>,
+       R"({"htmlContent":")" + std::string(KCVelloUtil::recordLimit + 1, 'x') + "\"}"},
+      {"a text that is longer than its value", readAs<MTReceipt>,
+       listOf("htmlContent", "1e15", 4'000'000)},
+      {"a value as it stands", readAs<MTCodeResponse>, listOf("URLResponse", "0", 3'000'000)},
+  };
+  for (const auto& row : rows) {
+    EXPECT_THROW(row.read(row.body), NetworkException) << row.what;
+  }
 }
 
 TEST(AnswerBody, KeepsTheLastOfTwoEqualKeysAndOutlivesAMove) {

@@ -1,0 +1,104 @@
+#include "orlixkit/records/JsonNumber.h"
+
+#include <algorithm>
+#include <charconv>
+#include <cmath>
+#include <cstddef>
+#include <limits>
+#include <system_error>
+#include <variant>
+
+namespace orlix {
+
+namespace {
+
+constexpr std::int64_t largest = std::numeric_limits<std::int64_t>::max();
+constexpr std::int64_t smallest = std::numeric_limits<std::int64_t>::min();
+
+/// Kept below zero, since the smallest number has no positive counterpart.
+class NegatedInteger {
+ public:
+  void append(char digit) {
+    const std::int64_t value = digit - '0';
+    full_ = full_ || negated_ < (smallest + value) / 10;
+    negated_ = full_ ? smallest : negated_ * 10 - value;
+  }
+  bool isFull() const { return full_; }
+  bool isZero() const { return negated_ == 0; }
+  std::int64_t withSign(bool negative) const {
+    if (negative) {
+      return negated_;
+    }
+    return negated_ == smallest ? largest : -negated_;
+  }
+
+ private:
+  std::int64_t negated_ = 0;
+  bool full_ = false;
+};
+
+/// The JSON parser refuses exponents beyond 32 bits.
+std::int64_t exponentOf(std::string_view digits) {
+  if (digits.starts_with('+')) {
+    digits.remove_prefix(1);
+  }
+  std::int64_t exponent = 0;
+  std::from_chars(digits.data(), digits.data() + digits.size(), exponent);
+  return exponent;
+}
+
+}  // namespace
+
+std::int64_t integerPart(std::string_view number) {
+  const bool negative = number.starts_with('-');
+  if (negative || number.starts_with('+')) {
+    number.remove_prefix(1);
+  }
+  const std::size_t end = std::min(number.find_first_of("eE"), number.size());
+  const std::string_view digits = number.substr(0, end);
+  // How many digits lie before the point once the exponent has moved it.
+  auto places = static_cast<std::int64_t>(std::min(digits.find('.'), digits.size()));
+  if (end < number.size()) {
+    places += exponentOf(number.substr(end + 1));
+  }
+  NegatedInteger integer;
+  for (const char digit : digits) {
+    if (digit != '.' && places-- > 0) {
+      integer.append(digit);
+    }
+  }
+  while (places-- > 0 && !integer.isZero() && !integer.isFull()) {
+    integer.append('0');
+  }
+  return integer.withSign(negative);
+}
+
+std::int64_t integerPart(double number) {
+  // The bounds are powers of two, exact as doubles.
+  if (number >= 9223372036854775808.0) {
+    return largest;
+  }
+  return number <= -9223372036854775808.0 ? smallest : static_cast<std::int64_t>(number);
+}
+
+std::variant<double, std::int64_t> keptNumber(std::string_view number) {
+  const std::int64_t integer = integerPart(number);
+  // The JSON library's own double is off by a unit in the last place now and then.
+  double nearest = 0;
+  const auto result = std::from_chars(number.data(), number.data() + number.size(), nearest);
+  if (result.ec == std::errc::result_out_of_range && integer != 0) {
+    constexpr double infinity = std::numeric_limits<double>::infinity();
+    return integer > 0 ? infinity : -infinity;
+  }
+  if (nearest == 0) {
+    return 0.0;
+  }
+  for (const double candidate : {nearest, std::nextafter(nearest, 0.0)}) {
+    if (integerPart(candidate) == integer) {
+      return candidate;
+    }
+  }
+  return integer;
+}
+
+}  // namespace orlix
