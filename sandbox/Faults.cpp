@@ -266,12 +266,11 @@ void Faults::spoil(HttpAnswer& answer, const Fault& fault) {
     case Fault::Kind::lastAnswer:
       answer.headers.emplace_back("Connection", "close");
       break;
-    case Fault::Kind::hold:
-      break;  // Done by the server, which knows when the fault is cleared.
+    case Fault::Kind::hold:  // By the server, which knows when the fault is cleared.
     case Fault::Kind::forgetSession:
     case Fault::Kind::resetConnection:
-    case Fault::Kind::refuseHandshake:
-      break;  // Done before the request.
+    case Fault::Kind::refuseHandshake:  // Before the request.
+      break;
   }
 }
 

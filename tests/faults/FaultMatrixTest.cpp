@@ -394,7 +394,7 @@ TEST_P(FaultMatrix, EachFaultAtEachRequestEndsInOneAnswerToUserAndHost) {
   const std::string usual = firstWord(well.heard);
   for (const std::string& request : journey.requests) {
     const std::string path = pathOf(request);
-    // Behind the session's and the lookup's; but the lookup is written down when it is answered.
+    // Behind the session's and the lookup's, which the consent may overtake where nothing fails.
     const auto before =
         request == "profile/updateTC"
             ? 2
