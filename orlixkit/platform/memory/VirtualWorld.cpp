@@ -176,6 +176,9 @@ Wake VirtualWorld::wait(std::string what, const void* channel, SteadyTime deadli
   if (shutDown_ && interruptible) {
     return Wake::shutDown;
   }
+  if (&me == main_.get() && onMainWait_ && !shutDown_) {
+    onMainWait_(what);
+  }
   agenda_.beginWait(me, std::move(what), channel, deadline, interruptible);
   untilChosenAgain(me, lock);
   return me.result;

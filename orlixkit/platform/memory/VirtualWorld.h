@@ -45,6 +45,11 @@ class VirtualWorld {
   void setTimeCompetes(bool competes) { agenda_.setTimeCompetes(competes); }
   /// True: whoever calls a port may be overtaken there, as by a second processor.
   void setPreemptive(bool preemptive) { preemptive_ = preemptive; }
+  /// Runs before the main thread waits, except at the shutdown, with what it is about to wait for.
+  /// A test that sets it can fail where the main thread must not block.
+  void setOnMainWait(std::function<void(const std::string& what)> onMainWait) {
+    onMainWait_ = std::move(onMainWait);
+  }
   /// Steps that one run may take before it counts as endless.
   void setStepLimit(std::uint64_t limit) { stepLimit_ = limit; }
 
@@ -112,6 +117,7 @@ class VirtualWorld {
   std::unique_ptr<Actor> main_;
   std::vector<std::unique_ptr<Worker>> workers_;
   Actor* holder_;
+  std::function<void(const std::string&)> onMainWait_;
   bool preemptive_ = false;
   std::uint64_t stepLimit_ = 2'000'000;
   std::uint64_t steps_ = 0;

@@ -1,0 +1,106 @@
+#pragma once
+
+#include <memory>
+#include <optional>
+#include <stdexcept>
+#include <string>
+#include <string_view>
+#include <system_error>
+#include <utility>
+
+#include "orlixkit/platform/BackgroundQueues.h"
+#include "orlixkit/platform/SystemLog.h"
+#include "orlixkit/platform/UserDefaults.h"
+
+namespace orlix::test {
+
+/// Queues that cannot start a thread for the next `failures` tasks.
+class TroubledQueues : public BackgroundQueues {
+ public:
+  explicit TroubledQueues(std::shared_ptr<BackgroundQueues> queues) : queues_(std::move(queues)) {}
+
+  int failures = 0;
+
+  void global(QualityOfService service, Task task) override {
+    refuse();
+    queues_->global(service, std::move(task));
+  }
+  std::shared_ptr<OperationQueue> newOperationQueue() override {
+    refuse();
+    return queues_->newOperationQueue();
+  }
+  void close() override { queues_->close(); }
+
+ private:
+  void refuse() {
+    if (failures > 0) {
+      --failures;
+      throw std::system_error(std::make_error_code(std::errc::resource_unavailable_try_again));
+    }
+  }
+
+  std::shared_ptr<BackgroundQueues> queues_;
+};
+
+/// A store on a full disk (writes throw) or on one that cannot be read either.
+class TroubledStore : public UserDefaults {
+ public:
+  explicit TroubledStore(std::shared_ptr<UserDefaults> store) : store_(std::move(store)) {}
+
+  enum class State { works, full, locked };
+  State state = State::works;
+  std::size_t writes = 0;
+
+  std::optional<Bytes> dataForKey(const std::string& key) const override {
+    return readable().dataForKey(key);
+  }
+  std::optional<std::string> stringForKey(const std::string& key) const override {
+    return readable().stringForKey(key);
+  }
+  std::int64_t integerForKey(const std::string& key) const override {
+    return readable().integerForKey(key);
+  }
+  void setData(const std::string& key, const Bytes& value) override {
+    writable().setData(key, value);
+  }
+  void setString(const std::string& key, const std::string& value) override {
+    writable().setString(key, value);
+  }
+  void setInteger(const std::string& key, std::int64_t value) override {
+    writable().setInteger(key, value);
+  }
+
+ private:
+  UserDefaults& readable() const {
+    if (state == State::locked) {
+      throw std::runtime_error("The store is locked.");
+    }
+    return *store_;
+  }
+  UserDefaults& writable() {
+    if (state != State::works) {
+      throw std::runtime_error("The store is full.");
+    }
+    ++writes;
+    return *store_;
+  }
+
+  std::shared_ptr<UserDefaults> store_;
+};
+
+/// Keeps the last line that reports a refused presentation or an exception without a handler.
+class WalkLog : public SystemLog {
+ public:
+  std::string refused;
+  std::string uncaught;
+
+  void write(std::string_view line) override {
+    if (line.starts_with("Attempt to present")) {
+      refused = line;
+    } else if (line.starts_with("OrlixKit: uncaught")) {
+      uncaught = line;
+    }
+  }
+};
+
+}  // namespace orlix::test
