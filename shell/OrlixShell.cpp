@@ -7,6 +7,7 @@
 #include "orlixkit/resources/CompiledBundle.h"
 #include "shell/QtPorts.h"
 #include "shell/ScreenPresenter.h"
+#include "shell/WebEngineSetUp.h"
 
 namespace orlix::shell {
 
@@ -17,6 +18,7 @@ void OrlixShell::initialize() {
   if (!qEnvironmentVariableIsSet("QT_NO_GLIB")) {
     qputenv("QT_NO_GLIB", "1");
   }
+  setUpWebEngine();
   QtWebEngineQuick::initialize();
 }
 

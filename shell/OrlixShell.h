@@ -22,7 +22,9 @@ class ScreenPresenter;
 ///     OXOrlix::make()->checkout({…, .controller = shell.hostScreen(), .delegate = …});
 class OrlixShell {
  public:
-  /// What the web engine needs before the application object is made.
+  /// What the web engine needs before the application object is made. The engine then ignores the
+  /// environment and the command line (see WebEngineSetUp.h), also for views of the application's
+  /// own.
   static void initialize();
 
   /// `engine` and `window` must outlive the shell. The library's own resources are looked up after

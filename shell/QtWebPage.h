@@ -39,6 +39,46 @@ WebEngineView {
     webRTCPublicInterfacesOnly: true
   }
 
+  // Peer connections would reach addresses that the request guard is not asked about. They are
+  // removed from each page and from each frame on it as the page gets hold of it: a frame that is
+  // still empty runs no script of its own.
+  Component.onCompleted: {
+    const script = WebEngine.script()
+    script.name = "noPeerConnections"
+    script.injectionPoint = WebEngineScript.DocumentCreation
+    script.worldId = WebEngineScript.MainWorld
+    script.runsOnSubFrames = true
+    script.sourceCode = `(function() {
+      const strip = function(view) {
+        try {
+          delete view.RTCPeerConnection;
+          delete view.webkitRTCPeerConnection;
+        } catch (otherOrigin) {}
+      };
+      const stripFrames = function() {
+        for (let i = 0; i < window.length; ++i) strip(window[i]);
+      };
+      const stripOnAccess = function(kind, name, viewOf) {
+        const own = Object.getOwnPropertyDescriptor(kind.prototype, name);
+        const get = function() {
+          const found = own.get.call(this);
+          if (found) strip(viewOf(found));
+          return found;
+        };
+        Object.defineProperty(kind.prototype, name,
+                              { configurable: true, enumerable: true, get: get });
+      };
+      strip(window);
+      for (const kind of [HTMLIFrameElement, HTMLFrameElement, HTMLObjectElement]) {
+        stripOnAccess(kind, "contentWindow", function(view) { return view; });
+        stripOnAccess(kind, "contentDocument", function(page) { return page.defaultView; });
+      }
+      window.addEventListener("DOMNodeInserted", stripFrames, true);
+      new MutationObserver(stripFrames).observe(document, { childList: true, subtree: true });
+    })()`
+    page.userScripts.insert(script)
+  }
+
   // An isolated world: the page can neither see nor change what is evaluated.
   function evaluate(ticket, script) {
     runJavaScript(script, WebEngineScript.ApplicationWorld, function(result) {

@@ -73,6 +73,7 @@ void QtWebView::loadRequest(const std::string& address) {
 void QtWebView::beginLoad() {
   load_ = std::make_shared<const int>(0);
   progress_ = Progress::asked;
+  refused_ = false;
 }
 
 void QtWebView::stopLoading() {
@@ -134,11 +135,13 @@ void QtWebView::judgeCertificate(QWebEngineCertificateError error) {
 void QtWebView::judgeNavigation(QWebEngineNavigationRequest* request) {
   const QUrl address = request->url();
   if (progress_ != Progress::none && QtWebRequestGuard::isAllowed(address)) {
+    reported_ = reported_ && !request->isMainFrame();
     return;
   }
   request->reject();
-  if (progress_ != Progress::none && request->isMainFrame()) {
-    fail(refusalOf(address));
+  if (progress_ != Progress::none) {
+    log("OrlixKit: A page was kept from leaving. " + refusalOf(address));
+    refused_ = refused_ || request->isMainFrame();
   }
 }
 
@@ -151,19 +154,32 @@ void QtWebView::loadingChanged(const QWebEngineLoadingInfo& info) {
     }
     return;
   }
-  // What is said of a load before the one that was asked for last is no news any more, nor is a
-  // load that gave way to another.
-  if (progress_ != Progress::begun || status == QWebEngineLoadingInfo::LoadStoppedStatus) {
+  // Ignore the end of a load that preceded the one asked for last.
+  if (progress_ != Progress::begun) {
     return;
   }
+  if (status == QWebEngineLoadingInfo::LoadStoppedStatus) {
+    // A load that gave way to another is not reported. One that gave way to a refused address is:
+    // its page stays, and the engine reports it no other way.
+    if (std::exchange(refused_, false) && !reported_) {
+      finished();
+    }
+    return;
+  }
+  refused_ = false;
   failOwed("The page was left before it answered.");
   // A server's own account of an error is a page like another.
   if (status == QWebEngineLoadingInfo::LoadSucceededStatus ||
       info.errorDomain() == QWebEngineLoadingInfo::HttpStatusCodeDomain) {
-    tell([](WebViewDelegate& delegate) { delegate.didFinishNavigation(); });
+    finished();
   } else {
     fail(info.errorString().toStdString());
   }
+}
+
+void QtWebView::finished() {
+  reported_ = true;
+  tell([](WebViewDelegate& delegate) { delegate.didFinishNavigation(); });
 }
 
 void QtWebView::processTerminated(int exitCode) {

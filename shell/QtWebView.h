@@ -64,6 +64,7 @@ class QtWebView : public QObject, public DrawnWebView {
   enum class Progress { none, asked, begun };
 
   void beginLoad();
+  void finished();
   void fail(const std::string& description);
   void tell(std::function<void(WebViewDelegate&)> callback);
   void settle(const Owed& owed, ScriptResult result);
@@ -76,6 +77,8 @@ class QtWebView : public QObject, public DrawnWebView {
   std::weak_ptr<WebViewDelegate> delegate_;
   Progress progress_ = Progress::none;
   bool hasPage_ = false;
+  bool reported_ = false;  ///< the page in the view has been reported as finished
+  bool refused_ = false;   ///< the load in progress has tried to leave for a refused address
   int lastTicket_ = 0;
   std::deque<Owed> owed_;
   /// Held by this object and by what it has set going; replaced when that is to be forgotten.

@@ -7,6 +7,7 @@
 #include "orlixkit/platform/Host.h"
 #include "shell/QtWebPage.h"
 #include "shell/QtWebView.h"
+#include "shell/WebEngineSetUp.h"
 
 namespace orlix::shell {
 
@@ -15,6 +16,7 @@ QtWebViews::QtWebViews(QQmlEngine& engine, std::shared_ptr<MainQueue> mainQueue,
       mainQueue_(std::move(mainQueue)),
       anchors_(std::move(anchors)),
       page_(&engine) {
+  setUpWebEngine();  // again, for an application that makes the ports itself
   page_.setData(kWebPage, QUrl());
 }
 

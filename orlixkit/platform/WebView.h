@@ -10,9 +10,11 @@ namespace orlix {
 class WebViewDelegate {
  public:
   virtual ~WebViewDelegate() = default;
-  /// A page has been loaded and stands in the view. Also called for every further page.
+  /// A page has been loaded and is shown. Also called for every further page. A page whose own
+  /// script leaves it before it has been loaded is not reported, only the one that it leads to.
   virtual void didFinishNavigation() = 0;
-  /// The page could not be loaded; the view shows what it showed before.
+  /// A page could not be loaded, be it the one that was asked for or one that the shown page leads
+  /// to; the view shows what it showed before.
   virtual void didFailNavigation(const std::string& description) = 0;
   /// The process behind the page has died; the view is empty.
   virtual void webContentProcessDidTerminate() = 0;
@@ -26,7 +28,8 @@ struct ScriptResult {
 
 /// A view that shows web pages. It keeps nothing beyond its own life: no disk cache, no cookies. It
 /// reaches no local file, lets no script open a window, and loads https addresses only (and
-/// loopback ones). It trusts what the transport trusts.
+/// loopback ones): where a page leads elsewhere, it stays, with a line in the log and no callback
+/// about the refusal. It trusts what the transport trusts.
 ///
 /// Main thread only, callbacks included. No callback after release or `stopLoading`, but for the
 /// script results still owed, which then carry an error.

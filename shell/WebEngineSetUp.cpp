@@ -1,0 +1,27 @@
+#include "shell/WebEngineSetUp.h"
+
+#include <QByteArray>
+
+namespace orlix::shell {
+
+namespace {
+
+/// Peer connections without UDP, and no WebTransport: both reach addresses that the request guard
+/// is not asked about. What is left of peer connections, each page removes (see QtWebPage.h).
+constexpr const char* kSwitches =
+    "--force-webrtc-ip-handling-policy=disable_non_proxied_udp "
+    "--disable-blink-features=WebTransport";
+
+}  // namespace
+
+void setUpWebEngine() {
+  if (qgetenv("QTWEBENGINE_CHROMIUM_FLAGS") == kSwitches) {
+    return;  // done; other threads may read the environment by now
+  }
+  qunsetenv("QTWEBENGINE_REMOTE_DEBUGGING");
+  qunsetenv("SSLKEYLOGFILE");
+  // While this is set the engine also ignores what follows "--webEngineArgs" on the command line.
+  qputenv("QTWEBENGINE_CHROMIUM_FLAGS", QByteArray(kSwitches));
+}
+
+}  // namespace orlix::shell
