@@ -207,8 +207,10 @@ NetworkResult exchangeWith(const Ports& ports, UrlRequest request) {
 NetworkResult OMNetwork::post(const std::string& url, const std::optional<SecretBytes>& payload,
                               const DataStore& dataStore, std::function<bool()> mayBeSent) {
   try {
-    return exchangeWith(Host::current().ports(),
-                        requestFor(url, payload, dataStore, std::move(mayBeSent)));
+    NetworkResult result = exchangeWith(Host::current().ports(),
+                                        requestFor(url, payload, dataStore, std::move(mayBeSent)));
+    wipeStack();  // this thread may have sent the request and read the answer itself
+    return result;
   } catch (const std::exception& failure) {
     log(std::string("OMNetwork error. ") + failure.what());
     return {};

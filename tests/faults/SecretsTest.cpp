@@ -1,5 +1,10 @@
+#include <csignal>
+#include <cstring>
+#include <vector>
+
 #include <gmock/gmock.h>
 
+#include "orlixkit/platform/Secret.h"
 #include "orlixkit/protocol/OMVello.h"
 #include "tests/faults/MemoryScan.h"
 #include "tests/faults/SandboxProcess.h"
@@ -64,6 +69,38 @@ std::vector<MemoryScan::Needle> pinKey() {
     }
   }
   return {raw, text};
+}
+
+/// Sixteen bytes, the least that a vector register holds.
+std::uint8_t unitOfCopy(std::size_t index) {
+  return static_cast<std::uint8_t>(index % 16 * 37 + 11);
+}
+
+/// Copies a text as a request does: it stays on the stack, at a depth that later calls leave alone,
+/// and in the registers of the copying function.
+[[gnu::noinline]] void leaveCopies() {
+  std::array<std::uint8_t, 32768> deep;
+  std::array<std::uint8_t, 1024> copy;
+  for (std::size_t i = 0; i < copy.size(); ++i) {
+    copy.at(i) = unitOfCopy(i);
+  }
+  std::memcpy(deep.data(), copy.data(), copy.size());
+}
+
+/// Has the kernel write all registers to `memory`, as it does for a signal's handler.
+void saveRegisters(std::vector<std::uint8_t>& memory) {
+  stack_t own{};
+  own.ss_sp = memory.data();
+  own.ss_size = memory.size();
+  stack_t before{};
+  struct sigaction action {};
+  action.sa_handler = [](int) {};
+  action.sa_flags = SA_ONSTACK;
+  sigaltstack(&own, &before);
+  sigaction(SIGUSR1, &action, nullptr);
+  std::raise(SIGUSR1);
+  std::signal(SIGUSR1, SIG_DFL);
+  sigaltstack(&before, nullptr);
 }
 
 struct User : TlsPhone {
@@ -181,6 +218,26 @@ TEST(Secrets, NoneOfThemIsInMemoryOnceTheFlowHasEnded) {
     }
     EXPECT_THAT(keys.findings(), testing::IsEmpty());
     EXPECT_THAT(scan.findings(), testing::IsEmpty());
+  }
+}
+
+TEST(Secrets, AWipedStackAndItsRegistersHoldNothingOfACopy) {
+  MemoryScan::Needle needle = named("copy");
+  for (std::size_t i = 0; i < 16; ++i) {
+    needle.add(unitOfCopy(i));
+  }
+  MemoryScan scan;
+  scan.lookFor(std::move(needle));
+  std::vector<std::uint8_t> registers(std::size_t{256} << 10U);
+  for (const bool wiped : {false, true}) {
+    leaveCopies();
+    if (wiped) {
+      wipeStack();
+    }
+    saveRegisters(registers);
+    EXPECT_EQ(scan.count("copy") == 0, wiped);
+    wipe(registers.data(), registers.size());
+    EXPECT_EQ(scan.count("copy") == 0, wiped) << "on the stack alone";
   }
 }
 

@@ -87,6 +87,36 @@ TEST_F(ServerTrustTest, AnchorsAddToTheSystemsRootsAndEveryFlawIsNamed) {
   }
 }
 
+TEST_F(ServerTrustTest, AnInternationalisedNameIsAskedForInAsciiAndANameMayEndWithADot) {
+  const Identity named = issued({.names = "DNS:localhost,DNS:xn--bcher-kva.localhost"});
+  for (const auto& [host, sent] : Fields{{"localhost.", "localhost"},
+                                         {"xn--bcher-kva.localhost", "xn--bcher-kva.localhost"},
+                                         {"b\u00FCcher.localhost", "xn--bcher-kva.localhost"},
+                                         {"b\u00FCcher.localhost.", "xn--bcher-kva.localhost"},
+                                         {"B\u00DCCHER.localhost", "xn--bcher-kva.localhost"}}) {
+    for (const bool redirected : {false, true}) {
+      SCOPED_TRACE(host + (redirected ? ", redirected to" : ""));
+      std::string target;
+      std::optional<std::string> asked;
+      TlsServer server(named, [&](TlsConnection& connection) {
+        while (const std::optional<SeenRequest> request = connection.read()) {
+          asked = request->field("Host");
+          connection.write(request->path == "/from"
+                               ? httpAnswer(303, "Location: " + target + "\r\n", "")
+                               : httpAnswer(200, "", "ok"));
+        }
+      });
+      target = server.address("/", host);
+      EXPECT_EQ(exchange(post(redirected ? server.address("/from", "localhost") : target)).back(),
+                "finish")
+          << delegate->error << delegate->refusal;
+      EXPECT_EQ(asked, server.address("", sent).substr(8));
+    }
+  }
+  EXPECT_EQ(exchange(post("https://b\u00FC\u2028cher.localhost/")), (Events{"fail"}));
+  EXPECT_EQ(delegate->error, "not a host's name: b\u00FC\u2028cher.localhost");
+}
+
 TEST_F(ServerTrustTest, WithoutAnAnswerOrAQuestionOrTheHostsNameNothingUnknownIsTrusted) {
   struct Silent : RecordingDelegate {
     using RecordingDelegate::RecordingDelegate;
@@ -159,9 +189,14 @@ TEST_F(ServerTrustTest, NothingBelowTls12IsSpokenEvenWhereTheSystemAllowsIt) {
 TEST_F(ServerTrustTest, TheSystemsRootsCountUnlessLeftOutAndAreReadOnce) {
   const TemporaryFolder folder;
   const std::string bundle = folder.path() / "bundle.pem";
-  std::ofstream(bundle) << root().pem();
-  const auto judge = [](const std::vector<Bytes>& anchors, bool only, const std::string& host) {
-    SystemTrust trust(serverIdentity().certificate.get(), nullptr, host);
+  // Of no form that is asked of what a server presents.
+  const Identity made = makeIdentity(
+      {.commonName = "Own root", .authority = true, .extensions = {{NID_key_usage, ""}}});
+  const Identity server = makeIdentity({}, &made);
+  std::ofstream(bundle) << made.pem();
+  const auto judge = [&server](const std::vector<Bytes>& anchors, bool only,
+                               const std::string& host) {
+    SystemTrust trust(server.certificate.get(), nullptr, host);
     trust.setAnchorCertificates(anchors);
     trust.setAnchorCertificatesOnly(only);
     std::string error;
@@ -169,7 +204,7 @@ TEST_F(ServerTrustTest, TheSystemsRootsCountUnlessLeftOutAndAreReadOnce) {
   };
   // A set of anchors that no other test uses, so that its trust is read here.
   const std::vector<Bytes> own{toBytes(folder.path().string())};
-  const std::vector<Bytes> withRoot{own[0], root().der()};
+  const std::vector<Bytes> withRoot{own[0], made.der()};
   // OpenSSL's own variables name the system's bundle.
   ::setenv("SSL_CERT_DIR", "/nonexistent", 1);
   ::setenv("SSL_CERT_FILE", bundle.c_str(), 1);

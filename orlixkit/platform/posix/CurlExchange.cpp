@@ -163,7 +163,7 @@ bool CurlExchange::prepare() {
       throw std::bad_alloc();
     }
     setConstantOptions();
-    prepareHop(request_.url);
+    prepareHop(targetOf(request_.url));
     return true;
   } catch (const std::exception& error) {
     fail(error.what());
@@ -216,8 +216,8 @@ void CurlExchange::setConstantOptions() {
   set(CURLOPT_WRITEDATA, this);
 }
 
-void CurlExchange::prepareHop(const std::string& address) {
-  address_ = address;
+void CurlExchange::prepareHop(RequestTarget target) {
+  target_ = std::move(target);
   headers_ = headerListOf(request_, ownHost_);
 
   newConnection_ = false;
@@ -229,7 +229,7 @@ void CurlExchange::prepareHop(const std::string& address) {
   hopBegin_ = lastByte_ = std::chrono::steady_clock::now();
   refused_ = false;
 
-  set(CURLOPT_URL, address.c_str());
+  set(CURLOPT_URL, target_.address.c_str());
   set(CURLOPT_FRESH_CONNECT, 0L);
   set(CURLOPT_HTTPHEADER, headers_.get());
   if (request_.method == "POST") {
@@ -371,16 +371,15 @@ bool CurlExchange::prepareRedirect() {
     if (status != 307 && status != 308) {
       request_.method = "GET";
     }
-    const std::string address(target);
-    const RequestTarget next = targetOf(address);
+    RequestTarget next = targetOf(target);
     // Once another host has had a say in where the request goes, the fields stay out.
-    ownHost_ = ownHost_ && next.hasOriginOf(targetOf(request_.url));
+    ownHost_ = ownHost_ && next.hasOriginOf(target_);
     if (!ownHost_ && carriesBody()) {
       throw std::runtime_error(
           fmt::format("the redirect to https://{} would carry the request's body to another server",
                       next.origin));
     }
-    prepareHop(address);
+    prepareHop(std::move(next));
     return true;
   } catch (const std::exception& error) {
     fail(error.what());
@@ -404,7 +403,7 @@ int CurlExchange::onCertificates(X509_STORE_CTX* presented, void* self) {
   const bool trusted = orRefuse(false, [&] {
     return exchange.isTrusted(std::make_shared<SystemTrust>(
         X509_STORE_CTX_get0_cert(presented), X509_STORE_CTX_get0_untrusted(presented),
-        targetOf(exchange.address_).host));
+        exchange.target_.host));
   });
   X509_STORE_CTX_set_error(presented, trusted ? X509_V_OK : X509_V_ERR_APPLICATION_VERIFICATION);
   return trusted ? 1 : 0;

@@ -61,7 +61,7 @@ class CurlExchange : public UrlConnection, public std::enable_shared_from_this<C
   void set(CURLoption option, Value value);
   void setConstantOptions();
   /// Sets address, method, header and body of the next hop. Throws when it cannot be made.
-  void prepareHop(const std::string& address);
+  void prepareHop(RequestTarget target);
   bool carriesBody() const;
   bool mayBeSent() const;
   bool followsRedirect() const;
@@ -100,7 +100,7 @@ class CurlExchange : public UrlConnection, public std::enable_shared_from_this<C
   EasyHandle easy_;
   HeaderList headers_;
   char errorText_[CURL_ERROR_SIZE] = "";
-  std::string address_;  // of this hop
+  RequestTarget target_;  // of this hop
   bool ownHost_ = true;
   int redirects_ = 0;
   // Of this hop:

@@ -7,6 +7,7 @@
 #include <string>
 #include <utility>
 
+#include "orlixkit/platform/Secret.h"
 #include "orlixkit/platform/posix/CurlExchange.h"
 #include "orlixkit/platform/posix/CurlMemory.h"
 
@@ -130,6 +131,7 @@ void CurlLoop::run() {
       }
     }
     endDriving();
+    wipeStack();
   }
 }
 

@@ -1,6 +1,8 @@
 #include "orlixkit/platform/posix/CurlRequest.h"
 
 #include <algorithm>
+#include <clocale>
+#include <locale.h>
 #include <new>
 #include <stdexcept>
 
@@ -19,6 +21,23 @@ std::string partOf(CURLU* url, CURLUPart part, unsigned flags = 0) {
   curl_free(text);
   return found;
 }
+
+/// libcurl takes a host's name in the encoding of the thread's locale. Ours are in UTF-8, whatever
+/// the application has chosen.
+class NamesInUtf8 {
+ public:
+  NamesInUtf8() : before_(::uselocale(utf8())) {}
+  ~NamesInUtf8() { ::uselocale(before_); }
+  NamesInUtf8(const NamesInUtf8&) = delete;
+  NamesInUtf8& operator=(const NamesInUtf8&) = delete;
+
+ private:
+  static locale_t utf8() {
+    static const locale_t made = ::newlocale(LC_CTYPE_MASK, "C.UTF-8", nullptr);
+    return made;  // none where the system lacks it: uselocale then changes nothing
+  }
+  const locale_t before_;
+};
 
 bool holdsControlCharacter(std::string_view text) {
   return std::any_of(text.begin(), text.end(), [](char unit) {
@@ -67,8 +86,22 @@ RequestTarget targetOf(const std::string& address) {
   if (partOf(url.get(), CURLUPART_SCHEME) != "https") {
     throw std::invalid_argument("only https is spoken, not " + address);
   }
-  RequestTarget target;
-  target.host = partOf(url.get(), CURLUPART_HOST);
+  RequestTarget target{address, {}, {}};
+  {
+    const NamesInUtf8 names;
+    target.host = partOf(url.get(), CURLUPART_HOST, CURLU_PUNYCODE);
+  }
+  if (target.host.ends_with('.')) {
+    target.host
+        .pop_back();  // it marks the name as complete, which neither hosts nor servers expect
+  }
+  if (target.host.empty()) {
+    throw std::invalid_argument("not a host's name: " + partOf(url.get(), CURLUPART_HOST));
+  }
+  if (target.host != partOf(url.get(), CURLUPART_HOST)) {
+    curl_url_set(url.get(), CURLUPART_HOST, target.host.c_str(), 0);
+    target.address = partOf(url.get(), CURLUPART_URL);
+  }
   target.origin = target.host + ":" + partOf(url.get(), CURLUPART_PORT, CURLU_DEFAULT_PORT);
   if (target.host.size() > 2 && target.host.front() == '[') {
     target.host = target.host.substr(1, target.host.size() - 2);

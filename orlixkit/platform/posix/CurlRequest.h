@@ -12,12 +12,14 @@ namespace orlix {
 
 /// What an address says of the server behind it.
 struct RequestTarget {
-  std::string host;    ///< name or address, without brackets
-  std::string origin;  ///< host and port
+  std::string address;  ///< with the host's name in ASCII and without a final dot
+  std::string host;     ///< the same name, or the host's address without brackets
+  std::string origin;   ///< host and port
   bool hasOriginOf(const RequestTarget& other) const;
 };
 
-/// Throws std::invalid_argument when `address` is none or not an https one.
+/// `address` is in UTF-8; an internationalised host's name is converted (IDNA). Throws
+/// std::invalid_argument when it is no address or not an https one, or no such name.
 RequestTarget targetOf(const std::string& address);
 
 /// Throws std::invalid_argument when the request cannot be sent as it stands: another scheme than

@@ -4,26 +4,16 @@
 #include <mutex>
 #include <utility>
 
-#include <fmt/format.h>
 #include <openssl/err.h>
 #include <openssl/x509.h>
-#include <openssl/x509v3.h>
 
 namespace orlix {
 
 namespace {
 
-struct FreeStore {
-  void operator()(X509_STORE* store) const { X509_STORE_free(store); }
-};
-using StorePointer = std::unique_ptr<X509_STORE, FreeStore>;
-
 /// The system's roots besides the anchors: none, those found by their name's hash in its folder, or
 /// these and all of its bundle.
 enum class Roots { none, byName, all };
-
-/// Keys of 112 bits of strength or more and no SHA-1, as TLS itself asks of the certificates.
-constexpr int securityLevel = 2;
 
 void addSystemRoots(X509_STORE* store, Roots roots) {
   // A system without them leaves the anchors, which are enough for a server of one's own.
@@ -36,42 +26,49 @@ void addSystemRoots(X509_STORE* store, Roots roots) {
   }
 }
 
-StorePointer makeStore(const std::vector<Bytes>& anchors, Roots roots) {
-  StorePointer store(X509_STORE_new());
-  if (!store) {
-    return store;
+TrustStore makeStore(const std::vector<Bytes>& anchors, Roots roots) {
+  TrustStore trusted;
+  trusted.store.reset(X509_STORE_new());
+  if (!trusted.store) {
+    return trusted;
   }
   // An anchor may be the server's own certificate, not only a self-signed root.
-  X509_STORE_set_flags(store.get(), X509_V_FLAG_PARTIAL_CHAIN);
-  addSystemRoots(store.get(), roots);
+  X509_STORE_set_flags(trusted.store.get(), X509_V_FLAG_PARTIAL_CHAIN);
+  addSystemRoots(trusted.store.get(), roots);
   for (const Bytes& anchor : anchors) {
-    if (const CertificatePointer certificate = certificateFromDer(anchor)) {
-      X509_STORE_add_cert(store.get(), certificate.get());
+    if (CertificatePointer certificate = certificateFromDer(anchor)) {
+      X509_STORE_add_cert(trusted.store.get(), certificate.get());
+      trusted.anchors.push_back(std::move(certificate));
     }
   }
   ERR_clear_error();
-  return store;
+  return trusted;
 }
 
-/// The store for these anchors, made on first use. Null when memory is short.
-X509_STORE* storeFor(const std::vector<Bytes>& anchors, Roots roots) {
+/// The store for these anchors, made on first use. Lives as long as the process.
+const TrustStore& storeFor(const std::vector<Bytes>& anchors, Roots roots) {
   static std::mutex lock;
-  static std::map<std::pair<std::vector<Bytes>, Roots>, StorePointer> stores;
+  static std::map<std::pair<std::vector<Bytes>, Roots>, TrustStore> stores;
+  static const TrustStore none;
   const std::lock_guard guard(lock);
-  StorePointer& store = stores[{anchors, roots}];
-  if (!store) {
-    store = makeStore(anchors, roots);
+  const std::pair key(anchors, roots);
+  auto found = stores.find(key);
+  if (found == stores.end()) {
+    TrustStore made = makeStore(anchors, roots);
+    if (!made.store) {
+      return none;
+    }
+    found = stores.emplace(key, std::move(made)).first;
   }
-  return store.get();
+  return found->second;
 }
 
-std::string subjectOf(const X509* certificate) {
-  if (certificate == nullptr) {
-    return "the server's certificate";
+/// Certificates do not write the dot that marks a name as complete.
+std::string withoutFinalDot(std::string host) {
+  if (host.ends_with('.')) {
+    host.pop_back();
   }
-  char name[256] = "";
-  X509_NAME_oneline(X509_get_subject_name(certificate), name, sizeof name);
-  return fmt::format("the certificate \"{}\"", name);
+  return host;
 }
 
 }  // namespace
@@ -86,7 +83,7 @@ CertificatePointer certificateFromDer(ByteView der) {
 SystemTrust::SystemTrust(X509* leaf, STACK_OF(X509) * presented, std::string host)
     : leaf_(leaf != nullptr && X509_up_ref(leaf) == 1 ? leaf : nullptr),
       presented_(presented != nullptr ? X509_chain_up_ref(presented) : nullptr),
-      host_(std::move(host)) {}
+      host_(withoutFinalDot(std::move(host))) {}
 
 SystemTrust::~SystemTrust() { sk_X509_pop_free(presented_, X509_free); }
 
@@ -97,61 +94,14 @@ void SystemTrust::setAnchorCertificates(std::vector<Bytes> anchors) {
 void SystemTrust::setAnchorCertificatesOnly(bool only) { anchorsOnly_ = only; }
 
 bool SystemTrust::evaluate(std::string& error) {
+  const auto isTrustedWith = [this, &error](Roots roots) {
+    return verifyChain(storeFor(anchors_, roots), leaf_.get(), presented_, host_, error);
+  };
   if (anchorsOnly_) {
-    return isTrustedBy(storeFor(anchors_, Roots::none), error);
+    return isTrustedWith(Roots::none);
   }
   // Reading the bundle takes some 25 ms, and it seldom holds more than the folder.
-  return isTrustedBy(storeFor(anchors_, Roots::byName), error) ||
-         isTrustedBy(storeFor(anchors_, Roots::all), error);
-}
-
-bool SystemTrust::isTrustedBy(X509_STORE* store, std::string& error) const {
-  const std::unique_ptr<X509_STORE_CTX, decltype(&X509_STORE_CTX_free)> context(
-      X509_STORE_CTX_new(), X509_STORE_CTX_free);
-  if (!leaf_ || !context || store == nullptr || host_.empty() ||
-      X509_STORE_CTX_init(context.get(), store, leaf_.get(), presented_) != 1 ||
-      X509_STORE_CTX_set_default(context.get(), "ssl_server") != 1) {
-    error = "the certificate cannot be examined";
-    return false;
-  }
-  X509_VERIFY_PARAM* rules = X509_STORE_CTX_get0_param(context.get());
-  X509_VERIFY_PARAM_set_auth_level(rules, securityLevel);
-  X509_VERIFY_PARAM_set_hostflags(rules, X509_CHECK_FLAG_NO_PARTIAL_WILDCARDS);
-  if (X509_VERIFY_PARAM_set1_ip_asc(rules, host_.c_str()) != 1) {
-    X509_VERIFY_PARAM_set1_host(rules, host_.data(), host_.size());
-  }
-  const bool passed = X509_verify_cert(context.get()) == 1;
-  if (!passed) {
-    error = reason(*context);
-  }
-  ERR_clear_error();
-  return passed;
-}
-
-std::string SystemTrust::reason(const X509_STORE_CTX& context) const {
-  const int code = X509_STORE_CTX_get_error(&context);
-  const std::string subject = subjectOf(X509_STORE_CTX_get_current_cert(&context));
-  switch (code) {
-    case X509_V_ERR_HOSTNAME_MISMATCH:
-    case X509_V_ERR_IP_ADDRESS_MISMATCH:
-      return fmt::format("{} is not for the host {}", subject, host_);
-    case X509_V_ERR_CERT_HAS_EXPIRED:
-      return fmt::format("{} has expired", subject);
-    case X509_V_ERR_CERT_NOT_YET_VALID:
-      return fmt::format("{} is not valid yet", subject);
-    case X509_V_ERR_DEPTH_ZERO_SELF_SIGNED_CERT:
-      return fmt::format("{} is self-signed and not trusted", subject);
-    case X509_V_ERR_SELF_SIGNED_CERT_IN_CHAIN:
-      return fmt::format("the chain ends in a root that is not trusted: {}", subject);
-    case X509_V_ERR_UNABLE_TO_GET_ISSUER_CERT:
-    case X509_V_ERR_UNABLE_TO_GET_ISSUER_CERT_LOCALLY:
-    case X509_V_ERR_UNABLE_TO_VERIFY_LEAF_SIGNATURE:
-      return fmt::format("the issuer of {} is unknown", subject);
-    case X509_V_ERR_INVALID_PURPOSE:
-      return fmt::format("{} is not meant for a server", subject);
-    default:
-      return fmt::format("{}: {}", subject, X509_verify_cert_error_string(code));
-  }
+  return isTrustedWith(Roots::byName) || isTrustedWith(Roots::all);
 }
 
 bool verifyServerChain(const std::vector<Bytes>& chain, const std::string& host,

@@ -8,24 +8,21 @@
 
 #include "orlixkit/platform/Bytes.h"
 #include "orlixkit/platform/UrlConnection.h"
+#include "orlixkit/platform/posix/ChainVerification.h"
 
 namespace orlix {
-
-struct FreeCertificate {
-  void operator()(X509* certificate) const { X509_free(certificate); }
-};
-using CertificatePointer = std::unique_ptr<X509, FreeCertificate>;
 
 /// None when the bytes are no certificate in DER form.
 CertificatePointer certificateFromDer(ByteView der);
 
-/// A presented chain, judged by OpenSSL: against the system's roots (OpenSSL's default places;
-/// SSL_CERT_FILE and SSL_CERT_DIR name others) and the anchors. Roots are looked up by name first;
-/// the whole bundle is read once in the process, and only for a chain that they do not vouch for.
-/// One thread at a time.
+/// A presented chain, judged by OpenSSL (ChainVerification): against the system's roots (OpenSSL's
+/// default places; SSL_CERT_FILE and SSL_CERT_DIR name others) and the anchors. Roots are looked up
+/// by name first; the whole bundle is read once in the process, and only for a chain that they do
+/// not vouch for. One thread at a time.
 class SystemTrust : public ServerTrust {
  public:
-  /// Takes references of its own. `host` is a name or an address, as it stands in the URL.
+  /// Takes references of its own. `host` is a name or an address, as it stands in the URL: without
+  /// brackets, and an internationalised name in ASCII. The dot that a name may end with is ignored.
   SystemTrust(X509* leaf, STACK_OF(X509) * presented, std::string host);
   ~SystemTrust() override;
   SystemTrust(const SystemTrust&) = delete;
@@ -36,9 +33,6 @@ class SystemTrust : public ServerTrust {
   bool evaluate(std::string& error) override;
 
  private:
-  bool isTrustedBy(X509_STORE* store, std::string& error) const;
-  std::string reason(const X509_STORE_CTX& context) const;
-
   const CertificatePointer leaf_;
   STACK_OF(X509) * const presented_;
   const std::string host_;

@@ -6,6 +6,7 @@
 #include <utility>
 
 #include "orlixkit/platform/BackgroundQueues.h"
+#include "orlixkit/platform/Secret.h"
 #include "orlixkit/platform/posix/Semaphore.h"
 
 namespace orlix {
@@ -70,6 +71,7 @@ void WorkerPool::work(const WorkerPointer& self) {
     lock.unlock();
     runLoggedInBackground(task);
     task = {};  // what it holds is released without the lock
+    wipeStack();
     lock.lock();
     if (closed_) {
       return;
