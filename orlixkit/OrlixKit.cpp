@@ -30,7 +30,7 @@ void installOrlixKit(std::shared_ptr<Host> host) {
   Host::install(std::move(host));
   fillStoryboard(Host::current().application().storyboard());
   OMVello::sharedOMVello().setEnvironment(std::make_shared<OXVelloEnvironment>());
-  Host::current().whenMemoryRunsOut = [] { OXSession::currentSession()->fail(); };
+  Host::current().endFlow = [] { OXSession::currentSession()->fail(); };
   OXOrlix::load();
 }
 

@@ -5,6 +5,7 @@
 #include <stdexcept>
 
 #include "orlixkit/checkout/AlertWindow.h"
+#include "orlixkit/checkout/LastUsedCards.h"
 #include "orlixkit/checkout/OXSession.h"
 #include "orlixkit/checkout/OXTransitioningDelegate.h"
 #include "orlixkit/platform/Host.h"
@@ -84,14 +85,15 @@ void OXUtil::showController(const std::shared_ptr<ViewController>& controller,
 
 void OXUtil::setLastUsedCardId(std::int64_t cardId) {
   try {
-    Host::current().ports().userDefaults->setInteger(lastUsedCardKey(), cardId);
+    Host::current().shared<LastUsedCards>().set(lastUsedCardKey(), cardId);
   } catch (const std::exception& failure) {
-    log(std::string("OrlixKit: The last used card could not be stored: ") + failure.what());
+    // No memory or no thread to write it with.
+    log(std::string("OrlixKit: The last used card is not stored yet: ") + failure.what());
   }
 }
 
 std::int64_t OXUtil::getLastUsedCardid() {
-  return Host::current().ports().userDefaults->integerForKey(lastUsedCardKey());
+  return Host::current().shared<LastUsedCards>().get(lastUsedCardKey());
 }
 
 std::optional<CardOption> OXUtil::getLastUsedCard() {

@@ -41,10 +41,12 @@ class OXUtil {
   static void showController(const std::shared_ptr<ViewController>& controller,
                              const std::shared_ptr<ViewController>& from);
 
-  /// A store that cannot keep it is logged: a choice forgotten is no reason to stop a payment.
+  /// Counts at once, and is stored in the background (see `LastUsedCards`).
   static void setLastUsedCardId(std::int64_t cardId);
+  /// Throws StoreException when the store cannot be read.
   static std::int64_t getLastUsedCardid();
-  /// The stored card among those of the current session, else the first of them, else none.
+  /// The stored card among those of the current session, else the first of them, else none. Throws
+  /// as above.
   static std::optional<CardOption> getLastUsedCard();
   /// Name of the image resource of a card brand.
   static std::string imageForCardType(const std::optional<std::string>& cardType);

@@ -77,6 +77,19 @@ void Host::shutdown() {
   ports_.mainQueue->close();
   ports_.urlConnections->close();
   ports_.backgroundQueues->close();
+  std::vector<Task> last;
+  {
+    const std::lock_guard lock(sharedLock_);
+    last.swap(atShutdown_);
+  }
+  for (const Task& task : last) {
+    runLoggedInBackground(task);  // on this thread; it only logs what the task throws
+  }
+}
+
+void Host::atShutdown(Task task) {
+  const std::lock_guard lock(sharedLock_);
+  atShutdown_.push_back(std::move(task));
 }
 
 void log(std::string_view line) {
@@ -100,15 +113,15 @@ void logFailure(std::string_view where, std::string_view what, SystemLog* own) n
   }
 }
 
-void memoryRanOut() noexcept {
-  if (!installed() || !installed()->whenMemoryRunsOut) {
+void endFlow() noexcept {
+  if (!installed() || !installed()->endFlow) {
     return;
   }
   // What the failed step had taken is free again, so the first attempt mostly finds enough.
   constexpr int mostAttempts = 10;
   for (int attempt = 0; attempt < mostAttempts; ++attempt) {
     try {
-      installed()->whenMemoryRunsOut();
+      installed()->endFlow();
       return;
     } catch (const std::bad_alloc&) {
       continue;

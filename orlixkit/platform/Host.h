@@ -6,6 +6,7 @@
 #include <mutex>
 #include <string>
 #include <typeindex>
+#include <vector>
 
 #include "orlixkit/platform/BackgroundQueues.h"
 #include "orlixkit/platform/Bundle.h"
@@ -67,14 +68,20 @@ class Host {
   const Deployment& deployment() const { return deployment_; }
   Application& application() { return *application_; }
 
-  /// Ends the flow in progress as failed: a step of it, on the main thread, found no memory and may
-  /// be half done. Set by the library. Called anew when it finds none itself.
-  Task whenMemoryRunsOut;
+  /// Ends the flow in progress as failed: a step of it, on the main thread, found no memory or no
+  /// readable store and may be half done. Set by the library. Called again when it finds no memory
+  /// itself.
+  Task endFlow;
 
   /// The process-wide object of this type, made on first use (once, from whichever thread asks
   /// first) and released with the host.
   template <class T>
   T& shared();
+
+  /// Adds a task that `shutdown` runs last, on its thread, when no other task of the host runs any
+  /// more: the place to finish what the closed queues have dropped. What it throws is logged. Any
+  /// thread.
+  void atShutdown(Task task);
 
   /// Ends all work: pending main tasks are dropped, sleeping and waiting tasks are woken, requests
   /// are cut off, background threads have ended when it returns. Nobody is called back afterwards.
@@ -88,6 +95,7 @@ class Host {
   std::shared_ptr<Application> application_ = std::make_shared<Application>();
   std::recursive_mutex sharedLock_;
   std::map<std::type_index, std::shared_ptr<void>> shared_;
+  std::vector<Task> atShutdown_;  // guarded by sharedLock_
   bool shutDown_ = false;
 };
 
@@ -105,7 +113,7 @@ T& Host::shared() {
 void log(std::string_view line);
 /// The line that tells what a task has thrown; to `log`, or the installed host's when none.
 void logFailure(std::string_view where, std::string_view what, SystemLog* log = nullptr) noexcept;
-/// Runs the installed host's `whenMemoryRunsOut`. Main thread.
-void memoryRanOut() noexcept;
+/// Runs the installed host's `endFlow`. Main thread.
+void endFlow() noexcept;
 
 }  // namespace orlix

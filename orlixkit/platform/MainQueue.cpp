@@ -20,7 +20,10 @@ void runAndTell(const Task& task, const Log& tell) {
     task();
   } catch (const std::bad_alloc&) {
     tell("memory ran out");
-    memoryRanOut();
+    endFlow();
+  } catch (const StoreException& failure) {
+    tell(failure.what());
+    endFlow();
   } catch (const std::exception& failure) {
     tell(failure.what());
   } catch (...) {

@@ -28,9 +28,10 @@ class MainQueue {
   virtual void close() = 0;
 };
 
-/// Runs something that the main thread owes nobody a result for: a main-queue task, a user's tap.
-/// What it throws ends up in the log, and the application goes on. When it was memory that ran out,
-/// half of a step may be missing: the installed host's `whenMemoryRunsOut` then ends the flow.
+/// Runs a fire-and-forget task on the main thread: a main-queue task, a user's tap. What it throws
+/// ends up in the log, and the application goes on. When it was memory that ran out, or a store
+/// that cannot be read (StoreException), half of a step may be missing: the installed host's
+/// `endFlow` then ends the flow.
 void runLogged(const Task& task);
 /// The same with a log that needs no host.
 void runLogged(const Task& task, SystemLog& log);

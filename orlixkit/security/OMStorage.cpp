@@ -8,9 +8,26 @@ namespace orlix {
 
 OMStorage::OMStorage(std::string storageKey) : storageKey_(std::move(storageKey)) {}
 
+namespace {
+
+/// The operator finds the file, the cause and the remedy in the log. The callers know one failure,
+/// a lost connection, and say nothing of its cause.
+auto logged(const auto& useStore) {
+  try {
+    return useStore(*Host::current().ports().userDefaults);
+  } catch (const StoreException& failure) {
+    log(failure.what());
+    throw;
+  }
+}
+
+}  // namespace
+
 Bytes OMStorage::loadData() {
   log("OMStorage - loadData");
-  return Host::current().ports().userDefaults->dataForKey(storageKey_).value_or(Bytes());
+  return logged([this](const UserDefaults& store) {
+    return store.dataForKey(storageKey_).value_or(Bytes());
+  });
 }
 
 void OMStorage::saveData(const std::optional<Bytes>& data) {
@@ -19,7 +36,7 @@ void OMStorage::saveData(const std::optional<Bytes>& data) {
     log("OMStorage: there is nothing to save, the stored record stays");
     return;
   }
-  Host::current().ports().userDefaults->setData(storageKey_, *data);
+  logged([&](UserDefaults& store) { store.setData(storageKey_, *data); });
 }
 
 }  // namespace orlix

@@ -9,8 +9,8 @@ namespace orlix {
 /// The blob in the user defaults of the installed host, under one key: "live.data" or "test.data",
 /// so that the records of the two systems never meet.
 ///
-/// Thread: any. A blob that cannot be kept makes `saveData` throw std::runtime_error; the former
-/// one is then still there.
+/// Thread: any. A store that cannot be read or written is logged, and makes both operations throw
+/// StoreException; the former blob is then still there.
 class OMStorage : public StorageInterface {
  public:
   explicit OMStorage(std::string storageKey);

@@ -1,13 +1,15 @@
 #include "orlixkit/platform/memory/MemoryUserDefaults.h"
 
 #include <algorithm>
-#include <stdexcept>
 
 namespace orlix {
 
 template <class T>
 std::optional<T> MemoryUserDefaults::read(const std::string& key) const {
   const std::lock_guard lock(mutex_);
+  if (unreadable_) {
+    throw StoreException("MemoryUserDefaults: the value of " + key + " cannot be read");
+  }
   const auto found = values_.find(key);
   const T* value = found == values_.end() ? nullptr : std::get_if<T>(&found->second);
   return value == nullptr ? std::nullopt : std::optional<T>(*value);
@@ -16,7 +18,7 @@ std::optional<T> MemoryUserDefaults::read(const std::string& key) const {
 void MemoryUserDefaults::write(const std::string& key, Value value) {
   const std::lock_guard lock(mutex_);
   if (failing_) {
-    throw std::runtime_error("MemoryUserDefaults: the value of " + key + " cannot be kept");
+    throw StoreException("MemoryUserDefaults: the value of " + key + " cannot be kept");
   }
   values_[key] = std::move(value);
 }
@@ -46,6 +48,11 @@ void MemoryUserDefaults::setInteger(const std::string& key, std::int64_t value) 
 void MemoryUserDefaults::setFailing(bool failing) {
   const std::lock_guard lock(mutex_);
   failing_ = failing;
+}
+
+void MemoryUserDefaults::setUnreadable(bool unreadable) {
+  const std::lock_guard lock(mutex_);
+  unreadable_ = unreadable;
 }
 
 std::vector<std::string> MemoryUserDefaults::keys() const {

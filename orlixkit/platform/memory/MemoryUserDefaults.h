@@ -22,6 +22,8 @@ class MemoryUserDefaults : public UserDefaults {
 
   /// From now on every write is refused, as by a full disk.
   void setFailing(bool failing);
+  /// From now on every read fails, as of a damaged file.
+  void setUnreadable(bool unreadable);
   std::vector<std::string> keys() const;
   /// Does any value, in its stored form, hold this text?
   bool holds(std::string_view text) const;
@@ -35,6 +37,7 @@ class MemoryUserDefaults : public UserDefaults {
   mutable std::mutex mutex_;
   std::map<std::string, Value> values_;
   bool failing_ = false;
+  bool unreadable_ = false;
 };
 
 }  // namespace orlix
