@@ -9,7 +9,7 @@ namespace orlix::fuzz {
 
 namespace {
 
-constexpr std::array<Target, 8> kTargets{{
+constexpr std::array<Target, 13> kTargets{{
     {"records", records},
     {"store", store},
     {"pares", pares},
@@ -18,6 +18,11 @@ constexpr std::array<Target, 8> kTargets{{
     {"hex", hex},
     {"script", script},
     {"transport", transport},
+    {"list", list},
+    {"address", address},
+    {"certificate", certificate},
+    {"separated", separated},
+    {"dates", dates},
 }};
 
 }  // namespace

@@ -28,8 +28,10 @@ void SeparatedTextField::applyChange(TextRange range, const std::string& replace
                : shown.size();
   };
   const std::string_view view = shown;
-  const std::size_t from = offset(range.location);
-  const std::size_t to = offset(range.location + std::min(range.length, shown.size()));
+  // A range may begin and end anywhere; beyond the text it is empty.
+  const std::size_t location = std::min(range.location, shown.size());
+  const std::size_t from = offset(location);
+  const std::size_t to = offset(location + std::min(range.length, shown.size()));
   std::vector<std::string> before = contentOf(view.substr(0, from));
   std::vector<std::string> after = contentOf(view.substr(to));
   std::vector<std::string> added = contentOf(replacement);

@@ -59,7 +59,6 @@ TEST_F(Server, EachFaultSpoilsOneAnswerInItsOwnWay) {
     const char* beginsWith;  ///< The body.
     size_t bytes;            ///< At least.
   };
-  wallet_->http.set_read_timeout(std::chrono::seconds(3));
   for (const Row& row : std::vector<Row>{
            {{{"kind", "forget-session"}}, 403, "{\"error\"", 0},
            {{{"kind", "huge-body"}, {"bytes", 3'000'000}}, 200, "{\"padding\"", 3'000'000},

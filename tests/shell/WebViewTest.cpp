@@ -348,7 +348,8 @@ TEST(PageFinger, DoesWhatAFingerCanAndSaysWhatItCannot) {
   finger.click("[id=\"q'\"]");
   const auto click = [&](const char* selector) { finger.click(selector); };
   const auto type = [&](const char* selector) { finger.type(selector, "x"); };
-  const auto wait = [&](const char* selector) {
+  const auto wait = [&](const char* selector) { finger.wait(selector); };
+  const auto waitInVain = [&](const char* selector) {
     finger.wait(selector, std::chrono::milliseconds(60));
   };
   const std::tuple<std::function<void(const char*)>, const char*, const char*> rows[] = {
@@ -358,7 +359,7 @@ TEST(PageFinger, DoesWhatAFingerCanAndSaysWhatItCannot) {
       {click, "#h", "#h cannot be seen"},
       {click, "#[", "the page refuses #[: SyntaxError"},
       {wait, "#[", "the page refuses #[: SyntaxError"},
-      {wait, "#none", "#none has not come"}};
+      {waitInVain, "#none", "#none has not come"}};
   for (const auto& [doing, selector, reason] : rows) {
     try {
       doing(selector);

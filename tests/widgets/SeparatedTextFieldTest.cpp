@@ -59,6 +59,7 @@ TEST(FormattedTextField, SetsItsSlashesAndKeepsTheCaretWhereTheUserLeftIt) {
       {"a letter over a selection changes nothing", "3112", {0, 2}, "x", "31/12|"},
       {"a selection far beyond the text", "3112", {1, beyond}, "", "3|"},
       {"a place far beyond the text", "31", {beyond, 0}, "1", "31/1|"},
+      {"a selection far beyond the text", "31", {beyond, 1}, "1", "31/1|"},
   };
   for (const Row& row : rows) {
     const auto field = std::make_shared<FormattedTextField>();
