@@ -7,7 +7,7 @@
 
 namespace orlix::shell {
 
-/// The progress indicator as the drawing language sees it. While it fades its last status stands.
+/// The progress indicator as the drawing language sees it.
 class ProgressAdapter : public QObject {
   Q_OBJECT
   Q_PROPERTY(bool shown READ shown NOTIFY changed)

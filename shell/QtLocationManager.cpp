@@ -62,6 +62,9 @@ void QtLocationManager::setDesiredAccuracy(double metres) {
 }
 
 void QtLocationManager::startUpdatingLocation() {
+  if (running_) {
+    return;  // some sources call a second start an error
+  }
   updates_ = std::make_shared<int>(0);
   last_ = {};
   if (!source_) {

@@ -9,7 +9,8 @@
 namespace orlix::shell {
 
 /// The position source of the platform that Qt runs on. Without one, and with one that refuses,
-/// each start brings one error; the delegate hears nothing while it is stopped. Main thread.
+/// each start brings one error; the delegate hears nothing while it is stopped. A start while the
+/// source runs changes nothing. Main thread.
 class QtLocationManager : public QObject, public LocationManager {
  public:
   /// `source` may be none.

@@ -49,6 +49,7 @@ ScreenPresenter::ScreenPresenter(QQmlEngine& engine, QQuickWindow& window,
   layers_->setZ(kAboveTheHost);
   auto mask =
       std::make_unique<TouchMask>(layers_.data(), [this] { return itemsInReachUnderMask(); });
+  mask->setObjectName(QStringLiteral("touchMask"));
   mask->setZ(kMask);
   mask->setVisible(false);
   mask_ = mask.release();
@@ -58,6 +59,7 @@ ScreenPresenter::ScreenPresenter(QQmlEngine& engine, QQuickWindow& window,
       &engine, QUrl(QStringLiteral("qrc:/orlix/qml/OrlixKit/Components/OxProgress.qml")));
   indicator_ = qobject_cast<QQuickItem*>(component.create(context));
   if (indicator_) {
+    indicator_->setObjectName(QStringLiteral("progressIndicator"));
     indicator_->setParentItem(layers_);
     indicator_->setParent(layers_);
     indicator_->setZ(kIndicator);
@@ -76,7 +78,12 @@ ScreenPresenter::ScreenPresenter(QQmlEngine& engine, QQuickWindow& window,
 }
 
 ScreenPresenter::~ScreenPresenter() {
-  fades_.clear();
+  // What waits for the end of an animation goes on without it.
+  for (const auto& fade : std::exchange(fades_, {})) {
+    if (Host::isInstalled()) {
+      Host::current().ports().mainQueue->async(std::exchange(fade->done, {}));
+    }
+  }
   drawn_.clear();
   lingering_.reset();
   // At once, unlike the screens: the items speak of what ends with this object.
@@ -213,17 +220,21 @@ void ScreenPresenter::end(const QVariantAnimation* animation) {
 }
 
 void ScreenPresenter::progressChanged(const ProgressIndicator& indicator) {
+  ++indicatorShown_;
   if (indicator.visible()) {
-    ++indicatorShown_;
     progress_.show(indicator);
-    if (indicator_) {
-      indicator_->setOpacity(1);
-      indicator_->setVisible(true);
-    }
   } else {
     progress_.hide();
   }
-  mask_->setVisible(indicator.blocksInput());
+  if (indicator_) {
+    indicator_->setOpacity(1);
+    indicator_->setVisible(indicator.visible());
+  }
+  maskChanged();
+}
+
+void ScreenPresenter::maskChanged() {
+  mask_->setVisible(application().progressIndicator().blocksInput());
   for (const auto& one : drawn_) {
     if (one->screen() != nullptr) {
       one->screen()->refreshReachable();
@@ -251,6 +262,7 @@ void ScreenPresenter::resized() {
 }
 
 void ScreenPresenter::stackChanged() {
+  maskChanged();  // the indicator's screen may have come into the window, or have left it
   for (const auto& one : drawn_) {
     if (one->layer() != nullptr) {
       one->layer()->setEnabled(one == drawn_.back());

@@ -65,6 +65,7 @@ class ScreenPresenter : public QObject, public UiObserver {
   void end(const QVariantAnimation* animation);
   void resized();
   void stackChanged();
+  void maskChanged();
   void focusMoved();
   bool isMasked() const;
   std::vector<QQuickItem*> itemsInReachUnderMask() const;
@@ -86,8 +87,7 @@ class ScreenPresenter : public QObject, public UiObserver {
   std::unique_ptr<QQuickItem> lingering_;
   Drawn drawn_;                               ///< from the bottom up
   std::vector<std::unique_ptr<Fade>> fades_;  ///< being played
-  unsigned indicatorShown_ =
-      0;  ///< counts its appearances: an earlier fade leaves a later one alone
+  unsigned indicatorShown_ = 0;  ///< counts its changes: the fade of an earlier one plays no more
 };
 
 /// What the shell's drawings need of the engine that they are made in: where components are found,

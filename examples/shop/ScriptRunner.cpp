@@ -200,8 +200,10 @@ void ScriptRunner::run(const Snapshot& command) {
 }
 
 void ScriptRunner::settle() {
-  waitUntil("the screen to come to rest",
-            [&] { return !Stage::isMoving() && !stage_.driver.isBusy(); });
+  stage_.waiter.drain();
+  waitUntil("the screen to come to rest", [&] {
+    return stage_.work.isMainQueueIdle() && !Stage::isMoving() && !stage_.driver.isBusy();
+  });
 }
 
 void ScriptRunner::waitUntil(const std::string& what, const std::function<bool()>& holds) {

@@ -64,7 +64,8 @@ class ScriptRunner {
   void run(const Dump& command);
   void run(const Snapshot& command);
 
-  /// Lets screens and alerts that are on their way in or out arrive.
+  /// Lets the main queue come to what it holds already, as it does long before a person touches
+  /// anything, and screens and alerts that are on their way in or out arrive.
   void settle();
   /// Throws ScriptError when it does not come to hold in time.
   void waitUntil(const std::string& what, const std::function<bool()>& holds);

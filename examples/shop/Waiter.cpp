@@ -76,6 +76,12 @@ bool Waiter::waitFor(Duration limit, const std::function<bool()>& done, const Pr
   return held;
 }
 
+void Waiter::drain() {
+  const auto drained = std::make_shared<bool>(false);
+  ports_.mainQueue->async([drained] { *drained = true; });
+  ports_.mainQueue->runUntil([&drained] { return *drained; });
+}
+
 void Waiter::runBlocking(const std::function<void()>& work) {
   struct State {
     std::atomic<bool> done{false};

@@ -18,6 +18,9 @@ class Waiter {
   /// is called about once a second. Main thread only.
   bool waitFor(Duration limit, const std::function<bool()>& done, const Progress& progress = {});
 
+  /// Runs all that the main queue holds now. Main thread only.
+  void drain();
+
   /// Runs `work`, which may block, in the background and the main queue meanwhile. Throws what
   /// `work` throws.
   void runBlocking(const std::function<void()>& work);

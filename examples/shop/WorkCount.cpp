@@ -5,9 +5,9 @@ namespace orlix::shop {
 /// One piece of work; it ends once, after its run or when its last copy is dropped.
 class CountedTask {
  public:
-  CountedTask(std::shared_ptr<WorkCount> count, Task task)
-      : count_(std::move(count)), task_(std::move(task)) {
-    count_->begin();
+  CountedTask(std::shared_ptr<WorkCount> count, WorkCount::Place place, Task task)
+      : count_(std::move(count)), place_(place), task_(std::move(task)) {
+    count_->begin(place_);
   }
   ~CountedTask() { end(); }
   CountedTask(const CountedTask&) = delete;
@@ -25,11 +25,12 @@ class CountedTask {
  private:
   void end() {
     if (!ended_.exchange(true)) {
-      count_->end();
+      count_->end(place_);
     }
   }
 
   std::shared_ptr<WorkCount> count_;
+  const WorkCount::Place place_;
   Task task_;
   std::atomic<bool> ended_{false};
 };
@@ -40,7 +41,9 @@ class CountedMainQueue : public MainQueue {
  public:
   CountedMainQueue(std::shared_ptr<MainQueue> real, std::shared_ptr<WorkCount> count)
       : real_(std::move(real)), count_(std::move(count)) {}
-  void async(Task task) override { real_->async(count_->counted(std::move(task))); }
+  void async(Task task) override {
+    real_->async(count_->counted(WorkCount::Place::mainQueue, std::move(task)));
+  }
   bool isCurrent() const override { return real_->isCurrent(); }
   void runUntil(const std::function<bool()>& done) override { real_->runUntil(done); }
   void close() override { real_->close(); }
@@ -54,7 +57,9 @@ class CountedOperationQueue : public OperationQueue {
  public:
   CountedOperationQueue(std::shared_ptr<OperationQueue> real, std::shared_ptr<WorkCount> count)
       : real_(std::move(real)), count_(std::move(count)) {}
-  void add(Task task) override { real_->add(count_->counted(std::move(task))); }
+  void add(Task task) override {
+    real_->add(count_->counted(WorkCount::Place::background, std::move(task)));
+  }
 
  private:
   std::shared_ptr<OperationQueue> real_;
@@ -66,7 +71,7 @@ class CountedBackgroundQueues : public BackgroundQueues {
   CountedBackgroundQueues(std::shared_ptr<BackgroundQueues> real, std::shared_ptr<WorkCount> count)
       : real_(std::move(real)), count_(std::move(count)) {}
   void global(QualityOfService service, Task task) override {
-    real_->global(service, count_->counted(std::move(task)));
+    real_->global(service, count_->counted(WorkCount::Place::background, std::move(task)));
   }
   std::shared_ptr<OperationQueue> newOperationQueue() override {
     return std::make_shared<CountedOperationQueue>(real_->newOperationQueue(), count_);
@@ -87,12 +92,19 @@ Ports WorkCount::count(Ports ports, const std::shared_ptr<WorkCount>& into) {
   return ports;
 }
 
-Task WorkCount::counted(Task task) {
-  return
-      [work = std::make_shared<CountedTask>(shared_from_this(), std::move(task))] { work->run(); };
+Task WorkCount::counted(Place place, Task task) {
+  return [work = std::make_shared<CountedTask>(shared_from_this(), place, std::move(task))] {
+    work->run();
+  };
 }
 
-void WorkCount::end() {
+void WorkCount::begin(Place place) {
+  ++underWay_;
+  onMainQueue_ += place == Place::mainQueue ? 1 : 0;
+}
+
+void WorkCount::end(Place place) {
+  onMainQueue_ -= place == Place::mainQueue ? 1 : 0;
   // Whoever waits for the end of all work runs the main queue and is to look again.
   if (--underWay_ == 0 && !wake_->isCurrent()) {
     wake_->async([] {});

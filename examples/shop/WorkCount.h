@@ -16,16 +16,20 @@ class WorkCount : public std::enable_shared_from_this<WorkCount> {
   /// The same ports, with everything counted that goes through them.
   static Ports count(Ports ports, const std::shared_ptr<WorkCount>& into);
 
+  enum class Place { mainQueue, background };
+
   bool isIdle() const { return underWay_ == 0; }
+  bool isMainQueueIdle() const { return onMainQueue_ == 0; }
   /// The task, counted until it has run or has been dropped.
-  Task counted(Task task);
+  Task counted(Place place, Task task);
 
  private:
   friend class CountedTask;
-  void begin() { ++underWay_; }
-  void end();
+  void begin(Place place);
+  void end(Place place);
 
   std::atomic<std::size_t> underWay_{0};
+  std::atomic<std::size_t> onMainQueue_{0};
   std::shared_ptr<MainQueue> wake_;
 };
 

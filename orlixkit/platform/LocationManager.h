@@ -31,6 +31,7 @@ class LocationManager {
   virtual void setDistanceFilter(double metres) = 0;
   virtual void setPurpose(const std::string& text) = 0;
   virtual void requestWhenInUseAuthorization() = 0;
+  /// Changes nothing while updates are on: none that is under way is lost.
   virtual void startUpdatingLocation() = 0;
   virtual void stopUpdatingLocation() = 0;
 };

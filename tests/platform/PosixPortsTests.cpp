@@ -99,8 +99,9 @@ TEST(PosixPorts, MakeAHostThatShutsDownPromptlyWhileWorkIsUnderWay) {
   // Each start brings one fix, not from inside the call and not after a stop.
   ports.locationManager->startUpdatingLocation();
   ports.locationManager->setDelegate(&recorder);
-  ports.locationManager->startUpdatingLocation();
   ports.locationManager->stopUpdatingLocation();
+  ports.locationManager->startUpdatingLocation();
+  ports.mainQueue->async([&recorder] { recorder.heard += "then,"; });
   ports.locationManager->startUpdatingLocation();
   EXPECT_EQ(recorder.heard, "");
   bool sleeping = false;
@@ -110,7 +111,7 @@ TEST(PosixPorts, MakeAHostThatShutsDownPromptlyWhileWorkIsUnderWay) {
     whole = ports.clock->sleep(std::chrono::hours(1));
   });
   ports.mainQueue->runUntil([&sleeping] { return sleeping; });
-  EXPECT_EQ(recorder.heard, "59.91 10.75,");
+  EXPECT_EQ(recorder.heard, "59.91 10.75,then,");
   const auto before = std::chrono::steady_clock::now();
   host.shutdown();
   EXPECT_LT(std::chrono::steady_clock::now() - before, std::chrono::minutes(1));

@@ -38,6 +38,24 @@ TEST(TextField, ReplacesCharactersNotBytesAndStaysDefinedOnAnyRange) {
   field.replaceCharacters({field.caret() - 1, 1}, "");
 }
 
+TEST(View, IsInOneSuperviewOrInNone) {
+  const auto hidden = std::make_shared<View>();
+  const auto shown = std::make_shared<View>();
+  const auto view = std::make_shared<View>();
+  hidden->setHidden(true);
+  hidden->addSubview(view);
+  EXPECT_TRUE(view->isOutOfSight());
+  shown->addSubview(view);
+  EXPECT_TRUE(hidden->subviews().empty());
+  EXPECT_EQ(view->superview(), shown);
+  hidden->addSubview(view);
+  view->removeFromSuperview();
+  view->removeFromSuperview();
+  EXPECT_EQ(view->superview(), nullptr);
+  EXPECT_TRUE(hidden->subviews().empty() && shown->subviews().empty());
+  EXPECT_FALSE(view->isOutOfSight());
+}
+
 TEST(ViewController, OutlivesItsActionAlsoWhenThatLetsGoOfIt) {
   struct Screen : ViewController {
     explicit Screen(std::shared_ptr<ViewController>& owner) {

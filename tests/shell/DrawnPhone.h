@@ -26,7 +26,7 @@ namespace orlix::shell {
 /// window is white, with one field of its own.
 class DrawnPhone {
  public:
-  explicit DrawnPhone(QSize size = {375, 667}) {
+  explicit DrawnPhone(QSize size = {375, 667}, std::chrono::milliseconds fade = {}) {
     prepareEngine(engine_, std::make_shared<CompiledBundle>());
     window.resize(size);
     QQmlComponent host(&engine_);
@@ -34,7 +34,7 @@ class DrawnPhone {
                  QUrl());
     hostField.reset(qobject_cast<QQuickItem*>(host.create()));
     hostField->setParentItem(window.contentItem());
-    presenter_ = std::make_unique<ScreenPresenter>(engine_, window, std::chrono::milliseconds(0));
+    presenter_ = std::make_unique<ScreenPresenter>(engine_, window, fade);
     phone.host.application().setObserver(presenter_.get());
     window.show();
     window.requestActivate();
@@ -42,13 +42,16 @@ class DrawnPhone {
     settle();
   }
   ~DrawnPhone() {
-    phone.host.application().setObserver(nullptr);
-    presenter_.reset();
+    stopDrawing();
     EXPECT_EQ(warnings_.texts().join("\n").toStdString(), "");
   }
   DrawnPhone(const DrawnPhone&) = delete;
   DrawnPhone& operator=(const DrawnPhone&) = delete;
 
+  void stopDrawing() {
+    phone.host.application().setObserver(nullptr);
+    presenter_.reset();
+  }
   /// All that the toolkit and the library have to do.
   void settle() {
     for (int round = 0; round < 3; ++round) {
@@ -75,10 +78,19 @@ class DrawnPhone {
     }
   }
   std::string focus() const { return focusIn(window); }
+  /// The plate of the progress indicator and the mask that holds touches back, as far as they are
+  /// to be seen: from 0 to 1.
+  double plate() const { return drawnOpacity("progressIndicator"); }
+  double mask() const { return drawnOpacity("touchMask"); }
 
   test::Phone phone;
 
  private:
+  double drawnOpacity(const char* name) const {
+    const QQuickItem* const found = findItem(*window.contentItem(), QString(name));
+    return found != nullptr && found->isVisible() ? found->opacity() : 0;
+  }
+
   shop::Warnings warnings_;
   QQmlEngine engine_;
 

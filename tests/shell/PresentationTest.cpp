@@ -1,5 +1,6 @@
 // What is drawn over the host's window, and who gets touches and keys.
 
+#include <QAnimationDriver>
 #include <QClipboard>
 #include <QMetaProperty>
 #include <set>
@@ -151,6 +152,68 @@ TEST(Presentation, TheMaskHoldsTouchesAndKeysBackButForTheWayOut) {
   EXPECT_TRUE(phone.phone.indicator().blocksInput());
   phone.touch("backButton");
   EXPECT_EQ(phone.screen(), "Activation");
+}
+
+/// The time that animations go by, moved on by the test.
+class HandDriver : public QAnimationDriver {
+ public:
+  HandDriver() { install(); }
+  ~HandDriver() override { uninstall(); }
+  qint64 elapsed() const override { return elapsed_; }
+  void pass(DrawnPhone& phone, std::chrono::milliseconds time) {
+    phone.settle();  // what has begun meanwhile gets its start
+    elapsed_ += time.count();
+    advanceAnimation();
+    phone.settle();
+  }
+
+ private:
+  qint64 elapsed_ = 0;
+};
+
+TEST(Presentation, TheIndicatorAndItsMaskAreDrawnUntilItsFadeHasEndedAndNotLonger) {
+  using std::chrono_literals::operator""ms;
+  HandDriver time;
+  DrawnPhone phone({375, 667}, 200ms);
+  ProgressIndicator& indicator = phone.phone.indicator();
+  indicator.show("Busy", ProgressMask::gradient);
+  EXPECT_EQ(phone.plate() + phone.mask(), 2);
+  indicator.dismiss();
+  time.pass(phone, 100ms);
+  EXPECT_GT(phone.plate(), 0);
+  EXPECT_LT(phone.plate(), 1);
+  EXPECT_EQ(phone.mask(), 1);
+  indicator.show("Busy again", ProgressMask::gradient);
+  time.pass(phone, 50ms);
+  time.pass(phone, 500ms);
+  EXPECT_EQ(phone.plate() + phone.mask(), 2) << "the fade was cancelled";
+  indicator.dismiss();
+  time.pass(phone, 100ms);
+  time.pass(phone, 500ms);
+  EXPECT_EQ(phone.plate() + phone.mask(), 0);
+  EXPECT_FALSE(indicator.visible());
+
+  const auto screen = phone.phone.host.application().storyboard().make("Waiting");
+  const auto& root = phone.phone.host.root();
+  indicator.show("Loading", ProgressMask::gradient, ProgressStyle::activity, screen);
+  EXPECT_EQ(phone.mask(), 0) << "its screen is not there yet";
+  root->present(screen, false);
+  EXPECT_EQ(phone.plate() + phone.mask(), 2);
+  root->dismiss(true);
+  time.pass(phone, 100ms);
+  EXPECT_GT(phone.plate(), 0);
+  root->dismiss(false);
+  EXPECT_EQ(phone.plate() + phone.mask(), 0) << "gone with its screen";
+  time.pass(phone, 500ms);
+  EXPECT_EQ(phone.plate() + phone.mask(), 0);
+
+  root->present(screen, true);
+  indicator.show("Busy");
+  indicator.dismiss();
+  phone.stopDrawing();
+  phone.phone.host.runUntilIdle();
+  EXPECT_TRUE(screen->hasAppeared()) << "although it is no longer drawn";
+  EXPECT_FALSE(indicator.visible());
 }
 
 /// What a screen reader makes of a screen.

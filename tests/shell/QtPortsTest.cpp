@@ -36,6 +36,7 @@ class Source : public QGeoPositionInfoSource {
   int minimumUpdateInterval() const override { return 0; }
   Error error() const override { return NoError; }
   void startUpdates() override {
+    ++starts;
     if (refuses) {
       Q_EMIT errorOccurred(AccessError);
     }
@@ -43,6 +44,7 @@ class Source : public QGeoPositionInfoSource {
   void stopUpdates() override {}
   void requestUpdate(int) override {}
   bool refuses = false;
+  int starts = 0;
 };
 
 struct Listener : LocationManagerDelegate {
@@ -91,9 +93,14 @@ TEST(QtLocationManager, LeavesOutStepsBelowTheDistanceFilterAndInvalidFixes) {
   moveTo(33.0001);
   Q_EMIT source.positionUpdated(QGeoPositionInfo());
   moveTo(34);
+  manager.startUpdatingLocation();
+  moveTo(34);
+  EXPECT_EQ(source.starts, 1) << "it runs already, and knows where it was";
   manager.stopUpdatingLocation();
   moveTo(35);
   EXPECT_EQ(listener.heard, "33 34 ");
+  manager.startUpdatingLocation();
+  EXPECT_EQ(source.starts, 2);
 }
 
 }  // namespace

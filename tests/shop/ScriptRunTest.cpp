@@ -71,6 +71,10 @@ class ToyScreen : public ViewController, public TextFieldDelegate, public TableV
     action("maskAction", [] {
       Host::current().application().progressIndicator().show("Please wait", ProgressMask::gradient);
     });
+    action("laterAction", [this] {
+      MainQueue& queue = *Host::current().ports().mainQueue;
+      queue.async([this, &queue] { queue.async([this] { label->setText("later"); }); });
+    });
     action("alertAction", [this] {
       auto alert = std::make_shared<AlertController>("Warning", "Careful");
       alert->addAction({"Ok", AlertActionStyle::cancel, [this] { did.emplace_back("ok"); }});
@@ -126,6 +130,13 @@ TEST_F(ScriptRun, ATouchDoesWhatAFingerWouldDo) {
   EXPECT_THAT(toy->did,
               testing::ElementsAre("button", "link", "row 1", "row 1", "bin", "ok", "button"));
   EXPECT_TRUE(toy->field->editing());
+}
+
+TEST_F(ScriptRun, ATouchComesAfterAllThatTheMainQueueHolds) {
+  // Put there by a port that knows nothing of the shop.
+  shop.phone().mainQueue().async([this] { toy->did.emplace_back("fix"); });
+  EXPECT_EQ(shop.run("tap button\ntap laterAction\nexpect label later"), "");
+  EXPECT_THAT(toy->did, testing::ElementsAre("fix", "button"));
 }
 
 TEST_F(ScriptRun, WhatNoFingerCouldDoIsRefusedWithTheReason) {

@@ -4,6 +4,7 @@
 
 #include "orlixkit/platform/Characters.h"
 #include "orlixkit/platform/MainQueue.h"
+#include "orlixkit/platform/ui/ActiveWindow.h"
 #include "orlixkit/platform/ui/FieldTouch.h"
 #include "orlixkit/platform/ui/TableView.h"
 
@@ -26,15 +27,8 @@ std::vector<std::string> keysOf(const std::string& text) {
 }  // namespace
 
 std::shared_ptr<ViewController> ScreenUser::topController() const {
-  std::shared_ptr<ViewController> top =
-      application_.keyWindow ? application_.keyWindow->rootViewController : nullptr;
-  for (auto next = top; next; next ? top = next : top) {
-    next = top->presentedViewController();
-    if (!next || next->isBeingDismissed()) {
-      next = top->visibleChild();
-    }
-  }
-  return top;
+  const std::shared_ptr<Window> window = application_.keyWindow;
+  return topViewControllerFrom(window ? window->rootViewController : nullptr);
 }
 
 std::shared_ptr<AlertController> ScreenUser::topAlert() const {

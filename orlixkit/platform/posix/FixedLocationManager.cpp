@@ -18,6 +18,9 @@ FixedLocationManager::FixedLocationManager(double latitude, double longitude,
       delegate_(std::make_shared<LocationManagerDelegate*>(nullptr)) {}
 
 void FixedLocationManager::startUpdatingLocation() {
+  if (updates_) {
+    return;  // its fix has come, or is still to come
+  }
   updates_ = std::make_shared<int>(0);
   const LocationFix fix{latitude_, longitude_, accuracyInMetres, clock_->now()};
   mainQueue_->async([fix, delegate = delegate_, update = std::weak_ptr(updates_)] {

@@ -9,7 +9,7 @@
 namespace orlix {
 
 /// A position source for a machine that has none: each start brings one fix, always at the same
-/// place, dated now, as the main queue's next task.
+/// place, dated now, as the main queue's next task. A start while it runs changes nothing.
 class FixedLocationManager : public LocationManager {
  public:
   FixedLocationManager(double latitude, double longitude, std::shared_ptr<MainQueue> mainQueue,
@@ -29,7 +29,7 @@ class FixedLocationManager : public LocationManager {
   const std::shared_ptr<MainQueue> mainQueue_;
   const std::shared_ptr<Clock> clock_;
   const std::shared_ptr<LocationManagerDelegate*> delegate_;
-  // Replaced by each start and stop; a fix whose start is no longer the present one is not given.
+  // From start to stop; a fix whose start is no longer the present one is not given.
   std::shared_ptr<int> updates_;
 };
 

@@ -26,7 +26,7 @@ std::shared_ptr<Application> heldApplication() {
 /// Not once the host is gone: nothing is called back then.
 void runUnlessUninstalled(const Task& task) {
   if (task && Host::isInstalled()) {
-    runLogged(task);
+    callOut("a completion", task);
   }
 }
 
@@ -338,7 +338,7 @@ void ViewController::presentWaiting(const std::vector<Waiting>& waiting,
       }
       done = true;
     };
-    runLogged(std::cref(present));
+    callOut("a presentation that has waited", present);
     if (!done) {
       next.controller->loseLater();
     }
@@ -346,7 +346,12 @@ void ViewController::presentWaiting(const std::vector<Waiting>& waiting,
 }
 
 void ViewController::loseLater() {
-  Host::current().ports().mainQueue->async([self = shared_from_this()] { self->hasGone(); });
+  const std::shared_ptr<ViewController> self = shared_from_this();
+  try {
+    Host::current().ports().mainQueue->async([self] { self->hasGone(); });
+  } catch (const std::bad_alloc&) {
+    callOut("a completion", [&self] { self->hasGone(); });  // rather early than never
+  }
 }
 
 void ViewController::leaveAlone() {

@@ -4,8 +4,8 @@
 #include <utility>
 
 #include "orlixkit/platform/Host.h"
-#include "orlixkit/platform/MainQueue.h"
 #include "orlixkit/platform/ui/ActiveWindow.h"
+#include "orlixkit/platform/ui/CallOut.h"
 
 namespace orlix {
 
@@ -60,7 +60,7 @@ void ProgressIndicator::dismissFor(const ViewController& owner, Task completion)
   if (belongsTo(owner)) {
     dismiss(std::move(completion));
   } else if (completion) {
-    completion();
+    callOut("a completion", completion);
   }
 }
 
@@ -109,7 +109,7 @@ void ProgressIndicator::runCompletions() {
   while (!completions_.empty() && (state_ != State::fading || completions_.front().fade != fade_)) {
     const Task task = std::move(completions_.front().task);
     completions_.pop_front();
-    runLogged(task);
+    callOut("a completion", task);
   }
 }
 
