@@ -47,23 +47,24 @@ void OMTermsAndConditionsViewController::viewDidAppear() {
   OrlixViewController::viewDidAppear();
   // Only for a page that is still to come: nothing else would take the indicator away.
   if (tcWebView_ && !pageFinished_) {
-    OXUtil::indicator().show("Please wait", ProgressMask::gradient);
+    OXUtil::indicator().show("Please wait", ProgressMask::gradient, ProgressStyle::activity,
+                             shared_from_this());
   }
 }
 
 void OMTermsAndConditionsViewController::didFinishNavigation() {
   pageFinished_ = true;
-  OXUtil::indicator().dismiss();
+  OXUtil::indicator().dismissFor(*this);
   tcWebView_->evaluateJavaScript(kViewportScript, [](const ScriptResult&) {});
 }
 
 void OMTermsAndConditionsViewController::didFailLoadWithError(const std::string& description) {
-  OXUtil::indicator().dismiss();
+  OXUtil::indicator().dismissFor(*this);
   OXUtil::showAlertWithTitle("Error", description);
 }
 
 void OMTermsAndConditionsViewController::backAction() {
-  OXUtil::indicator().dismiss();
+  OXUtil::indicator().dismissFor(*this);
   closeScreen(*this);
 }
 

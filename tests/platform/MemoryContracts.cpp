@@ -79,6 +79,7 @@ class MemoryPages : public WebViewUser {
     static_cast<FakeWebView&>(view).holdScripts();
     return "for (;;);";
   }
+  void leave(WebView& view) { static_cast<FakeWebView&>(view).finishNavigation("<p>next"); }
   void kill(WebView& view) { static_cast<FakeWebView&>(view).killProcess(); }
 
  private:

@@ -63,6 +63,7 @@ class WebViewUser {
 ///   std::string deadAddress();                       // nobody answers there
 ///   std::string endlessScript(WebView& view);
 ///   void kill(WebView& view);                        // ends the process behind the page
+///   void leave(WebView& view);                       // the page goes on to another by itself
 ///   void settle();                                   // lets all that is under way come to rest
 template <class Platform>
 class WebViewContract : public testing::Test {
@@ -109,6 +110,12 @@ TYPED_TEST_P(WebViewContract, TellsNothingOfALoadThatWasStoppedReplacedOrRelease
   view->loadRequest(user.address("/last"));
   EXPECT_EQ(user.heardNext(), "finished");
   EXPECT_TRUE(this->says(*view, "/last"));
+  user.leave(*view);
+  EXPECT_EQ(user.heardNext(), "finished");
+  view->stopLoading();
+  user.leave(*view);
+  user.settle();
+  EXPECT_TRUE(this->heard.empty()) << "of a page that goes on after the stop";
   view->loadRequest(user.address("/released"));
   view.reset();
   user.settle();

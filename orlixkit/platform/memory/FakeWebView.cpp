@@ -12,12 +12,18 @@ FakeWebView::FakeWebView(std::shared_ptr<MainQueue> mainQueue, OnLoad onLoad)
 FakeWebView::~FakeWebView() { failOwed("The page view was released."); }
 
 void FakeWebView::finishNavigation(std::string markup) {
+  if (!live_) {
+    return;
+  }
   markup_ = std::move(markup);
   failOwed("The page was left before it answered.");
   tell([](WebViewDelegate& delegate) { delegate.didFinishNavigation(); });
 }
 
 void FakeWebView::failNavigation(std::string description) {
+  if (!live_) {
+    return;
+  }
   tell([description = std::move(description)](WebViewDelegate& delegate) {
     delegate.didFailNavigation(description);
   });
@@ -25,6 +31,7 @@ void FakeWebView::failNavigation(std::string description) {
 
 void FakeWebView::killProcess() {
   markup_.reset();
+  live_ = false;
   failOwed("The page's process has ended.");
   tell([](WebViewDelegate& delegate) { delegate.webContentProcessDidTerminate(); });
 }
@@ -46,12 +53,14 @@ void FakeWebView::loadRequest(const std::string& address) {
   if (isPageAddressAllowed(address)) {
     beginLoad({}, address);
   } else {
+    live_ = true;
     failNavigation("The address " + address + " is not secure.");
   }
 }
 
 void FakeWebView::beginLoad(std::string html, std::string address) {
   loading_ = std::make_shared<const int>(0);
+  live_ = true;
   html_ = std::move(html);
   address_ = std::move(address);
   ++loads_;
@@ -66,6 +75,7 @@ void FakeWebView::beginLoad(std::string html, std::string address) {
 
 void FakeWebView::stopLoading() {
   loading_ = std::make_shared<const int>(0);
+  live_ = false;
   failOwed("Loading was stopped.");
 }
 

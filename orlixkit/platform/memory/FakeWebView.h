@@ -28,11 +28,14 @@ class FakeWebView : public WebView {
   const std::string& address() const { return address_; }
   int loads() const { return loads_; }
   const std::vector<std::string>& scripts() const { return scripts_; }
+  bool isLive() const { return live_; }
   bool hasDelegate() const { return !delegate_.expired(); }
 
   // What the page does. Each of the first three comes to the delegate through the main queue; what
   // is on its way when loading is stopped, or begins anew, is dropped.
-  /// A page stands in the view, `markup` is its outer HTML. Scripts owed by the one before fail.
+  /// A page has been loaded, `markup` is its outer HTML. Scripts owed by the one before fail.
+  /// Nothing happens before a load was asked for, nor once it was stopped or the process has ended:
+  /// a page goes nowhere then.
   void finishNavigation(std::string markup);
   void failNavigation(std::string description);
   /// Empties the view; the scripts still owed fail.
@@ -67,6 +70,7 @@ class FakeWebView : public WebView {
   std::string html_;
   std::string address_;
   std::optional<std::string> markup_;  ///< of the page that stands
+  bool live_ = false;                  ///< there is a page that may go on
   int loads_ = 0;
   std::vector<std::string> scripts_;
   std::deque<Owed> owed_;
