@@ -1,35 +1,25 @@
 #include "orlixkit/platform/memory/VirtualWorld.h"
 
 #include <algorithm>
-#include <condition_variable>
 #include <utility>
 
 #include "orlixkit/platform/BackgroundQueues.h"
 #include "orlixkit/platform/MainQueue.h"
+#include "orlixkit/platform/memory/Fiber.h"
 
 namespace orlix {
 
-/// One thread of the world, with the signal that it has the baton.
-struct VirtualWorld::Actor : VirtualAgenda::Waiter {
-  std::condition_variable turn;
-};
-
-/// A thread that runs tasks one after the other; idle ones are taken again.
-struct VirtualWorld::Worker : Actor {
+/// Runs tasks one after the other; idle ones are reused.
+struct VirtualWorld::Worker : VirtualAgenda::Waiter {
   VirtualAgenda::Item item;
   bool idle = true;
-  std::thread thread;
+  bool begun = false;
+  Fiber fiber;
 };
 
-namespace {
-
-thread_local void* currentWorker = nullptr;
-
-}  // namespace
-
-VirtualWorld::VirtualWorld() : main_(std::make_unique<Actor>()), holder_(main_.get()) {
-  main_->name = "the main thread";
-  agenda_.enroll(*main_);
+VirtualWorld::VirtualWorld() {
+  main_.name = "the main thread";
+  agenda_.enroll(main_);
 }
 
 VirtualWorld::~VirtualWorld() { shutDown(); }
@@ -39,16 +29,11 @@ SteadyTime VirtualWorld::now() const {
   return agenda_.now();
 }
 
-VirtualWorld::Actor& VirtualWorld::self() {
-  if (isMain()) {
-    return *main_;
-  }
-  const auto isMe = [](const auto& worker) { return worker.get() == currentWorker; };
-  const auto found = std::find_if(workers_.begin(), workers_.end(), isMe);
-  if (found == workers_.end()) {
+VirtualAgenda::Waiter& VirtualWorld::self() {
+  if (std::this_thread::get_id() != mainId_) {
     throw std::logic_error("VirtualWorld: only its own tasks and its main thread can wait in it");
   }
-  return **found;
+  return running_ == nullptr ? main_ : *running_;
 }
 
 void VirtualWorld::inBackground(std::string name, Task task, Duration delay,
@@ -73,7 +58,7 @@ void VirtualWorld::asMainEvent(Task task, Duration delay) {
   }
 }
 
-// The baton.
+// Turns.
 
 std::optional<VirtualWorld::Candidate> VirtualWorld::choose(bool mainIsFree, SteadyTime limit) {
   if (++steps_ > stepLimit_) {
@@ -94,6 +79,7 @@ VirtualWorld::Worker& VirtualWorld::begin(VirtualAgenda::Item item) {
   const bool found = idle != workers_.end();
   Worker& worker = found ? **idle : *workers_.emplace_back(std::make_unique<Worker>());
   worker.idle = false;
+  worker.begun = false;
   worker.name = item.name;
   worker.item = std::move(item);
   if (worker.item.lane) {
@@ -101,56 +87,48 @@ VirtualWorld::Worker& VirtualWorld::begin(VirtualAgenda::Item item) {
   }
   if (!found) {
     agenda_.enroll(worker);
-    worker.thread = std::thread([this, &worker] { workerLoop(worker); });
   }
   return worker;
 }
 
-void VirtualWorld::workerLoop(Worker& worker) {
-  currentWorker = &worker;
-  Lock lock(mutex_);
-  for (;;) {
-    worker.turn.wait(lock, [&] { return holder_ == &worker || quit_; });
-    if (quit_) {
-      return;
-    }
-    Task task = std::exchange(worker.item.task, {});
-    lock.unlock();
-    runLoggedInBackground(task);
-    task = {};
-    lock.lock();
-    worker.idle = true;
-    if (const std::shared_ptr<Lane> lane = std::exchange(worker.item.lane, nullptr)) {
-      lane->busy = false;
-    }
-    holder_ = main_.get();
-    main_->turn.notify_one();
+void VirtualWorld::work(Worker& worker) {
+  runLoggedInBackground(std::exchange(worker.item.task, {}));
+  const Lock lock(mutex_);
+  worker.idle = true;
+  if (const std::shared_ptr<Lane> lane = std::exchange(worker.item.lane, nullptr)) {
+    lane->busy = false;
   }
 }
 
-/// On the main thread: lets the worker run until it gives the baton back.
+/// On the main thread: lets the worker run until it waits or has finished.
 void VirtualWorld::resume(Worker& worker, Lock& lock) {
   worker.ready = false;
-  holder_ = &worker;
-  worker.turn.notify_one();
-  main_->turn.wait(lock, [&] { return holder_ == main_.get(); });
+  lock.unlock();
+  running_ = &worker;
+  if (std::exchange(worker.begun, true)) {
+    worker.fiber.resume();
+  } else {
+    worker.fiber.start([this, &worker] { work(worker); });
+  }
+  running_ = nullptr;
+  lock.lock();
 }
 
-/// Lets others run until it is this thread's turn again. While the main thread waits like this, its
+/// Lets others run until it is the caller's turn again. While the main thread waits like this, its
 /// queue stands still and only tasks go on.
-void VirtualWorld::untilChosenAgain(Actor& me, Lock& lock) {
-  if (&me != main_.get()) {
-    holder_ = main_.get();
-    main_->turn.notify_one();
-    me.turn.wait(lock, [&] { return holder_ == &me; });
+void VirtualWorld::untilChosenAgain(Lock& lock) {
+  if (running_ != nullptr) {
+    lock.unlock();
+    running_->fiber.pause();
+    lock.lock();
     return;
   }
   try {
     while (giveTurn(lock)) {
     }
   } catch (...) {
-    main_->waiting = false;
-    main_->ready = false;
+    main_.waiting = false;
+    main_.ready = false;
     throw;
   }
 }
@@ -161,8 +139,8 @@ bool VirtualWorld::giveTurn(Lock& lock) {
   if (!chosen) {
     throwStuck("nothing can run");
   }
-  if (chosen->waiter == main_.get()) {
-    main_->ready = false;
+  if (chosen->waiter == &main_) {
+    main_.ready = false;
     return false;
   }
   resume(workerOf(*chosen), lock);
@@ -172,15 +150,15 @@ bool VirtualWorld::giveTurn(Lock& lock) {
 Wake VirtualWorld::wait(std::string what, const void* channel, SteadyTime deadline,
                         bool interruptible) {
   Lock lock(mutex_);
-  Actor& me = self();
+  VirtualAgenda::Waiter& me = self();
   if (shutDown_ && interruptible) {
     return Wake::shutDown;
   }
-  if (&me == main_.get() && onMainWait_ && !shutDown_) {
+  if (&me == &main_ && onMainWait_ && !shutDown_) {
     onMainWait_(what);
   }
   agenda_.beginWait(me, std::move(what), channel, deadline, interruptible);
-  untilChosenAgain(me, lock);
+  untilChosenAgain(lock);
   return me.result;
 }
 
@@ -194,9 +172,8 @@ void VirtualWorld::mayBeOvertaken() {
     return;
   }
   Lock lock(mutex_);
-  Actor& me = self();
-  agenda_.makeReady(me, Wake::signalled);
-  untilChosenAgain(me, lock);
+  agenda_.makeReady(self(), Wake::signalled);
+  untilChosenAgain(lock);
 }
 
 // Runs.
@@ -300,15 +277,8 @@ void VirtualWorld::shutDown() {
     resume(workerOf(*chosen), lock);
   }
   quit_ = true;
-  for (const auto& worker : workers_) {
-    worker->turn.notify_one();
-  }
-  lock.unlock();
-  for (const auto& worker : workers_) {
-    worker->thread.join();
-  }
   agenda_.forgetWaiters();
-  agenda_.enroll(*main_);
+  agenda_.enroll(main_);
   workers_.clear();
 }
 

@@ -22,13 +22,13 @@ class StuckError : public std::runtime_error {
   using std::runtime_error::runtime_error;
 };
 
-/// Threads and time for tests: every task has a thread of its own, but only one of them, the holder
-/// of the baton, ever runs, and time moves only when all of them wait. So a run is the same every
-/// time, has no data races, and 60 seconds take as long as the work in them.
+/// Threads and time for tests: every task has a stack of its own, but only one of them ever runs,
+/// all on the thread that makes the world, and time moves only when all of them wait. So a run is
+/// the same every time, has no data races, and 60 seconds take as long as the work in them.
 ///
-/// The thread that makes the world is its main thread. It hands the baton out while it is inside
-/// one of the run operations or waits itself; a task gives the baton back when it ends or waits.
-/// Which of several candidates goes on is a matter of turn, or of a chooser's word.
+/// The thread that makes the world is its main thread. Tasks run while it is inside one of the run
+/// operations or waits itself, each until it ends or waits. Which of several candidates goes on is
+/// a matter of turn, or decided by a chooser.
 ///
 /// Thread: the run operations and `shutDown` on the main thread. `isMain`, `inBackground` and
 /// `onMainQueue` from any thread. What waits: on the main thread or from a task of this world.
@@ -54,7 +54,8 @@ class VirtualWorld {
   void setStepLimit(std::uint64_t limit) { stepLimit_ = limit; }
 
   SteadyTime now() const;
-  bool isMain() const { return std::this_thread::get_id() == mainId_; }
+  /// False in a task, although it runs on the same thread of the system.
+  bool isMain() const { return std::this_thread::get_id() == mainId_ && running_ == nullptr; }
   bool isShutDown() const { return shutDown_; }
 
   /// A task on a thread of its own, after `delay`. Dropped after shutdown.
@@ -88,24 +89,23 @@ class VirtualWorld {
   /// left. May be called again.
   void shutDown();
 
-  /// Threads that are alive, the main one not counted.
+  /// Tasks that run or wait, and those whose stack is kept for the next one.
   std::size_t threadCount() const { return workers_.size(); }
 
  private:
-  struct Actor;
   struct Worker;
   using Candidate = VirtualAgenda::Candidate;
   using Kind = VirtualAgenda::Kind;
   enum class Step { nothing, onMain, inBackground };
   using Lock = std::unique_lock<std::mutex>;
 
-  Actor& self();
+  VirtualAgenda::Waiter& self();
   std::optional<Candidate> choose(bool mainIsFree, SteadyTime limit);
   Worker& workerOf(const Candidate& chosen);
   Worker& begin(VirtualAgenda::Item item);
-  void workerLoop(Worker& worker);
+  void work(Worker& worker);
   void resume(Worker& worker, Lock& lock);
-  void untilChosenAgain(Actor& me, Lock& lock);
+  void untilChosenAgain(Lock& lock);
   bool giveTurn(Lock& lock);
   Step step(SteadyTime limit);
   void beginRun();
@@ -114,9 +114,9 @@ class VirtualWorld {
   mutable std::mutex mutex_;
   const std::thread::id mainId_ = std::this_thread::get_id();
   VirtualAgenda agenda_;
-  std::unique_ptr<Actor> main_;
+  VirtualAgenda::Waiter main_;
   std::vector<std::unique_ptr<Worker>> workers_;
-  Actor* holder_;
+  Worker* running_ = nullptr;  ///< none while the main thread runs
   std::function<void(const std::string&)> onMainWait_;
   bool preemptive_ = false;
   std::uint64_t stepLimit_ = 2'000'000;

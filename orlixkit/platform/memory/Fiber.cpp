@@ -1,0 +1,175 @@
+#include "orlixkit/platform/memory/Fiber.h"
+
+#include <cstring>
+#include <cxxabi.h>
+#include <new>
+#include <ucontext.h>
+#include <utility>
+#include <vector>
+
+#include <sys/mman.h>
+
+#if defined(__SANITIZE_ADDRESS__)
+#include <sanitizer/common_interface_defs.h>
+#endif
+#if defined(__SANITIZE_THREAD__)
+#include <sanitizer/tsan_interface.h>
+#endif
+
+namespace orlix {
+
+namespace {
+
+constexpr std::size_t kStackSize = std::size_t{1} << 20U;
+constexpr std::size_t kGuardSize = 4096;
+
+/// Mapped, not allocated: a test that makes allocations fail does not mean these. The lowest page
+/// is never accessible, so that an overflow shows.
+class Stack {
+ public:
+  Stack()
+      : memory_(mmap(nullptr, kStackSize, PROT_READ | PROT_WRITE,
+                     MAP_PRIVATE | MAP_ANONYMOUS | MAP_NORESERVE, -1, 0)) {
+    if (memory_ == MAP_FAILED || mprotect(memory_, kGuardSize, PROT_NONE) != 0) {
+      throw std::bad_alloc();
+    }
+  }
+  ~Stack() {
+    if (memory_ != nullptr) {
+      munmap(memory_, kStackSize);
+    }
+  }
+  Stack(Stack&& other) noexcept : memory_(std::exchange(other.memory_, nullptr)) {}
+  Stack& operator=(Stack&& other) noexcept {
+    std::swap(memory_, other.memory_);
+    return *this;
+  }
+  void* bottom() const { return memory_; }
+
+ private:
+  void* memory_;
+};
+
+/// Kept for the next world: mapping a stack costs more than the work of most tasks.
+std::vector<Stack>& spareStacks() {
+  thread_local std::vector<Stack> spare;
+  return spare;
+}
+
+Stack takeStack() {
+  std::vector<Stack>& spare = spareStacks();
+  if (spare.empty()) {
+    return {};
+  }
+  Stack taken = std::move(spare.back());
+  spare.pop_back();
+  return taken;
+}
+
+/// The exceptions that are being handled belong to a stack, but the runtime keeps them per thread.
+struct HandledExceptions {
+  void* caught = nullptr;
+  unsigned int uncaught = 0;
+
+  void swapWithThread() {
+    HandledExceptions mine = *this;
+    void* const threads = abi::__cxa_get_globals();
+    std::memcpy(this, threads, sizeof mine);
+    std::memcpy(threads, &mine, sizeof mine);
+  }
+};
+
+}  // namespace
+
+struct Fiber::State {
+  Stack stack = takeStack();
+  ucontext_t own{};
+  ucontext_t caller{};
+  HandledExceptions exceptions;  ///< of whichever side does not run
+  Task task;
+  /// A context's function takes no pointer.
+  static thread_local State* starting;
+#if defined(__SANITIZE_ADDRESS__)
+  void* ownFakeStack = nullptr;
+  void* callerFakeStack = nullptr;
+  const void* callerBottom = nullptr;
+  std::size_t callerSize = 0;
+#endif
+#if defined(__SANITIZE_THREAD__)
+  void* ownFiber = __tsan_create_fiber(0);
+  void* callerFiber = nullptr;
+#endif
+
+  ~State() {
+#if defined(__SANITIZE_THREAD__)
+    __tsan_destroy_fiber(ownFiber);
+#endif
+    spareStacks().push_back(std::move(stack));
+  }
+
+  void enter() {
+    exceptions.swapWithThread();
+#if defined(__SANITIZE_THREAD__)
+    callerFiber = __tsan_get_current_fiber();
+    __tsan_switch_to_fiber(ownFiber, 0);
+#endif
+#if defined(__SANITIZE_ADDRESS__)
+    __sanitizer_start_switch_fiber(&callerFakeStack, stack.bottom(), kStackSize);
+#endif
+    swapcontext(&caller, &own);
+#if defined(__SANITIZE_ADDRESS__)
+    __sanitizer_finish_switch_fiber(callerFakeStack, nullptr, nullptr);
+#endif
+  }
+
+  /// The last time `returns`, for the sanitizer.
+  void leave([[maybe_unused]] bool returns) {
+    exceptions.swapWithThread();
+#if defined(__SANITIZE_THREAD__)
+    __tsan_switch_to_fiber(callerFiber, 0);
+#endif
+#if defined(__SANITIZE_ADDRESS__)
+    __sanitizer_start_switch_fiber(returns ? nullptr : &ownFakeStack, callerBottom, callerSize);
+#endif
+    swapcontext(&own, &caller);
+    entered();
+  }
+
+  void entered() {
+#if defined(__SANITIZE_ADDRESS__)
+    __sanitizer_finish_switch_fiber(ownFakeStack, &callerBottom, &callerSize);
+#endif
+  }
+
+  void run() {
+    entered();
+    std::exchange(task, {})();
+    leave(true);
+  }
+};
+
+thread_local Fiber::State* Fiber::State::starting = nullptr;
+
+Fiber::Fiber() : state_(std::make_unique<State>()) {}
+
+Fiber::~Fiber() = default;
+
+void Fiber::start(Task task) {
+  State& state = *state_;
+  state.task = std::move(task);
+  state.exceptions = {};
+  State::starting = &state;
+  getcontext(&state.own);
+  state.own.uc_stack.ss_sp = state.stack.bottom();
+  state.own.uc_stack.ss_size = kStackSize;
+  state.own.uc_link = nullptr;
+  makecontext(
+      &state.own, [] { State::starting->run(); }, 0);
+  state.enter();
+}
+
+void Fiber::resume() { state_->enter(); }
+
+void Fiber::pause() { state_->leave(false); }
+
+}  // namespace orlix
