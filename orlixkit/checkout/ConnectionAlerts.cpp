@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <utility>
 
-#include "orlixkit/checkout/AlertWindow.h"
 #include "orlixkit/checkout/OXUtil.h"
 #include "orlixkit/platform/MainQueue.h"
 
@@ -63,7 +62,7 @@ void ConnectionAlerts::present(const std::shared_ptr<ConnectionAlert>& alert) {
   }
   const std::shared_ptr<AlertController> controller = controllerFor(alert);
   controller_ = controller;
-  AlertWindow::show(controller);
+  OXUtil::showAlert(controller);
 }
 
 std::shared_ptr<AlertController> ConnectionAlerts::controllerFor(
@@ -76,7 +75,6 @@ std::shared_ptr<AlertController> ConnectionAlerts::controllerFor(
       {"Retry", AlertActionStyle::standard, whenOver(alert, &ConnectionAlert::retry)});
   controller->onLost =
       whenOver(alert, alert->lost ? &ConnectionAlert::lost : &ConnectionAlert::cancel);
-  OXUtil::styleAlertController(*controller);
   return controller;
 }
 

@@ -24,28 +24,33 @@ bool asksForMoreThanIsOffered(const MTCodeInfo& info) {
 /// One lookup (or card list) of a flow. Its answer is taken in the order of the requests, and leads
 /// to a screen only while the user is where he was when it was asked for.
 struct Lookup {
-  std::shared_ptr<OXSession> session = OXSession::currentSession();
-  std::uint64_t number = ++session->lookupsAsked;
-  std::uint64_t screenChanges = session->screenChanges();
-  bool dataOnly = false;
+  explicit Lookup(OXSession& session, bool forData = false)
+      : number(++session.lookupsAsked), screenChanges(session.screenChanges()), dataOnly(forData) {}
 
-  /// The user has gone to another screen meanwhile.
-  bool changesDataOnly() const { return dataOnly || screenChanges != session->screenChanges(); }
+  std::uint64_t number;
+  std::uint64_t screenChanges;
+  bool dataOnly;
 
-  /// Runs the task with whether it may change data only; not when a later lookup has been answered,
-  /// and in the middle of a payment only once that has been given up.
-  void take(const std::function<void(bool)>& task) const {
-    if (number < session->lookupTaken) {
+  /// Asked for the data alone, or the user has gone to another screen meanwhile.
+  bool isLate(const OXSession& session) const {
+    return dataOnly || screenChanges != session.screenChanges();
+  }
+
+  /// Runs the task with whether the answer is late; not when a later lookup has been answered, and
+  /// in the middle of a payment only once that has been given up.
+  void take(OXSession& session, const std::function<void(OXSession&, bool)>& task) const {
+    if (number < session.lookupTaken) {
       return;
     }
-    session->lookupTaken = number;
-    const bool deferred = session->isPaying();
-    session->whenNotPaying(
-        "lookup", [self = *this, task, deferred] { task(deferred || self.changesDataOnly()); });
+    session.lookupTaken = number;
+    session.whenNotPaying("lookup",
+                          [self = *this, task, deferred = session.isPaying()](OXSession& current) {
+                            task(current, deferred || self.isLate(current));
+                          });
   }
 
   /// Offers a retry, unless a later lookup speaks for this one, or no screen shows what it was for.
-  void offerRetry() const;
+  void offerRetry(const OXSession& session) const;
 };
 
 bool isUsable(const OXSession& session, const MTCodeInfo& info) {
@@ -89,44 +94,45 @@ void codeLookedUp(OXSession& session, MTCodeResponse response, bool hasWaitingSc
 }
 
 void lookUpCode(bool hasWaitingScreen, bool dataOnly) {
-  const Lookup lookup{.dataOnly = dataOnly};
+  const auto session = OXSession::currentSession();
+  const Lookup lookup(*session, dataOnly);
   requestInBackground<MTCodeResponse>(
       RequestQueue::newOperationQueue,
-      [code = lookup.session->code](KCVelloConnection& connection) {
+      [code = session->code](KCVelloConnection& connection) {
         return connection.getCodeInfoV2(code, "inapp");
       },
-      [lookup, hasWaitingScreen](const MTCodeResponse& response) {
-        lookup.take([lookup, hasWaitingScreen, response](bool late) {
+      [session, lookup, hasWaitingScreen](const MTCodeResponse& response) {
+        lookup.take(*session, [hasWaitingScreen, response](OXSession& current, bool late) {
           if (late) {
-            refreshData(*lookup.session, response);
+            refreshData(current, response);
           } else {
-            codeLookedUp(*lookup.session, response, hasWaitingScreen);
+            codeLookedUp(current, response, hasWaitingScreen);
           }
         });
       },
-      [lookup] { lookup.offerRetry(); });
+      [session, lookup] { lookup.offerRetry(*session); });
 }
 
 /// Asks for the wallet's cards, then runs the one or the other.
 void requestCards(void (OXSession::*withCards)(), bool dataOnly) {
-  const Lookup lookup{.dataOnly = dataOnly};
+  const auto session = OXSession::currentSession();
+  const Lookup lookup(*session, dataOnly);
   requestInBackground<MTCardList>(
       RequestQueue::newOperationQueue,
       [](KCVelloConnection& connection) { return connection.getCardList(); },
-      [lookup, withCards](const MTCardList& list) {
-        lookup.take([lookup, withCards, list](bool late) {
-          OXSession& session = *lookup.session;
-          session.cards = list.cardsArray;
+      [session, lookup, withCards](const MTCardList& list) {
+        lookup.take(*session, [withCards, list](OXSession& current, bool late) {
+          current.cards = list.cardsArray;
           if (late) {
-            session.dataChanged();
-          } else if (session.cards.empty()) {
-            session.showAddCardScreen();
+            current.dataChanged();
+          } else if (current.cards.empty()) {
+            current.showAddCardScreen();
           } else {
-            (session.*withCards)();
+            (current.*withCards)();
           }
         });
       },
-      [lookup] { lookup.offerRetry(); });
+      [session, lookup] { lookup.offerRetry(*session); });
 }
 
 void loadFirstScreen(bool hasWaitingScreen, bool dataOnly) {
@@ -142,9 +148,9 @@ void loadFirstScreen(bool hasWaitingScreen, bool dataOnly) {
   }
 }
 
-void Lookup::offerRetry() const {
-  const bool late = changesDataOnly();
-  if (number == session->lookupsAsked && (!late || session->isDataShown())) {
+void Lookup::offerRetry(const OXSession& session) const {
+  const bool late = isLate(session);
+  if (number == session.lookupsAsked && (!late || session.isDataShown())) {
     OXUtil::showNetworkErrorRetryObject(
         [late] { loadFirstScreen(/*hasWaitingScreen=*/false, late); });
   }

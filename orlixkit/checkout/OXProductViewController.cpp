@@ -387,6 +387,9 @@ void OXProductViewController::pollForReceipt() {
   if (!OXUtil::indicator().isShownFor(*this)) {
     showProgress("Making Payment...");
   }
+  if (!session()) {
+    return;
+  }
   const Task retry = [screen = self()] {
     screen->offerRetryOf(&OXProductViewController::pollForReceipt);
   };

@@ -172,14 +172,14 @@ void OXSession::endPayment() {
   paying_ = false;
   for (const auto& [source, task] : std::exchange(whenNotPaying_, {})) {
     if (isLive()) {
-      runLogged(task);
+      runLogged([this, &task = task] { task(*this); });
     }
   }
 }
 
-void OXSession::whenNotPaying(const std::string& source, Task task) {
+void OXSession::whenNotPaying(const std::string& source, DataTask task) {
   if (!paying_) {
-    task();
+    task(*this);
     return;
   }
   std::erase_if(whenNotPaying_, [&source](const auto& entry) { return entry.first == source; });
@@ -222,6 +222,7 @@ void OXSession::setPendingCallback(HostCallback callback) {
     }
   };
   flow_->end();
+  whenNotPaying_.clear();
   // The payment screen that waited for an authentication, with the CVV in its field.
   delegate3DSecure.reset();
 }

@@ -88,8 +88,9 @@ class OXSession : public std::enable_shared_from_this<OXSession> {
   /// The payment was given up without an outcome; what waited for that runs.
   void endPayment();
   /// Runs the task at once, or when the payment in progress has been given up. A later one replaces
-  /// an earlier one of the same source.
-  void whenNotPaying(const std::string& source, Task task);
+  /// an earlier one of the same source. The session keeps it, so that it must not hold the session.
+  using DataTask = std::function<void(OXSession&)>;
+  void whenNotPaying(const std::string& source, DataTask task);
 
   /// The alerts of failed requests.
   ConnectionAlerts& connectionAlerts() { return *connectionAlerts_; }
@@ -150,7 +151,7 @@ class OXSession : public std::enable_shared_from_this<OXSession> {
   std::shared_ptr<Flow> flow_ = std::make_shared<Flow>();
   Task pendingCallback_;  ///< of the host, until it is made
   bool paying_ = false;
-  std::vector<std::pair<std::string, Task>> whenNotPaying_;
+  std::vector<std::pair<std::string, DataTask>> whenNotPaying_;
   std::uint64_t screenChanges_ = 0;
   std::shared_ptr<ConnectionAlerts> connectionAlerts_ = std::make_shared<ConnectionAlerts>();
   std::vector<std::weak_ptr<AlertController>> alerts_;

@@ -9,6 +9,7 @@
 #include "orlixkit/checkout/OXSession.h"
 #include "orlixkit/checkout/OXTransitioningDelegate.h"
 #include "orlixkit/platform/Host.h"
+#include "orlixkit/platform/ui/ActiveWindow.h"
 #include "orlixkit/platform/ui/Containers.h"
 #include "orlixkit/protocol/LocationUtil.h"
 #include "orlixkit/protocol/OMVello.h"
@@ -47,10 +48,19 @@ void OXUtil::showAlertWithTitle(const std::string& title, const std::string& mes
 void OXUtil::showAlert(const std::shared_ptr<AlertController>& alert) {
   styleAlertController(*alert);
   const std::shared_ptr<OXSession> session = OXSession::currentSession();
-  if (session->isLive() && session->presentingController) {
-    session->keepTrackOf(alert);
+  const std::shared_ptr<ViewController> below = session->presentingController;
+  if (!session->isLive() || !below) {
+    AlertWindow::show(alert);
+    return;
   }
-  AlertWindow::show(alert);
+  session->keepTrackOf(alert);
+  // Over the flow's own screen, which need not be in the active window.
+  const auto top = AlertWindow::ox_topViewControllerFrom(below);
+  if (top != below && isOnScreen(Host::current().application(), below)) {
+    top->present(alert, true);
+  } else {
+    AlertWindow::show(alert);
+  }
 }
 
 void OXUtil::showConnectionAlert(ConnectionAlert alert) {
@@ -62,7 +72,7 @@ void OXUtil::showConnectionAlert(ConnectionAlert alert) {
       session->connectionAlerts().add(alert);
     } else {
       session->whenNotPaying("alert " + alert.source,
-                             [session, alert] { session->connectionAlerts().add(alert); });
+                             [alert](OXSession& current) { current.connectionAlerts().add(alert); });
     }
   });
 }

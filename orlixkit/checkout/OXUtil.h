@@ -31,7 +31,8 @@ class OXUtil {
   static ProgressIndicator& indicator();
   /// An alert with one button "Ok".
   static void showAlertWithTitle(const std::string& title, const std::string& message);
-  /// An alert of the current flow, in the library's look: it goes when the flow is over.
+  /// An alert of the current flow, in the library's look: over the flow's screen, or, while it has
+  /// none, where `AlertWindow` shows it. It goes when the flow is over.
   static void showAlert(const std::shared_ptr<AlertController>& alert);
   /// The "Connection problem" alert of the current flow, shown when the progress indicator is gone.
   /// It and its tasks are dropped once the flow is over. Any thread.

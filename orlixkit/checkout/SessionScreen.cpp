@@ -6,7 +6,9 @@ namespace orlix {
 
 void SessionScreen::showProgress(const std::string& status, ProgressMask mask,
                                  ProgressStyle style) {
-  OXUtil::indicator().show(status, mask, style, shared_from_this());
+  if (session() && !wasLeft()) {
+    OXUtil::indicator().show(status, mask, style, shared_from_this());
+  }
 }
 
 void SessionScreen::hideProgress() { OXUtil::indicator().dismissFor(*this); }

@@ -46,6 +46,7 @@ class SessionScreen : public ViewController {
     });
   }
 
+  /// Does nothing on a screen that was left.
   void showProgress(const std::string& status, ProgressMask mask = ProgressMask::none,
                     ProgressStyle style = ProgressStyle::activity);
   /// Dismisses the progress indicator if this screen shows it.
@@ -69,9 +70,13 @@ class SessionScreen : public ViewController {
     bool latestCounts = false;
   };
 
-  /// See `requestInBackground`.
+  /// See `requestInBackground`. Does nothing once the screen's flow is over.
   template <class Answer>
   void send(Request<Answer> request) {
+    const std::shared_ptr<OXSession> own = session();
+    if (!own) {
+      return;
+    }
     const auto self = std::static_pointer_cast<SessionScreen>(shared_from_this());
     const std::uint64_t number = ++asked_;
     const auto isOvertaken = [self, kind = request.kind, number,
@@ -94,7 +99,8 @@ class SessionScreen : public ViewController {
           if (!self->wasLeft() && !isOvertaken()) {
             failed();
           }
-        });
+        },
+        own);
   }
 
  private:

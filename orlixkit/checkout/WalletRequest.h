@@ -72,13 +72,17 @@ struct WalletRequest {
 /// there is no client yet, or no thread can be had, `failed` runs: both only while the flow is
 /// live. Capture the screen by `shared_from_this` in those two, never in `ask`.
 ///
+/// A screen that has run host code since it looked at its session, the indicator's observer say,
+/// gives the session itself, so that nothing is asked in the name of the next flow.
+///
 /// For what belongs to the flow whatever the user does meanwhile: its lookups and its payment. A
 /// request that only its screen waits for goes through `SessionScreen::request`.
 template <class Answer>
 void requestInBackground(RequestQueue queue, std::function<Answer(KCVelloConnection&)> ask,
-                         std::function<void(Answer)> answered, Task failed) {
+                         std::function<void(Answer)> answered, Task failed,
+                         std::shared_ptr<OXSession> session = OXSession::currentSession()) {
   const auto request = std::make_shared<WalletRequest<Answer>>();
-  request->session = OXSession::currentSession();
+  request->session = std::move(session);
   request->connection = request->session->connection();
   request->ask = std::move(ask);
   request->answered = std::move(answered);

@@ -32,12 +32,13 @@ void OXMsisdnRelinkViewController::proceedAction() {
     current->cardInfoResponse = std::make_shared<CardInfoResponse>();
   }
   current->cardInfoResponse->linkedMsisdn = msisdnField_->text();
+  // A copy: the request fills its record in, while the user may be proceeding once more.
+  const CardInfoResponse card = *current->cardInfoResponse;
   showProgress("Please wait...");
   const auto screen = std::static_pointer_cast<OXMsisdnRelinkViewController>(shared_from_this());
   send<MTCardResponse>(
       {.kind = "link",
        .queue = RequestQueue::globalBackground,
-       // A copy: the request fills its record in, while the user may be proceeding once more.
        .ask = [card = *current->cardInfoResponse](
                   KCVelloConnection& connection) mutable { return connection.linkCard(card); },
        .answered = [screen](const MTCardResponse& response) { screen->answered(response); },

@@ -24,13 +24,13 @@ void endTheFlowLater() noexcept {
   constexpr int mostAttempts = 10;
   for (int attempt = 0; Host::isInstalled() && attempt < mostAttempts; ++attempt) {
     try {
-      Host::current().ports().mainQueue->async([] { memoryRanOut(); });
+      Host::current().ports().mainQueue->async([] { endFlow(); });
       return;
     } catch (const std::bad_alloc&) {
       continue;
     }
   }
-  memoryRanOut();
+  endFlow();
 }
 
 }  // namespace
@@ -40,6 +40,9 @@ void callOutTask(const char* where, const Task& code) noexcept {
     code();
   } catch (const std::bad_alloc&) {
     logThrown(where, "memory ran out");
+    endTheFlowLater();
+  } catch (const StoreException& failure) {
+    logThrown(where, failure.what());
     endTheFlowLater();
   } catch (const std::exception& failure) {
     logThrown(where, failure.what());

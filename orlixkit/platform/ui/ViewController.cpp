@@ -44,6 +44,10 @@ void ViewController::performAction(const std::string& name) {
 }
 
 void ViewController::performSegue(const std::string& name) {
+  const std::shared_ptr<ViewController> presented = presentedViewController();
+  if (presented && presented->identifier() == name && !presented->isBeingDismissed()) {
+    return;  // a second touch, or a second answer, while the first one is being followed
+  }
   const std::shared_ptr<ViewController> destination =
       Host::current().application().storyboard().make(name);
   if (!destination) {
