@@ -62,6 +62,11 @@ Walk::Walk(Chooser chooser, bool preemptive) : preemptive_(preemptive) {
     }
   });
   server_->onSent = [this](HeldRequest& request) { return requestSent(request); };
+  server_->onCancelled = [this](const HeldRequest& request) {
+    if (request.flow == current_) {
+      noteAnswer(request, "lost");  // the library has waited long enough
+    }
+  };
   server_->onActivated = [this](const HeldRequest& request, const std::string& token) {
     tokens_[token] = {request.system, wipesAtSending_[request.number]};
   };
@@ -173,12 +178,16 @@ bool Walk::isPaying() const {
 
 /// Something will happen to the flow without the user.
 bool Walk::goesOn() const {
-  return hasFlow() && (unanswered({}) > 0 || current().polling || !animations_.empty());
+  return hasFlow() && (unanswered({}) > 0 || current().polling || !animations_.empty() ||
+                       host_->world().someoneSleeps());
 }
 
 // Events.
 
 void Walk::offer(double weight, std::string name, Task happen) {
+  for (const std::string& text : excluded) {
+    weight = has(name, text) ? 0 : weight;
+  }
   offers_.push_back({std::move(name), weight, std::move(happen)});
 }
 
@@ -212,11 +221,12 @@ bool Walk::happen(const std::string& name) {
 }
 
 void Walk::happen(const Offer& offer, bool settles) {
-  if (!wasSettled_) {
+  sentNow_.clear();
+  answersLeftScreen_ = false;
+  runLogged(offer.happen);
+  if (!wasSettled_ || !settles) {
     questions_.clear();  // two events at once: what either of them changes cannot be told apart
   }
-  sentNow_.clear();
-  runLogged(offer.happen);
   if (settles) {
     settle();
   }
@@ -259,8 +269,9 @@ void Walk::offerAnswers() {
   }
 }
 
-void Walk::answer(const WalletServer::Request& request, const std::string& how) {
+void Walk::answer(const WalletServer::Request& request, const std::string& wanted) {
   const std::string& kind = request->kind;
+  const std::string how = server_->isForgotten(*request) && wanted != "lost" ? "403" : wanted;
   if (!live() || request->flow != current_) {
     changesNothing("(b) an answer to a former flow changes something: " + kind);
   } else {
@@ -269,10 +280,12 @@ void Walk::answer(const WalletServer::Request& request, const std::string& how) 
     const bool isPayment =
         kind == "purchase" || kind == "authenticate" || kind == "receipt" || kind == "confirm";
     const bool isLeft = !asker || !isShown(asker.get());
-    if (isLeft && !findsFirstScreen) {
+    if (queues_->failures > 0) {
+      // What follows from the answer may fail for want of a thread.
+    } else if (isLeft && !findsFirstScreen && !isPayment) {
       changesNothing("(c) an answer to a screen that was left changes something: " + kind);
       answersLeftScreen_ = true;
-    } else if (!asker && (how == "ok" || how == "variable")) {
+    } else if (request->late && (how == "ok" || how == "variable")) {
       changesNothing("(c) an answer to a screen that was left leads to another screen: " + kind);
     } else if (isPaying() && kind != "session" && !isPayment) {
       changesNothing("(e) an answer changes the screen during a payment: " + kind);
@@ -290,7 +303,8 @@ void Walk::noteAnswer(const HeldRequest& request, const std::string& how) {
     ++flow.startsAllowed;
   }
   if (how == "403") {
-    flow.refusedKind = kind;
+    flow.refusedKind = cause_ = kind;
+    flow.lookupsAreMixed = flow.lookupsAreMixed || kind == "lookup";
   } else if (how == "lost" && kind != "session") {
     cause_ = kind;
   }
@@ -305,7 +319,7 @@ void Walk::noteAnswer(const HeldRequest& request, const std::string& how) {
     }
   } else if (kind == "lookup" && how == "nothing" && !has(describe(), "Waiting")) {
     flow.silent = true;
-  } else if (kind == "lookup" && (how == "ok" || how == "variable")) {
+  } else if (kind == "lookup" && ((how == "ok" && !flow.fixesAmount) || how == "variable")) {
     flow.newestLookup = std::max(flow.newestLookup, request.number);
   } else if (kind == "receipt") {
     flow.polling = how == "none";
@@ -320,6 +334,10 @@ void Walk::noteAnswer(const HeldRequest& request, const std::string& how) {
 void Walk::offerTouches() {
   for (const Controller& root : roots()) {
     const Controller shown = top(root);
+    const bool isAnimated = !shown->hasAppeared() || shown->presentedViewController();
+    if (isAnimated) {
+      continue;  // touches are held back
+    }
     if (const auto alert = std::dynamic_pointer_cast<AlertController>(shown)) {
       for (const AlertAction& action : alert->actions()) {
         offer(action.title == "Cancel" ? kNow : kUsual / 2, "alert: " + action.title,
@@ -424,7 +442,7 @@ void Walk::notePay(ViewController& screen, bool stray) {
   flow.same.reset();
   if (!stray && flow.shownCard != "Add Card" && queues_->failures == 0) {
     afterwards([this, before = describe(), sentBefore = server_->sent()] {
-      if (live() && describe() == before && server_->sent() == sentBefore) {
+      if (live() && animations_.empty() && describe() == before && server_->sent() == sentBefore) {
         breakRule("(d) PAY does nothing");
       }
     });
@@ -432,14 +450,14 @@ void Walk::notePay(ViewController& screen, bool stray) {
 }
 
 void Walk::press(const std::shared_ptr<AlertController>& alert, const std::string& title) {
-  const std::string cause = causes_[alert];
+  const std::string cause = causes_.emplace(alert, cause_).first->second;
   const bool retries = title == "Retry";
   if (live() && alert->title() == "Connection problem") {
     Flow& flow = current();
     const bool isPurchase = cause == "purchase" || cause == "authenticate";
     flow.wanted = retries && (isPurchase || flow.wanted);
     flow.resent = false;
-    if (retries && isPurchase) {
+    if (retries && isPurchase && !flow.lastPurchase.empty()) {
       flow.same = flow.lastPurchase;
     }
     flow.startsAllowed += retries ? 1 : 0;
@@ -487,8 +505,10 @@ void Walk::offerPage() {
   };
   offer(kRare, "page: fails", fails([view] { view->failNavigation("no route"); }));
   offer(kRare, "page: dies", fails([view] { view->killProcess(); }));
-  offer(kRare, "page: becomes slow", [view] { view->holdScripts(); });
-  offer(kRare, "page: answers its scripts", [view] { view->releaseScripts(); });
+  offer(kRare, "page: becomes slow", [this, view] {
+    view->holdScripts();
+    host_->later(3s, [view] { view->releaseScripts(); });
+  });
 }
 
 /// The issuer's page comes to the termination page.
@@ -524,7 +544,9 @@ void Walk::enter(const std::string& name) {
   std::vector<std::weak_ptr<ViewController>> before;
   for (const Controller& root : roots()) {
     for (const Controller& one : chain(root)) {
-      if (one != root && !(one->identifier() == "Waiting" && has(name, " again"))) {
+      const auto alert = std::dynamic_pointer_cast<AlertController>(one);
+      const bool isHosts = one == root || (alert && alert->title() == "Deregister");
+      if (!isHosts && !(one->identifier() == "Waiting" && has(name, " again"))) {
         before.emplace_back(one);
       }
     }
@@ -535,6 +557,7 @@ void Walk::enter(const std::string& name) {
   made.code = fmt::format("C-{}", made.number);
   made.msisdn = fmt::format("082123456{}", made.number % 10);
   made.system = has(name, " live") ? kLiveSystem : kTestSystem;
+  made.fixesAmount = has(name, " for 10");
   made.controller = has(name, " elsewhere") ? otherRoot_ : host_->root();
   made.app->onOutcome = [this, number = made.number] { heard(number); };
   const std::string customer = customerOf(name);
@@ -707,11 +730,15 @@ void Walk::act(const std::string& action) {
     throw std::runtime_error("thrown by the host");
   }
   if (action == "run the main queue") {
+    const int running =
+        std::exchange(entriesRunning_, 0);  // what is called now is called from here
     host_->runUntilIdle();
+    entriesRunning_ = running;
   } else if (action == "cancel" || action == "pay") {
     const Controller shown = screen();
     for (const char* name : {"cancelAction", "declineAction", "back", "proceedAction"}) {
-      if (shown && shown->hasAction(name) &&
+      if (shown && shown->hasAction(name) && shown->hasAppeared() &&
+          !shown->presentedViewController() && !indicator().blocksInput() &&
           (action == "pay") == (name == std::string("proceedAction"))) {
         touch(shown, name, true);
         return;
@@ -745,6 +772,9 @@ void Walk::heard(int number) {
 
 void Walk::didPresent(const Controller& controller) {
   mortals_.emplace_back(controller);
+  if (hasFlow() && controller->identifier() == "Product") {
+    current().sawProduct = true;
+  }
   runHook("present");
 }
 
@@ -787,7 +817,7 @@ bool Walk::takeOneStep(bool pays) {
     answer(request, WalletServer::answersTo(request->kind).front());
     return true;
   }
-  if (current().polling) {
+  if (current().polling || host_->world().someoneSleeps()) {
     host_->runFor(2s);
     return true;
   }
@@ -839,6 +869,8 @@ void Walk::goOn(bool pays) {
   clearTroubles();
   constexpr int kPatience = 40;
   for (int step = 0; step < 2 * kPatience && live() && broken_.empty(); ++step) {
+    sentNow_.clear();
+    answersLeftScreen_ = false;
     const bool took = takeOneStep(pays && step < kPatience);
     settle();
     if (!took) {

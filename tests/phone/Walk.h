@@ -31,11 +31,13 @@ struct Flow {
   bool replaced = false;  ///< before it had ended, or never begun: its host hears nothing
   bool silent = false;    ///< has reached one of the ends without a callback
   bool sawProduct = false;
+  bool fixesAmount = false;  ///< so that a code with an amount of its own cannot be paid
 
   int startsAllowed = 1;
   std::set<std::string> refusedSessions;
   std::string refusedKind;       ///< of the last request that was refused with 403
   std::size_t newestLookup = 0;  ///< of those answered
+  bool lookupsAreMixed = false;  ///< one was sent again, so that their order is not known
 
   // The payment.
   bool wanted = false;    ///< the user has asked for a purchase that has not been sent
@@ -68,6 +70,10 @@ class Walk : private UiObserver {
 
   /// Rules that count, by the letter in front; all of them when empty.
   static std::string rules;
+  /// Rules that do not: those that hold one of these texts.
+  static std::vector<std::string> ignored;
+  /// Events that do not happen at random: those whose name holds one of these texts.
+  static std::vector<std::string> excluded;
 
   /// With a chooser that lets threads overtake each other, rules that compare a moment in one
   /// thread with a moment in another are left out.

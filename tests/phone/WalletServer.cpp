@@ -97,9 +97,9 @@ class WalletServer::Connection : public UrlConnection,
     }
   }
   void cancel() override {
-    delegate_.reset();
-    if (held) {
+    if (std::exchange(delegate_, nullptr) && held) {
       server_.drop(held);
+      server_.onCancelled(*held);
     }
   }
   void fail() {
@@ -166,17 +166,19 @@ void WalletServer::drop(const Request& request) {
 void WalletServer::answer(const Request& request, const std::string& how) {
   const std::shared_ptr<Connection> connection = connections_[request.get()].lock();
   drop(request);
-  const bool isForgotten =
-      oneSession_ && request->kind != "session" && request->session != newestSession_;
   if (!connection || how == "lost") {
     if (connection) {
       connection->fail();
     }
-  } else if (how == "403" || isForgotten) {
+  } else if (how == "403" || isForgotten(*request)) {
     connection->finish(403, "");
   } else {
     connection->finish(200, bodyOf(*request, how));
   }
+}
+
+bool WalletServer::isForgotten(const HeldRequest& request) const {
+  return oneSession_ && request.kind != "session" && request.session != newestSession_;
 }
 
 const ServerSession* WalletServer::session(const std::string& token) const {

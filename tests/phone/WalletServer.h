@@ -24,6 +24,7 @@ struct HeldRequest {
   boost::json::object body;
   std::weak_ptr<void> asker;  ///< for the test: the screen that was shown when it was sent
   int flow = 0;               ///< for the test: the entry call whose session it belongs to
+  bool late = false;          ///< for the test: it follows from an answer to a screen that was left
 
   std::string text(const char* key) const;
   std::int64_t integer(const char* key) const;
@@ -55,12 +56,17 @@ class WalletServer : public UrlConnections {
   /// Runs when a device token has been issued for that request.
   std::function<void(const HeldRequest&, const std::string& token)> onActivated;
 
+  /// Runs when the client gives an exchange up.
+  std::function<void(const HeldRequest&)> onCancelled;
+
   /// Unanswered requests, in the order of sending.
   const std::vector<Request>& held() const { return held_; }
   std::size_t sent() const { return sent_; }
   /// The answers that the server knows for this kind of request, the usual one first.
   static const std::vector<std::string>& answersTo(const std::string& kind);
   void answer(const Request& request, const std::string& how);
+  /// Refused with 403 whatever the answer was to be.
+  bool isForgotten(const HeldRequest& request) const;
 
   const ServerSession* session(const std::string& token) const;
   /// The newest session that was opened with this library key; empty when there is none.

@@ -247,6 +247,12 @@ void VirtualWorld::runMainQueueUntil(const std::function<bool()>& done) {
   }
 }
 
+bool VirtualWorld::someoneSleeps() const {
+  return std::any_of(workers_.begin(), workers_.end(), [](const auto& worker) {
+    return !worker->idle && worker->waiting && worker->doing == "sleeps";
+  });
+}
+
 // The end.
 
 void VirtualWorld::closeMainQueue() {

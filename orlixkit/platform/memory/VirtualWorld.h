@@ -89,6 +89,9 @@ class VirtualWorld {
   /// left. May be called again.
   void shutDown();
 
+  /// A task waits for time to pass, by the clock's `sleep`.
+  bool someoneSleeps() const;
+
   /// Tasks that run or wait, and those whose stack is kept for the next one.
   std::size_t threadCount() const { return workers_.size(); }
 

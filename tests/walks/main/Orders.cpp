@@ -12,7 +12,8 @@
 namespace {
 
 int usage() {
-  std::cerr << "usage: orders [--events N | --walks N] [--seed S] [--rules LETTERS] [--replay "
+  std::cerr << "usage: orders [--events N | --walks N] [--seed S] [--rules LETTERS] [--ignore "
+               "TEXT] [--without TEXT] [--replay "
                "\"EVENT, EVENT\"]\n";
   return 2;
 }
@@ -37,6 +38,14 @@ int main(int count, char** words) {
     const std::string value = words[i + 1];
     if (option == "--replay") {
       return replay(value);
+    }
+    if (option == "--without") {
+      orlix::test::Walk::excluded.push_back(value);
+      continue;
+    }
+    if (option == "--ignore") {
+      orlix::test::Walk::ignored.push_back(value);
+      continue;
     }
     if (option == "--rules") {
       orlix::test::Walk::rules = value;
