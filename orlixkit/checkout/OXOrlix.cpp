@@ -82,7 +82,13 @@ void OXOrlix::abandonStart() {
 
 void OXOrlix::start(const Entry& entry) {
   checkCustomerId(entry.customerId);
+  const std::shared_ptr<OXSession> former = OXSession::currentSession();
   endFormerFlow(entry.controller);
+  // The observer of what is shown is the host's code: an entry call that it has made since is the
+  // later one, and counts. So it does below.
+  if (OXSession::currentSession() != former) {
+    return;
+  }
   OXSession::reset();
   const std::shared_ptr<OXSession> session = OXSession::currentSession();
   session->presentingController = entry.controller;
@@ -95,7 +101,6 @@ void OXOrlix::start(const Entry& entry) {
   if (!waitingController_) {
     showLoadingDialogFromController(entry.controller);
   }
-  // The observer of what is shown is the host's code, and may have made an entry call itself.
   if (session->isLive()) {
     OMVello::sharedOMVello().initSessionWithLibKey(entry.apiKey, entry.system, shared_from_this());
   }
@@ -111,7 +116,8 @@ void OXOrlix::endFormerFlow(const Controller& controller) {
   OXUtil::indicator().dismiss();
   forgetWaitingScreenOfAnotherPlace(controller);
   const Controller& below = former->presentingController;
-  if (!wasLive || !below || !below->presentedViewController()) {
+  // Of a flow that is over there may be screens on their way out; what else is there is the host's.
+  if (!below || !below->presentedViewController() || (!wasLive && !former->hasScreens())) {
     return;
   }
   cutPresented(below->presentedViewController() == waitingController_ ? waitingController_ : below,

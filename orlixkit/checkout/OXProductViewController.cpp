@@ -413,15 +413,15 @@ void OXProductViewController::receiptArrived(const MTReceipt& receipt) {
 }
 
 void OXProductViewController::endWith(const std::function<void(OXSession&)>& outcome) {
-  hideProgress();
-  // The observer of the indicator is the host's code, and may have ended the flow.
-  if (const auto current = session()) {
-    outcome(*current);
+  if (hideProgress()) {
+    outcome(*session());
   }
 }
 
 void OXProductViewController::offerRetryOf(Step step) {
-  hideProgress();
+  if (!hideProgress()) {
+    return;
+  }
   ConnectionAlert alert;
   alert.ofPayment = true;
   alert.retry = [screen = self(), step] { ((*screen).*step)(); };

@@ -204,14 +204,22 @@ void OXSession::end(const std::string& operation, HostCallback callback) {
   if (!isLiveFor(operation)) {
     return;
   }
+  const bool hasPlace = presentingController != nullptr;
   setPendingCallback(std::move(callback));
   OXUtil::indicator().dismiss();
-  leave([self = shared_from_this()] {
+  // Not from within: a dismissal may be cut short inside an entry call, and the host may make one
+  // in its callback.
+  const Task deliver = [self = shared_from_this()] {
     self->closeAlerts();
-    // Not from here: this may run inside an entry call, which cuts the dismissal short, and the
-    // host may make an entry call in its callback.
     Host::current().ports().mainQueue->async([self] { self->deliverPendingCallback(); });
-  });
+  };
+  if (hasPlace && !presentingController) {
+    // The indicator's observer has made an entry call, which has dismissed the screens.
+    LocationUtil::sharedLocationUtil().stopLocationDetection();
+    deliver();
+  } else {
+    leave(deliver);
+  }
 }
 
 /// From here on the callback is due, whatever becomes of the steps up to it.

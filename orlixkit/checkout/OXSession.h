@@ -71,6 +71,8 @@ class OXSession : public std::enable_shared_from_this<OXSession> {
   void dataChanged();
   /// One of the screens at hand shows them.
   bool isDataShown() const;
+  /// A screen of the library is shown, if only on its way out.
+  bool hasScreens() const { return !shownScreens().empty(); }
 
   void returnUserDidCancel();
   void returnUserRegistered();

@@ -24,6 +24,14 @@ constexpr double kHeightOfLogo = 46;
 
 std::string lastUsedCardKey() { return OXUtil::storageKeyForItem("lastUsedCard"); }
 
+/// The topmost screen of a flow that has one.
+std::shared_ptr<ViewController> screenOf(const std::shared_ptr<OXSession>& session) {
+  const auto below = session ? session->presentingController : nullptr;
+  const auto top = AlertWindow::ox_topViewControllerFrom(below);
+  const bool isShown = top != below && isOnScreen(Host::current().application(), below);
+  return isShown ? top : nullptr;
+}
+
 }  // namespace
 
 std::string OXUtil::storageKeyForItem(const std::string& item) {
@@ -48,19 +56,12 @@ void OXUtil::showAlertWithTitle(const std::string& title, const std::string& mes
 void OXUtil::showAlert(const std::shared_ptr<AlertController>& alert) {
   styleAlertController(*alert);
   const std::shared_ptr<OXSession> session = OXSession::currentSession();
-  const std::shared_ptr<ViewController> below = session->presentingController;
-  if (!session->isLive() || !below) {
-    AlertWindow::show(alert);
-    return;
+  if (session->isLive() && session->presentingController) {
+    session->keepTrackOf(alert);
+    // Over the flow's own screen, which need not be in the active window.
+    alert->place = [weak = std::weak_ptr<OXSession>(session)] { return screenOf(weak.lock()); };
   }
-  session->keepTrackOf(alert);
-  // Over the flow's own screen, which need not be in the active window.
-  const auto top = AlertWindow::ox_topViewControllerFrom(below);
-  if (top != below && isOnScreen(Host::current().application(), below)) {
-    top->present(alert, true);
-  } else {
-    AlertWindow::show(alert);
-  }
+  AlertWindow::show(alert);
 }
 
 void OXUtil::showConnectionAlert(ConnectionAlert alert) {
@@ -71,8 +72,9 @@ void OXUtil::showConnectionAlert(ConnectionAlert alert) {
     } else if (alert.ofPayment) {
       session->connectionAlerts().add(alert);
     } else {
-      session->whenNotPaying("alert " + alert.source,
-                             [alert](OXSession& current) { current.connectionAlerts().add(alert); });
+      session->whenNotPaying("alert " + alert.source, [alert](OXSession& current) {
+        current.connectionAlerts().add(alert);
+      });
     }
   });
 }

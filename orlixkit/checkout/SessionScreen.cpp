@@ -11,7 +11,10 @@ void SessionScreen::showProgress(const std::string& status, ProgressMask mask,
   }
 }
 
-void SessionScreen::hideProgress() { OXUtil::indicator().dismissFor(*this); }
+bool SessionScreen::hideProgress() {
+  OXUtil::indicator().dismissFor(*this);
+  return session() != nullptr;
+}
 
 void SessionScreen::offerRetry(const std::string& kind, Task retry) {
   const auto self = std::static_pointer_cast<SessionScreen>(shared_from_this());

@@ -49,8 +49,9 @@ class SessionScreen : public ViewController {
   /// Does nothing on a screen that was left.
   void showProgress(const std::string& status, ProgressMask mask = ProgressMask::none,
                     ProgressStyle style = ProgressStyle::activity);
-  /// Dismisses the progress indicator if this screen shows it.
-  void hideProgress();
+  /// Dismisses the progress indicator if this screen shows it. False when the flow is over
+  /// afterwards: the indicator's observer is the host's code, and may have ended or replaced it.
+  [[nodiscard]] bool hideProgress();
   /// The connection alert for a request of this screen that has failed.
   void offerRetry(const std::string& kind, Task retry);
 

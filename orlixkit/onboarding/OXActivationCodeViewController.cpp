@@ -56,8 +56,7 @@ void OXActivationCodeViewController::proceedAction() {
 }
 
 void OXActivationCodeViewController::answered(std::int32_t status) {
-  hideProgress();
-  if (!session()) {
+  if (!hideProgress()) {
     return;
   }
   if (status == 1) {

@@ -139,14 +139,14 @@ void OXActivationViewController::ask(const std::string& msisdn) {
        .answered = [screen = self()](const MTSmsResponse& response) { screen->answered(response); },
        .failed =
            [screen = self()] {
-             screen->hideProgress();
-             screen->offerRetry("msisdn", [screen] { screen->sendMsisdn(); });
+             if (screen->hideProgress()) {
+               screen->offerRetry("msisdn", [screen] { screen->sendMsisdn(); });
+             }
            }});
 }
 
 void OXActivationViewController::answered(const MTSmsResponse& response) {
-  hideProgress();
-  if (!session()) {
+  if (!hideProgress()) {
     return;
   }
   if (response.status != SmsResponseStatus::success) {

@@ -77,6 +77,13 @@ void OXAddCardViewController::warn(const std::string& message) {
   OXUtil::showAlertWithTitle("Warning", message);
 }
 
+/// The request is over, and the form stays.
+void OXAddCardViewController::refuse(const std::string& message) {
+  if (hideProgress()) {
+    warn(message);
+  }
+}
+
 void OXAddCardViewController::proceedAction() {
   cardNumber_ = cardNumberField_->number();
   if (!isValidLuhn(cardNumber_) && lengthOf(cardNumber_) < 14) {
@@ -105,8 +112,9 @@ void OXAddCardViewController::checkCard() {
        .answered = [screen = self()](const MTBinInfo& info) { screen->lookedUp(info); },
        .failed =
            [screen = self()] {
-             screen->hideProgress();
-             screen->offerRetry("bin", [screen] { screen->checkCard(); });
+             if (screen->hideProgress()) {
+               screen->offerRetry("bin", [screen] { screen->checkCard(); });
+             }
            },
        .latestCounts = true});
 }
@@ -114,8 +122,7 @@ void OXAddCardViewController::checkCard() {
 void OXAddCardViewController::lookedUp(const MTBinInfo& info) {
   binInfo_ = info;
   if (!binInfo_.cardSupported) {
-    hideProgress();
-    warn("This bank card is not supported");
+    refuse("This bank card is not supported");
     return;
   }
   const auto card = std::make_shared<CardInfoResponse>();
@@ -139,8 +146,7 @@ bool OXAddCardViewController::takeExpiryDate(CardInfoResponse& card) {
   }
   const std::optional<ExpiryDate> date = splitExpiryDate(expiryDate_);
   if (!date || !isValidExpiryDate(expiryDate_)) {
-    hideProgress();
-    warn("Invalid expiry date");
+    refuse("Invalid expiry date");
     return false;
   }
   card.expiryDateMonth = date->month;
@@ -154,8 +160,7 @@ bool OXAddCardViewController::takeDateOfBirth(CardInfoResponse& card) {
   }
   const std::optional<std::string> formatted = dateOfBirthFromYear(dateOfBirth_, "");
   if (!formatted || !isValidDateOfBirth(dateOfBirth_)) {
-    hideProgress();
-    warn("Enter a valid date of birth DD/MM/YYYY");
+    refuse("Enter a valid date of birth DD/MM/YYYY");
     return false;
   }
   dateOfBirthFormatted_ = *formatted;
@@ -170,12 +175,11 @@ bool OXAddCardViewController::takeAccount(CardInfoResponse& card) {
   if (cardAccountGroupView_->subviews().front()->hidden()) {
     // Without a word: the row that appears says it. The next proceed asks for all of it again.
     cardAccountGroupView_->setSubviewsHidden(false);
-    hideProgress();
+    static_cast<void>(hideProgress());
     return false;
   }
   if (cardAccountField_->text().empty()) {
-    hideProgress();
-    warn("Please select an account.");
+    refuse("Please select an account.");
     return false;
   }
   card.account = cardAccountField_->text();
@@ -193,8 +197,9 @@ void OXAddCardViewController::linkCard(const std::shared_ptr<CardInfoResponse>& 
                     card](const MTCardResponse& response) { screen->answered(response, card); },
        .failed =
            [screen = self(), card] {
-             screen->hideProgress();
-             screen->offerRetry("link", [screen, card] { screen->linkCard(card); });
+             if (screen->hideProgress()) {
+               screen->offerRetry("link", [screen, card] { screen->linkCard(card); });
+             }
            },
        // The wallet may hold the card by now; which one is paid with was chosen without it.
        .answeredLate = [] { OXOrlix::reloadData(); }});
@@ -203,16 +208,15 @@ void OXAddCardViewController::linkCard(const std::shared_ptr<CardInfoResponse>& 
 void OXAddCardViewController::answered(const MTCardResponse& response,
                                        const std::shared_ptr<CardInfoResponse>& card) {
   if (response.status == CardResponseStatus::success) {
-    hideProgress();
-    linked(response);
+    if (hideProgress()) {
+      linked(response);
+    }
   } else if (response.status == CardResponseStatus::failed) {
-    hideProgress();
-    warn("There seems to be some problem adding this card");
+    refuse("There seems to be some problem adding this card");
   } else if (response.status == CardResponseStatus::relink) {
-    hideProgress();
-    if (const auto current = session()) {
-      current->cardInfoResponse = card;
-      current->showMsisdnRelinkScreen();
+    if (hideProgress()) {
+      session()->cardInfoResponse = card;
+      session()->showMsisdnRelinkScreen();
     }
   }
   // An answer that says none of the three leaves the indicator up: the outcome is not known, and
@@ -223,8 +227,7 @@ void OXAddCardViewController::linked(const MTCardResponse& response) {
   // The first card. (The screen that confirms the mobile number takes the last one.)
   const bool hasCards = response.cardList && !response.cardList->cardsArray.empty();
   OXUtil::setLastUsedCardId(hasCards ? response.cardList->cardsArray.front().cardId : 0);
-  const std::shared_ptr<OXSession> current = session();
-  if (current && current->preRegister) {
+  if (const auto current = session(); current->preRegister) {
     current->returnUserRegistered();
   } else {
     OXOrlix::loadCodeInfo(nullptr);

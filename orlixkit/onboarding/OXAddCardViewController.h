@@ -53,6 +53,7 @@ class OXAddCardViewController : public OrlixViewController {
   void answered(const MTCardResponse& response, const std::shared_ptr<CardInfoResponse>& card);
   void linked(const MTCardResponse& response);
   void warn(const std::string& message);
+  void refuse(const std::string& message);
   std::shared_ptr<OXAddCardViewController> self();
 
   std::shared_ptr<CardNumberField> cardNumberField_;

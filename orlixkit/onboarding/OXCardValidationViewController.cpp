@@ -68,24 +68,23 @@ void OXCardValidationViewController::unlockCardWithDateOfBirth(const std::string
        .answered = [screen](const MTCardValidateResponse& response) { screen->answered(response); },
        .failed =
            [screen, dateOfBirth] {
-             screen->hideProgress();
-             screen->offerRetry("validate", [screen, dateOfBirth] {
-               screen->unlockCardWithDateOfBirth(dateOfBirth);
-             });
+             if (screen->hideProgress()) {
+               screen->offerRetry("validate", [screen, dateOfBirth] {
+                 screen->unlockCardWithDateOfBirth(dateOfBirth);
+               });
+             }
            },
        .answeredLate = [] { OXOrlix::reloadData(); }});
 }
 
 void OXCardValidationViewController::answered(const MTCardValidateResponse& response) {
-  hideProgress();
-  const auto current = session();
-  if (!current) {
+  if (!hideProgress()) {
     return;
   }
   // The sentence alone decides, to the letter: the server has no other sign of success.
   if (response.message == "Your card has been added") {
     OXOrlix::loadCodeInfo(nullptr);
-    current->showPurchaseScreen();
+    session()->showPurchaseScreen();
     return;
   }
   const auto alert = std::make_shared<AlertController>(

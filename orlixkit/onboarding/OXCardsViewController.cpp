@@ -117,9 +117,10 @@ void OXCardsViewController::deleteCard(const CardOption& card) {
        // Whatever the answer says: the reloaded list shows the truth.
        .answered =
            [screen = self()](const MTCardResponse&) {
-             screen->hideProgress();
-             OXOrlix::loadCodeInfo(nullptr);
-             screen->tableView_->reloadData();
+             if (screen->hideProgress()) {
+               OXOrlix::loadCodeInfo(nullptr);
+               screen->tableView_->reloadData();
+             }
            },
        .failed =
            [screen = self(), card] {

@@ -44,15 +44,18 @@ void OXMsisdnRelinkViewController::proceedAction() {
        .answered = [screen](const MTCardResponse& response) { screen->answered(response); },
        .failed =
            [screen] {
-             screen->hideProgress();
-             screen->offerRetry("link", [screen] { screen->proceedAction(); });
+             if (screen->hideProgress()) {
+               screen->offerRetry("link", [screen] { screen->proceedAction(); });
+             }
            },
        // The wallet may hold the card by now; which one is paid with was chosen without it.
        .answeredLate = [] { OXOrlix::reloadData(); }});
 }
 
 void OXMsisdnRelinkViewController::answered(const MTCardResponse& response) {
-  hideProgress();
+  if (!hideProgress()) {
+    return;
+  }
   switch (response.status) {
     case CardResponseStatus::success:
       linked(response);
@@ -73,8 +76,7 @@ void OXMsisdnRelinkViewController::linked(const MTCardResponse& response) {
   // list may begin with the new card, takes the first.)
   const bool hasCards = response.cardList && !response.cardList->cardsArray.empty();
   OXUtil::setLastUsedCardId(hasCards ? response.cardList->cardsArray.back().cardId : 0);
-  const std::shared_ptr<OXSession> current = session();
-  if (current && current->preRegister) {
+  if (const auto current = session(); current->preRegister) {
     current->returnUserRegistered();
   } else {
     OXOrlix::loadCodeInfo(nullptr);

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <functional>
+#include <memory>
 #include <optional>
 #include <string>
 #include <vector>
@@ -20,7 +22,7 @@ struct AlertAction {
 /// A message over the screen that wants an answer.
 ///
 /// One that cannot be shown yet waits: for a transition that is under way, for another alert. When
-/// the controller that it waits on leaves, it is shown on what is on top of the active window.
+/// the controller that it waits on leaves, it is shown where `place` says.
 class AlertController : public ViewController {
  public:
   AlertController(std::string title, std::string message);
@@ -29,6 +31,10 @@ class AlertController : public ViewController {
   const std::string& message() const { return message_; }
   const std::vector<AlertAction>& actions() const { return actions_; }
   void addAction(AlertAction action) { actions_.push_back(std::move(action)); }
+
+  /// The controller to show the alert on, asked each time it is to be shown. Empty, or none: what
+  /// is on top of the active window.
+  std::function<std::shared_ptr<ViewController>()> place;
 
   /// Runs, once, when the alert has gone without one of its buttons having been pressed: removed by
   /// the host or with the screen below it, or never shown for want of a window. Neither after a

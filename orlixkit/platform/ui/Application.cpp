@@ -4,6 +4,7 @@
 
 #include "orlixkit/platform/Host.h"
 #include "orlixkit/platform/ui/ActiveWindow.h"
+#include "orlixkit/platform/ui/AlertController.h"
 #include "orlixkit/platform/ui/CallOut.h"
 
 namespace orlix {
@@ -80,8 +81,13 @@ void Application::animate(const std::shared_ptr<ViewController>& controller, Tra
 
 void Application::showAlert(const std::shared_ptr<ViewController>& alert, bool animated,
                             const Task& completion) {
-  const std::shared_ptr<Window> window = activeWindow(*this);
-  if (const auto top = topViewControllerFrom(window ? window->rootViewController : nullptr)) {
+  const auto own = std::dynamic_pointer_cast<AlertController>(alert);
+  std::shared_ptr<ViewController> top = own && own->place ? own->place() : nullptr;
+  if (!top) {
+    const std::shared_ptr<Window> window = activeWindow(*this);
+    top = topViewControllerFrom(window ? window->rootViewController : nullptr);
+  }
+  if (top) {
     top->present(alert, animated, completion);
     return;
   }

@@ -95,8 +95,8 @@ class Application : public std::enable_shared_from_this<Application> {
   void animate(const std::shared_ptr<ViewController>& controller, Transition transition,
                const Task& done);
 
-  /// Presents the alert on what is on top of the active window, now or when it can be. Without a
-  /// window it is dropped with a log line, and counts as lost.
+  /// Presents the alert in its place, else on what is on top of the active window, now or when it
+  /// can be. Without either it is dropped with a log line, and counts as lost.
   void showAlert(const std::shared_ptr<ViewController>& alert, bool animated,
                  const Task& completion = {});
 

@@ -328,7 +328,10 @@ void ViewController::presentWaiting(const std::vector<Waiting>& waiting,
     next.controller->state_ = PresentationState::idle;
     bool done = false;
     const auto present = [&] {
-      if (presenter) {
+      if (presenter && presenter->state_ == PresentationState::dismissing &&
+          !next.controller->isAlert()) {
+        // Nothing to present on any more, and nothing to complain of: it waited in good order.
+      } else if (presenter) {
         presenter->present(next.controller, next.animated, next.completion);
       } else if (next.controller->isAlert()) {
         heldApplication()->showAlert(next.controller, next.animated, next.completion);
