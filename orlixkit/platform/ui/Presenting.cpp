@@ -12,16 +12,13 @@
 #include "orlixkit/platform/MainQueue.h"
 #include "orlixkit/platform/ui/ActiveWindow.h"
 #include "orlixkit/platform/ui/CallOut.h"
+#include "orlixkit/platform/ui/HeldApplication.h"
 #include "orlixkit/platform/ui/PresentationController.h"
 #include "orlixkit/platform/ui/ViewController.h"
 
 namespace orlix {
 
 namespace {
-
-std::shared_ptr<Application> heldApplication() {
-  return Host::current().application().shared_from_this();
-}
 
 /// Not once the host is gone: nothing is called back then.
 void runUnlessUninstalled(const Task& task) {

@@ -6,17 +6,9 @@
 #include "orlixkit/platform/Host.h"
 #include "orlixkit/platform/ui/ActiveWindow.h"
 #include "orlixkit/platform/ui/CallOut.h"
+#include "orlixkit/platform/ui/HeldApplication.h"
 
 namespace orlix {
-
-namespace {
-
-// Held during each step: the observer, or a completion, may uninstall the host.
-std::shared_ptr<Application> heldApplication() {
-  return Host::current().application().shared_from_this();
-}
-
-}  // namespace
 
 void ProgressIndicator::show(std::string status, ProgressMask mask, ProgressStyle style,
                              const std::shared_ptr<ViewController>& owner) {
