@@ -39,8 +39,7 @@ void OXMsisdnRelinkViewController::proceedAction() {
   send<MTCardResponse>(
       {.kind = "link",
        .queue = RequestQueue::globalBackground,
-       .ask = [card = *current->cardInfoResponse](
-                  KCVelloConnection& connection) mutable { return connection.linkCard(card); },
+       .ask = [card](KCVelloConnection& connection) mutable { return connection.linkCard(card); },
        .answered = [screen](const MTCardResponse& response) { screen->answered(response); },
        .failed =
            [screen] {
