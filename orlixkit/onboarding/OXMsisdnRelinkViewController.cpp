@@ -33,7 +33,7 @@ void OXMsisdnRelinkViewController::proceedAction() {
   }
   current->cardInfoResponse->linkedMsisdn = msisdnField_->text();
   // A copy: the request fills its record in, while the user may be proceeding once more.
-  const CardInfoResponse card = *current->cardInfoResponse;
+  CardInfoResponse card = *current->cardInfoResponse;
   showProgress("Please wait...");
   const auto screen = std::static_pointer_cast<OXMsisdnRelinkViewController>(shared_from_this());
   send<MTCardResponse>(

@@ -95,7 +95,7 @@ TEST_F(Observer, ThatThrowsAtOneCallChangesNothing) {
 
 TEST_F(Observer, ThatRunsOutOfMemoryEndsTheFlowInATaskOfItsOwn) {
   int ended = 0;
-  Host::current().whenMemoryRunsOut = [&] { ++ended; };
+  Host::current().endFlow = [&] { ++ended; };
   actAt(1, [](const std::string&) { throw std::bad_alloc(); });
   root().present(screen("A"), false);
   EXPECT_EQ(ended, 0) << "not inside the call, which may be the host's";
