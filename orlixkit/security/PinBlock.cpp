@@ -59,19 +59,14 @@ SecretString padding(const SecretString& text, std::int32_t minLength, char padC
   return pad;
 }
 
-/// The digits of the reference, cut for the account field.
+/// The digits of the reference, for the account field.
 std::string accountText(std::int64_t reference) {
-  const std::string text = fmt::format("{}0", reference);
-  std::string account = text.substr(0, text.size() - 1);
+  std::string account = fmt::to_string(reference);
   if (account.size() >= 13) {
-    // The start is counted on the longer text, so the twelve characters end one past the account
-    // text. The system has always refused such references; a block cut differently would be one
-    // that no server expects.
-    const std::size_t start = text.size() - 12;
-    if (start + 12 > account.size()) {
-      throw std::out_of_range("PinBlock: the reference has more than 12 digits");
-    }
-    account = account.substr(start, 12);
+    // Cut to twelve characters, but with a start counted on a text that is one longer, it would end
+    // one past its end. The system has always refused such references; a block cut differently
+    // would be one that no server expects.
+    throw std::out_of_range("PinBlock: the reference has more than 12 digits");
   }
   return account;
 }

@@ -109,9 +109,11 @@ TEST(LastUsedCard, ThatCannotBeStoredIsLoggedAndCountsUntilTheEnd) {
     Phone phone;
     useSystem(kTestSystem);
     phone.host.userDefaults()->setFailing(true);
+    OXUtil::setLastUsedCardId(4);
     OXUtil::setLastUsedCardId(5);
     atShutdown ? phone.host.shutdown() : phone.host.runUntilIdle();
-    EXPECT_EQ(phone.host.log().count("The last used card could not be stored: "), 1U);
+    EXPECT_EQ(phone.host.log().count("The last used card could not be stored: "), 1U)
+        << "only the newest choice is written";
     EXPECT_EQ(OXUtil::getLastUsedCardid(), 5);
     phone.host.userDefaults()->setFailing(false);
     EXPECT_EQ(stored(phone), 0);

@@ -1,12 +1,20 @@
+#include <cstddef>
+#include <cstdlib>
+#include <new>
 #include <stdexcept>
 
 #include <gtest/gtest.h>
+#include <openssl/err.h>
+#include <openssl/evp.h>
+#include <sys/mman.h>
 
 #include "orlixkit/platform/memory/MemoryHost.h"
 #include "orlixkit/security/CryptoModule.h"
 #include "orlixkit/security/DataStore.h"
 #include "orlixkit/security/Hex.h"
 #include "orlixkit/security/OMStorage.h"
+#include "orlixkit/security/PinBlock.h"
+#include "orlixkit/security/WipingResource.h"
 
 namespace orlix {
 
@@ -71,10 +79,17 @@ TEST_F(StoredRecord, ThatCannotBeReadIsLoggedAndCountsAsAbsent) {
     EXPECT_EQ(failuresOfLoad(store), 1U) << archive;
     EXPECT_EQ(stored(), before) << archive;
   }
-  store.save(storage, PersistableObject{.ssToken = std::nullopt, .uid = ""});
-  EXPECT_EQ(failuresOfLoad(store), 1U) << "a record without a token cannot be loaded again";
+  for (const PersistableObject& incomplete :
+       {PersistableObject{.ssToken = std::nullopt, .uid = ""},
+        PersistableObject{.ssToken = "token", .uid = std::nullopt}}) {
+    store.save(storage, incomplete);
+    EXPECT_EQ(failuresOfLoad(store), 1U) << "a record that lacks a text cannot be loaded again";
+  }
+  const std::string huge(std::size_t{17} * 1024 * 1024, 'x');
+  storage.saveData(store._encrypt(toBytes(R"({"root":")" + huge + "\"}")));
+  EXPECT_EQ(failuresOfLoad(store), 1U) << "nor one that would take more memory than a record needs";
   host.userDefaults()->setFailing(true);
-  EXPECT_THROW(store.reset(storage), std::runtime_error) << "the storage's own failures pass";
+  EXPECT_THROW(store.reset(storage), StoreException) << "the storage's own failures pass";
 }
 
 TEST_F(StoredRecord, UnderAnyOtherBlobOrKeyIsLoggedAndCountsAsAbsent) {
@@ -123,6 +138,54 @@ TEST_F(StoredRecord, HasADeviceSerialOfThirtyTwoUpperCaseDigitsNewEachTime) {
   EXPECT_EQ(serial.find_first_not_of("0123456789ABCDEF"), std::string::npos) << serial;
   EXPECT_NE(DataStore::assignSerial(storage), serial);
   EXPECT_FALSE(stored());
+}
+
+// In a process of its own, for OpenSSL looks its ciphers up once: a system in a restricted mode
+// lacks some of them.
+TEST(WithoutCiphers, NothingIsEncryptedOrDrawnAndNoErrorIsLeftBehind) {
+  GTEST_FLAG_SET(death_test_style, "threadsafe");
+  const auto check = [] {
+    EVP_set_default_properties(nullptr, "provider=none");
+    const bool encrypts = CryptoModule::aesEncrypt(deviceKey(), Bytes{1}) ||
+                          CryptoModule::aesDecrypt(deviceKey(), Bytes(16, 0)) ||
+                          PinBlock::createPINBlock(deviceKey(), SecretString("1234"), 0);
+    const bool leavesError = ERR_peek_error() != 0;
+    bool draws = true;
+    try {
+      OMStorage unused("live.data");
+      DataStore::assignSerial(unused);
+    } catch (const std::runtime_error&) {
+      draws = false;
+    }
+    std::exit(encrypts || leavesError || draws ? 1 : 0);
+  };
+  EXPECT_EXIT(check(), testing::ExitedWithCode(0), "");
+}
+
+TEST_F(StoredRecord, ThatIsTooLargeToEncryptLeavesTheFormerOneInPlace) {
+  store.save(storage, PersistableObject{.ssToken = "former", .uid = ""});
+  // Address space only: the cipher counts in int, and looks at the size first.
+  constexpr std::size_t size = std::size_t{1} << 31U;
+  void* const pages =
+      ::mmap(nullptr, size, PROT_READ, MAP_PRIVATE | MAP_ANONYMOUS | MAP_NORESERVE, -1, 0);
+  ASSERT_NE(pages, MAP_FAILED);
+  storage.saveData(store._encrypt({static_cast<const std::uint8_t*>(pages), size}));
+  ::munmap(pages, size);
+  EXPECT_EQ(store.load(storage)->ssToken, "former");
+}
+
+TEST(WipingMemory, IsLimitedAndRefusesAnAlignmentThatTheHeapDoesNotGive) {
+  WipingResource memory(100);
+  boost::json::memory_resource& resource = memory;
+  EXPECT_THROW(resource.allocate(101), std::bad_alloc);
+  EXPECT_THROW(resource.allocate(8, 2 * alignof(std::max_align_t)), std::bad_alloc);
+  void* const piece = resource.allocate(60);
+  EXPECT_THROW(resource.allocate(41), std::bad_alloc);
+  resource.deallocate(piece, 60);
+  void* const whole = resource.allocate(100);
+  resource.deallocate(whole, 100);
+  EXPECT_TRUE(memory == memory);
+  EXPECT_FALSE(memory == WipingResource(100));
 }
 
 TEST(AesModule, PadsToWholeBlocksAndTakesSixteenBytesOfTheKey) {
