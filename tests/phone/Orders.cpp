@@ -13,6 +13,7 @@
 #include <sys/mman.h>
 #include <sys/wait.h>
 
+#include "orlixkit/platform/memory/Interleavings.h"
 #include "tests/phone/Walk.h"
 
 namespace orlix::test {
@@ -310,6 +311,34 @@ std::string walkEveryOrder(const EveryOrder& part) {
   search.visit(part.depth);
   std::cout << search.orders << " orders of " << part.name << "\n";
   return search.found;
+}
+
+std::string meetAtOnce(const std::string& before, const Order& events) {
+  std::string found;
+  const auto scenario = [&](const Chooser& chooser, bool preemptive, const std::string& choices) {
+    bool open = false;
+    Walk walk([&](std::size_t count) { return open ? chooser(count) : 0; }, preemptive);
+    for (const std::string& event : parseOrder(before)) {
+      walk.happen(event);
+    }
+    open = true;
+    walk.happenAtOnce(events);
+    walk.goOn(true);
+    if (walk.broken().empty()) {
+      walk.end();
+    }
+    if (found.empty() && !walk.broken().empty()) {
+      found = walk.broken() + "\n  " + toText(events) + "; choices " + choices;
+    }
+  };
+  Interleavings search({.depth = 4});
+  search.run([&](const Chooser& chooser) { scenario(chooser, false, search.choices()); });
+  for (unsigned seed = 0; seed < 50; ++seed) {
+    std::mt19937 lot(seed);
+    scenario([&lot](std::size_t count) { return lot() % count; }, true,
+             "of seed " + std::to_string(seed));
+  }
+  return found;
 }
 
 }  // namespace orlix::test

@@ -58,4 +58,9 @@ struct EveryOrder {
 /// orders.
 std::string walkEveryOrder(const EveryOrder& part);
 
+/// These events as tasks of one moment: in every order of the first tasks that follow from them,
+/// then at random, where threads overtake one another as well; in the end the user pays. Returns
+/// the first rule that is broken, with the choices that led to it.
+std::string meetAtOnce(const std::string& before, const Order& events);
+
 }  // namespace orlix::test

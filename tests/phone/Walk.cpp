@@ -26,13 +26,35 @@ constexpr double kRare = 0.15;
 /// A run to the end of one event takes a few dozen steps.
 constexpr std::uint64_t kMostSteps = 20'000;
 
-const std::vector<std::string> kHooks{"progress", "present", "dismiss", "animate", "outcome"};
-const std::vector<std::string> kHostActions{
-    "throw",  "cancel",       "pay",          "checkout",           "checkout again",
-    "wallet", "wallet again", "pre-register", "pre-register again", "run the main queue"};
-
 bool has(const std::string& text, const std::string& part) {
   return text.find(part) != std::string::npos;
+}
+
+std::vector<std::string> everyPair(const std::vector<std::string>& first,
+                                   const std::vector<std::string>& second) {
+  std::vector<std::string> pairs;
+  for (const std::string& one : first) {
+    for (const std::string& other : second) {
+      pairs.push_back(one + other);
+    }
+  }
+  return pairs;
+}
+
+const std::vector<std::string>& entryNames() {
+  static const std::vector<std::string> names =
+      everyPair(everyPair({"checkout", "pre-register", "wallet"}, {"", " again"}),
+                {"", " as A", " as B", " live", " elsewhere", " for 10"});
+  return names;
+}
+
+/// What the host's code does, and where.
+const std::vector<std::string>& hookNames() {
+  static const std::vector<std::string> names =
+      everyPair({"at progress: ", "at present: ", "at dismiss: ", "at animate: ", "at outcome: "},
+                {"throw", "cancel", "pay", "run the main queue", "checkout", "checkout again",
+                 "wallet", "wallet again", "pre-register", "pre-register again"});
+  return names;
 }
 
 std::string customerOf(const std::string& entry) {
@@ -184,13 +206,6 @@ bool Walk::goesOn() const {
 
 // Events.
 
-void Walk::offer(double weight, std::string name, Task happen) {
-  for (const std::string& text : excluded) {
-    weight = has(name, text) ? 0 : weight;
-  }
-  offers_.push_back({std::move(name), weight, std::move(happen)});
-}
-
 std::vector<Walk::Offer> Walk::offers() {
   offers_.clear();
   offerAnswers();
@@ -201,6 +216,11 @@ std::vector<Walk::Offer> Walk::offers() {
   offerEntries();
   offerHost();
   offerTrouble();
+  for (Offer& one : offers_) {
+    for (const std::string& text : excluded) {
+      one.weight = has(one.name, text) ? 0 : one.weight;
+    }
+  }
   return std::move(offers_);
 }
 
@@ -211,13 +231,14 @@ bool Walk::happen(const std::string& name) {
     goOn(event.starts_with("pay"));
     return true;
   }
-  for (const Offer& one : offers()) {
-    if (one.name == event) {
-      happen(one, settle);
-      return true;
-    }
+  only_ = &event;
+  const std::vector<Offer> found = offers();
+  only_ = nullptr;
+  if (found.empty()) {
+    return false;
   }
-  return false;
+  happen(found.front(), settle);
+  return true;
 }
 
 void Walk::happen(const Offer& offer, bool settles) {
@@ -525,14 +546,8 @@ void Walk::returnPage() {
 
 void Walk::offerEntries() {
   const double weight = live() ? 0.02 : kNow;
-  for (const char* family : {"checkout", "pre-register", "wallet"}) {
-    const double likely = weight * (family == std::string("checkout") ? 3 : 1);
-    for (const char* facade : {"", " again"}) {
-      for (const char* how : {"", " as A", " as B", " live", " elsewhere", " for 10"}) {
-        const std::string name = std::string(family) + facade + how;
-        offer(likely, name, [this, name] { enter(name); });
-      }
-    }
+  for (const std::string& name : entryNames()) {
+    offer(name.starts_with("checkout") ? 3 * weight : weight, name, [this, &name] { enter(name); });
   }
 }
 
@@ -632,11 +647,11 @@ void Walk::offerHost() {
   const bool hasWindow = host_->application().keyWindow != nullptr;
   offer(hasWindow ? kRare / 5 : kUsual, hasWindow ? "the window goes" : "the window comes back",
         [this, hasWindow] { setWindow(!hasWindow); });
-  for (const std::string& hook : kHooks) {
-    for (const std::string& action : kHostActions) {
-      offer(armed_.empty() ? kRare / 12 : 0, "at " + hook + ": " + action,
-            [this, hook, action] { armed_[hook] = action; });
-    }
+  for (const std::string& name : hookNames()) {
+    offer(armed_.empty() ? kRare / 12 : 0, name, [this, &name] {
+      const std::size_t colon = name.find(": ");
+      armed_[name.substr(3, colon - 3)] = name.substr(colon + 2);
+    });
   }
   offer(kRare, "hold the next animation", [this] { ++animationsToHold_; });
   if (!animations_.empty()) {

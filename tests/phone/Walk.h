@@ -129,7 +129,12 @@ class Walk : private UiObserver {
   bool goesOn() const;
 
   // Events.
-  void offer(double weight, std::string name, Task happen);
+  template <class Happen>
+  void offer(double weight, const std::string& name, const Happen& happen) {
+    if (only_ == nullptr || name == *only_) {
+      offers_.push_back({name, weight, happen});
+    }
+  }
   void offerAnswers();
   void offerTouches();
   void offerTouchesOf(const Controller& screen, double weight);
@@ -211,6 +216,7 @@ class Walk : private UiObserver {
   std::map<std::size_t, int> wipesAtSending_;  ///< by number of the activation request
 
   std::vector<Offer> offers_;
+  const std::string* only_ = nullptr;  ///< name of the one that is looked for
   std::vector<std::function<void()>> questions_;
   std::vector<std::weak_ptr<ViewController>> former_;  ///< of replaced flows: to stay away
   std::map<std::string, std::weak_ptr<ViewController>> lastScreens_;
