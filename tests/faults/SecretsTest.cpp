@@ -60,8 +60,8 @@ std::vector<MemoryScan::Needle> pinKey() {
   MemoryScan::Needle text = named("PIN key's text");
   unsigned bits = 0;
   int held = 0;
-  const auto connection = OMVello::sharedOMVello().connection();
-  for (const std::uint8_t byte : connection->dataStore().pinKey->reveal()) {
+  const DataStore store = OMVello::sharedOMVello().connection()->dataStore();
+  for (const std::uint8_t byte : store.pinKey->reveal()) {
     raw.add(byte);
     bits = bits << 8U | byte;
     for (held += 8; held >= 6; held -= 6) {

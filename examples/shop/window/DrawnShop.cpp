@@ -66,8 +66,12 @@ DrawnShop::DrawnShop(const ShopOptions& options, std::ostream& out, std::ostream
         *options.messages, [this](const QString& line) { counter_->addMessage(line); });
   }
   presenter_ = std::make_unique<shell::ScreenPresenter>(engine_, window_);
-  QObject::connect(presenter_.get(), &shell::ScreenPresenter::emptied, counter_.get(),
-                   [this] { ports_.mainQueue->async([this] { counter_->leftAlone(); }); });
+  QObject::connect(presenter_.get(), &shell::ScreenPresenter::emptied, counter_.get(), [this] {
+    // The outcome comes by the main queue once the screens are gone, so only what
+    // runs after that can tell that none has come.
+    const auto queue = ports_.mainQueue;
+    queue->async([this, queue] { queue->async([this] { counter_->leftAlone(); }); });
+  });
   shop_.drawnBy(presenter_.get());
   window_.show();
   window_.requestActivate();
