@@ -47,7 +47,7 @@ void birth(std::string_view text, std::string_view separator) {
   check(turned.has_value() == (characters.size() == 10), "a date of birth has ten characters");
   if (turned) {
     std::string expected;
-    for (const std::size_t i : {6, 7, 8, 9}) {
+    for (const unsigned i : {6U, 7U, 8U, 9U}) {
       expected += characters[i];
     }
     expected += separator;
