@@ -338,8 +338,9 @@ void Walk::noteAnswer(const HeldRequest& request, const std::string& how) {
       flow.startsAllowed += how == "lost" ? 1 : 0;
       flow.silent = flow.silent || (how == "refused" && refused.empty());
     }
-  } else if (kind == "lookup" && how == "nothing" && !has(describe(), "Waiting")) {
-    flow.silent = true;
+  } else if (kind == "lookup" && (how == "nothing" || how == "unusable")) {
+    flow.silent = flow.silent || flow.lookupRetried || !has(describe(), "Waiting");
+    flow.lookupsAreMixed = true;
   } else if (kind == "lookup" && ((how == "ok" && !flow.fixesAmount) || how == "variable")) {
     flow.newestLookup = std::max(flow.newestLookup, request.number);
   } else if (kind == "receipt") {
@@ -484,6 +485,7 @@ void Walk::press(const std::shared_ptr<AlertController>& alert, const std::strin
     flow.startsAllowed += retries ? 1 : 0;
     flow.pollsSince = host_->clock().steadyNow();
     flow.accepted = flow.accepted && retries;
+    flow.lookupRetried = flow.lookupRetried || (retries && cause == "lookup");
     flow.silent = flow.silent || (!retries && (cause == "lookup" || cause == "list"));
     if (retries && queues_->failures == 0) {
       afterwards([this, sentBefore = server_->sent()] {

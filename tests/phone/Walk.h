@@ -37,7 +37,8 @@ struct Flow {
   std::set<std::string> refusedSessions;
   std::string refusedKind;       ///< of the last request that was refused with 403
   std::size_t newestLookup = 0;  ///< of those answered
-  bool lookupsAreMixed = false;  ///< one was sent again, so that their order is not known
+  bool lookupRetried = false;
+  bool lookupsAreMixed = false;  ///< one was sent again or not usable: their order does not show
 
   // The payment.
   bool wanted = false;    ///< the user has asked for a purchase that has not been sent
@@ -180,6 +181,7 @@ class Walk : private UiObserver {
   void checkScreens();
   void checkIndicator();
   void checkAlerts();
+  void checkPlaceOf(const std::shared_ptr<AlertController>& alert);
   void checkWayOut();
   void breakRule(const std::string& rule);
   /// Asked after the event has settled.

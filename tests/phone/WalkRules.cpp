@@ -61,7 +61,7 @@ std::optional<std::string> Walk::requestSent(HeldRequest& request) {
   }
   request.flow = key.empty() ? -1 : std::stoi(key.substr(4));
   request.asker = screen();
-  request.late = answersLeftScreen_;
+  request.late = answersLeftScreen_ && (request.kind == "lookup" || request.kind == "list");
   if (!preemptive_ && (request.flow != current_ || !live())) {
     breakRule("(e) a request is sent after the outcome or replacement of its flow: " +
               request.kind);
@@ -212,7 +212,9 @@ void Walk::look() {
     }
   }
   for (const auto& alert : alerts()) {
-    causes_.emplace(alert, cause_);
+    if (causes_.emplace(alert, cause_).second) {
+      checkPlaceOf(alert);
+    }
   }
   mortals_.emplace_back(OXSession::currentSession());
   mortals_.emplace_back(OMVello::sharedOMVello().connection());
@@ -299,20 +301,24 @@ void Walk::checkIndicator() {
   }
 }
 
+/// A new alert: a flow that has a screen shows it there.
+void Walk::checkPlaceOf(const std::shared_ptr<AlertController>& alert) {
+  if (preemptive_ || !live() || !screen() || alert->title() == "Deregister") {
+    return;
+  }
+  const std::vector<Controller> flows = chain(current().controller);
+  if (std::find(flows.begin(), flows.end(), alert) == flows.end()) {
+    breakRule("(h) an alert is shown elsewhere than on the flow's screen");
+  }
+}
+
 void Walk::checkAlerts() {
   int connectionAlerts = 0;
   for (const auto& alert : alerts()) {
     connectionAlerts += alert->title() == "Connection problem" ? 1 : 0;
-    const bool isHosts = alert->title() == "Deregister";
-    if (!isHosts && !live() && animations_.empty() && alert->title() != "Error") {
+    const bool mayStay = alert->title() == "Deregister" || alert->title() == "Error";
+    if (!mayStay && !live() && animations_.empty()) {
       breakRule("(c) an alert outlives its flow: " + alert->title());
-    }
-    const Controller shown = live() ? screen() : nullptr;
-    const std::vector<Controller> flowsChain =
-        shown ? chain(current().controller) : std::vector<Controller>();
-    if (shown && !isHosts &&
-        std::find(flowsChain.begin(), flowsChain.end(), alert) == flowsChain.end()) {
-      breakRule("(h) an alert is shown elsewhere than on the flow's screen: " + alert->title());
     }
   }
   if (connectionAlerts > 1) {
