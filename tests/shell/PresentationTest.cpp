@@ -167,6 +167,13 @@ class HandDriver : public QAnimationDriver {
     phone.settle();
   }
 
+ protected:
+  /// Animations begin again after none was running: the time in between is not theirs.
+  void start() override {
+    elapsed_ = 0;
+    QAnimationDriver::start();
+  }
+
  private:
   qint64 elapsed_ = 0;
 };
