@@ -114,8 +114,9 @@ void OXOrlix::endFormerFlow(const Controller& controller) {
   former->flow()->end();
   LocationUtil::sharedLocationUtil().stopLocationDetection();
   OXUtil::indicator().dismiss();
+  former->closeAlerts();
   forgetWaitingScreenOfAnotherPlace(controller);
-  const Controller& below = former->presentingController;
+  const Controller below = former->presentingController;
   // Of a flow that is over there may be screens on their way out; what else is there is the host's.
   if (!below || !below->presentedViewController() || (!wasLive && !former->hasScreens())) {
     return;

@@ -98,6 +98,8 @@ class OXSession : public std::enable_shared_from_this<OXSession> {
   ConnectionAlerts& connectionAlerts() { return *connectionAlerts_; }
   /// An alert of this flow: it goes with the flow, wherever it is shown.
   void keepTrackOf(const std::shared_ptr<AlertController>& alert);
+  /// Takes the flow's alerts away, and shows none any more.
+  void closeAlerts();
 
   /// A step found no memory and may be half done: ends the flow with error 2, or makes the callback
   /// that is still pending. Does nothing once the host has heard. May throw std::bad_alloc, and be
@@ -145,7 +147,6 @@ class OXSession : public std::enable_shared_from_this<OXSession> {
   void leaveAtOnce();
   void setPendingCallback(HostCallback callback);
   void deliverPendingCallback();
-  void closeAlerts();
   std::vector<std::shared_ptr<SessionScreen>> shownScreens() const;
   bool isLiveFor(const std::string& operation) const;
   void release();

@@ -73,13 +73,13 @@ class TroubledStore : public UserDefaults {
  private:
   UserDefaults& readable() const {
     if (state == State::locked) {
-      throw std::runtime_error("The store is locked.");
+      throw StoreException("The store is locked.");
     }
     return *store_;
   }
   UserDefaults& writable() {
     if (state != State::works) {
-      throw std::runtime_error("The store is full.");
+      throw StoreException("The store is full.");
     }
     ++writes;
     return *store_;

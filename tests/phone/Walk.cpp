@@ -839,6 +839,9 @@ bool Walk::takeOneStep(bool pays) {
     return true;
   }
   for (const auto& alert : alerts()) {
+    if (alert->presentedViewController()) {
+      continue;  // covered by the next one
+    }
     const auto& actions = alert->actions();
     const bool decides = actions.size() > 1 && pays && actions.back().title == "Retry";
     press(alert, (decides ? actions.back() : actions.front()).title);
