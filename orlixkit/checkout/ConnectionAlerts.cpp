@@ -31,6 +31,18 @@ void ConnectionAlerts::add(ConnectionAlert alert) {
   showNext();
 }
 
+void ConnectionAlerts::dropUnwanted() {
+  std::erase_if(waiting_, [](const auto& alert) { return !isWanted(*alert); });
+  if (!shown_ || isWanted(*shown_)) {
+    return;
+  }
+  shown_.reset();
+  if (const auto controller = std::exchange(controller_, {}).lock()) {
+    controller->withdraw();
+  }
+  showNext();
+}
+
 void ConnectionAlerts::close() {
   closed_ = true;
   waiting_.clear();

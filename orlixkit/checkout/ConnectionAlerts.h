@@ -35,6 +35,8 @@ struct ConnectionAlert {
 class ConnectionAlerts : public std::enable_shared_from_this<ConnectionAlerts> {
  public:
   void add(ConnectionAlert alert);
+  /// Takes away those that are no longer wanted, the shown one included.
+  void dropUnwanted();
   /// Takes the shown one away and drops the others; no task of theirs runs any more.
   void close();
 

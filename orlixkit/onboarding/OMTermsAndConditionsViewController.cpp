@@ -47,24 +47,23 @@ void OMTermsAndConditionsViewController::viewDidAppear() {
   OrlixViewController::viewDidAppear();
   // Only for a page that is still to come: nothing else would take the indicator away.
   if (tcWebView_ && !pageFinished_) {
-    OXUtil::indicator().show("Please wait", ProgressMask::gradient, ProgressStyle::activity,
-                             shared_from_this());
+    showProgress("Please wait", ProgressMask::gradient);
   }
 }
 
 void OMTermsAndConditionsViewController::didFinishNavigation() {
   pageFinished_ = true;
-  OXUtil::indicator().dismissFor(*this);
+  static_cast<void>(hideProgress());
   tcWebView_->evaluateJavaScript(kViewportScript, [](const ScriptResult&) {});
 }
 
 void OMTermsAndConditionsViewController::didFailLoadWithError(const std::string& description) {
-  OXUtil::indicator().dismissFor(*this);
+  static_cast<void>(hideProgress());
   OXUtil::showAlertWithTitle("Error", description);
 }
 
 void OMTermsAndConditionsViewController::backAction() {
-  OXUtil::indicator().dismissFor(*this);
+  static_cast<void>(hideProgress());
   closeScreen(*this);
 }
 

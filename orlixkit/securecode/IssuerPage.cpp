@@ -27,6 +27,14 @@ std::string IssuerPage::pageFor(const MTSecureCodeURLResponse& info, const std::
       info.URL.value_or(""), info.payload.value_or(""), base);
 }
 
+bool IssuerPage::isMissing(const MTSecureCodeURLResponse& info) {
+  return (info.hasHtmlPresent ? info.htmlContent : info.URL).value_or("").empty();
+}
+
+bool IssuerPage::isLaunchForm(std::string_view markup) {
+  return markup.find("frmLaunch") != std::string_view::npos;
+}
+
 bool IssuerPage::isTerminationPage(std::string_view markup) {
   return markup.find("Vello.handle") != std::string_view::npos;
 }

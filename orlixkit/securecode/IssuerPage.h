@@ -15,6 +15,12 @@ class IssuerPage {
   /// and MD to the issuer by itself. `base`: the wallet server's base address, for the TermUrl.
   static std::string pageFor(const MTSecureCodeURLResponse& info, const std::string& base);
 
+  /// True when the server sent neither a page of its own nor the address of the issuer's.
+  static bool isMissing(const MTSecureCodeURLResponse& info);
+
+  /// True for the markup of the form that posts itself, whose place the issuer's page takes.
+  static bool isLaunchForm(std::string_view markup);
+
   /// True for the markup of the wallet server's termination page.
   static bool isTerminationPage(std::string_view markup);
 

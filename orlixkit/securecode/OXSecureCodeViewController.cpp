@@ -1,5 +1,6 @@
 #include "orlixkit/securecode/OXSecureCodeViewController.h"
 
+#include <chrono>
 #include <utility>
 
 #include <fmt/format.h>
@@ -9,8 +10,17 @@
 #include "orlixkit/checkout/WalletRequest.h"
 #include "orlixkit/platform/Host.h"
 #include "orlixkit/securecode/IssuerPage.h"
+#include "orlixkit/securecode/PageReading.h"
 
 namespace orlix {
+
+namespace {
+
+constexpr std::chrono::seconds kReadingLimit{10};
+constexpr const char* kNoAnswer = "no answer within 10 seconds";
+constexpr const char* kPleaseWait = "Please wait";
+
+}  // namespace
 
 OXSecureCodeViewController::OXSecureCodeViewController()
     : secureCodewebView_(outlet<WebPageView>("secureCodewebView")),
@@ -25,21 +35,29 @@ std::shared_ptr<OXSecureCodeViewController> OXSecureCodeViewController::self() {
 
 void OXSecureCodeViewController::viewDidLoad() {
   OrlixViewController::viewDidLoad();
-  // Taken, not copied: the session outlives the flow, this screen does not.
   if (const auto current = session()) {
-    cvv_ = std::exchange(current->cvv, std::nullopt);
+    takePaymentOf(*current);
+    loadSecureCodeInfo();
   }
-  loadSecureCodeInfo();
+}
+
+void OXSecureCodeViewController::takePaymentOf(OXSession& session) {
+  purchaseRequest_.code = session.codeInfo ? session.codeInfo->code : std::nullopt;
+  purchaseRequest_.amount = session.amount;
+  purchaseRequest_.cardId = session.cardId;
+  // Moved, not copied: the session outlives the flow, this screen does not.
+  purchaseRequest_.cvv = std::exchange(session.cvv, std::nullopt);
+  mustValidateCard_ = session.mustValidateCard;
 }
 
 void OXSecureCodeViewController::viewDidAppear() {
-  if (!settled_) {
-    OXUtil::indicator().show("Please wait");
-  }
+  showProgress(kPleaseWait);
   OrlixViewController::viewDidAppear();
   appeared_ = true;
-  addWebView();
-  loadPageWhenReady();
+  if (session()) {
+    addWebView();
+    pageRequestEnded();
+  }
 }
 
 void OXSecureCodeViewController::addWebView() {
@@ -50,146 +68,210 @@ void OXSecureCodeViewController::addWebView() {
   }
 }
 
-void OXSecureCodeViewController::offerRetry(void (OXSecureCodeViewController::*step)()) {
-  OXUtil::indicator().dismiss();
-  ConnectionAlert alert;
-  alert.ofPayment = true;
-  alert.retry = [screen = self(), step] { ((*screen).*step)(); };
-  alert.cancel = [screen = self()] { screen->cancelTransaction(); };
-  OXUtil::showConnectionAlert(std::move(alert));
-}
-
 void OXSecureCodeViewController::loadSecureCodeInfo() {
-  if (!session()) {
+  if (stage_ == Stage::over || !session()) {
     return;
   }
-  requestInBackground<MTSecureCodeURLResponse>(
-      RequestQueue::globalHigh, pageRequest(),
-      [screen = self()](MTSecureCodeURLResponse info) {
-        screen->secureCodeInfo_ = std::move(info);
-        screen->secureCodeInfoLoaded();
-      },
-      [screen = self()] { screen->offerRetry(&OXSecureCodeViewController::loadSecureCodeInfo); });
+  stage_ = Stage::asking;
+  answered_ = false;
+  pageShown_ = false;
+  const unsigned turn = ++turn_;
+  if (const auto& page = secureCodewebView_->page()) {
+    page->stopLoading();
+  }
+  if (appeared_) {
+    showProgress(kPleaseWait);
+  }
+  if (turn != turn_ || !session()) {
+    return;
+  }
+  const auto screen = self();
+  const auto ended = [screen, turn](std::optional<MTSecureCodeURLResponse> info) {
+    if (screen->turn_ == turn && screen->stage_ == Stage::asking) {
+      screen->answered_ = true;
+      screen->secureCodeInfo_ = std::move(info);
+      screen->pageRequestEnded();
+    }
+  };
+  send<MTSecureCodeURLResponse>({.kind = "page",
+                                 .queue = RequestQueue::globalHigh,
+                                 .ask = pageRequest(),
+                                 .answered = ended,
+                                 .failed = [ended] { ended(std::nullopt); }});
 }
 
 OXSecureCodeViewController::PageRequest OXSecureCodeViewController::pageRequest() const {
-  const auto current = session();
-  return
-      [cardId = current->cardId, code = current->codeInfo ? current->codeInfo->code : std::nullopt,
-       amount = current->amount](KCVelloConnection& connection) {
-        return connection.getSecureCodeUrl(cardId, code, amount);
-      };
+  return [cardId = purchaseRequest_.cardId, code = purchaseRequest_.code,
+          amount = purchaseRequest_.amount](KCVelloConnection& connection) {
+    return connection.getSecureCodeUrl(cardId, code, amount);
+  };
+}
+
+/// The page is asked for on loading, the web view made on appearing; the later of the two goes on.
+void OXSecureCodeViewController::pageRequestEnded() {
+  if (!appeared_ || !std::exchange(answered_, false)) {
+    return;
+  }
+  if (secureCodeInfo_) {
+    secureCodeInfoLoaded();
+  } else {
+    offerPageRetry();
+  }
 }
 
 void OXSecureCodeViewController::secureCodeInfoLoaded() {
   if (secureCodeInfo_->hasError) {
-    // Cancelled first, so that the alert stands over the host's screen and can be read: it would
-    // otherwise go with the screen that it stood on.
-    cancelTransaction();
-    OXUtil::showAlertWithTitle(
-        "Warning", fmt::format("An error occured. {}", secureCodeInfo_->error.value_or("(null)")));
-    return;
-  }
-  if (!secureCodeInfo_->cardSupported) {
-    OXUtil::indicator().dismiss();
-    session()->returnError(6);
-    return;
-  }
-  loadPageWhenReady();
-}
-
-/// The page is asked for on loading, the web view made on appearing; whichever comes second loads.
-void OXSecureCodeViewController::loadPageWhenReady() {
-  if (!appeared_ || !secureCodeInfo_ || !secureCodeInfo_->cardSupported || !session()) {
-    return;
-  }
-  const std::shared_ptr<WebView>& webView = secureCodewebView_->page();
-  if (!webView) {
+    endWithWarning("An error occured. " + secureCodeInfo_->error.value_or("(null)"));
+  } else if (!secureCodeInfo_->cardSupported) {
+    if (hideProgress()) {
+      session()->returnError(6);
+    }
+  } else if (IssuerPage::isMissing(*secureCodeInfo_)) {
+    endWithWarning("The issuer sent no page.");
+  } else if (!secureCodewebView_->page()) {
     log("OrlixKit: Unable to show the issuer's page because the host has no web view.");
-    cancelTransaction();
-    OXUtil::showAlertWithTitle("Warning", "This device cannot show the page of the card's issuer.");
-    return;
+    endWithWarning("This device cannot show the page of the card's issuer.");
+  } else {
+    loadPage();
   }
-  webView->setNavigationDelegate(self());
-  const std::string page = IssuerPage::pageFor(*secureCodeInfo_, OXUtil::velloUrl());
-  log(page);
-  webView->loadHtmlString(page);
 }
 
+void OXSecureCodeViewController::endWithWarning(const std::string& message) {
+  stage_ = Stage::over;
+  if (!hideProgress()) {
+    return;
+  }
+  const Task cancel = [weak = std::weak_ptr(self())] {
+    if (const auto screen = weak.lock()) {
+      screen->cancelTransaction();
+    }
+  };
+  const auto alert = std::make_shared<AlertController>("Warning", message);
+  alert->addAction({"Ok", AlertActionStyle::cancel, cancel});
+  alert->onLost = cancel;
+  OXUtil::styleAlertController(*alert);
+  session()->keepTrackOf(alert);
+  present(alert, true);
+}
+
+void OXSecureCodeViewController::loadPage() {
+  stage_ = Stage::showing;
+  const std::shared_ptr<WebView> page = secureCodewebView_->page();
+  page->setNavigationDelegate(self());
+  const std::string html = IssuerPage::pageFor(*secureCodeInfo_, OXUtil::velloUrl());
+  log(html);
+  page->loadHtmlString(html);
+}
+
+bool OXSecureCodeViewController::isCurrentPage(unsigned turn) const {
+  return stage_ == Stage::showing && turn == turn_ && session();
+}
+
+// Only a page that has been loaded whole is read. A page whose own script leaves it before is never
+// reported, by no web engine, and so would a termination page be that did so: nothing is paid then,
+// and the user leaves by CANCEL. The wallet server's page does no such thing; to read pages half
+// loaded instead could take a PaRes that has been cut short.
 void OXSecureCodeViewController::didFinishNavigation() {
-  if (returned_ || !session()) {
+  const auto current = session();
+  if (stage_ != Stage::showing || !current) {
     return;
   }
-  const unsigned thisLoad = ++navigations_;
-  OXUtil::indicator().dismiss();
-  const std::optional<std::string> markup = stringByEvaluatingJavaScriptFromString(
-      "document.documentElement.outerHTML", secureCodewebView_->page());
+  const unsigned turn = ++turn_;
+  current->connectionAlerts().dropUnwanted();  // the one of a page that failed before
+  if (!hideProgress() || !isCurrentPage(turn)) {
+    return;
+  }
+  const ScriptResult read =
+      readPage("document.documentElement.outerHTML", secureCodewebView_->page());
   // Meanwhile another page may have finished, and been read by a call of its own, or the user may
-  // have cancelled.
-  const bool overtaken = returned_ || thisLoad != navigations_ || !session();
-  if (overtaken || !markup || !IssuerPage::isTerminationPage(*markup)) {
+  // have cancelled or asked for another page.
+  if (!isCurrentPage(turn)) {
     return;
   }
-  returned_ = true;
-  OXUtil::indicator().show("Please wait");
-  paRes_ = IssuerPage::parsePaRes(*markup);
-  log(paRes_);
+  if (!read.value) {
+    pageShown_ = pageShown_ || read.error == kNoAnswer;  // busy, but there
+  } else if (IssuerPage::isTerminationPage(*read.value)) {
+    terminationPageSeen(*read.value);
+  } else {
+    pageShown_ = pageShown_ || !IssuerPage::isLaunchForm(*read.value);
+  }
+}
+
+void OXSecureCodeViewController::terminationPageSeen(const std::string& markup) {
+  stage_ = Stage::over;
+  secureCodeData_.PaRes = IssuerPage::parsePaRes(markup);
+  secureCodeData_.secureCodeId = secureCodeInfo_->secureCodeId;
+  log(*secureCodeData_.PaRes);
+  purchaseRequest_.location = OXUtil::getLocation();
   makePayment();
 }
 
 void OXSecureCodeViewController::didFailNavigation(const std::string& description) {
-  if (!returned_ && session()) {
+  if (stage_ == Stage::showing && session()) {
     log("OrlixKit: The issuer's page could not be loaded: " + description);
-    offerRetry(&OXSecureCodeViewController::loadSecureCodeInfo);
+    offerPageRetry();
   }
 }
 
 void OXSecureCodeViewController::webContentProcessDidTerminate() {
-  if (!returned_ && session()) {
+  if (stage_ == Stage::showing && session()) {
     log("OrlixKit: The process behind the issuer's page has died.");
+    stage_ = Stage::asking;  // until the user retries
+    pageShown_ = false;
     secureCodewebView_->setPage(nullptr);
     addWebView();
-    offerRetry(&OXSecureCodeViewController::loadSecureCodeInfo);
+    offerPageRetry();
   }
+}
+
+void OXSecureCodeViewController::offerPageRetry() {
+  offerRetryOf(&OXSecureCodeViewController::loadSecureCodeInfo, [screen = self()] {
+    if (!screen->pageShown_) {
+      screen->cancelTransaction();
+    }
+  });
+}
+
+void OXSecureCodeViewController::offerPaymentRetry(Step step) {
+  offerRetryOf(step, [screen = self()] { screen->cancelTransaction(); });
+}
+
+/// The connection alert for a step that has failed, one at a time. An alert that is lost offers
+/// nothing any more; the user leaves by CANCEL.
+void OXSecureCodeViewController::offerRetryOf(Step step, Task cancel) {
+  if (!hideProgress()) {
+    return;
+  }
+  ConnectionAlert alert;
+  alert.retry = [screen = self(), step] { ((*screen).*step)(); };
+  alert.cancel = std::move(cancel);
+  alert.lost = [] {};
+  alert.isWanted = [screen = self(), turn = turn_, stage = stage_] {
+    return screen->turn_ == turn && screen->stage_ == stage;
+  };
+  alert.ofPayment = true;
+  alert.source = identifier();
+  OXUtil::showConnectionAlert(std::move(alert));
 }
 
 std::optional<std::string> OXSecureCodeViewController::stringByEvaluatingJavaScriptFromString(
     const std::string& script, const std::shared_ptr<WebView>& webView) {
-  // Shared with the completion, which may come when nobody waits any more.
-  const auto result = std::make_shared<std::optional<ScriptResult>>();
-  webView->evaluateJavaScript(script, [result](const ScriptResult& given) { *result = given; });
-  // Nor is the result of use, should it ever come, to a checkout that has ended.
-  Host::current().ports().mainQueue->runUntil(
-      [this, result] { return result->has_value() || !session(); });
-  if (!result->has_value()) {
-    return std::nullopt;
-  }
-  if (!(*result)->value) {
-    log("evaluateJavaScript error : " + (*result)->error);
-  }
-  return (*result)->value;
+  return readPage(script, webView).value;
 }
 
-VelloSecureCodeData OXSecureCodeViewController::secureCodeData() const {
-  VelloSecureCodeData data;
-  data.PaRes = paRes_;
-  data.secureCodeId = secureCodeInfo_->secureCodeId;
-  return data;
-}
-
-PurchaseRequest OXSecureCodeViewController::purchaseRequest() const {
-  const auto current = session();
-  PurchaseRequest request;
-  request.code = current->codeInfo ? current->codeInfo->code : std::nullopt;
-  request.amount = current->amount;
-  request.cardId = current->cardId;
-  request.cvv = cvv_;
-  request.location = OXUtil::getLocation();
-  return request;
+ScriptResult OXSecureCodeViewController::readPage(const std::string& script,
+                                                  const std::shared_ptr<WebView>& webView) {
+  ScriptResult result = evaluateAndWait(webView, script, kReadingLimit, [this] {
+                          return !session();
+                        }).value_or(ScriptResult{std::nullopt, kNoAnswer});
+  if (!result.value && session()) {
+    log("evaluateJavaScript error : " + result.error);
+  }
+  return result;
 }
 
 OXSecureCodeViewController::PurchaseCall OXSecureCodeViewController::purchaseCall() const {
-  return [request = purchaseRequest(), data = secureCodeData()](KCVelloConnection& connection) {
+  return [request = purchaseRequest_, data = secureCodeData_](KCVelloConnection& connection) {
     return connection.purchaseSecureCode(request, data);
   };
 }
@@ -198,34 +280,50 @@ void OXSecureCodeViewController::makePayment() {
   if (!session()) {
     return;
   }
+  showProgress(kPleaseWait);
+  if (!session()) {
+    return;
+  }
   requestInBackground<MTPinResponse>(
       RequestQueue::globalHigh, purchaseCall(),
-      [screen = self()](MTPinResponse response) {
-        screen->pinResponse_ = std::move(response);
-        if (screen->pinResponse_.status != PinResponseStatus::success) {
-          OXUtil::indicator().dismiss();
-          screen->session()->returnError(2);
-          return;
-        }
-        screen->pollForReceipt();
-      },
-      [screen = self()] { screen->offerRetry(&OXSecureCodeViewController::makePayment); });
+      [screen = self()](MTPinResponse response) { screen->purchaseAnswered(std::move(response)); },
+      [screen = self()] { screen->offerPaymentRetry(&OXSecureCodeViewController::makePayment); });
+}
+
+void OXSecureCodeViewController::purchaseAnswered(MTPinResponse response) {
+  purchaseRequest_.cvv.reset();  // it is not sent again
+  pinResponse_ = std::move(response);
+  if (pinResponse_.status == PinResponseStatus::success) {
+    pollForReceipt();
+    return;
+  }
+  if (hideProgress()) {
+    session()->returnError(2);
+  }
 }
 
 void OXSecureCodeViewController::pollForReceipt() {
+  if (!OXUtil::indicator().isShownFor(*this)) {
+    showProgress(kPleaseWait);
+  }
+  if (!session()) {
+    return;
+  }
   ReceiptPollingEnds ends;
   ends.answered = [screen = self()](const MTReceipt& receipt) { screen->receiptArrived(receipt); };
   // The time-out reports nothing: whether the payment went through is not known, and the user
-  // leaves by cancel.
-  ends.timedOut = [] { OXUtil::indicator().dismiss(); };
+  // leaves by CANCEL.
+  ends.timedOut = [screen = self()] { static_cast<void>(screen->hideProgress()); };
   ends.failed = [screen = self()] {
-    screen->offerRetry(&OXSecureCodeViewController::pollForReceipt);
+    screen->offerPaymentRetry(&OXSecureCodeViewController::pollForReceipt);
   };
   orlix::pollForReceipt(pinResponse_.transactionId, std::move(ends));
 }
 
 void OXSecureCodeViewController::receiptArrived(const MTReceipt& receipt) {
-  OXUtil::indicator().dismiss();
+  if (!hideProgress()) {
+    return;
+  }
   const std::string reference = std::to_string(pinResponse_.transactionId);
   if (receipt.status == "SUCCESS") {
     succeeded(reference);
@@ -234,36 +332,44 @@ void OXSecureCodeViewController::receiptArrived(const MTReceipt& receipt) {
   }
 }
 
-void OXSecureCodeViewController::succeeded(const std::string& reference) {
-  if (!session()->mustValidateCard) {
-    session()->returnPaymentSucceededWithTransactionReference(reference);
-    return;
-  }
-  settle(true);
-  const auto report = [screen = self(), reference] {
-    screen->session()->returnPaymentSucceededWithTransactionReference(reference);
-  };
+void OXSecureCodeViewController::validateCard(Task done, Task failed) {
   requestInBackground<MTCardValidateResponse>(
       RequestQueue::globalHigh,
-      [cardId = session()->cardId](KCVelloConnection& connection) {
+      [cardId = purchaseRequest_.cardId](KCVelloConnection& connection) {
         return connection.validateCard(true, cardId, "");
       },
-      [report](const MTCardValidateResponse&) { report(); },
-      [report] {
-        log("Ignoring exception on validateCard");
-        report();
-      });
+      [done = std::move(done)](const MTCardValidateResponse&) { done(); }, std::move(failed));
+}
+
+void OXSecureCodeViewController::succeeded(const std::string& reference) {
+  const Task report = [screen = self(), reference] {
+    screen->session()->returnPaymentSucceededWithTransactionReference(reference);
+  };
+  if (!mustValidateCard_) {
+    report();
+    return;
+  }
+  paidReference_ = reference;
+  validateCard(report, [report] {
+    log("Ignoring exception on validateCard");
+    report();
+  });
 }
 
 void OXSecureCodeViewController::cancelTransaction() {
-  if (settled_ || !session()) {
+  if (!hideProgress()) {
     return;
   }
-  OXUtil::indicator().dismiss();
-  if (secureCodewebView_->page()) {
-    secureCodewebView_->page()->stopLoading();
+  const auto current = session();
+  if (paidReference_) {
+    current->returnPaymentSucceededWithTransactionReference(*paidReference_);
+    return;
   }
-  session()->returnUserDidCancel();
+  stage_ = Stage::over;
+  if (const auto& page = secureCodewebView_->page()) {
+    page->stopLoading();
+  }
+  current->returnUserDidCancel();
 }
 
 }  // namespace orlix

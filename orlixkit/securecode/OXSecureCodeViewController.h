@@ -1,5 +1,6 @@
 #pragma once
 
+#include <functional>
 #include <memory>
 #include <optional>
 #include <string>
@@ -17,11 +18,15 @@
 namespace orlix {
 
 /// Pays for the current checkout with a card that its issuer authenticates on a web page of its
-/// own: asks for the page, shows it, lifts the PaRes out of the page that comes back, sends the
+/// own: asks for the page, shows it, reads the PaRes from the page that comes back, sends the
 /// purchase and polls for the receipt.
 ///
-/// Every way out of the page leads to one ending. Once the termination page has been seen, further
-/// pages are left alone, so that a page that loads twice pays once.
+/// What is paid is fixed when the screen loads. Only the page information asked for last counts,
+/// and none once the termination page has been seen; so the PaRes is always sent with the
+/// `secureCodeId` of the page that led to it, and a termination page that loads twice pays once.
+///
+/// The observer of the indicator and the alerts is the host's code, and may end the flow: what
+/// comes after them asks for the session again.
 class OXSecureCodeViewController : public OrlixViewController, public WebViewDelegate {
  public:
   OXSecureCodeViewController();
@@ -29,19 +34,21 @@ class OXSecureCodeViewController : public OrlixViewController, public WebViewDel
   void viewDidLoad() override;
   void viewDidAppear() override;
 
+  /// Stops the page that is shown, and asks for another.
   void loadSecureCodeInfo();
   void makePayment();
   void pollForReceipt();
-  /// Ends the checkout as cancelled by the user: the indicator goes, the page stops.
+  /// CANCEL. Ends the checkout as cancelled by the user; as succeeded when the payment has already
+  /// succeeded and only the card's validation is still under way.
   void cancelTransaction();
 
   void didFinishNavigation() override;
   void didFailNavigation(const std::string& description) override;
   void webContentProcessDidTerminate() override;
 
-  /// Evaluates the script and runs the main loop until its result is there. None after a failure,
-  /// which is logged, and at the host's shutdown. Tasks of the main queue run meanwhile: whoever
-  /// calls this looks again at all it knew before.
+  /// Evaluates the script and runs the main loop until its result is there, for 10 seconds at most.
+  /// None after a failure, which is logged, and when the flow has ended meanwhile. Tasks of the
+  /// main queue run meanwhile: the caller checks again all it knew before.
   std::optional<std::string> stringByEvaluatingJavaScriptFromString(
       const std::string& script, const std::shared_ptr<WebView>& webView);
 
@@ -54,33 +61,54 @@ class OXSecureCodeViewController : public OrlixViewController, public WebViewDel
   using PurchaseCall = std::function<MTPinResponse(KCVelloConnection&)>;
   virtual PageRequest pageRequest() const;
   virtual PurchaseCall purchaseCall() const;
-  /// The receipt says "SUCCESS".
+  /// The receipt says "SUCCESS". The session is live.
   virtual void succeeded(const std::string& reference);
 
-  VelloSecureCodeData secureCodeData() const;
-  PurchaseRequest purchaseRequest() const;
-  /// From here on the outcome is certain: cancel no longer ends the flow.
-  void settle(bool settled) { settled_ = settled; }
+  const PurchaseRequest& purchaseRequest() const { return purchaseRequest_; }
+  const VelloSecureCodeData& secureCodeData() const { return secureCodeData_; }
+  /// Marks the card as validated at the server; one of the two tasks runs while the session lives.
+  void validateCard(Task done, Task failed);
 
  private:
+  /// `asking`: no page counts. `showing`: the page of `secureCodeInfo_` is in the web view. `over`:
+  /// the termination page has been seen, or no page will come; neither pages nor page information
+  /// count any more.
+  enum class Stage { asking, showing, over };
+  using Step = void (OXSecureCodeViewController::*)();
+
+  void takePaymentOf(OXSession& session);
   void addWebView();
+  void pageRequestEnded();
   void secureCodeInfoLoaded();
-  void loadPageWhenReady();
-  void offerRetry(void (OXSecureCodeViewController::*step)());
+  void loadPage();
+  /// Tells the user why there is no page. Ends the checkout as cancelled once they know, or when
+  /// the alert is lost.
+  void endWithWarning(const std::string& message);
+  void offerPageRetry();
+  void offerPaymentRetry(Step step);
+  void offerRetryOf(Step step, Task cancel);
+  ScriptResult readPage(const std::string& script, const std::shared_ptr<WebView>& webView);
+  void terminationPageSeen(const std::string& markup);
+  void purchaseAnswered(MTPinResponse response);
   void receiptArrived(const MTReceipt& receipt);
+  bool isCurrentPage(unsigned turn) const;
   std::shared_ptr<OXSecureCodeViewController> self();
 
   std::shared_ptr<WebPageView> secureCodewebView_;
   std::shared_ptr<Button> cancelButton_;
-  std::optional<MTSecureCodeURLResponse> secureCodeInfo_;
-  std::optional<SecretString> cvv_;
-  std::string paRes_;
-  MTPinResponse pinResponse_;
+  Stage stage_ = Stage::asking;
+  /// Counts the requests for a page and the pages that have finished. Whoever waits for something
+  /// compares it to know whether another has come first.
+  unsigned turn_ = 0;
   bool appeared_ = false;
-  bool returned_ = false;
-  bool settled_ = false;
-  /// Number of page loads that have finished; tells a nested load from the one that began it.
-  unsigned navigations_ = 0;
+  bool answered_ = false;   ///< a page request has ended and waits for the screen to appear
+  bool pageShown_ = false;  ///< a page of the issuer, not only the form that leads to it
+  std::optional<MTSecureCodeURLResponse> secureCodeInfo_;  ///< none after a failed request
+  PurchaseRequest purchaseRequest_;
+  bool mustValidateCard_ = false;
+  VelloSecureCodeData secureCodeData_;
+  MTPinResponse pinResponse_;
+  std::optional<std::string> paidReference_;  ///< of a payment that has succeeded
 };
 
 }  // namespace orlix

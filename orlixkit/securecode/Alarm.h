@@ -1,0 +1,29 @@
+#pragma once
+
+#include <memory>
+
+#include "orlixkit/platform/Bytes.h"
+#include "orlixkit/platform/Clock.h"
+
+namespace orlix {
+
+/// Puts a task on the main queue once a time has passed, unless it is released before. The task may
+/// still run shortly after the release, and not at all after the host's shutdown; it is destroyed
+/// on a background thread or the main thread.
+class Alarm {
+ public:
+  /// Throws std::system_error when no thread can be had to wait on.
+  Alarm(Duration after, Task task);
+  ~Alarm();
+  Alarm(const Alarm&) = delete;
+  Alarm& operator=(const Alarm&) = delete;
+
+ private:
+  struct State {
+    std::unique_ptr<Condition> condition;
+    bool off = false;
+  };
+  std::shared_ptr<State> state_ = std::make_shared<State>();
+};
+
+}  // namespace orlix
