@@ -123,7 +123,7 @@ void QtWebView::judgeCertificate(QWebEngineCertificateError error) {
   // that was revoked for one, the engine has found for itself.
   const bool trusted = error.type() == QWebEngineCertificateError::CertificateAuthorityInvalid &&
                        verifyServerChain(derOf(error.certificateChain()),
-                                         error.url().host().toStdString(), anchors_(), reason);
+                                         certificateHostOf(error.url()), anchors_(), reason);
   if (trusted) {
     error.acceptCertificate();
     return;

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QObject>
+#include <QUrl>
 #include <QVariant>
 #include <QWebEngineCertificateError>
 #include <QWebEngineLoadingInfo>
@@ -35,6 +36,12 @@ class QtWebView : public QObject, public DrawnWebView {
   ~QtWebView() override;
   QtWebView(const QtWebView&) = delete;
   QtWebView& operator=(const QtWebView&) = delete;
+
+  /// The name or address that a certificate has to be for: as certificates write it, in ASCII and
+  /// without brackets. The toolkit itself shows some internationalised names in Unicode.
+  static std::string certificateHostOf(const QUrl& address) {
+    return address.host(QUrl::FullyEncoded).toStdString();
+  }
 
   QQuickItem* item() override { return item_.get(); }
   /// Called once, by the maker.

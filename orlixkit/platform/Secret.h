@@ -15,7 +15,7 @@ void wipe(void* memory, std::size_t size) noexcept;
 /// Overwrites what earlier calls have left of secrets in this thread's vector registers and below
 /// its stack pointer: 64 kB, deeper than a request goes. A copied text passes through these
 /// registers, and the dynamic linker saves them on the stack when it binds a function at its first
-/// call. For threads that live on after they have handled secrets; takes about 2 µs.
+/// call. For threads that live on after they have handled secrets; takes about 1 µs.
 void wipeStack() noexcept;
 
 /// Allocator whose memory is overwritten before it goes back to the heap, also when a vector grows.

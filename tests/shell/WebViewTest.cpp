@@ -115,7 +115,12 @@ TEST(QtWebView, TrustsWhatTheTransportTrustsAndNothingElse) {
   const Row rows[] = {
       {"of the anchor, by address", issued({}), ip, true},
       {"of the anchor, by name", issued({}), "localhost", true},
+      {"by a name that ends with a dot", issued({}), "localhost.", true},
+      {"by an internationalised name", issued({.names = "DNS:xn--bcher-kva.localhost"}),
+       "b\u00FCcher.localhost", true},
       {"by way of an intermediate", longChain, ip, true},
+      {"by the subject alone", issued({.commonName = "localhost", .names = ""}), "localhost",
+       false},
       {"for another host", issued({.names = "DNS:wallet.example"}), ip, false},
       {"for the address, asked by name", issued({.names = "IP:127.0.0.1"}), "localhost", false},
       {"expired", issued({.validToHours = -1}), ip, false},
@@ -137,6 +142,16 @@ TEST(QtWebView, TrustsWhatTheTransportTrustsAndNothingElse) {
   EXPECT_EQ(stage.heardNext(), "finished");
   EXPECT_GT(stranger.connections(), 0);
   EXPECT_TRUE(stranger.requests().empty());
+}
+
+TEST(QtWebView, JudgesACertificateByTheHostsNameInAscii) {
+  for (const auto& [address, host] : Fields{{"https://b\u00FCcher.de/", "xn--bcher-kva.de"},
+                                            {"https://xn--bcher-kva.de:444/", "xn--bcher-kva.de"},
+                                            {"https://wallet.example./x", "wallet.example."},
+                                            {"https://127.0.0.1:1/", "127.0.0.1"},
+                                            {"https://[::1]:1/", "::1"}}) {
+    EXPECT_EQ(QtWebView::certificateHostOf(QUrl(QString::fromStdString(address))), host);
+  }
 }
 
 TEST(QtWebView, LeavesNothingOfAPageForTheNext) {
