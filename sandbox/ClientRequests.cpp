@@ -31,7 +31,11 @@ HttpAnswer ClientRequests::answer(const HttpRequest& request) {
   const std::string told = answer.body;  // What the server meant, whatever becomes of it.
   for (const Fault& fault : faults) {
     Faults::spoil(answer, fault);
-    if (fault.kind == Fault::Kind::hold) answer.hold = [this, fault] { return awaitEnd(fault); };
+    if (fault.kind != Fault::Kind::hold) continue;
+    answer.hold = [this, id = fault.id] {
+      std::unique_lock lock(state_.mutex);
+      return state_.awaitCleared(id, lock, shutdown_);
+    };
   }
   answer.underWay = arrival.underWay;
 
@@ -82,12 +86,6 @@ HttpAnswer ClientRequests::carryOut(const HttpRequest& request) {
   } catch (const std::exception& failure) {
     return refusal(500, failure.what());
   }
-}
-
-bool ClientRequests::awaitEnd(const Fault& fault) {
-  std::unique_lock lock(state_.mutex);
-  state_.changed.wait(lock, [&] { return shutdown_.begun() || !state_.faults.has(fault.id); });
-  return !shutdown_.begun();
 }
 
 }  // namespace orlix::sandbox

@@ -26,8 +26,6 @@ class ClientRequests {
   Arrival note(const HttpRequest& request);
   Origin originOf(const HttpRequest& request) const;
   HttpAnswer carryOut(const HttpRequest& request);
-  /// False when the server ends before the fault is cleared.
-  bool awaitEnd(const Fault& fault);
 
   State& state_;
   Shutdown& shutdown_;

@@ -10,7 +10,7 @@ namespace orlix::sandbox {
 
 namespace {
 
-constexpr std::array<std::pair<std::string_view, Fault::Kind>, 20> kindNames{{
+constexpr std::array<std::pair<std::string_view, Fault::Kind>, 21> kindNames{{
     {"status", Fault::Kind::status},
     {"redirect", Fault::Kind::redirect},
     {"forget-session", Fault::Kind::forgetSession},
@@ -31,6 +31,7 @@ constexpr std::array<std::pair<std::string_view, Fault::Kind>, 20> kindNames{{
     {"last-answer", Fault::Kind::lastAnswer},
     {"reset-connection", Fault::Kind::resetConnection},
     {"refuse-handshake", Fault::Kind::refuseHandshake},
+    {"hold-handshake", Fault::Kind::holdHandshake},
 }};
 
 std::string_view nameOf(Fault::Kind kind) {
@@ -40,7 +41,8 @@ std::string_view nameOf(Fault::Kind kind) {
 }
 
 bool meetsConnections(const Fault& fault) {
-  return fault.kind == Fault::Kind::resetConnection || fault.kind == Fault::Kind::refuseHandshake;
+  return fault.kind == Fault::Kind::resetConnection || fault.kind == Fault::Kind::refuseHandshake ||
+         fault.kind == Fault::Kind::holdHandshake;
 }
 
 bool meetsConnection(const Fault& fault, std::string_view /*path*/) {
@@ -178,12 +180,7 @@ std::vector<Fault> Faults::take(std::string_view path) {
   return met;
 }
 
-ConnectionFault Faults::takeForConnection() {
-  const auto fault = takeIf(&meetsConnection, {});
-  if (!fault) return ConnectionFault::none;
-  return fault->kind == Fault::Kind::resetConnection ? ConnectionFault::reset
-                                                     : ConnectionFault::refuseHandshake;
-}
+std::optional<Fault> Faults::takeForConnection() { return takeIf(&meetsConnection, {}); }
 
 std::optional<std::string> Faults::clear(const json::object& wish) {
   if (auto wrong = complaint(wish, {{"id", Kind::integer, false},
@@ -269,7 +266,8 @@ void Faults::spoil(HttpAnswer& answer, const Fault& fault) {
     case Fault::Kind::hold:  // By the server, which knows when the fault is cleared.
     case Fault::Kind::forgetSession:
     case Fault::Kind::resetConnection:
-    case Fault::Kind::refuseHandshake:  // Before the request.
+    case Fault::Kind::refuseHandshake:
+    case Fault::Kind::holdHandshake:  // Before the request.
       break;
   }
 }

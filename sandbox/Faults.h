@@ -8,7 +8,6 @@
 #include <vector>
 
 #include "sandbox/Http.h"
-#include "sandbox/HttpFront.h"
 #include "sandbox/Json.h"
 
 namespace orlix::sandbox {
@@ -36,6 +35,7 @@ struct Fault {
     lastAnswer,       ///< Whole; the client must connect anew for its next request.
     resetConnection,  ///< The next connections, whatever their path, before TLS.
     refuseHandshake,
+    holdHandshake,  ///< Left to wait until the fault is cleared.
   };
 
   std::int64_t id = 0;
@@ -70,7 +70,8 @@ class Faults {
   /// others, of each the one switched on first that is not spent.
   std::vector<Fault> take(std::string_view path);
 
-  ConnectionFault takeForConnection();
+  /// The fault that meets a new connection, if any.
+  std::optional<Fault> takeForConnection();
 
   /// Switches off the faults that have the "id", "kind" and "path" of `wish`, all without any of
   /// them; what is wrong with it in words, or nothing.

@@ -33,7 +33,7 @@ class HttpFront {
     int port = 0;             ///< 0 takes a free one.
     bool oldTlsOnly = false;  ///< TLS 1.1 at most, for clients that must refuse it.
     Handler handler;
-    Gate gate;  ///< Asked once for each new connection.
+    Gate gate;  ///< Asked once for each new connection, on its thread; may wait.
   };
 
   HttpFront(const Certificates& certificates, Setup setup, EventLog& log, Shutdown& shutdown);

@@ -62,11 +62,7 @@ class Sandbox::Server {
         .port = options_.port,
         .oldTlsOnly = options_.oldTlsOnly,
         .handler = [this](const HttpRequest& request) { return answer(request); },
-        .gate =
-            [this] {
-              const std::lock_guard lock(state_->mutex);
-              return state_->faults.takeForConnection();
-            }};
+        .gate = [this] { return admit(); }};
     front_ = std::make_unique<HttpFront>(certificates, std::move(setup), log_, shutdown_);
     serve();
   }
@@ -104,6 +100,17 @@ class Sandbox::Server {
     const std::lock_guard lock(state_->mutex);
     port_ = front_->start();
     state_->origin = fmt::format("https://127.0.0.1:{}", port_);
+  }
+
+  /// What becomes of a new connection.
+  ConnectionFault admit() {
+    std::unique_lock lock(state_->mutex);
+    const auto fault = state_->faults.takeForConnection();
+    if (!fault) return ConnectionFault::none;
+    if (fault->kind == Fault::Kind::refuseHandshake) return ConnectionFault::refuseHandshake;
+    const bool goesOn = fault->kind == Fault::Kind::holdHandshake &&
+                        state_->awaitCleared(fault->id, lock, shutdown_);
+    return goesOn ? ConnectionFault::none : ConnectionFault::reset;
   }
 
   void prepareFolder() {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <condition_variable>
+#include <cstdint>
 #include <mutex>
 #include <string>
 
@@ -12,6 +13,7 @@
 #include "sandbox/Purchases.h"
 #include "sandbox/SeenRequests.h"
 #include "sandbox/Sessions.h"
+#include "sandbox/Shutdown.h"
 #include "sandbox/Wallets.h"
 
 namespace orlix::sandbox {
@@ -20,6 +22,13 @@ namespace orlix::sandbox {
 struct State {
   explicit State(const std::string& databaseFile)
       : database(databaseFile), kinds(database), devices(database), wallets(database, kinds) {}
+
+  /// Waits until the fault is cleared; false when the server ends first. `lock` is of `mutex`.
+  bool awaitCleared(std::int64_t fault, std::unique_lock<std::mutex>& lock,
+                    const Shutdown& shutdown) {
+    changed.wait(lock, [&] { return shutdown.begun() || !faults.has(fault); });
+    return !shutdown.begun();
+  }
 
   std::mutex mutex;
   /// Signalled when terms are accepted, a fault is cleared, or the server ends: what an answer may

@@ -110,5 +110,21 @@ TEST_F(FaultsOnDemand, AnswersOfSeveralPathsAreHeldSideBySideAndTheirRequestsCar
   EXPECT_EQ(late.status, 0) << "the end does not wait for a delay";
 }
 
+TEST_F(FaultsOnDemand, AHandshakeIsHeldUntilItIsClearedAndHoldsUpNoOther) {
+  const std::int64_t fault = switchOn({{"kind", "hold-handshake"}});
+  std::atomic<int> status = -1;
+  std::thread held([&] {
+    Wallet other(sandbox_);
+    status = other.start().status;
+  });
+  while (hits(fault) == 0) std::this_thread::yield();
+  EXPECT_EQ(Wallet(sandbox_).start().status, 200) << "the next connection";
+  EXPECT_EQ(wallet_->start().status, 200) << "the open connection";
+  EXPECT_EQ(status, -1);
+  clear({{"id", fault}});
+  held.join();
+  EXPECT_EQ(status, 200);
+}
+
 }  // namespace
 }  // namespace orlix::sandbox::test

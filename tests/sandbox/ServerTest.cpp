@@ -45,8 +45,11 @@ TEST_F(Server, StoppingEndsWhatIsHeldBackAndCanBeRepeated) {
       EXPECT_EQ((looksUp ? other.lookUp("FIXED-25") : other.post(path)).status, 0) << path;
     });
   }
-  // Wherever the four have got to by then, none may get an answer or hold up the end.
+  // Wherever they have got to by then, none may get an answer or hold up the end.
   while (counted("handshakes") < 5) std::this_thread::yield();
+  switchOn({{"kind", "hold-handshake"}}, "*");
+  threads.emplace_back([&] { EXPECT_EQ(Wallet(sandbox_).start().status, 0); });
+  while (counted("connections") < 6) std::this_thread::yield();
   sandbox_.stop();
   for (std::thread& thread : threads) thread.join();
   sandbox_.stop();
