@@ -82,11 +82,7 @@ void OXOrlix::abandonStart() {
 
 void OXOrlix::start(const Entry& entry) {
   checkCustomerId(entry.customerId);
-  const std::shared_ptr<OXSession> former = OXSession::currentSession();
-  endFormerFlow(entry.controller);
-  // The observer of what is shown is the host's code: an entry call that it has made since is the
-  // later one, and counts. So it does below.
-  if (OXSession::currentSession() != former) {
+  if (!endFormerFlow(entry.controller)) {
     return;
   }
   OXSession::reset();
@@ -107,22 +103,29 @@ void OXOrlix::start(const Entry& entry) {
 }
 
 /// Dismisses the replaced flow's screens and alerts: their buttons would do nothing any more. The
-/// waiting screen of this facade stays, the new flow waits on it as well.
-void OXOrlix::endFormerFlow(const Controller& controller) {
+/// waiting screen of this facade stays, the new flow waits on it as well. False when the observer
+/// of what is shown, which is the host's code, has made an entry call meanwhile: that one is the
+/// later one, and counts.
+bool OXOrlix::endFormerFlow(const Controller& controller) {
   const std::shared_ptr<OXSession> former = OXSession::currentSession();
+  const auto isStillTheLast = [&former] { return OXSession::currentSession() == former; };
   const bool wasLive = former->isLive();
   former->flow()->end();
   LocationUtil::sharedLocationUtil().stopLocationDetection();
   OXUtil::indicator().dismiss();
-  former->closeAlerts();
-  forgetWaitingScreenOfAnotherPlace(controller);
-  const Controller below = former->presentingController;
-  // Of a flow that is over there may be screens on their way out; what else is there is the host's.
-  if (!below || !below->presentedViewController() || (!wasLive && !former->hasScreens())) {
-    return;
+  if (isStillTheLast()) {
+    former->closeAlerts();
   }
-  cutPresented(below->presentedViewController() == waitingController_ ? waitingController_ : below,
-               [] {});
+  if (isStillTheLast()) {
+    forgetWaitingScreenOfAnotherPlace(controller);
+  }
+  // Of a flow that is over there may be screens on their way out; what else is there is the host's.
+  const Controller below = isStillTheLast() ? former->presentingController : nullptr;
+  if (below && below->presentedViewController() && (wasLive || former->hasScreens())) {
+    const bool waits = below->presentedViewController() == waitingController_;
+    (waits ? waitingController_ : below)->dismiss(false);
+  }
+  return isStillTheLast();
 }
 
 /// A waiting screen that is kept from an earlier call serves this one only where it is: over the
@@ -138,7 +141,7 @@ void OXOrlix::forgetWaitingScreenOfAnotherPlace(const Controller& controller) {
   const Controller presenter = waitingController_->presentingViewController();
   if (presenter && (presenter != controller || waitingController_->isBeingDismissed())) {
     waitingController_.reset();
-    cutPresented(presenter, [] {});
+    presenter->dismiss(false);
   }
 }
 
@@ -209,11 +212,8 @@ void OXOrlix::present(const Controller& screen, const Controller& fromController
   screen->modalPresentationStyle = ModalPresentationStyle::custom;
   const auto session = OXSession::currentSession();
   // What an earlier flow left there, or is about to take away, would be in the way.
-  cutPresented(fromController, [session, screen, fromController] {
-    if (session->isLive()) {
-      fromController->present(screen, true);
-    }
-  });
+  cutPresented(session, fromController,
+               [screen, fromController] { fromController->present(screen, true); });
 }
 
 void OXOrlix::hideLoadingDialog(const Controller& controller) {

@@ -161,7 +161,7 @@ class OXOrlix : public OMVelloDelegate, public std::enable_shared_from_this<OXOr
   void begin(const Entry& entry);
   void start(const Entry& entry);
   void abandonStart();
-  void endFormerFlow(const Controller& controller);
+  bool endFormerFlow(const Controller& controller);
   void forgetWaitingScreenOfAnotherPlace(const Controller& controller);
   void present(const Controller& screen, const Controller& fromController);
 

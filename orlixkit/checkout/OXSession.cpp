@@ -90,12 +90,8 @@ void OXSession::replaceScreen(const std::string& identifier, const Prepare& prep
     return;
   }
   ++screenChanges_;
-  cutPresented(presentingController, [self = shared_from_this(), identifier, prepare] {
-    // An observer of the cut may have ended the flow, or begun the next one.
-    if (self->isLiveFor("the screen " + identifier)) {
-      self->present(identifier, prepare);
-    }
-  });
+  cutPresented(shared_from_this(), presentingController,
+               [this, identifier, prepare] { present(identifier, prepare); });
 }
 
 void OXSession::present(const std::string& identifier, const Prepare& prepare) {
@@ -158,6 +154,15 @@ bool OXSession::isDataShown() const {
   const auto screens = shownScreens();
   return std::any_of(screens.begin(), screens.end(),
                      [](const auto& screen) { return screen->showsSessionData(); });
+}
+
+bool OXSession::hasScreens() const {
+  auto next = presentingController ? presentingController->presentedViewController() : nullptr;
+  // Only the library's screens have an identifier.
+  while (next && next->identifier().empty()) {
+    next = next->presentedViewController();
+  }
+  return next != nullptr;
 }
 
 bool OXSession::beginPayment() {

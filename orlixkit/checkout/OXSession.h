@@ -72,7 +72,7 @@ class OXSession : public std::enable_shared_from_this<OXSession> {
   /// One of the screens at hand shows them.
   bool isDataShown() const;
   /// A screen of the library is shown, if only on its way out.
-  bool hasScreens() const { return !shownScreens().empty(); }
+  bool hasScreens() const;
 
   void returnUserDidCancel();
   void returnUserRegistered();

@@ -2,10 +2,14 @@
 
 namespace orlix {
 
-void cutPresented(const std::shared_ptr<ViewController>& controller, const Task& then) {
-  controller->dismiss(false, [controller, then] {
+void cutPresented(const std::shared_ptr<OXSession>& session,
+                  const std::shared_ptr<ViewController>& controller, const Task& then) {
+  controller->dismiss(false, [session, controller, then] {
+    if (!session->isLive()) {
+      return;
+    }
     if (controller->presentedViewController()) {
-      cutPresented(controller, then);
+      cutPresented(session, controller, then);
     } else {
       then();
     }
