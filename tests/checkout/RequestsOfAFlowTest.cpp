@@ -15,7 +15,7 @@ namespace orlix::test {
 namespace {
 
 const std::string kPinCards = R"(,"method":"AMT")";
-const Heard kPaid{"succeeded 9007199254740993"};
+const Heard kPaidOnce{"succeeded 9007199254740993"};
 const Heard kCancelled{"cancelled"};
 
 ServerReply refusedAfter(Duration span) { return ServerReply().after(span).status(403); }
@@ -103,7 +103,7 @@ TEST(ScreenThatWasLeft, ChangesNothingWhateverItsRequestIsAnswered) {
     EXPECT_EQ(purchases(phone), 1U) << "paid twice";
     EXPECT_EQ(OXUtil::getLastUsedCardid(), 5);
     phone.runUntilOutcome();
-    EXPECT_EQ(phone.app->heard, kPaid);
+    EXPECT_EQ(phone.app->heard, kPaidOnce);
   }
 }
 
@@ -265,7 +265,7 @@ TEST(Session, IsRenewedOnceForTwoRequestsThatAreRefusedTogether) {
   phone.tap("cancelButton");
   phone.pay();
   phone.runUntilOutcome();
-  EXPECT_EQ(phone.app->heard, kPaid);
+  EXPECT_EQ(phone.app->heard, kPaidOnce);
   EXPECT_EQ(sessions, 1);
   std::set<std::string> blocks;
   for (const RecordedRequest& request : phone.host.connections().requestsTo("/purchase")) {
@@ -293,7 +293,7 @@ TEST(Lookup, NeitherEndsNorReplacesAPaymentInProgressAndBringsItsDataAfterwards)
     phone.press("Retry");
     EXPECT_EQ(phone.wallet.sent("/purchase", "amount"), "25.00") << "Retry sends the same request";
     phone.runUntilOutcome();
-    EXPECT_EQ(phone.app->heard, kPaid);
+    EXPECT_EQ(phone.app->heard, kPaidOnce);
   }
   Phone phone;
   phone.showPaymentScreen();
@@ -334,7 +334,7 @@ TEST(ConnectionAlert, OfAPaymentThatIsLostLeavesPayAndCardActive) {
   EXPECT_EQ(phone.screen(), "Product");
   phone.tap("proceedButton");
   phone.runUntilOutcome();
-  EXPECT_EQ(phone.app->heard, kPaid);
+  EXPECT_EQ(phone.app->heard, kPaidOnce);
   EXPECT_EQ(purchases(phone), 2U);
 }
 
@@ -399,7 +399,7 @@ TEST(EntryCall, ThrowsWhenThereIsNoThreadAndAScreenOffersARetry) {
   noThread = false;
   phone.press("Retry");
   phone.runUntilOutcome();
-  EXPECT_EQ(phone.app->heard, kPaid);
+  EXPECT_EQ(phone.app->heard, kPaidOnce);
 }
 
 TEST(EntryCall, RefusesTextsThatNoRequestCanCarry) {

@@ -84,9 +84,9 @@ const std::vector<EveryOrder> kParts{
            "confirm: ok", "confirm: lost", "purchase: ok"}),
      5}};
 
-class EveryOrderTest : public testing::TestWithParam<std::size_t> {};
-
 }  // namespace
+
+class EveryOrderTest : public testing::TestWithParam<std::size_t> {};
 
 TEST_P(EveryOrderTest, BreaksNoRule) {
   EveryOrder part = kParts[GetParam()];

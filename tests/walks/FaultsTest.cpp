@@ -9,44 +9,44 @@ namespace orlix::test {
 
 namespace {
 
-const std::string kPayment = "the server knows the device, checkout, session: ok, lookup: ok, ";
-const std::string kDelete = kPayment + "Product.cardAction, Cards.delete 1, alert: Delete, ";
-const std::string kForm =
-    kPayment + "Product.cardAction, Cards.addCardAction, AddCard.proceedAction, ";
-const std::string kEnrolment =
+const std::string kToPayment = "the server knows the device, checkout, session: ok, lookup: ok, ";
+const std::string kToDelete = kToPayment + "Product.cardAction, Cards.delete 1, alert: Delete, ";
+const std::string kToForm =
+    kToPayment + "Product.cardAction, Cards.addCardAction, AddCard.proceedAction, ";
+const std::string kToEnrolment =
     "checkout as A, session: ok, Activation.proceedAction, sms: ok, ActivationCode.proceedAction, ";
-const std::string kPayDuringDelete = kDelete + "Cards.row 0, Product.proceedAction, ";
+const std::string kPayDuringDelete = kToDelete + "Cards.row 0, Product.proceedAction, ";
 
 /// Orders that once broke a rule, by what went wrong.
 const std::map<std::string, std::string> kOrders{
     {"TwoPurchasesAfterALateDeletion",
      kPayDuringDelete + "delete: ok, lookup: ok, Product.proceedAction"},
     {"TwoPurchasesAfterALateValidation",
-     kPayment + "Product.cardAction, Cards.row 4, Product.proceedAction, "
-                "CardValidation.proceedAction, CardValidation.cancelAction, Product.cardAction, "
-                "Cards.row 0, Product.proceedAction, confirm: ok, lookup: ok, "
-                "Product.proceedAction"},
+     kToPayment + "Product.cardAction, Cards.row 4, Product.proceedAction, "
+                  "CardValidation.proceedAction, CardValidation.cancelAction, Product.cardAction, "
+                  "Cards.row 0, Product.proceedAction, confirm: ok, lookup: ok, "
+                  "Product.proceedAction"},
     {"TwoPurchasesAfterALateLink",
-     kForm + "bin: ok, AddCard.cancelAction, Product.proceedAction, link: ok, lookup: ok, "
-             "Product.proceedAction"},
+     kToForm + "bin: ok, AddCard.cancelAction, Product.proceedAction, link: ok, lookup: ok, "
+               "Product.proceedAction"},
     {"TwoPurchasesAfterALateRelink",
-     kForm + "bin: ok, link: relink, MsisdnRelink.proceedAction, MsisdnRelink.back, "
-             "AddCard.cancelAction, Product.proceedAction, link: ok, lookup: ok, "
-             "Product.proceedAction"},
+     kToForm + "bin: ok, link: relink, MsisdnRelink.proceedAction, MsisdnRelink.back, "
+               "AddCard.cancelAction, Product.proceedAction, link: ok, lookup: ok, "
+               "Product.proceedAction"},
     {"APurchaseRefusedAfterCancel",
-     kPayment + "Product.proceedAction, Product.cancelAction, purchase: 403, session: ok"},
+     kToPayment + "Product.proceedAction, Product.cancelAction, purchase: 403, session: ok"},
     {"APurchaseThatWaitsForASessionDuringCancel",
-     kDelete + "delete: 403, Cards.row 0, Product.proceedAction, Product.cancelAction, "
-               "session: ok"},
+     kToDelete + "delete: 403, Cards.row 0, Product.proceedAction, Product.cancelAction, "
+                 "session: ok"},
     {"APurchaseThatWaitsForASessionDuringTheNextCheckout",
-     kDelete + "delete: 403, Cards.row 0, Product.proceedAction, checkout, session: ok"},
+     kToDelete + "delete: 403, Cards.row 0, Product.proceedAction, checkout, session: ok"},
     {"ALookupThatIsAlwaysRefused",
      "the server knows the device, the server forgets every session, checkout, session: ok"},
     {"AReceiptThatIsAlwaysRefused",
-     kPayment + "Product.proceedAction, purchase: ok, the server forgets every session, "
-                "receipt: 403, 60 s pass, 60 s pass"},
+     kToPayment + "Product.proceedAction, purchase: ok, the server forgets every session, "
+                  "receipt: 403, 60 s pass, 60 s pass"},
     {"AnActivationOfTheFormerCustomer",
-     kEnrolment + "checkout as B, session: ok, activate: ok, checkout again"},
+     kToEnrolment + "checkout as B, session: ok, activate: ok, checkout again"},
     {"APurchaseOfTheFormerCustomer",
      "A has been enrolled, checkout as A, session: ok, lookup: ok, Product.proceedAction, "
      "checkout as B, session: ok, purchase: 403"},
@@ -58,22 +58,23 @@ const std::map<std::string, std::string> kOrders{
      kPayDuringDelete + "delete: 403, session: ok, purchase: 403, session: ok, purchase: ok, "
                         "receipt: ok"},
     {"ALateLookupThatEndsAPayment",
-     kDelete + "delete: ok, Cards.row 0, Product.proceedAction, lookup: unusable"},
+     kToDelete + "delete: ok, Cards.row 0, Product.proceedAction, lookup: unusable"},
     {"AnOlderLookupAfterANewerOne",
-     kDelete + "delete: ok, Cards.delete 1, alert: Delete, delete: ok, lookup newest: ok, "
-               "lookup: ok"},
+     kToDelete + "delete: ok, Cards.delete 1, alert: Delete, delete: ok, lookup newest: ok, "
+                 "lookup: ok"},
     {"ALateLinkDuringA3DSecureAuthentication",
-     kForm + "bin: ok, AddCard.cancelAction, Product.cardAction, Cards.row 3, "
-             "Product.proceedAction, page: ok, page: returns, link: ok, authenticate: ok, "
-             "receipt: ok, confirm: ok, page: ok, page: returns"},
-    {"ALateBinDuringAPayment", kForm + "AddCard.cancelAction, Product.proceedAction, bin: ok"},
-    {"TheIndicatorOfALeftForm", kForm + "bin: ok, AddCard.cancelAction"},
+     kToForm + "bin: ok, AddCard.cancelAction, Product.cardAction, Cards.row 3, "
+               "Product.proceedAction, page: ok, page: returns, link: ok, authenticate: ok, "
+               "receipt: ok, confirm: ok, page: ok, page: returns"},
+    {"ALateBinDuringAPayment", kToForm + "AddCard.cancelAction, Product.proceedAction, bin: ok"},
+    {"TheIndicatorOfALeftForm", kToForm + "bin: ok, AddCard.cancelAction"},
     {"TheAlertOfALeftForm",
-     kForm + "bin: ok, link: relink, MsisdnRelink.proceedAction, MsisdnRelink.back, link: failed"},
-    {"ALateDeletionDuringAForm", kDelete + "Cards.addCardAction, delete: ok, lookup: ok"},
+     kToForm +
+         "bin: ok, link: relink, MsisdnRelink.proceedAction, MsisdnRelink.back, link: failed"},
+    {"ALateDeletionDuringAForm", kToDelete + "Cards.addCardAction, delete: ok, lookup: ok"},
     {"TwoAlertsDuringOneFade",
-     kDelete + "Cards.row 0, Product.proceedAction, hold the next animation, delete: lost, "
-               "purchase: lost, an animation ends, alert: Cancel, alert: Retry"},
+     kToDelete + "Cards.row 0, Product.proceedAction, hold the next animation, delete: lost, "
+                 "purchase: lost, an animation ends, alert: Cancel, alert: Retry"},
 };
 
 }  // namespace

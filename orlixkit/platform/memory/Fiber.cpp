@@ -18,7 +18,8 @@
 
 namespace orlix {
 
-namespace {
+// Not without a name: what the state of a fiber is made of has its linkage.
+namespace fibers {
 
 constexpr std::size_t kStackSize = std::size_t{1} << 20U;
 constexpr std::size_t kGuardSize = 4096;
@@ -79,13 +80,13 @@ struct HandledExceptions {
   }
 };
 
-}  // namespace
+}  // namespace fibers
 
 struct Fiber::State {
-  Stack stack = takeStack();
+  fibers::Stack stack = fibers::takeStack();
   ucontext_t own{};
   ucontext_t caller{};
-  HandledExceptions exceptions;  ///< of whichever side does not run
+  fibers::HandledExceptions exceptions;  ///< of whichever side does not run
   Task task;
   /// A context's function takes no pointer.
   static thread_local State* starting;
@@ -104,7 +105,7 @@ struct Fiber::State {
 #if defined(__SANITIZE_THREAD__)
     __tsan_destroy_fiber(ownFiber);
 #endif
-    spareStacks().push_back(std::move(stack));
+    fibers::spareStacks().push_back(std::move(stack));
   }
 
   void enter() {
@@ -114,7 +115,7 @@ struct Fiber::State {
     __tsan_switch_to_fiber(ownFiber, 0);
 #endif
 #if defined(__SANITIZE_ADDRESS__)
-    __sanitizer_start_switch_fiber(&callerFakeStack, stack.bottom(), kStackSize);
+    __sanitizer_start_switch_fiber(&callerFakeStack, stack.bottom(), fibers::kStackSize);
 #endif
     swapcontext(&caller, &own);
 #if defined(__SANITIZE_ADDRESS__)
@@ -161,7 +162,7 @@ void Fiber::start(Task task) {
   State::starting = &state;
   getcontext(&state.own);
   state.own.uc_stack.ss_sp = state.stack.bottom();
-  state.own.uc_stack.ss_size = kStackSize;
+  state.own.uc_stack.ss_size = fibers::kStackSize;
   state.own.uc_link = nullptr;
   makecontext(
       &state.own, [] { State::starting->run(); }, 0);
