@@ -34,6 +34,7 @@ TEST(Terms, AcceptingWaitsForTheServerWhateverItAnswersAndAFailureTravelsUp) {
   phone.wallet.next("/profile/updateTC", unreachable());
   phone.wallet.always("/profile/updateTC", late(2s, answers::kFailed));
   phone.host.runFor(1s);  // the lookup is under way, and must not hold the acceptance back
+  phone.mainMayWait = true;
   EXPECT_THROW(phone.act("proceedAction"), NetworkException);
   phone.host.runFor(1s);
   EXPECT_EQ(phone.screen(), "TermsAndConditionChange");

@@ -16,6 +16,11 @@ MemoryHostSettings withLibrary(MemoryHostSettings settings) {
 Phone::Phone(MemoryHostSettings settings) : host(withLibrary(std::move(settings))) {
   host.bundle().add("CountryCellCodes", "plist",
                     CompiledBundle().resource("CountryCellCodes", "plist").value());
+  host.world().setOnMainWait([this](const std::string& what) {
+    if (!mainMayWait) {
+      ADD_FAILURE() << "the main thread " << what;
+    }
+  });
 }
 
 void Phone::checkout(double amount) {

@@ -33,6 +33,8 @@ struct Phone {
   FakeWallet wallet{host.connections()};
   std::shared_ptr<HostApp> app = std::make_shared<HostApp>();
   std::shared_ptr<OXOrlix> facade = OXOrlix::make();
+  /// The main thread waits where the terms are accepted, and nowhere else: a test fails otherwise.
+  bool mainMayWait = false;
 
   /// An entry call on the test system, by the facade that is there.
   void checkout(double amount = 0);

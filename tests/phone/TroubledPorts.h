@@ -1,5 +1,6 @@
 #pragma once
 
+#include <functional>
 #include <memory>
 #include <optional>
 #include <stdexcept>
@@ -20,6 +21,7 @@ class TroubledQueues : public BackgroundQueues {
   explicit TroubledQueues(std::shared_ptr<BackgroundQueues> queues) : queues_(std::move(queues)) {}
 
   int failures = 0;
+  std::function<void()> onFailure;
 
   void global(QualityOfService service, Task task) override {
     refuse();
@@ -35,6 +37,7 @@ class TroubledQueues : public BackgroundQueues {
   void refuse() {
     if (failures > 0) {
       --failures;
+      onFailure();
       throw std::system_error(std::make_error_code(std::errc::resource_unavailable_try_again));
     }
   }

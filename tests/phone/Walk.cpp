@@ -83,6 +83,10 @@ Walk::Walk(Chooser chooser, bool preemptive) : preemptive_(preemptive) {
       breakRule("(f) the main thread " + what);
     }
   });
+  queues_->onFailure = [this] {
+    // Whose failure it is cannot be told; a lookup's leaves the user the fewest ways.
+    cause_ = hasFlow() && current().resent ? "purchase" : "lookup";
+  };
   server_->onSent = [this](HeldRequest& request) { return requestSent(request); };
   server_->onCancelled = [this](const HeldRequest& request) {
     if (request.flow == current_) {
@@ -305,7 +309,7 @@ void Walk::answer(const WalletServer::Request& request, const std::string& wante
       // What follows from the answer may fail for want of a thread.
     } else if (isLeft && !findsFirstScreen && !isPayment) {
       changesNothing("(c) an answer to a screen that was left changes something: " + kind);
-      answersLeftScreen_ = true;
+      answersLeftScreen_ = wasSettled_;
     } else if (request->late && (how == "ok" || how == "variable")) {
       changesNothing("(c) an answer to a screen that was left leads to another screen: " + kind);
     } else if (isPaying() && kind != "session" && !isPayment) {
@@ -334,7 +338,6 @@ void Walk::noteAnswer(const HeldRequest& request, const std::string& how) {
     const std::string refused = std::exchange(flow.refusedKind, "");
     if (how != "ok") {
       cause_ = refused.empty() ? kind : refused;
-      flow.resent = false;
       flow.startsAllowed += how == "lost" ? 1 : 0;
       flow.silent = flow.silent || (how == "refused" && refused.empty());
     }
@@ -487,7 +490,7 @@ void Walk::press(const std::shared_ptr<AlertController>& alert, const std::strin
     flow.accepted = flow.accepted && retries;
     flow.lookupRetried = flow.lookupRetried || (retries && cause == "lookup");
     flow.silent = flow.silent || (!retries && (cause == "lookup" || cause == "list"));
-    if (retries && queues_->failures == 0) {
+    if (retries && queues_->failures == 0 && armed_.empty()) {
       afterwards([this, sentBefore = server_->sent()] {
         if (live() && server_->sent() == sentBefore && !goesOn() && alerts().empty()) {
           breakRule("(d) Retry does nothing");
@@ -574,7 +577,7 @@ void Walk::enter(const std::string& name) {
   made.code = fmt::format("C-{}", made.number);
   made.msisdn = fmt::format("082123456{}", made.number % 10);
   made.system = has(name, " live") ? kLiveSystem : kTestSystem;
-  made.fixesAmount = has(name, " for 10");
+  made.fixesAmount = name.starts_with("checkout") && has(name, " for 10");
   made.controller = has(name, " elsewhere") ? otherRoot_ : host_->root();
   made.app->onOutcome = [this, number = made.number] { heard(number); };
   const std::string customer = customerOf(name);

@@ -179,6 +179,7 @@ class Walk : private UiObserver {
   void check();
   void checkHosts();
   void checkScreens();
+  void checkContent(const ViewController& shown);
   void checkIndicator();
   void checkAlerts();
   void checkPlaceOf(const std::shared_ptr<AlertController>& alert);

@@ -22,10 +22,15 @@ namespace orlix::test {
 
 namespace {
 
-/// Requests of one kind that may be sent without time passing: more of them are a storm.
-constexpr int kMostAtOnce = 12;
+/// Requests of one kind that may be sent without time passing: a dozen that wait, and four attempts
+/// of each. More of them are a storm.
+constexpr int kMostAtOnce = 60;
 /// A round of polling ends after 60 seconds; a pause of 2 seconds may end later.
 constexpr std::chrono::seconds kLongestPolling(62);
+
+bool findsFirstScreen(const std::string& kind) {
+  return kind == "session" || kind == "lookup" || kind == "list";
+}
 
 std::string withoutPin(boost::json::object body) {
   body.erase("pinData");
@@ -248,6 +253,29 @@ void Walk::checkHosts() {
   }
 }
 
+/// What the entry call has brought along shows.
+void Walk::checkContent(const ViewController& shown) {
+  const auto text = [&shown](const char* outlet) { return shown.outletNamed(outlet)->shownText(); };
+  if (shown.identifier() == "Activation" &&
+      text("msisdnField") != "+27" + current().msisdn.substr(1)) {
+    breakRule("(b) another flow's number is suggested: " + text("msisdnField"));
+  }
+  if (shown.identifier() != "Product") {
+    return;
+  }
+  const std::string shop = text("merchantView");
+  if (!shop.empty() && shop != "Shop " + current().code) {
+    breakRule("(b) the payment screen shows the code of another flow");
+  }
+  if (shown.outletNamed("testWarningLabel")->hidden() != (current().system == kLiveSystem)) {
+    breakRule("(b) the payment screen's test warning is wrong");
+  }
+  const bool isTyped = !shown.outletNamed("inputAmountField")->isOutOfSight();
+  if (isTyped && current().fixesAmount && text("inputAmountField") != "10") {
+    breakRule("(b) the payment screen does not suggest the amount of the entry call");
+  }
+}
+
 void Walk::checkScreens() {
   for (const auto& weak : former_) {
     if (const Controller screen = weak.lock(); screen && isShown(screen.get())) {
@@ -256,16 +284,15 @@ void Walk::checkScreens() {
   }
   std::erase_if(former_, [](const auto& weak) { return weak.expired(); });
   const Controller shown = screen();
-  if (shown && hasFlow() && !live() && animations_.empty()) {
+  if (shown && !live() && animations_.empty()) {
     breakRule("(c) a screen outlives its flow: " + shown->identifier());
   }
-  if (shown && shown->identifier() == "Product") {
-    const std::string shop = shown->outletNamed("merchantView")->shownText();
-    if (!shop.empty() && shop != "Shop " + current().code) {
-      breakRule("(b) the payment screen shows the code of another flow");
-    }
-    if (shown->outletNamed("testWarningLabel")->hidden() != (current().system == kLiveSystem)) {
-      breakRule("(b) the payment screen's test warning is wrong");
+  if (shown) {
+    checkContent(*shown);
+  }
+  for (const Controller& root : roots()) {
+    if (live() && root != current().controller && !top(root)->identifier().empty()) {
+      breakRule("(b) a screen is shown on another controller: " + top(root)->identifier());
     }
   }
   const bool mayLocate = live() && current().sawProduct;
@@ -295,6 +322,13 @@ void Walk::checkIndicator() {
   const auto known = kScreens.find(indicator().status());
   if (!live() || known == kScreens.end() || !known->second.contains(name)) {
     breakRule(fmt::format("(c) the indicator \"{}\" is left over {}", indicator().status(), name));
+  }
+  const auto asksTwice = std::count_if(
+      server_->held().begin(), server_->held().end(), [&shown](const WalletServer::Request& one) {
+        return one->asker.lock() == shown && !findsFirstScreen(one->kind);
+      });
+  if (indicator().blocksInput() && asksTwice > 1) {
+    breakRule("(e) a screen whose touches are blocked sends a second request: " + name);
   }
   if (indicator().blocksInput() && name != "TermsAndConditions" && !goesOn()) {
     breakRule("(c) touches are blocked, and nothing is in progress: " + name);

@@ -62,7 +62,7 @@ const std::vector<EveryOrder> kParts{
     {"wallet management", "the server knows the device, wallet, session: ok, ",
      with({"list: lost", "WalletManagement.cardAction", "WalletManagement.DoneClicked",
            "Cards.row 0", "Cards.cancelAction", "wallet", "wallet again"}),
-     5},
+     4},
     {"pre-registration", "pre-register, session: ok, Activation.proceedAction, sms: ok, ",
      with({"ActivationCode.proceedAction", "activate: ok", "list: lost", "Product.cardAction",
            "AddCard.proceedAction", "AddCard.cancelAction", "bin: ok", "link: ok"}),
@@ -82,7 +82,7 @@ const std::vector<EveryOrder> kParts{
      with({"3DAuthSecureCode.cancelAction", "page: ok", "page: returns", "authenticate: ok",
            "authenticate: lost", "authenticate: refused", "receipt: ok", "receipt: lost",
            "confirm: ok", "confirm: lost", "purchase: ok"}),
-     5}};
+     4}};
 
 }  // namespace
 

@@ -17,6 +17,10 @@ const std::string kToEnrolment =
     "checkout as A, session: ok, Activation.proceedAction, sms: ok, ActivationCode.proceedAction, ";
 const std::string kPayDuringDelete = kToDelete + "Cards.row 0, Product.proceedAction, ";
 
+const std::string kSecureCode = kToPayment + "Product.cardAction, Cards.row 2, ";
+const std::string k3DSecure =
+    kToPayment + "Product.cardAction, Cards.row 3, Product.proceedAction, ";
+
 /// Orders that once broke a rule, by what went wrong.
 const std::map<std::string, std::string> kOrders{
     {"TwoPurchasesAfterALateDeletion",
@@ -75,14 +79,71 @@ const std::map<std::string, std::string> kOrders{
     {"TwoAlertsDuringOneFade",
      kToDelete + "Cards.row 0, Product.proceedAction, hold the next animation, delete: lost, "
                  "purchase: lost, an animation ends, alert: Cancel, alert: Retry"},
+    {"AnAlertAfterTheIssuersPageFailed", kSecureCode + "Product.proceedAction, page: error"},
+    {"AnAlertOfTheIssuersPageUnderTheNextCheckout",
+     kSecureCode + "hold the next animation, Product.proceedAction, page: error, checkout again"},
+    {"CancelDuringTheValidationOfAnAuthenticatedCard",
+     k3DSecure + "page: ok, page: returns, authenticate: ok, receipt: ok, "
+                 "3DAuthSecureCode.cancelAction"},
+    {"AnEntryCallDuringTheCancelOfAnIssuersPage",
+     kSecureCode + "at animate: wallet, Product.proceedAction, SecureCode.cancelAction"},
+    {"AnEntryCallDuringARefusedIssuersPage",
+     kSecureCode + "at animate: wallet again, Product.proceedAction, page: unsupported"},
+    {"AnEntryCallWhileTheRetryOfAnIssuersPageIsOffered",
+     kSecureCode + "at animate: wallet again, Product.proceedAction, page: lost, session: refused, "
+                   "alert: Ok, alert: Retry"},
+    {"TheIndicatorOfAnIssuersPageThatTheHostRemoves",
+     kSecureCode + "Product.proceedAction, the host removes the screens"},
+    {"TheMaskOfALeftTermsPage",
+     "checkout, session: ok, Activation.descriptionTapped &, TermsAndConditions.backAction"},
+    {"ARetryWhoseFlowIsReplacedUnderTheAlert",
+     kToPayment + "Product.proceedAction, purchase: lost, hold the next animation, alert: Retry, "
+                  "checkout, an animation ends"},
+    {"ALateLookupAtTheEndOfTheApplication",
+     kToDelete + "Cards.row 0, delete: ok, Product.proceedAction, lookup: ok"},
+    {"AnEntryCallDuringCancel",
+     "the server knows the device, checkout, session: ok, lookup: ok, at animate: wallet, "
+     "Product.proceedAction, Product.cancelAction"},
+    {"AnEntryCallWhileTheFormerAlertIsWithdrawn",
+     "the server knows the device, wallet, session: ok, list: ok, checkout again elsewhere, "
+     "60 s pass, at dismiss: checkout again, checkout"},
 };
 
-}  // namespace
+/// Orders that still break one.
+const std::map<std::string, std::string> kOpen{
+    {"AnEntryCallWhileTheFormerIndicatorFades",
+     "checkout, session: ok, Activation.proceedAction, at animate: pre-register again, "
+     "pre-register elsewhere, session: ok"},
+    {"TheFormerStartDuringAnEntryCall",
+     "the server knows the device, wallet, at animate: run the main queue, session: ok &, "
+     "checkout elsewhere"},
+    {"NoThreadForTheFirstLookAtTheLastUsedCard",
+     "the server knows the device, checkout again, session: ok, no thread, lookup: ok"},
+    {"TwoRequestsUnderOneMask",
+     "checkout, session: ok, Activation.proceedAction, sms: lost, sms: lost, at dismiss: pay, "
+     "alert: Retry"},
+    {"ATouchOnALeftScreen",
+     "checkout, session: ok, Activation.proceedAction, the host removes the screens, "
+     "stray Activation.descriptionTapped"},
+    {"AnEntryCallWhileTheFormerWaitingScreenGoes",
+     "the server knows the device, checkout elsewhere, session: notice, at dismiss: wallet, "
+     "checkout elsewhere"},
+    {"ATouchWhileTheMaskOfAnActivationGoes",
+     "the store is full, checkout, session: ok, Activation.proceedAction, sms: ok, "
+     "ActivationCode.proceedAction, activate: ok, at progress: pay, activate: ok, activate: ok, "
+     "activate: ok"},
+};
 
-TEST(KnownOrders, BreakNoRuleAgain) {
-  for (const auto& [name, order] : kOrders) {
+void expectNoRuleBroken(const std::map<std::string, std::string>& orders) {
+  for (const auto& [name, order] : orders) {
     EXPECT_EQ(ruleBrokenBy(parseOrder(order)), "") << name;
   }
 }
+
+}  // namespace
+
+TEST(KnownOrders, BreakNoRuleAgain) { expectNoRuleBroken(kOrders); }
+
+TEST(KnownOrders, DISABLED_OfOpenFaultsBreakNoRule) { expectNoRuleBroken(kOpen); }
 
 }  // namespace orlix::test
