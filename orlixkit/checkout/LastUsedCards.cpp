@@ -2,15 +2,14 @@
 
 #include <algorithm>
 #include <exception>
+#include <system_error>
 
 #include "orlixkit/platform/Host.h"
 
 namespace orlix {
 
 // Tasks hold `this`: it lives in the host, whose queues are closed before it goes.
-LastUsedCards::LastUsedCards()
-    : store_(Host::current().ports().userDefaults),
-      writes_(Host::current().ports().backgroundQueues->newOperationQueue()) {
+LastUsedCards::LastUsedCards() : store_(Host::current().ports().userDefaults) {
   Host::current().atShutdown([this] { writeAll(); });
 }
 
@@ -22,7 +21,15 @@ void LastUsedCards::set(const std::string& key, std::int64_t cardId) {
       unwritten_.push_back(key);
     }
   }
-  writes_->add([this] { writeAll(); });
+  try {
+    if (!writes_) {
+      writes_ = Host::current().ports().backgroundQueues->newOperationQueue();
+    }
+    writes_->add([this] { writeAll(); });
+  } catch (const std::system_error& failure) {
+    // No thread: the next choice, or the shutdown, writes this one as well.
+    log(std::string("OrlixKit: The last used card is stored later: ") + failure.what());
+  }
 }
 
 std::int64_t LastUsedCards::get(const std::string& key) const {

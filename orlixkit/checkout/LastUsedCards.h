@@ -35,8 +35,8 @@ class LastUsedCards {
   void write(const std::string& key, std::int64_t cardId);
 
   const std::shared_ptr<UserDefaults> store_;
-  const std::shared_ptr<OperationQueue> writes_;
-  mutable std::mutex lock_;  // guards what follows; not held while the store is used
+  std::shared_ptr<OperationQueue> writes_;  ///< made at the first choice
+  mutable std::mutex lock_;                 // guards what follows; not held while the store is used
   std::map<std::string, std::int64_t> chosen_;
   std::deque<std::string> unwritten_;  // keys, each once: the newest choice replaces the others
 };

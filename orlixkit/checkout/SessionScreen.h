@@ -4,6 +4,7 @@
 #include <functional>
 #include <map>
 #include <memory>
+#include <set>
 #include <string>
 #include <utility>
 
@@ -69,6 +70,9 @@ class SessionScreen : public ViewController {
     /// The answer is dropped when one of the same kind that was asked for later has been taken: a
     /// lookup, say. Requests that change something count each for itself.
     bool latestCounts = false;
+    /// Not sent while one of this kind is under way: a screen that holds touches back meanwhile may
+    /// still be touched by the host's code.
+    bool alone = false;
   };
 
   /// See `requestInBackground`. Does nothing once the screen's flow is over.
@@ -76,6 +80,9 @@ class SessionScreen : public ViewController {
   void send(Request<Answer> request) {
     const std::shared_ptr<OXSession> own = session();
     if (!own) {
+      return;
+    }
+    if (request.alone && !underWay_.insert(request.kind).second) {
       return;
     }
     const auto self = std::static_pointer_cast<SessionScreen>(shared_from_this());
@@ -86,8 +93,9 @@ class SessionScreen : public ViewController {
     };
     requestInBackground<Answer>(
         request.queue, std::move(request.ask),
-        [self, isOvertaken, answered = std::move(request.answered),
+        [self, isOvertaken, kind = request.kind, answered = std::move(request.answered),
          late = std::move(request.answeredLate)](Answer answer) {
+          self->underWay_.erase(kind);
           if (!self->wasLeft()) {
             if (!isOvertaken()) {
               answered(std::move(answer));
@@ -96,7 +104,8 @@ class SessionScreen : public ViewController {
             late();
           }
         },
-        [self, isOvertaken, failed = std::move(request.failed)] {
+        [self, isOvertaken, kind = request.kind, failed = std::move(request.failed)] {
+          self->underWay_.erase(kind);
           if (!self->wasLeft() && !isOvertaken()) {
             failed();
           }
@@ -111,6 +120,7 @@ class SessionScreen : public ViewController {
   std::weak_ptr<OXSession> session_;
   std::uint64_t asked_ = 0;
   std::map<std::string, std::uint64_t> taken_;
+  std::set<std::string> underWay_;
 };
 
 }  // namespace orlix

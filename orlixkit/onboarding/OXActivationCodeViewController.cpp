@@ -52,7 +52,8 @@ void OXActivationCodeViewController::proceedAction() {
        // The indicator is left to the alert, so that nothing can be touched until
        // it is there.
        .failed =
-           [screen] { screen->offerRetry("activate", [screen] { screen->proceedAction(); }); }});
+           [screen] { screen->offerRetry("activate", [screen] { screen->proceedAction(); }); },
+       .alone = true});
 }
 
 void OXActivationCodeViewController::answered(std::int32_t status) {

@@ -142,7 +142,8 @@ void OXActivationViewController::ask(const std::string& msisdn) {
              if (screen->hideProgress()) {
                screen->offerRetry("msisdn", [screen] { screen->sendMsisdn(); });
              }
-           }});
+           },
+       .alone = true});
 }
 
 void OXActivationViewController::answered(const MTSmsResponse& response) {

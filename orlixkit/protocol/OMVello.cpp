@@ -72,7 +72,7 @@ void OMVello::performInitSession() { perform(presentStart()); }
 void OMVello::tryStart(const std::shared_ptr<Start>& start) {
   // Made beforehand: it is for the case that there is no memory to make it.
   const Task failed = [this, start] {
-    if (start == presentStart()) {
+    if (isPresent(start)) {
       showRetry(start);
     }
   };
@@ -192,10 +192,16 @@ void OMVello::establish(const std::shared_ptr<Start>& start,
 /// none can slip in after a new start.
 void OMVello::report(const std::shared_ptr<Start>& start, Task onMain) {
   Host::current().ports().mainQueue->async([this, start, onMain = std::move(onMain)] {
-    if (start == presentStart()) {
+    if (isPresent(start)) {
       onMain();
     }
   });
+}
+
+/// Neither superseded nor of a flow that is over: an entry call ends the former flow some steps
+/// before its own start, and whoever runs the main queue in between must not be taken for it.
+bool OMVello::isPresent(const std::shared_ptr<Start>& start) const {
+  return start == presentStart() && (!start->flow || start->flow->isLive());
 }
 
 void OMVello::reportEstablished(const std::shared_ptr<Start>& start) {
@@ -226,7 +232,7 @@ void OMVello::offerRetry(const std::shared_ptr<Start>& start) {
 void OMVello::showRetry(const std::shared_ptr<Start>& start) {
   const auto whilePresent = [this, start](Task task) {
     return [this, start, task = std::move(task)] {
-      if (start == presentStart()) {
+      if (isPresent(start)) {
         task();
       }
     };

@@ -94,6 +94,7 @@ class OMVello {
                   bool stopConnection);
   void offerRetry(const std::shared_ptr<Start>& start);
   void showRetry(const std::shared_ptr<Start>& start);
+  bool isPresent(const std::shared_ptr<Start>& start) const;
   std::shared_ptr<Start> presentStart() const;
   std::shared_ptr<OMVelloEnvironment> environment() const;
 
