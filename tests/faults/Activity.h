@@ -38,13 +38,13 @@ class Activity : public std::enable_shared_from_this<Activity> {
 
   struct State {
     bool atRest = false;  ///< no task has anything to do; what there is of them waits
-    bool exchanges = false;
+    int exchanges = 0;    ///< under way
     bool hasTasks = false;
   };
   /// All of one moment.
   State state() const {
     const std::lock_guard held(lock_);
-    return {rests(), counts_[exchange] > 0, counts_[backgroundTask] > 0};
+    return {rests(), counts_[exchange], counts_[backgroundTask] > 0};
   }
 
  private:
