@@ -57,8 +57,8 @@ void PageFinger::touch(const std::string& selector, const std::string& doing) {
   if (!(*result)->value) {
     throw std::runtime_error("the page refuses " + selector + ": " + (*result)->error);
   }
-  if (const std::string& reason = *(*result)->value; !reason.empty()) {
-    throw std::runtime_error(selector + " " + reason);
+  if (const SecretString& reason = *(*result)->value; !reason.empty()) {
+    throw std::runtime_error(selector + " " + std::string(reason.text()));
   }
 }
 
@@ -93,7 +93,7 @@ void PageFinger::wait(const std::string& selector, std::chrono::milliseconds lim
     page->evaluateJavaScript(script, [look](const ScriptResult& result) {
       look->underWay = false;
       // A page that was left before it answered, or none yet: the next look tells.
-      const std::string answer = result.value.value_or("");
+      const std::string answer(result.value.value_or(SecretString()).text());
       look->found = answer == "found";
       look->refusal = look->found ? "" : answer;
     });

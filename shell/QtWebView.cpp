@@ -12,6 +12,7 @@
 #include "orlixkit/platform/posix/SystemTrust.h"
 #include "shell/QtWebRequestGuard.h"
 #include "shell/QtWebScript.h"
+#include "shell/WipedText.h"
 
 namespace orlix::shell {
 
@@ -100,21 +101,22 @@ void QtWebView::evaluateJavaScript(const std::string& script,
 }
 
 void QtWebView::scriptAnswered(int ticket, const QVariant& result) {
+  const QVariantList parts = result.toList();
+  const QString text = parts.size() == 2 ? parts[1].toString() : QString();
   const auto found = std::find_if(owed_.begin(), owed_.end(),
                                   [ticket](const Owed& owed) { return owed.ticket == ticket; });
-  if (found == owed_.end()) {
-    return;
+  if (found != owed_.end()) {
+    const Owed owed = std::move(*found);
+    owed_.erase(found);
+    if (parts.size() != 2) {
+      settle(owed, {std::nullopt, "The page was left before it answered."});
+    } else if (parts[0].toBool()) {
+      settle(owed, {secretOf(text), {}});
+    } else {
+      settle(owed, {std::nullopt, text.toStdString()});
+    }
   }
-  const Owed owed = std::move(*found);
-  owed_.erase(found);
-  const QVariantList parts = result.toList();
-  if (parts.size() != 2) {
-    settle(owed, {std::nullopt, "The page was left before it answered."});
-  } else if (parts[0].toBool()) {
-    settle(owed, {parts[1].toString().toStdString(), {}});
-  } else {
-    settle(owed, {std::nullopt, parts[1].toString().toStdString()});
-  }
+  wipeShared(text);
 }
 
 void QtWebView::judgeCertificate(QWebEngineCertificateError error) {

@@ -45,11 +45,11 @@ class Edited {
   }
 
   void change(TextRange range, const std::string& replacement) {
-    const std::string before = field_->content();
+    const std::string before(field_->content().text());
     const std::size_t length = field_->textLength();
     field_->replaceCharacters(range, replacement);
     holds();
-    const std::string after = field_->content();
+    const std::string after(field_->content().text());
     const std::size_t added = contentSize(replacement);
     if (added == 0 && !replacement.empty()) {
       check(after == before, "what holds nothing usable changes nothing");
@@ -97,7 +97,7 @@ class Edited {
   void holds() const {
     check(field_->caret() <= field_->textLength(), "the caret stands in the text");
     const auto other = makeField(number_);
-    other->setText(field_->content());
+    other->setText(field_->content().text());
     check(other->text() == field_->text(), "the content alone says where the separators are");
   }
 

@@ -236,8 +236,11 @@ void OXSession::setPendingCallback(HostCallback callback) {
   };
   flow_->end();
   whenNotPaying_.clear();
-  // The payment screen that waited for an authentication, with the CVV in its field.
+  // The payment screen that waited for an authentication, with the CVV in its field; the number of
+  // a card that was to be linked. The session itself stays until the next flow.
   delegate3DSecure.reset();
+  cardInfoResponse.reset();
+  cvv.reset();
 }
 
 void OXSession::deliverPendingCallback() {

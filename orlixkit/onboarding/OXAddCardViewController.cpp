@@ -86,7 +86,7 @@ void OXAddCardViewController::refuse(const std::string& message) {
 
 void OXAddCardViewController::proceedAction() {
   cardNumber_ = cardNumberField_->number();
-  if (!isValidLuhn(cardNumber_) && lengthOf(cardNumber_) < 14) {
+  if (!isValidLuhn(cardNumber_.text()) && lengthOf(cardNumber_.text()) < 14) {
     warn("Invalid card number");
     return;
   }
@@ -108,7 +108,7 @@ void OXAddCardViewController::checkCard() {
   send<MTBinInfo>(
       {.kind = "bin",
        .ask = [number = cardNumber_](
-                  KCVelloConnection& connection) { return connection.getBinInfo(number); },
+                  KCVelloConnection& connection) { return connection.getBinInfo(number.text()); },
        .answered = [screen = self()](const MTBinInfo& info) { screen->lookedUp(info); },
        .failed =
            [screen = self()] {

@@ -72,7 +72,7 @@ class OXAddCardViewController : public OrlixViewController {
   std::shared_ptr<DropDownPicker> cardAccountPicker_;
 
   // What the fields held at the last proceed.
-  std::string cardNumber_;
+  SecretString cardNumber_;
   std::string cardHolder_;
   std::string expiryDate_;
   std::string dateOfBirth_;

@@ -5,6 +5,8 @@
 #include <optional>
 #include <string>
 
+#include "orlixkit/platform/Secret.h"
+
 namespace orlix {
 
 class WebViewDelegate {
@@ -20,9 +22,10 @@ class WebViewDelegate {
   virtual void webContentProcessDidTerminate() = 0;
 };
 
-/// What a script gave: a text (numbers and other values in their text form), or why it failed.
+/// What a script gave: a text (numbers and other values in their text form), or why it failed. The
+/// text is a secret, since a page may hold the result of an authentication.
 struct ScriptResult {
-  std::optional<std::string> value;
+  std::optional<SecretString> value;
   std::string error;
 };
 

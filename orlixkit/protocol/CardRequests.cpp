@@ -57,7 +57,7 @@ MTCardValidateResponse KCVelloConnection::validateCard(bool validate, std::int64
       {{"validate", validate}, {"cardId", cardId}, {"inputValue", inputValue}});
 }
 
-MTBinInfo KCVelloConnection::getBinInfo(const std::string& cardNumber) {
+MTBinInfo KCVelloConnection::getBinInfo(std::string_view cardNumber) {
   return request<MTBinInfo>(withNode("/card/bin/"),
                             {{"bin", std::string(firstCharacters(cardNumber, binCharacters))}});
 }

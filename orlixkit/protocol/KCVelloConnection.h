@@ -84,7 +84,7 @@ class KCVelloConnection {
   MTCardValidateResponse validateCard(bool validate, std::int64_t cardId,
                                       const std::string& inputValue);
   /// Throws std::out_of_range when the number has fewer than 9 characters.
-  MTBinInfo getBinInfo(const std::string& cardNumber);
+  MTBinInfo getBinInfo(std::string_view cardNumber);
   MTApiResponse updateTC();
   /// Makes the stored record unreadable for this device; nothing is sent. An activation under way
   /// stores no token any more. Any thread.

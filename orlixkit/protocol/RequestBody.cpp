@@ -82,11 +82,20 @@ void RequestBody::set(const std::string& key, Value value) {
   }
 }
 
-void RequestBody::setRequired(const std::string& key, const std::optional<std::string>& text) {
+template <class Text>
+void RequestBody::setPresent(const std::string& key, const std::optional<Text>& text) {
   if (!text) {
     throw std::invalid_argument("the request needs a value for " + key);
   }
   set(key, *text);
+}
+
+void RequestBody::setRequired(const std::string& key, const std::optional<std::string>& text) {
+  setPresent(key, text);
+}
+
+void RequestBody::setRequired(const std::string& key, const std::optional<SecretString>& text) {
+  setPresent(key, text);
 }
 
 SecretBytes RequestBody::write() const {

@@ -26,11 +26,14 @@ class RequestBody {
   void set(const std::string& key, Value value);
   /// Throws std::invalid_argument naming the key when the text is absent.
   void setRequired(const std::string& key, const std::optional<std::string>& text);
+  void setRequired(const std::string& key, const std::optional<SecretString>& text);
 
   /// Pretty-printed UTF-8. Throws std::invalid_argument when a text is not UTF-8.
   SecretBytes write() const;
 
  private:
+  template <class Text>
+  void setPresent(const std::string& key, const std::optional<Text>& text);
   void writeInto(SecretBytes& out, std::size_t depth) const;
   static void writeValue(SecretBytes& out, const Value& value, std::size_t depth);
 

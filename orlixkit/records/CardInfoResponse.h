@@ -3,13 +3,14 @@
 #include <optional>
 #include <string>
 
+#include "orlixkit/platform/Secret.h"
 #include "orlixkit/records/Location.h"
 
 namespace orlix {
 
 /// The details of a card that the user wants to add.
 struct CardInfoResponse {
-  std::optional<std::string> cardNumber;  ///< PAN
+  std::optional<SecretString> cardNumber;  ///< PAN
   std::optional<std::string> account;
   std::optional<std::string> expiryDateMonth;
   std::optional<std::string> expiryDateYear;

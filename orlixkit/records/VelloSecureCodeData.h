@@ -2,14 +2,15 @@
 
 #include <cstdint>
 #include <optional>
-#include <string>
+
+#include "orlixkit/platform/Secret.h"
 
 namespace orlix {
 
 /// The result of a card holder's authentication, to be handed to the server.
 struct VelloSecureCodeData {
   std::int64_t secureCodeId = 0;
-  std::optional<std::string> PaRes;
+  std::optional<SecretString> PaRes;
 };
 
 }  // namespace orlix

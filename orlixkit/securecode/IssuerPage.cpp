@@ -39,14 +39,14 @@ bool IssuerPage::isTerminationPage(std::string_view markup) {
   return markup.find("Vello.handle") != std::string_view::npos;
 }
 
-std::string IssuerPage::parsePaRes(std::string_view markup) {
+SecretString IssuerPage::parsePaRes(std::string_view markup) {
   const std::size_t opening = markup.find('"');
   if (opening == std::string_view::npos) {
     return {};
   }
   const std::string_view rest = markup.substr(opening + 1);
   const std::size_t closing = rest.find('"');
-  return closing == std::string_view::npos ? std::string() : std::string(rest.substr(0, closing));
+  return closing == std::string_view::npos ? SecretString() : SecretString(rest.substr(0, closing));
 }
 
 }  // namespace orlix

@@ -3,6 +3,7 @@
 #include <string>
 #include <string_view>
 
+#include "orlixkit/platform/Secret.h"
 #include "orlixkit/records/MTSecureCodeURLResponse.h"
 
 namespace orlix {
@@ -26,7 +27,7 @@ class IssuerPage {
 
   /// The PaRes: the first double-quoted value of the termination page's markup. Empty when there is
   /// no complete quoted value; the server then refuses the purchase.
-  static std::string parsePaRes(std::string_view markup);
+  static SecretString parsePaRes(std::string_view markup);
 };
 
 }  // namespace orlix

@@ -190,18 +190,18 @@ void OXSecureCodeViewController::didFinishNavigation() {
   }
   if (!read.value) {
     pageShown_ = pageShown_ || read.error == kNoAnswer;  // busy, but there
-  } else if (IssuerPage::isTerminationPage(*read.value)) {
-    terminationPageSeen(*read.value);
+  } else if (IssuerPage::isTerminationPage(read.value->text())) {
+    terminationPageSeen(read.value->text());
   } else {
-    pageShown_ = pageShown_ || !IssuerPage::isLaunchForm(*read.value);
+    pageShown_ = pageShown_ || !IssuerPage::isLaunchForm(read.value->text());
   }
 }
 
-void OXSecureCodeViewController::terminationPageSeen(const std::string& markup) {
+void OXSecureCodeViewController::terminationPageSeen(std::string_view markup) {
   stage_ = Stage::over;
   secureCodeData_.PaRes = IssuerPage::parsePaRes(markup);
   secureCodeData_.secureCodeId = secureCodeInfo_->secureCodeId;
-  log(*secureCodeData_.PaRes);
+  log(secureCodeData_.PaRes->text());
   purchaseRequest_.location = OXUtil::getLocation();
   makePayment();
 }
@@ -254,7 +254,7 @@ void OXSecureCodeViewController::offerRetryOf(Step step, Task cancel) {
   OXUtil::showConnectionAlert(std::move(alert));
 }
 
-std::optional<std::string> OXSecureCodeViewController::stringByEvaluatingJavaScriptFromString(
+std::optional<SecretString> OXSecureCodeViewController::stringByEvaluatingJavaScriptFromString(
     const std::string& script, const std::shared_ptr<WebView>& webView) {
   return readPage(script, webView).value;
 }
@@ -291,7 +291,9 @@ void OXSecureCodeViewController::makePayment() {
 }
 
 void OXSecureCodeViewController::purchaseAnswered(MTPinResponse response) {
-  purchaseRequest_.cvv.reset();  // it is not sent again
+  // Neither is sent again.
+  purchaseRequest_.cvv.reset();
+  secureCodeData_.PaRes.reset();
   pinResponse_ = std::move(response);
   if (pinResponse_.status == PinResponseStatus::success) {
     pollForReceipt();
@@ -366,6 +368,7 @@ void OXSecureCodeViewController::cancelTransaction() {
     return;
   }
   stage_ = Stage::over;
+  purchaseRequest_.cvv.reset();
   if (const auto& page = secureCodewebView_->page()) {
     page->stopLoading();
   }

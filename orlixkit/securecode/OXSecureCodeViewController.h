@@ -4,6 +4,7 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <string_view>
 
 #include "orlixkit/checkout/OrlixViewController.h"
 #include "orlixkit/platform/WebView.h"
@@ -49,7 +50,7 @@ class OXSecureCodeViewController : public OrlixViewController, public WebViewDel
   /// Evaluates the script and runs the main loop until its result is there, for 10 seconds at most.
   /// None after a failure, which is logged, and when the flow has ended meanwhile. Tasks of the
   /// main queue run meanwhile: the caller checks again all it knew before.
-  std::optional<std::string> stringByEvaluatingJavaScriptFromString(
+  std::optional<SecretString> stringByEvaluatingJavaScriptFromString(
       const std::string& script, const std::shared_ptr<WebView>& webView);
 
  protected:
@@ -88,7 +89,7 @@ class OXSecureCodeViewController : public OrlixViewController, public WebViewDel
   void offerPaymentRetry(Step step);
   void offerRetryOf(Step step, Task cancel);
   ScriptResult readPage(const std::string& script, const std::shared_ptr<WebView>& webView);
-  void terminationPageSeen(const std::string& markup);
+  void terminationPageSeen(std::string_view markup);
   void purchaseAnswered(MTPinResponse response);
   void receiptArrived(const MTReceipt& receipt);
   bool isCurrentPage(unsigned turn) const;

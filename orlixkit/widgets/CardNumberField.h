@@ -17,7 +17,7 @@ namespace orlix {
 class CardNumberField : public SeparatedTextField {
  public:
   CardNumberField() { setKeyboard(Keyboard::numberPad); }
-  std::string number() const { return content(); }
+  SecretString number() const { return content(); }
 
  protected:
   std::vector<std::string> contentOf(std::string_view text) const override;

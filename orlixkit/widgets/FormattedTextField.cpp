@@ -7,7 +7,7 @@
 namespace orlix {
 
 void FormattedTextField::setPattern(std::string pattern) {
-  const std::string digits = content();
+  const SecretString digits = content();
   pattern_ = std::move(pattern);
   separators_.clear();
   std::string separator;
@@ -18,7 +18,7 @@ void FormattedTextField::setPattern(std::string pattern) {
       separator.push_back(unit);
     }
   }
-  setText(digits);
+  setText(digits.text());
 }
 
 std::vector<std::string> FormattedTextField::contentOf(std::string_view text) const {

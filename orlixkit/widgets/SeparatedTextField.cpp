@@ -12,22 +12,22 @@ void SeparatedTextField::setText(std::string_view text) {
   show(characters, characters.size());
 }
 
-std::string SeparatedTextField::content() const {
-  std::string joined;
-  for (const std::string& character : contentOf(text())) {
-    joined += character;
+SecretString SeparatedTextField::content() const {
+  SecretString joined;
+  for (const std::string& character : contentOf(secretText().text())) {
+    joined.append(std::span(character.data(), character.size()));
   }
   return joined;
 }
 
 void SeparatedTextField::applyChange(TextRange range, const std::string& replacement) {
-  const std::string shown = text();
-  const auto offset = [&shown, characters = charactersOf(shown)](std::size_t position) {
+  const SecretString shown = secretText();
+  const auto offset = [&shown, characters = charactersOf(shown.text())](std::size_t position) {
     return position < characters.size()
                ? static_cast<std::size_t>(characters[position].data() - shown.data())
                : shown.size();
   };
-  const std::string_view view = shown;
+  const std::string_view view = shown.text();
   // A range may begin and end anywhere; beyond the text it is empty.
   const std::size_t location = std::min(range.location, shown.size());
   const std::size_t from = offset(location);

@@ -19,7 +19,7 @@ class SeparatedTextField : public TextField {
  public:
   void setText(std::string_view text) override;
   /// The text without its separators.
-  std::string content() const;
+  SecretString content() const;
 
  protected:
   /// A deletion that meets nothing but separators takes the character beside them: the one after

@@ -14,8 +14,11 @@ namespace orlix::test {
 namespace {
 
 // Typed key by key, so that this test never holds them in one piece. The PIN is the one of card
-// 7777; the CVV has four characters that stand nowhere else, each of four bytes in UTF-8.
+// 7777; the CVV has four characters that are nowhere else, each of four bytes in UTF-8. The PAN is
+// one whose bank wants the mobile number confirmed.
 constexpr std::array<char, 9> kPinDigits{'9', '8', '7', '6', '5', '4', '3', '2', '1'};
+constexpr std::array<char, 16> kPanDigits{'4', '1', '0', '0', '0', '0', '8', '0',
+                                          '0', '0', '0', '0', '0', '1', '0', '8'};
 constexpr std::array<int, 4> kCvvLetters{0x93, 0x8B, 0xA1, 0x97};
 
 std::string cvvKey(int letter) {
@@ -23,6 +26,29 @@ std::string cvvKey(int letter) {
 }
 
 MemoryScan::Needle named(const std::string& name) { return {name, {}}; }
+
+char paResLetter(std::size_t index) { return static_cast<char>('A' + index * 7 % 26); }
+
+/// Forty letters, which a request writes as they are.
+MemoryScan::Needle paResText() {
+  MemoryScan::Needle needle = named("PaRes");
+  for (std::size_t i = 0; i < 40; ++i) {
+    needle.add(static_cast<std::uint8_t>(paResLetter(i)));
+  }
+  return needle;
+}
+
+/// `grouped`: as the field shows it.
+MemoryScan::Needle panText(bool grouped) {
+  MemoryScan::Needle needle = named(grouped ? "shown PAN" : "PAN");
+  for (std::size_t i = 0; i < kPanDigits.size(); ++i) {
+    if (grouped && i > 0 && i % 4 == 0) {
+      needle.add(static_cast<std::uint8_t>(' '));
+    }
+    needle.add(static_cast<std::uint8_t>(kPanDigits.at(i)));
+  }
+  return needle;
+}
 
 MemoryScan::Needle pinText() {
   MemoryScan::Needle needle = named("PIN");
@@ -116,6 +142,24 @@ struct User : TlsPhone {
       user->type("cvvField", cvvKey(letter));
     }
   }
+  void typePan() {
+    for (const char digit : kPanDigits) {
+      user->type("cardNumberField", std::string(1, digit));
+    }
+  }
+  /// The issuer's page comes back at once.
+  void returnFromIssuer() {
+    pages->onLoad = [](FakeWebView& page) {
+      std::string markup = "<script>Vello.handle(\"";
+      markup.reserve(100);
+      for (std::size_t i = 0; i < 40; ++i) {
+        markup += paResLetter(i);
+      }
+      markup += "\")</script>";
+      page.finishNavigation(markup);
+      wipe(markup.data(), markup.size());
+    };
+  }
   void payByPin(const std::string& code) {
     showPayment(code, "7777");
     typePin();
@@ -172,15 +216,28 @@ const std::vector<Flow> kFlows{
      "succeeded"},
     {"a 3-D Secure payment with a CVV",
      [](User& user) {
-       user.pages->onLoad = [](FakeWebView& page) {
-         page.finishNavigation(R"(<html><script>Vello.handle("eJx")</script></html>)");
-       };
+       user.returnFromIssuer();
        user.showPayment("FIXED-25", "0309");
        user.typeCvv();
        user.user->tap("proceedButton");
        user.runUntil([&] { return !user.app->heard.empty(); });
      },
      "error 2"},
+    {"a card that is added",
+     [](User& user) {
+       user.showPayment("FIXED-25", "7777");
+       OXSession::currentSession()->showAddCardScreen();
+       user.runUntilScreen("AddCard");
+       user.typePan();
+       user.user->type("cardHolderField", "A Customer");
+       user.user->type("expiryDateField", "1299");
+       user.user->tap("proceedButton");
+       user.runUntilScreen("MsisdnRelink");
+       user.user->type("msisdnField", "0821234567");
+       user.user->tap("proceedButton");
+       user.cancel();
+     },
+     "cancelled"},
     {"second thoughts",
      [](User& user) {
        user.showPayment("FIXED-25", "4444");
@@ -202,6 +259,9 @@ TEST(Secrets, NoneOfThemIsInMemoryOnceTheFlowHasEnded) {
     scan.lookFor(pinText());
     scan.lookFor(pinNibbles());
     scan.lookFor(cvvText());
+    scan.lookFor(paResText());
+    scan.lookFor(panText(true));
+    scan.lookFor(panText(false));
     MemoryScan keys;
     {
       User user(server.address);
@@ -209,6 +269,7 @@ TEST(Secrets, NoneOfThemIsInMemoryOnceTheFlowHasEnded) {
       ASSERT_THAT(user.app->heard, testing::ElementsAre(testing::HasSubstr(flow.heard)));
       // Whatever the host's callback interrupted has been released by then.
       user.runUntil([&user] { return user.screen().empty(); });
+      user.log->clear();  // one of its lines is the PaRes
       EXPECT_THAT(scan.findings(), testing::IsEmpty());
       for (MemoryScan::Needle& needle : pinKey()) {
         keys.lookFor(std::move(needle));

@@ -44,7 +44,7 @@ void confirmNumber(Phone& phone) {
   phone.beginAddCard(Entry::wallet);
   const auto session = OXSession::currentSession();
   session->cardInfoResponse = std::make_shared<CardInfoResponse>();
-  session->cardInfoResponse->cardNumber = "4000123412341234";
+  session->cardInfoResponse->cardNumber = SecretString("4000123412341234");
   session->showMsisdnRelinkScreen();
   phone.wallet.cards = {cardJson(12, "0012")};
   phone.host.type("msisdnField", "0821234567");

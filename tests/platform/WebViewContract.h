@@ -48,7 +48,7 @@ class WebViewUser {
   std::string ask(WebView& view, const std::string& script) {
     const auto answer = std::make_shared<std::string>("no answer");
     view.evaluateJavaScript(script, [answer](const ScriptResult& result) {
-      *answer = result.value.value_or("failed: " + result.error);
+      *answer = result.value ? std::string(result.value->text()) : "failed: " + result.error;
     });
     runUntil([answer] { return *answer != "no answer"; });
     return *answer;
@@ -151,7 +151,7 @@ TYPED_TEST_P(WebViewContract, AnswersForAScriptWhateverBecomesOfItsPage) {
     user.reader->onceFinished = [&] {
       this->heard.clear();
       view->evaluateJavaScript(user.endlessScript(*view), [&](const ScriptResult& result) {
-        answers.push_back(result.value.value_or(result.error));
+        answers.push_back(result.value ? std::string(result.value->text()) : result.error);
       });
       row.end(view);
       EXPECT_TRUE(answers.empty()) << "never from inside the call";

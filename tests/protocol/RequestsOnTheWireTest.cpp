@@ -28,7 +28,7 @@ PurchaseRequest barePurchase() {
 
 CardInfoResponse cardWith(std::optional<std::string> month, std::optional<std::string> year) {
   CardInfoResponse card;
-  card.cardNumber = "5413330089010640";
+  card.cardNumber = SecretString("5413330089010640");
   card.expiryDateMonth = std::move(month);
   card.expiryDateYear = std::move(year);
   return card;
@@ -81,7 +81,7 @@ struct Row {
   std::string members;
 };
 
-const VelloSecureCodeData authentication{77, "pa+/res="};
+const VelloSecureCodeData authentication{77, SecretString("pa+/res=")};
 
 const std::vector<Row> rows = {
     {"sendMsisdn", [](auto& c) { c.sendMsisdn("+2782"); }, "/sms/send", R"(  "msisdn" : "+2782")"},
@@ -108,9 +108,14 @@ const std::vector<Row> rows = {
      "/card/link/TALU", kEmptyLink},
     {"linkCard with everything",
      [](auto& c) {
-       CardInfoResponse card{
-           "5413330089010640", "acc",         "01",       "27",
-           "1980-02-29",       "27821234567", "A Holder", Location{1.5, 2.5, {}, {}, {}, {}}};
+       CardInfoResponse card{SecretString("5413330089010640"),
+                             "acc",
+                             "01",
+                             "27",
+                             "1980-02-29",
+                             "27821234567",
+                             "A Holder",
+                             Location{1.5, 2.5, {}, {}, {}, {}}};
        c.linkCard(card);
      },
      "/card/link/TALU", kFullLink},

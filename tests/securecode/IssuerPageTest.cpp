@@ -39,7 +39,7 @@ TEST(IssuerPage, ReadsThePaResFromAnyMarkup) {
       {large + "\"" + large + "\"", large},
   };
   for (const auto& [markup, paRes] : rows) {
-    EXPECT_TRUE(IssuerPage::parsePaRes(markup) == paRes) << markup.substr(0, 99);
+    EXPECT_TRUE(IssuerPage::parsePaRes(markup).text() == paRes) << markup.substr(0, 99);
   }
 }
 

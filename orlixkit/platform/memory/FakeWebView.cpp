@@ -11,11 +11,11 @@ FakeWebView::FakeWebView(std::shared_ptr<MainQueue> mainQueue, OnLoad onLoad)
 
 FakeWebView::~FakeWebView() { failOwed("The page view was released."); }
 
-void FakeWebView::finishNavigation(std::string markup) {
+void FakeWebView::finishNavigation(std::string_view markup) {
   if (!live_) {
     return;
   }
-  markup_ = std::move(markup);
+  markup_ = SecretString(markup);
   failOwed("The page was left before it answered.");
   tell([](WebViewDelegate& delegate) { delegate.didFinishNavigation(); });
 }
@@ -124,7 +124,7 @@ ScriptResult FakeWebView::run(const std::string& script) const {
   if (script == "document.documentElement.outerHTML") {
     return {markup_, {}};
   }
-  return onScript ? onScript(script) : ScriptResult{std::string(), {}};
+  return onScript ? onScript(script) : ScriptResult{SecretString(), {}};
 }
 
 std::shared_ptr<FakeWebView> FakeWebViews::last() const {

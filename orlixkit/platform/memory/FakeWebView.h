@@ -36,7 +36,7 @@ class FakeWebView : public WebView {
   /// A page has been loaded, `markup` is its outer HTML. Scripts owed by the one before fail.
   /// Nothing happens before a load was asked for, nor once it was stopped or the process has ended:
   /// a page goes nowhere then.
-  void finishNavigation(std::string markup);
+  void finishNavigation(std::string_view markup);
   void failNavigation(std::string description);
   /// Empties the view; the scripts still owed fail.
   void killProcess();
@@ -69,8 +69,8 @@ class FakeWebView : public WebView {
   std::weak_ptr<WebViewDelegate> delegate_;
   std::string html_;
   std::string address_;
-  std::optional<std::string> markup_;  ///< of the page that stands
-  bool live_ = false;                  ///< there is a page that may go on
+  std::optional<SecretString> markup_;  ///< of the page that stands
+  bool live_ = false;                   ///< there is a page that may go on
   int loads_ = 0;
   std::vector<std::string> scripts_;
   std::deque<Owed> owed_;

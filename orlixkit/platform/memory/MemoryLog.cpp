@@ -11,14 +11,18 @@ void MemoryLog::write(std::string_view line) {
 
 std::vector<std::string> MemoryLog::lines() const {
   const std::lock_guard lock(mutex_);
-  return lines_;
+  std::vector<std::string> copies;
+  for (const SecretString& line : lines_) {
+    copies.emplace_back(line.text());
+  }
+  return copies;
 }
 
 std::size_t MemoryLog::count(std::string_view text) const {
   const std::lock_guard lock(mutex_);
   return static_cast<std::size_t>(std::count_if(
       lines_.begin(), lines_.end(),
-      [text](const std::string& line) { return line.find(text) != std::string::npos; }));
+      [text](const SecretString& line) { return line.text().find(text) != std::string::npos; }));
 }
 
 std::string MemoryLog::text() const {

@@ -5,11 +5,13 @@
 #include <string>
 #include <vector>
 
+#include "orlixkit/platform/Secret.h"
 #include "orlixkit/platform/SystemLog.h"
 
 namespace orlix {
 
-/// Keeps what was logged.
+/// Keeps what was logged, and wipes it when it is cleared: some lines hold what must leave no
+/// trace.
 class MemoryLog : public SystemLog {
  public:
   void write(std::string_view line) override;
@@ -24,7 +26,7 @@ class MemoryLog : public SystemLog {
 
  private:
   mutable std::mutex mutex_;
-  std::vector<std::string> lines_;
+  std::vector<SecretString> lines_;
 };
 
 }  // namespace orlix

@@ -1,0 +1,28 @@
+#pragma once
+
+#include <QByteArray>
+#include <QString>
+#include <string_view>
+
+#include "orlixkit/platform/Secret.h"
+
+namespace orlix::shell {
+
+/// Overwrites the characters of a text in every object that shares them. For a secret that has no
+/// further use: a copy made by assignment becomes unreadable too. Texts in the program's read-only
+/// memory are left alone.
+inline void wipeShared(const QString& text) {
+  if (auto& data = const_cast<QString&>(text).data_ptr(); data.d_ptr() != nullptr) {
+    wipe(data.data(), static_cast<std::size_t>(text.size()) * sizeof(QChar));
+  }
+}
+
+/// The text in UTF-8, without a copy left behind on the way.
+inline SecretString secretOf(const QString& text) {
+  const QByteArray bytes = text.toUtf8();
+  SecretString secret(std::string_view(bytes.constData(), static_cast<std::size_t>(bytes.size())));
+  wipe(const_cast<char*>(bytes.constData()), static_cast<std::size_t>(bytes.size()));
+  return secret;
+}
+
+}  // namespace orlix::shell
