@@ -1,11 +1,17 @@
 #include "shell/OutletAdapter.h"
 
+#include <QClipboard>
+#include <QGuiApplication>
+#include <QInputMethodEvent>
+#include <QKeyEvent>
 #include <algorithm>
 #include <utility>
 
 #include "orlixkit/platform/ui/WebPageView.h"
+#include "orlixkit/widgets/CardNumberField.h"
 #include "orlixkit/widgets/DropDownPicker.h"
 #include "shell/DrawnWebView.h"
+#include "shell/WipedText.h"
 
 namespace orlix::shell {
 
@@ -50,6 +56,7 @@ OutletAdapter::OutletAdapter(std::string name, std::shared_ptr<View> view,
     rows_ = std::make_unique<TableRows>(table);
   }
   shown_ = !view_->isOutOfSight();
+  refreshText();
 }
 
 OutletAdapter::~OutletAdapter() { detach(); }
@@ -68,6 +75,9 @@ void OutletAdapter::detach() {
   if (rows_) {
     rows_->detach();
   }
+  if (isForCardNumber()) {
+    wipeDrawnText(std::exchange(text_, {}));
+  }
   view_.reset();
   screen_.reset();
 }
@@ -76,9 +86,16 @@ void OutletAdapter::viewChanged() {
   if (rows_) {
     rows_->refresh();
   }
+  const QString former = text_;
+  const QString drawn = drawn_ ? drawn_->property("displayText").toString() : QString();
+  refreshText();
   Q_EMIT changed();
   if (picker_) {
     Q_EMIT picker_->changed();
+  }
+  if (isForCardNumber() && former != text_) {
+    wipeShared(former);
+    wipeShared(drawn);
   }
   if (screen_) {
     screen_->changed();
@@ -102,8 +119,37 @@ const Label* OutletAdapter::label() const {
 bool OutletAdapter::shown() const { return shown_; }
 
 QString OutletAdapter::text() const {
-  return view_ ? QString::fromStdString(view_->shownText()) : QString();
+  return !view_ || field() ? text_ : QString::fromStdString(view_->shownText());
 }
+
+void OutletAdapter::refreshText() {
+  const auto input = field();
+  if (!input) {
+    return;
+  }
+  const std::string_view plain = input->secretText().text();
+  const QString now = input->secure()
+                          ? QString(static_cast<qsizetype>(input->textLength()), QChar(u'\u2022'))
+                          : QString::fromUtf8(plain.data(), static_cast<qsizetype>(plain.size()));
+  if (now != text_) {
+    text_ = now;
+  } else if (isForCardNumber()) {
+    wipeShared(now);
+  }
+}
+
+void OutletAdapter::wipeDrawnText(const QString& text) {
+  wipeShared(text);
+  for (const char* property : {"text", "displayText"}) {
+    wipeShared(drawn_ ? drawn_->property(property).toString() : QString());
+  }
+}
+
+bool OutletAdapter::isForCardNumber() const {
+  return dynamic_cast<const CardNumberField*>(view_.get()) != nullptr;
+}
+
+bool OutletAdapter::isForSecret() const { return secure() || isForCardNumber(); }
 
 bool OutletAdapter::html() const { return label() != nullptr && label()->isHtml(); }
 
@@ -252,12 +298,58 @@ void OutletAdapter::replaceCharacters(int location, int length, const QString& t
   const QString present = this->text();
   const std::size_t from = pointsBefore(present, location);
   const std::size_t to = pointsBefore(present, location + std::max(length, 0));
-  const std::string replacement = text.toStdString();
+  std::string replacement(secretOf(text).text());
   touch([&] {
     if (input->editing() || input->beginEditing()) {
       input->replaceCharacters({from, to - from}, replacement);
     }
   });
+  wipe(replacement.data(), replacement.size());
+}
+
+void OutletAdapter::watch(QQuickItem* drawn) {
+  drawn_ = drawn;
+  drawn->installEventFilter(this);
+}
+
+bool OutletAdapter::eventFilter(QObject*, QEvent* event) {
+  if (!isForSecret()) {
+    return false;
+  }
+  if (event->type() == QEvent::InputMethod) {
+    const auto& method = static_cast<const QInputMethodEvent&>(*event);
+    if (!method.commitString().isEmpty() || method.replacementLength() > 0) {
+      type(method.replacementStart(), method.replacementLength(), method.commitString());
+      wipeShared(method.commitString());
+    }
+    event->accept();
+    return true;
+  }
+  if (event->type() != QEvent::KeyPress) {
+    return false;
+  }
+  const auto& key = static_cast<const QKeyEvent&>(*event);
+  constexpr auto kCommands = Qt::ControlModifier | Qt::AltModifier | Qt::MetaModifier;
+  if (key.matches(QKeySequence::Paste)) {
+    type(0, 0, QGuiApplication::clipboard()->text());
+  } else if (!key.text().isEmpty() && key.text().front().isPrint() &&
+             !(key.modifiers() & kCommands)) {
+    type(0, 0, key.text());
+  } else {
+    return false;
+  }
+  event->accept();
+  return true;
+}
+
+void OutletAdapter::type(int start, int length, const QString& text) {
+  const int from = drawn_->property("selectionStart").toInt();
+  const int to = drawn_->property("selectionEnd").toInt();
+  if (from < to) {
+    replaceCharacters(from, to - from, text);
+  } else {
+    replaceCharacters(from + start, length, text);
+  }
 }
 
 void OutletAdapter::moveCaret(int position) {

@@ -2,6 +2,7 @@
 
 #include <QColor>
 #include <QObject>
+#include <QPointer>
 #include <QQuickItem>
 #include <QString>
 #include <QUrl>
@@ -16,8 +17,9 @@
 namespace orlix::shell {
 
 /// One outlet of a screen as the drawing language sees it: what it shows, and what a user can do to
-/// it. It decides nothing and keeps nothing: each value is read from the view when it is asked for.
-/// Once its screen has gone it shows nothing and does nothing. Main thread.
+/// it. It decides nothing, and keeps nothing but a field's text, so that a card's number can be
+/// wiped from all that show it: each value is read from the view when it is asked for. Once its
+/// screen has gone it shows nothing and does nothing. Main thread.
 class OutletAdapter : public QObject {
   Q_OBJECT
   Q_PROPERTY(QString name READ name CONSTANT)
@@ -122,6 +124,9 @@ class OutletAdapter : public QObject {
   /// False when the screen answers the touch otherwise.
   Q_INVOKABLE bool beginEditing();
   Q_INVOKABLE void endEditing();
+  /// The drawn field whose keys and input method these are. What is typed into a field for a secret
+  /// goes to the outlet past it: the drawn field would keep copies.
+  Q_INVOKABLE void watch(QQuickItem* drawn);
   Q_INVOKABLE void returnPressed() { endEditing(); }
   Q_INVOKABLE void selectRow(int row);
   Q_INVOKABLE void pressRowButton(int row);
@@ -134,14 +139,24 @@ class OutletAdapter : public QObject {
  private:
   const Label* label() const;
   std::shared_ptr<TextField> field() const { return std::dynamic_pointer_cast<TextField>(view_); }
+  bool eventFilter(QObject* drawn, QEvent* event) override;
+  bool isForSecret() const;
+  bool isForCardNumber() const;
+  /// Over what is selected in the drawn field, else over `length` characters from `start` on,
+  /// counted from the caret.
+  void type(int start, int length, const QString& text);
   void touch(const Task& doing);
   void viewChanged();
+  void refreshText();
+  void wipeDrawnText(const QString& text);
 
   const std::string name_;
   QString kind_;
   std::shared_ptr<View> view_;  ///< none when detached
   std::shared_ptr<const Screen> screen_;
   bool shown_ = false;
+  QString text_;                           ///< what a field shows: one copy for all who read it
+  QPointer<QQuickItem> drawn_;             ///< fields only
   std::unique_ptr<PickerAdapter> picker_;  ///< fields only
   std::unique_ptr<TableRows> rows_;        ///< tables only
 };

@@ -1,8 +1,8 @@
 import QtQuick
 
 // A field outlet. The text belongs to the outlet: an edit, whether by key, paste or input method, is
-// handed to it, and then its text and caret are shown again. So a secret is never more here than its
-// bullets.
+// handed to it, and then its text and caret are shown again. What is typed for a secret does not get
+// here: the outlet takes it first, and the field shows its bullets.
 FocusScope {
     id: root
 
@@ -107,7 +107,10 @@ FocusScope {
             input.showOutlet();
         }
 
-        Component.onCompleted: input.showOutlet()
+        Component.onCompleted: {
+            root.outlet.watch(input);
+            input.showOutlet();
+        }
         onTextEdited: input.handOver()
         onCursorPositionChanged: {
             if (!input.showing && input.text === root.outlet.text) {
