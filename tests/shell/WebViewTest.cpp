@@ -177,7 +177,7 @@ TEST(QtWebView, LeavesNothingOfAPageForTheNext) {
   EXPECT_EQ(site.requests().size(), 4u) << "nothing is kept to be shown again";
 }
 
-TEST(QtWebView, TakesNothingFromTheEnvironmentAndTellsNothingOfTheUser) {
+TEST(QtWebView, TakesNothingFromTheEnvironmentAndSendsNoLanguage) {
   WebStage stage;
   Site site([](const SeenRequest& request) {
     return html(request.path == "/" ? "<img src=/i><iframe src=/f></iframe><script>fetch('/x');"
