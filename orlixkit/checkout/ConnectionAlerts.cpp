@@ -18,7 +18,11 @@ void ConnectionAlerts::add(ConnectionAlert alert) {
   const auto isAlike = [&alert](const std::shared_ptr<ConnectionAlert>& other) {
     return other && !alert.source.empty() && other->source == alert.source && isWanted(*other);
   };
-  if (closed_ || isAlike(shown_) || std::any_of(waiting_.begin(), waiting_.end(), isAlike)) {
+  if (closed_) {
+    return;
+  }
+  if (isAlike(shown_) || std::any_of(waiting_.begin(), waiting_.end(), isAlike)) {
+    OXUtil::indicator().dismiss();  // left to the alert by the request that has failed again
     return;
   }
   alert.cancel = [cancel = std::move(alert.cancel)] {

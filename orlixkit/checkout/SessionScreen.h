@@ -38,10 +38,12 @@ class SessionScreen : public ViewController {
     return held && held->isLive() ? held : nullptr;
   }
 
-  /// Registers an action that runs only while the screen's session is live.
+  /// Registers an action that runs only while the screen's session is live and the screen has not
+  /// been left: a host that removes the screens leaves the flow live, but they ask nothing any
+  /// more.
   void action(const std::string& name, Task operation) {
     ViewController::action(name, [this, operation = std::move(operation)] {
-      if (session()) {
+      if (session() && !wasLeft()) {
         operation();
       }
     });

@@ -144,6 +144,15 @@ Walk::Controller Walk::screen() const {
   return found;
 }
 
+/// The screen on top, but for a request for a message: it is sent in the background, when the
+/// screen that asks may be covered already by the one for the code.
+Walk::Controller Walk::asker(const std::string& kind) const {
+  const Controller shown = screen();
+  const Controller below = shown ? shown->presentingViewController() : nullptr;
+  const bool isCovered = kind == "sms" && below && below->identifier() == "Activation";
+  return isCovered ? below : shown;
+}
+
 bool Walk::isShown(const void* controller) const {
   for (const Controller& root : roots()) {
     for (const Controller& one : chain(root)) {
@@ -481,7 +490,7 @@ void Walk::press(const std::shared_ptr<AlertController>& alert, const std::strin
     Flow& flow = current();
     const bool isPurchase = cause == "purchase" || cause == "authenticate";
     flow.wanted = retries && (isPurchase || flow.wanted);
-    flow.resent = false;
+    flow.resent = flow.polling = false;  // no alert is shown while a round of polling goes on
     if (retries && isPurchase && !flow.lastPurchase.empty()) {
       flow.same = flow.lastPurchase;
     }
@@ -579,6 +588,7 @@ void Walk::enter(const std::string& name) {
   made.system = has(name, " live") ? kLiveSystem : kTestSystem;
   made.fixesAmount = name.starts_with("checkout") && has(name, " for 10");
   made.controller = has(name, " elsewhere") ? otherRoot_ : host_->root();
+  made.silent = goneWindow_ != nullptr;  // a first screen or an alert may have no place
   made.app->onOutcome = [this, number = made.number] { heard(number); };
   const std::string customer = customerOf(name);
   const bool customerChanges =

@@ -116,6 +116,7 @@ class Walk : private UiObserver {
   std::vector<std::shared_ptr<AlertController>> alerts() const;
   /// The flow's topmost screen below its alerts; none when it has none.
   Controller screen() const;
+  Controller asker(const std::string& kind) const;
   bool isShown(const void* controller) const;
   std::string describe() const;
   ProgressIndicator& indicator() const { return host_->application().progressIndicator(); }

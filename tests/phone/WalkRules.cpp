@@ -65,7 +65,7 @@ std::optional<std::string> Walk::requestSent(HeldRequest& request) {
     breakRule("(b) a request is sent without a session: " + request.kind);
   }
   request.flow = key.empty() ? -1 : std::stoi(key.substr(4));
-  request.asker = screen();
+  request.asker = asker(request.kind);
   request.late = answersLeftScreen_ && (request.kind == "lookup" || request.kind == "list");
   if (!preemptive_ && (request.flow != current_ || !live())) {
     breakRule("(e) a request is sent after the outcome or replacement of its flow: " +

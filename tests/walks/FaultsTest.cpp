@@ -13,8 +13,9 @@ const std::string kToPayment = "the server knows the device, checkout, session: 
 const std::string kToDelete = kToPayment + "Product.cardAction, Cards.delete 1, alert: Delete, ";
 const std::string kToForm =
     kToPayment + "Product.cardAction, Cards.addCardAction, AddCard.proceedAction, ";
-const std::string kToEnrolment =
-    "checkout as A, session: ok, Activation.proceedAction, sms: ok, ActivationCode.proceedAction, ";
+const std::string kToCode =
+    "session: ok, Activation.proceedAction, sms: ok, ActivationCode.proceedAction, ";
+const std::string kToEnrolment = "checkout as A, " + kToCode;
 const std::string kPayDuringDelete = kToDelete + "Cards.row 0, Product.proceedAction, ";
 
 const std::string kSecureCode = kToPayment + "Product.cardAction, Cards.row 2, ";
@@ -115,6 +116,15 @@ const std::map<std::string, std::string> kOrders{
      "checkout elsewhere"},
     {"NoThreadForTheFirstLookAtTheLastUsedCard",
      "the server knows the device, checkout again, session: ok, no thread, lookup: ok"},
+    {"ATapOnAScreenThatTheHostHasRemoved",
+     "checkout, session: ok, Activation.proceedAction, the host removes the screens, "
+     "stray Activation.descriptionTapped"},
+    {"AnActivationThatIsSentAgainUnderTheNextScreen",
+     "wallet, session: ok, Activation.proceedAction, sms: ok, ActivationCode.proceedAction, "
+     "at dismiss: pay, reset, activate: ok, alert: Ok"},
+    {"TheIndicatorOfAnActivationThatFailsAgain",
+     "the store is full, checkout, " + kToCode +
+         "activate: ok, at progress: pay, activate: ok, activate: ok, activate: ok"},
     {"TwoRequestsUnderOneMask",
      "checkout, session: ok, Activation.proceedAction, sms: lost, sms: lost, at dismiss: pay, "
      "alert: Retry"},

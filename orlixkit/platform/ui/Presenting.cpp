@@ -102,6 +102,9 @@ void ViewController::begin(const std::shared_ptr<ViewController>& controller, bo
   const Showing showing{controller, ++controller->number_};
   try {
     layOut(controller);
+    if (!controller->isAlert()) {
+      heldApplication()->progressIndicator().dismissFor(*self);  // covered from now on
+    }
     if (animated && showing.is(PresentationState::presenting)) {
       heldApplication()->animate(controller, Transition::presentation, [self, showing] {
         if (showing.is(PresentationState::presenting)) {
