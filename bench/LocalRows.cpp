@@ -40,7 +40,7 @@ class FileStorage : public StorageInterface {
   explicit FileStorage(const std::string& file) : defaults_(file) {}
   Bytes loadData() override { return defaults_.dataForKey("test.data").value_or(Bytes()); }
   void saveData(const std::optional<Bytes>& data) override {
-    defaults_.setData("test.data", data.value());
+    defaults_.setValue("test.data", data.value());
   }
 
  private:

@@ -53,29 +53,26 @@ QtLocationManager::QtLocationManager(std::unique_ptr<QGeoPositionInfoSource> sou
   }
 }
 
-void QtLocationManager::setDesiredAccuracy(double metres) {
-  if (source_) {
-    source_->setPreferredPositioningMethods(
-        metres > kCoarseMetres ? QGeoPositionInfoSource::NonSatellitePositioningMethods
-                               : QGeoPositionInfoSource::AllPositioningMethods);
-  }
-}
-
-void QtLocationManager::startUpdatingLocation() {
+void QtLocationManager::start(const LocationOptions& options, LocationManagerDelegate& delegate) {
   if (running_) {
     return;  // some sources call a second start an error
   }
-  updates_ = std::make_shared<int>(0);
+  updates_ = std::make_shared<LocationManagerDelegate*>(&delegate);
+  distanceFilter_ = options.distanceFilter;
   last_ = {};
   if (!source_) {
     failLater("this device has no position source");
     return;
   }
+  source_->setPreferredPositioningMethods(
+      options.desiredAccuracy > kCoarseMetres
+          ? QGeoPositionInfoSource::NonSatellitePositioningMethods
+          : QGeoPositionInfoSource::AllPositioningMethods);
   running_ = true;
   source_->startUpdates();
 }
 
-void QtLocationManager::stopUpdatingLocation() {
+void QtLocationManager::stop() {
   updates_.reset();
   // A source that has failed stopped by itself, and warns of being stopped again.
   if (source_ && std::exchange(running_, false)) {
@@ -85,9 +82,9 @@ void QtLocationManager::stopUpdatingLocation() {
 
 void QtLocationManager::updated(const QGeoPositionInfo& info) {
   const bool moved = !last_.isValid() || last_.distanceTo(info.coordinate()) >= distanceFilter_;
-  if (updates_ && delegate_ != nullptr && info.isValid() && moved) {
+  if (updates_ && info.isValid() && moved) {
     last_ = info.coordinate();
-    delegate_->didUpdateLocations({fixFrom(info)});
+    (*updates_)->didUpdateLocations({fixFrom(info)});
   }
 }
 
@@ -101,9 +98,9 @@ void QtLocationManager::failed(QGeoPositionInfoSource::Error error) {
 void QtLocationManager::failLater(const std::string& description) {
   QMetaObject::invokeMethod(
       this,
-      [this, description, update = std::weak_ptr(updates_)] {
-        if (!update.expired() && delegate_ != nullptr) {
-          delegate_->didFailWithError(description);
+      [description, updates = std::weak_ptr(updates_)] {
+        if (const auto current = updates.lock()) {
+          (*current)->didFailWithError(description);
         }
       },
       Qt::QueuedConnection);

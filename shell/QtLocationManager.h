@@ -18,13 +18,8 @@ class QtLocationManager : public QObject, public LocationManager {
   /// On the platform's default source.
   QtLocationManager();
 
-  void setDelegate(LocationManagerDelegate* delegate) override { delegate_ = delegate; }
-  void setDesiredAccuracy(double metres) override;
-  void setDistanceFilter(double metres) override { distanceFilter_ = metres; }
-  void setPurpose(const std::string&) override {}
-  void requestWhenInUseAuthorization() override {}
-  void startUpdatingLocation() override;
-  void stopUpdatingLocation() override;
+  void start(const LocationOptions& options, LocationManagerDelegate& delegate) override;
+  void stop() override;
 
  private:
   void updated(const QGeoPositionInfo& info);
@@ -33,11 +28,10 @@ class QtLocationManager : public QObject, public LocationManager {
   void failLater(const std::string& description);
 
   std::unique_ptr<QGeoPositionInfoSource> source_;
-  LocationManagerDelegate* delegate_ = nullptr;
   double distanceFilter_ = 0;
   bool running_ = false;
-  std::shared_ptr<int> updates_;  ///< replaced by each start and stop
-  QGeoCoordinate last_;           ///< the last fix that was told
+  std::shared_ptr<LocationManagerDelegate*> updates_;  ///< from start to stop
+  QGeoCoordinate last_;                                ///< the last fix that was told
 };
 
 }  // namespace orlix::shell

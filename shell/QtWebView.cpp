@@ -50,8 +50,16 @@ void QtWebView::setNavigationDelegate(std::weak_ptr<WebViewDelegate> delegate) {
   delegate_ = std::move(delegate);
 }
 
-void QtWebView::loadHtmlString(const std::string& html) {
+void QtWebView::load(const WebContent& content) {
   beginLoad();
+  if (content.address) {
+    loadAddress(*content.address);
+  } else {
+    loadText(content.html);
+  }
+}
+
+void QtWebView::loadText(const std::string& html) {
   const QString text = QString::fromStdString(html);
   const qsizetype escaped = QUrl::toPercentEncoding(text).size() + 64;  // the scheme before it
   if (escaped > kLargestAddress) {
@@ -61,8 +69,7 @@ void QtWebView::loadHtmlString(const std::string& html) {
   QMetaObject::invokeMethod(item_.get(), "loadHtml", Q_ARG(QString, text));
 }
 
-void QtWebView::loadRequest(const std::string& address) {
-  beginLoad();
+void QtWebView::loadAddress(const std::string& address) {
   const QUrl url(QString::fromStdString(address), QUrl::StrictMode);
   if (!url.isValid() || !isPageAddressAllowed(url.toEncoded().toStdString())) {
     fail("The address " + address + " is not secure.");

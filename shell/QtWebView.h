@@ -49,8 +49,7 @@ class QtWebView : public QObject, public DrawnWebView {
 
   void setNavigationDelegate(std::weak_ptr<WebViewDelegate> delegate) override;
   /// A text that takes more than kLargestAddress when it is escaped is refused as a failed load.
-  void loadHtmlString(const std::string& html) override;
-  void loadRequest(const std::string& address) override;
+  void load(const WebContent& content) override;
   void stopLoading() override;
   /// Runs apart from the page's own scripts: it sees the page's elements, not its variables.
   void evaluateJavaScript(const std::string& script,
@@ -71,6 +70,8 @@ class QtWebView : public QObject, public DrawnWebView {
   enum class Progress { none, asked, begun };
 
   void beginLoad();
+  void loadText(const std::string& html);
+  void loadAddress(const std::string& address);
   void finished();
   void fail(const std::string& description);
   void tell(std::function<void(WebViewDelegate&)> callback);

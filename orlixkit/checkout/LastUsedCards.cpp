@@ -62,7 +62,7 @@ void LastUsedCards::writeAll() {
 
 void LastUsedCards::write(const std::string& key, std::int64_t cardId) {
   try {
-    store_->setInteger(key, cardId);
+    store_->setValue(key, cardId);
   } catch (const std::exception& failure) {
     log(std::string("OrlixKit: The last used card could not be stored: ") + failure.what());
   }

@@ -178,7 +178,7 @@ void OXOrlix::reset() {
 void OXOrlix::deregisterUser() { wipeWallet(); }
 
 void OXOrlix::saveCustomerId(const std::string& customerId) {
-  Host::current().ports().userDefaults->setString(kCustomerIdKey, customerId);
+  Host::current().ports().userDefaults->setValue(kCustomerIdKey, customerId);
 }
 
 void OXOrlix::checkCustomerId(const std::optional<CustomerId>& customerId) {

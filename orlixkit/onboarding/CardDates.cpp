@@ -70,10 +70,10 @@ std::optional<std::string> dateOfBirthFromYear(std::string_view text, std::strin
 }
 
 std::chrono::year_month currentMonth() {
-  const Clock& clock = *Host::current().ports().clock;
-  const CalendarTime now = clock.now();
+  const Ports& ports = Host::current().ports();
+  const CalendarTime now = ports.clock->now();
   const std::chrono::year_month_day today(
-      std::chrono::floor<std::chrono::days>(now + clock.utcOffset(now)));
+      std::chrono::floor<std::chrono::days>(now + ports.device->utcOffset(now)));
   return today.year() / today.month();
 }
 

@@ -39,9 +39,6 @@ class Clock {
   virtual SteadyTime steadyNow() const = 0;
   virtual CalendarTime now() const = 0;
 
-  /// Offset of the device's local time from UTC at `at`, positive to the east.
-  virtual std::chrono::seconds utcOffset(CalendarTime at) const = 0;
-
   /// Blocks the calling thread. False when the host's shutdown cut it short.
   virtual bool sleep(Duration duration) = 0;
 

@@ -1,6 +1,9 @@
 #pragma once
 
+#include <chrono>
 #include <string>
+
+#include "orlixkit/platform/Clock.h"
 
 namespace orlix {
 
@@ -13,8 +16,8 @@ class Device {
   virtual std::string systemVersion() const = 0;
   /// The machine field of uname.
   virtual std::string model() const = 0;
-  /// Short version of the library's bundle, such as 2.1.0.
-  virtual std::string bundleShortVersion() const = 0;
+  /// Offset of the device's local time from UTC at `at`, positive to the east.
+  virtual std::chrono::seconds utcOffset(CalendarTime at) const = 0;
 };
 
 }  // namespace orlix

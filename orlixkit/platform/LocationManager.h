@@ -21,19 +21,22 @@ class LocationManagerDelegate {
   virtual void didFailWithError(const std::string& description) = 0;
 };
 
+struct LocationOptions {
+  double desiredAccuracy = 0;  ///< metres; 0: as good as the source can
+  double distanceFilter = 0;   ///< metres; steps below it are not reported
+  std::string purpose;         ///< shown to the user who is asked for permission
+};
+
 /// The device's position source. Main thread only, callbacks included.
 class LocationManager {
  public:
   virtual ~LocationManager() = default;
-  /// Not owned; must stay until replaced or the updates are stopped.
-  virtual void setDelegate(LocationManagerDelegate* delegate) = 0;
-  virtual void setDesiredAccuracy(double metres) = 0;
-  virtual void setDistanceFilter(double metres) = 0;
-  virtual void setPurpose(const std::string& text) = 0;
-  virtual void requestWhenInUseAuthorization() = 0;
-  /// Changes nothing while updates are on: none that is under way is lost.
-  virtual void startUpdatingLocation() = 0;
-  virtual void stopUpdatingLocation() = 0;
+  /// Asks the user for permission, where the platform requires one, and starts the updates. The
+  /// delegate is not called before this has returned; it is not owned and must stay until the
+  /// updates are stopped. While updates are on, this changes nothing: none under way is lost.
+  virtual void start(const LocationOptions& options, LocationManagerDelegate& delegate) = 0;
+  /// The delegate is not called any more.
+  virtual void stop() = 0;
 };
 
 }  // namespace orlix

@@ -4,6 +4,8 @@
 #include <optional>
 #include <stdexcept>
 #include <string>
+#include <utility>
+#include <variant>
 
 #include "orlixkit/platform/Bytes.h"
 
@@ -16,6 +18,9 @@ class StoreException : public std::runtime_error {
   using std::runtime_error::runtime_error;
 };
 
+/// A value keeps the type that it was stored with.
+using StoredValue = std::variant<Bytes, std::string, std::int64_t>;
+
 /// The application's key/value store.
 ///
 /// Thread: every operation may be called from any thread.
@@ -27,14 +32,25 @@ class UserDefaults {
  public:
   virtual ~UserDefaults() = default;
 
-  virtual std::optional<Bytes> dataForKey(const std::string& key) const = 0;
-  virtual std::optional<std::string> stringForKey(const std::string& key) const = 0;
-  /// 0 when there is none.
-  virtual std::int64_t integerForKey(const std::string& key) const = 0;
+  virtual std::optional<StoredValue> value(const std::string& key) const = 0;
+  virtual void setValue(const std::string& key, const StoredValue& value) = 0;
 
-  virtual void setData(const std::string& key, const Bytes& value) = 0;
-  virtual void setString(const std::string& key, const std::string& value) = 0;
-  virtual void setInteger(const std::string& key, std::int64_t value) = 0;
+  std::optional<Bytes> dataForKey(const std::string& key) const { return valueOf<Bytes>(key); }
+  std::optional<std::string> stringForKey(const std::string& key) const {
+    return valueOf<std::string>(key);
+  }
+  /// 0 when there is none.
+  std::int64_t integerForKey(const std::string& key) const {
+    return valueOf<std::int64_t>(key).value_or(0);
+  }
+
+ private:
+  template <class T>
+  std::optional<T> valueOf(const std::string& key) const {
+    std::optional<StoredValue> stored = value(key);
+    T* const found = stored ? std::get_if<T>(&*stored) : nullptr;
+    return found == nullptr ? std::nullopt : std::optional<T>(std::move(*found));
+  }
 };
 
 }  // namespace orlix

@@ -22,6 +22,12 @@ class WebViewDelegate {
   virtual void webContentProcessDidTerminate() = 0;
 };
 
+/// What a view is to show: the page at `address`, or `html` as a page without base address.
+struct WebContent {
+  std::string html;
+  std::optional<std::string> address;
+};
+
 /// What a script gave: a text (numbers and other values in their text form), or why it failed. The
 /// text is a secret, since a page may hold the result of an authentication.
 struct ScriptResult {
@@ -40,12 +46,13 @@ class WebView {
  public:
   virtual ~WebView() = default;
   virtual void setNavigationDelegate(std::weak_ptr<WebViewDelegate> delegate) = 0;
-  /// `html` as a page without base address.
-  virtual void loadHtmlString(const std::string& html) = 0;
-  virtual void loadRequest(const std::string& address) = 0;
+  virtual void load(const WebContent& content) = 0;
   virtual void stopLoading() = 0;
   virtual void evaluateJavaScript(const std::string& script,
                                   std::function<void(const ScriptResult&)> completion) = 0;
+
+  void loadHtmlString(const std::string& html) { load({.html = html, .address = {}}); }
+  void loadRequest(const std::string& address) { load({.html = {}, .address = address}); }
 };
 
 class WebViews {

@@ -9,8 +9,9 @@ namespace orlix {
 
 namespace {
 
-constexpr double nearestTenMetres = 10.0;
-constexpr double distanceFilterInMetres = 5.0;
+/// Metres.
+constexpr double kNearestTen = 10.0;
+constexpr double kDistanceFilter = 5.0;
 
 void logFix(std::string_view method, const LocationFix& fix) {
   const auto seconds = std::chrono::floor<std::chrono::seconds>(fix.timestamp);
@@ -25,8 +26,7 @@ LocationUtil& LocationUtil::sharedLocationUtil() { return Host::current().shared
 
 LocationUtil::~LocationUtil() {
   if (manager_) {
-    manager_->stopUpdatingLocation();
-    manager_->setDelegate(nullptr);
+    manager_->stop();
   }
 }
 
@@ -34,22 +34,19 @@ void LocationUtil::startLocationDetection() {
   log("Starting location updates");
   if (!manager_) {
     manager_ = Host::current().ports().locationManager;
-    if (!manager_) {
-      return;
-    }
-    manager_->setDelegate(this);
-    manager_->setDesiredAccuracy(nearestTenMetres);
-    manager_->setDistanceFilter(distanceFilterInMetres);
-    manager_->setPurpose("Your location is used to help prevent fraud.");
-    manager_->requestWhenInUseAuthorization();
   }
-  manager_->startUpdatingLocation();
+  if (manager_) {
+    manager_->start({.desiredAccuracy = kNearestTen,
+                     .distanceFilter = kDistanceFilter,
+                     .purpose = "Your location is used to help prevent fraud."},
+                    *this);
+  }
 }
 
 void LocationUtil::stopLocationDetection() {
   log("Stop location updates.");
   if (manager_) {
-    manager_->stopUpdatingLocation();
+    manager_->stop();
   }
 }
 
@@ -73,7 +70,7 @@ void LocationUtil::didFailWithError(const std::string& description) {
   log("Location error: " + description);
   // The last good fix is kept, and sent with later purchases.
   if (manager_) {
-    manager_->stopUpdatingLocation();
+    manager_->stop();
   }
 }
 

@@ -124,7 +124,7 @@ std::shared_ptr<KCVelloConnection> OMVello::newConnection(const Start& start) {
   platform.osVersion = device.systemVersion();
   platform.node = callingNode;
   platform.libKey = start.libKey;
-  platform.appVersion = device.bundleShortVersion();
+  platform.appVersion = ORLIX_VERSION;
   platform.device = upper->deviceModel();
   const std::string timeZone = getTimeZone();
   const std::string appVersion = fmt::format("iPhone {} {}", callingNode, *platform.appVersion);
@@ -242,9 +242,10 @@ void OMVello::showRetry(const std::shared_ptr<Start>& start) {
 }
 
 std::string OMVello::getTimeZone() {
-  const Clock& clock = *Host::current().ports().clock;
+  const Ports& ports = Host::current().ports();
   const auto offset =
-      std::chrono::duration_cast<std::chrono::minutes>(clock.utcOffset(clock.now())).count();
+      std::chrono::duration_cast<std::chrono::minutes>(ports.device->utcOffset(ports.clock->now()))
+          .count();
   const auto minutes = offset < 0 ? -offset : offset;
   std::string timeZone =
       fmt::format("{}{:02}:{:02}", offset < 0 ? '-' : '+', minutes / 60, minutes % 60);

@@ -36,7 +36,7 @@ void OMStorage::saveData(const std::optional<Bytes>& data) {
     log("OMStorage: there is nothing to save, the stored record stays");
     return;
   }
-  logged([&](UserDefaults& store) { store.setData(storageKey_, *data); });
+  logged([&](UserDefaults& store) { store.setValue(storageKey_, *data); });
 }
 
 }  // namespace orlix

@@ -104,7 +104,7 @@ TEST(Facade, AStartSaysWhichDeviceItIsAndARetryStaysTheSameDevice) {
       {-1500, "-00:25"}, {-20, "+00:00"},   {1172, "+00:19"}};
   for (const auto& [offset, zone] : zones) {
     Phone phone;
-    phone.host.clock().setUtcOffset(std::chrono::seconds(offset));
+    phone.host.device().offset = std::chrono::seconds(offset);
     phone.host.device().vendor = "";  // so that each start makes an identifier of its own
     phone.wallet.next("/session/new/", unreachable());
     phone.checkout();

@@ -15,26 +15,12 @@ class LockedStore : public UserDefaults {
  public:
   LockedStore(std::shared_ptr<UserDefaults> store, std::shared_ptr<Clock> clock)
       : store_(std::move(store)), clock_(std::move(clock)) {}
-  std::optional<Bytes> dataForKey(const std::string& key) const override {
-    return store_->dataForKey(key);
+  std::optional<StoredValue> value(const std::string& key) const override {
+    return store_->value(key);
   }
-  std::optional<std::string> stringForKey(const std::string& key) const override {
-    return store_->stringForKey(key);
-  }
-  std::int64_t integerForKey(const std::string& key) const override {
-    return store_->integerForKey(key);
-  }
-  void setData(const std::string& key, const Bytes& value) override {
+  void setValue(const std::string& key, const StoredValue& value) override {
     clock_->sleep(4s);
-    store_->setData(key, value);
-  }
-  void setString(const std::string& key, const std::string& value) override {
-    clock_->sleep(4s);
-    store_->setString(key, value);
-  }
-  void setInteger(const std::string& key, std::int64_t value) override {
-    clock_->sleep(4s);
-    store_->setInteger(key, value);
+    store_->setValue(key, value);
   }
 
  private:
@@ -145,7 +131,7 @@ TEST(UnreadableStore, EndsTheFlowThatAsksForTheLastUsedCard) {
        nothing},
       {"the screen that validates a card",
        [](Phone& phone) {
-         phone.host.userDefaults()->setInteger(kStoredCard, 5);
+         phone.host.userDefaults()->setValue(kStoredCard, 5);
          phone.wallet.cards = {
              cardJson(5, "4242", R"(,"method":"AMT","validated":false,"validationtype":"DOB")")};
          phone.showPaymentScreen();

@@ -93,7 +93,6 @@ struct UncountedClock : Clock {
   explicit UncountedClock(std::shared_ptr<Clock> of) : inner(std::move(of)) {}
   SteadyTime steadyNow() const override { return inner->steadyNow(); }
   CalendarTime now() const override { return inner->now(); }
-  std::chrono::seconds utcOffset(CalendarTime at) const override { return inner->utcOffset(at); }
   bool sleep(Duration duration) override {
     const Counting off(false);
     return inner->sleep(duration);

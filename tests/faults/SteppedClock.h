@@ -36,7 +36,6 @@ class SteppedClock : public Clock {
 
   SteadyTime steadyNow() const override { return real_->steadyNow() + skipped(); }
   CalendarTime now() const override { return real_->now() + skipped() + Duration(calendarAhead_); }
-  std::chrono::seconds utcOffset(CalendarTime at) const override { return real_->utcOffset(at); }
   bool sleep(Duration duration) override {
     const SteadyTime end = steadyNow() + duration;
     const auto condition = newCondition();

@@ -54,40 +54,21 @@ class TroubledStore : public UserDefaults {
   State state = State::works;
   std::size_t writes = 0;
 
-  std::optional<Bytes> dataForKey(const std::string& key) const override {
-    return readable().dataForKey(key);
-  }
-  std::optional<std::string> stringForKey(const std::string& key) const override {
-    return readable().stringForKey(key);
-  }
-  std::int64_t integerForKey(const std::string& key) const override {
-    return readable().integerForKey(key);
-  }
-  void setData(const std::string& key, const Bytes& value) override {
-    writable().setData(key, value);
-  }
-  void setString(const std::string& key, const std::string& value) override {
-    writable().setString(key, value);
-  }
-  void setInteger(const std::string& key, std::int64_t value) override {
-    writable().setInteger(key, value);
-  }
-
- private:
-  UserDefaults& readable() const {
+  std::optional<StoredValue> value(const std::string& key) const override {
     if (state == State::locked) {
       throw StoreException("The store is locked.");
     }
-    return *store_;
+    return store_->value(key);
   }
-  UserDefaults& writable() {
+  void setValue(const std::string& key, const StoredValue& value) override {
     if (state != State::works) {
       throw StoreException("The store is full.");
     }
     ++writes;
-    return *store_;
+    store_->setValue(key, value);
   }
 
+ private:
   std::shared_ptr<UserDefaults> store_;
 };
 

@@ -719,7 +719,7 @@ void Walk::enrolBefore() {
   PersistableObject record;
   record.ssToken = "token-0";
   store.save(storage, record);
-  host_->userDefaults()->setString("customerId", "A");
+  host_->userDefaults()->setValue("customerId", "A");
   tokens_[*record.ssToken] = {kTestSystem, 0};
 }
 

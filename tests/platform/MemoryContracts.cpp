@@ -2,8 +2,12 @@
 
 #include "orlixkit/platform/memory/MemoryHost.h"
 #include "tests/platform/BackgroundQueuesContract.h"
+#include "tests/platform/BundleContract.h"
 #include "tests/platform/ClockContract.h"
+#include "tests/platform/DeviceContract.h"
+#include "tests/platform/LocationManagerContract.h"
 #include "tests/platform/MainQueueContract.h"
+#include "tests/platform/SystemLogContract.h"
 #include "tests/platform/UrlConnectionsContract.h"
 #include "tests/platform/UserDefaultsContract.h"
 #include "tests/platform/WebViewContract.h"
@@ -39,6 +43,16 @@ struct MemoryPlatform {
   UserDefaults& userDefaults() { return *host.userDefaults(); }
   UrlConnections& urlConnections() { return host.connections(); }
   std::vector<std::string> logged() { return host.log().lines(); }
+  SystemLog& log() { return host.log(); }
+  Device& device() { return host.device(); }
+  LocationManager& locationManager() { return host.locationManager(); }
+  void bringFix() { host.locationManager().sendFixes({LocationFix{}}); }
+  Bundle& bundle() {
+    host.bundle().add("a", "cer", toBytes("one"));
+    host.bundle().add("a", "plist", toBytes("two"));
+    host.bundle().add("b", "cer", {});
+    return host.bundle();
+  }
 
   void script(const std::string& path, const ScriptedAnswer& answer) {
     host.connections().on(path, replyFor(answer));
@@ -92,6 +106,10 @@ INSTANTIATE_TYPED_TEST_SUITE_P(Memory, MainQueueContract, MemoryPlatform);
 INSTANTIATE_TYPED_TEST_SUITE_P(Memory, BackgroundQueuesContract, MemoryPlatform);
 INSTANTIATE_TYPED_TEST_SUITE_P(Memory, ClockContract, MemoryPlatform);
 INSTANTIATE_TYPED_TEST_SUITE_P(Memory, UserDefaultsContract, MemoryPlatform);
+INSTANTIATE_TYPED_TEST_SUITE_P(Memory, LocationManagerContract, MemoryPlatform);
+INSTANTIATE_TYPED_TEST_SUITE_P(Memory, BundleContract, MemoryPlatform);
+INSTANTIATE_TYPED_TEST_SUITE_P(Memory, DeviceContract, MemoryPlatform);
+INSTANTIATE_TYPED_TEST_SUITE_P(Memory, SystemLogContract, MemoryPlatform);
 INSTANTIATE_TYPED_TEST_SUITE_P(Memory, UrlConnectionsContract, MemoryPlatform);
 INSTANTIATE_TYPED_TEST_SUITE_P(Memory, WebViewContract, MemoryPages);
 

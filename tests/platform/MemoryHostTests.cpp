@@ -40,10 +40,10 @@ TEST(MemoryHost, AUserReachesNothingThatIsHiddenDisabledOrHeldBack) {
 
 TEST(MemoryHost, AStoreFindsWhatItHoldsAndARefusalReachesTheCaller) {
   MemoryUserDefaults store;
-  store.setData("test.data", toBytes("a1234b"));
-  store.setString("test.customerId", "C1");
+  store.setValue("test.data", toBytes("a1234b"));
+  store.setValue("test.customerId", "C1");
   store.setFailing(true);
-  EXPECT_THROW(store.setString("test.customerId", "C2"), std::runtime_error);
+  EXPECT_THROW(store.setValue("test.customerId", "C2"), std::runtime_error);
   EXPECT_TRUE(store.holds("C1") && store.holds("1234"));
   EXPECT_FALSE(store.holds("4321"));
 }

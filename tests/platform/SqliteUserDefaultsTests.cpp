@@ -69,8 +69,8 @@ INSTANTIATE_TYPED_TEST_SUITE_P(Sqlite, UserDefaultsContract, SqlitePlatform);
 [[noreturn]] void writeUntilKilled(const std::filesystem::path& file, int reports) {
   SqliteUserDefaults store(file);
   for (std::int64_t i = 1;; ++i) {
-    store.setInteger("count", i);
-    store.setData("blob", Bytes(5000, static_cast<std::uint8_t>(i)));
+    store.setValue("count", i);
+    store.setValue("blob", Bytes(5000, static_cast<std::uint8_t>(i)));
     if (::write(reports, &i, sizeof i) != sizeof i) {
       ::_exit(1);
     }
@@ -110,7 +110,7 @@ TEST_F(SqliteUserDefaultsTest, WhatWasReportedWrittenSurvivesASuddenDeath) {
 TEST_F(SqliteUserDefaultsTest, OnlyTheOwnerReadsItsFiles) {
   {
     SqliteUserDefaults store(file);
-    store.setInteger("key", 1);
+    store.setValue("key", 1);
     EXPECT_EQ(modeOf(file.parent_path()), 0700u);
     for (const char* ending : {"", "-wal", "-shm"}) {
       EXPECT_EQ(modeOf(file.string() + ending), 0600u) << ending;
@@ -137,25 +137,25 @@ TEST_F(SqliteUserDefaultsTest, WhatIsNoStoreIsNamedAndLeftAsItIs) {
 
 TEST_F(SqliteUserDefaultsTest, ASetterThatFailsKeepsTheFormerValueAndTheStoreGoesOn) {
   SqliteUserDefaults store(file);
-  store.setString("key", "former");
+  store.setValue("key", "former");
   const Database other = openedElsewhere();
   execute(other,
           "CREATE TRIGGER full BEFORE UPDATE ON defaults "
           "BEGIN SELECT RAISE(ABORT, 'disk is full'); END");
-  const std::string failure = failureOf([&store] { store.setString("key", "new"); });
+  const std::string failure = failureOf([&store] { store.setValue("key", "new"); });
   EXPECT_NE(failure.find("disk is full"), std::string::npos) << failure;
   EXPECT_EQ(store.stringForKey("key"), "former");
   execute(other, "DROP TRIGGER full");
-  store.setString("key", "new");
+  store.setValue("key", "new");
   EXPECT_EQ(store.stringForKey("key"), "new");
 }
 
 TEST_F(SqliteUserDefaultsTest, AValueIsForcedOntoTheDiskBeforeItsSetterReturns) {
   FaultyDisk disk;
   SqliteUserDefaults store(file);
-  const std::vector<Task> setters{[&] { store.setInteger("key", 1); },
-                                  [&] { store.setString("key", "text"); },
-                                  [&] { store.setData("key", {1}); }};
+  const std::vector<Task> setters{[&] { store.setValue("key", 1); },
+                                  [&] { store.setValue("key", "text"); },
+                                  [&] { store.setValue("key", Bytes{1}); }};
   for (const Task& set : setters) {
     const int before = disk.syncs;
     set();
@@ -169,8 +169,8 @@ TEST_F(SqliteUserDefaultsTest, AFailureNamesTheFileTheCauseAndTheRemedy) {
   const auto reopen = [&] { SqliteUserDefaults again(file); };
   {
     SqliteUserDefaults store(file);
-    store.setString("key", "former");
-    const Task write = [&] { store.setString("key", "new"); };
+    store.setValue("key", "former");
+    const Task write = [&] { store.setValue("key", "new"); };
     const Task readFromDisk = [&] {
       execute(openedElsewhere(), "INSERT INTO defaults VALUES ('other', 1)");  // the cache is old
       disk.fault = Fault::unreadable;
@@ -198,7 +198,7 @@ TEST_F(SqliteUserDefaultsTest, AFailureNamesTheFileTheCauseAndTheRemedy) {
 TEST_F(SqliteUserDefaultsTest, ADamagedPageIsFoundAtTheStartAndLeftAsItIs) {
   {
     SqliteUserDefaults store(file);
-    store.setData("key", Bytes(20'000, 'x'));
+    store.setValue("key", Bytes(20'000, 'x'));
   }
   std::string bytes = toText(readFile(file).value());
   bytes.replace(4096, 100, std::string(100, '\x5A'));  // the table's first page
@@ -229,7 +229,7 @@ TEST_F(SqliteUserDefaultsTest, AWriteThatWaitsForAnotherProcessDoesNotHoldUpRead
   sqlite3_cancel_auto_extension(hook);
   execute(other, "BEGIN IMMEDIATE");
   std::jthread writer(
-      [&] { EXPECT_EQ(failureOf([&] { store.setInteger("key", 1); }), "no failure"); });
+      [&] { EXPECT_EQ(failureOf([&] { store.setValue("key", 1); }), "no failure"); });
   begun.wait();
   EXPECT_EQ(store.integerForKey("other key"), 0);
   execute(other, "COMMIT");
@@ -257,7 +257,7 @@ TEST_F(SqliteUserDefaultsTest, TheSwitchToTheWriteAheadLogIsTriedAgainWhileAnoth
   };
   const auto hook = reinterpret_cast<void (*)()>(+watch);
   ASSERT_EQ(sqlite3_auto_extension(hook), SQLITE_OK);
-  EXPECT_EQ(failureOf([this] { SqliteUserDefaults(file).setInteger("key", 1); }), "no failure");
+  EXPECT_EQ(failureOf([this] { SqliteUserDefaults(file).setValue("key", 1); }), "no failure");
   sqlite3_cancel_auto_extension(hook);
   holder.reset();
   EXPECT_EQ(attempts, 3);
@@ -273,7 +273,7 @@ TEST_F(SqliteUserDefaultsTest, SeveralOpenersOfANewFileAtOnceAllGetTheSameStore)
       openers.emplace_back([&, opener] {
         together.arrive_and_wait();
         EXPECT_EQ(failureOf([&] {
-                    SqliteUserDefaults(fresh).setInteger(std::to_string(opener), opener + 1);
+                    SqliteUserDefaults(fresh).setValue(std::to_string(opener), opener + 1);
                   }),
                   "no failure");
       });

@@ -28,8 +28,8 @@ TYPED_TEST_P(UserDefaultsContract, GivesBackEveryValueAsItWasUnderItsKeyToTheLet
       "",       "live.data",     "Live.data", "live.data ", "nul \0 in"s,
       "Ægir ☃", "'; DROP TABLE", "\xFF\xFE",  "12",         std::string(1'000'000, 'x')};
   for (const std::string& value : values) {
-    this->store.setString(value.substr(0, 20), value);
-    this->store.setData(value.substr(0, 20) + " data", toBytes(value));
+    this->store.setValue(value.substr(0, 20), value);
+    this->store.setValue(value.substr(0, 20) + " data", toBytes(value));
   }
   for (const std::string& value : values) {
     EXPECT_EQ(this->store.stringForKey(value.substr(0, 20)), value);
@@ -37,7 +37,7 @@ TYPED_TEST_P(UserDefaultsContract, GivesBackEveryValueAsItWasUnderItsKeyToTheLet
   }
   for (const std::int64_t value : {std::numeric_limits<std::int64_t>::min(), std::int64_t{-1},
                                    std::int64_t{0}, std::numeric_limits<std::int64_t>::max()}) {
-    this->store.setInteger("number", value);
+    this->store.setValue("number", value);
     EXPECT_EQ(this->store.integerForKey("number"), value);
   }
 }
@@ -45,12 +45,12 @@ TYPED_TEST_P(UserDefaultsContract, GivesBackEveryValueAsItWasUnderItsKeyToTheLet
 TYPED_TEST_P(UserDefaultsContract, WhatIsMissingOrOfAnotherTypeIsAbsentAndIsReplaced) {
   EXPECT_EQ(this->store.dataForKey("key"), std::nullopt);
   EXPECT_EQ(this->store.integerForKey("key"), 0);
-  this->store.setString("key", "12");
+  this->store.setValue("key", "12");
   EXPECT_EQ(this->store.integerForKey("key"), 0);
   EXPECT_EQ(this->store.dataForKey("key"), std::nullopt);
-  this->store.setInteger("key", 12);
+  this->store.setValue("key", 12);
   EXPECT_EQ(this->store.stringForKey("key"), std::nullopt);
-  this->store.setData("key", {1, 2});
+  this->store.setValue("key", Bytes{1, 2});
   EXPECT_EQ(this->store.dataForKey("key"), (Bytes{1, 2}));
   EXPECT_EQ(this->store.integerForKey("key"), 0);
 }
@@ -59,8 +59,8 @@ TYPED_TEST_P(UserDefaultsContract, ManyThreadsWriteAndReadAtOnceAndEachFindsItsO
   const auto work = [this](int worker) {
     const std::string own = "own " + std::to_string(worker);
     for (int i = 0; i < 50; ++i) {
-      this->store.setInteger(own, i);
-      this->store.setData("shared", Bytes(1000, static_cast<std::uint8_t>(worker)));
+      this->store.setValue(own, i);
+      this->store.setValue("shared", Bytes(1000, static_cast<std::uint8_t>(worker)));
       EXPECT_EQ(this->store.integerForKey(own), i);
       const Bytes shared = this->store.dataForKey("shared").value();
       EXPECT_EQ(shared, Bytes(1000, shared.at(0))) << "whole, whoever wrote it";

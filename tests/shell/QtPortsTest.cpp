@@ -7,6 +7,7 @@
 #include "orlixkit/platform/posix/PosixBackgroundQueues.h"
 #include "shell/QtLocationManager.h"
 #include "shell/QtMainQueue.h"
+#include "tests/platform/LocationManagerContract.h"
 #include "tests/platform/MainQueueContract.h"
 
 namespace orlix {
@@ -47,6 +48,24 @@ class Source : public QGeoPositionInfoSource {
   int starts = 0;
 };
 
+/// Qt's positions out of such a source.
+class QtPositions {
+ public:
+  LocationManager& locationManager() { return manager_; }
+  void bringFix() {
+    QCoreApplication::processEvents();
+    Q_EMIT source_->positionUpdated(
+        QGeoPositionInfo(QGeoCoordinate(59.91, 10.75), QDateTime::currentDateTime()));
+  }
+
+ private:
+  std::unique_ptr<Source> made_ = std::make_unique<Source>();
+  Source* const source_ = made_.get();
+  shell::QtLocationManager manager_{std::move(made_)};
+};
+
+INSTANTIATE_TYPED_TEST_SUITE_P(Qt, LocationManagerContract, QtPositions);
+
 struct Listener : LocationManagerDelegate {
   void didUpdateLocations(const std::vector<LocationFix>& fixes) override {
     heard += std::to_string(static_cast<int>(fixes.back().latitude)) + " ";
@@ -63,15 +82,14 @@ TEST(QtLocationManager, TellsOnceThatThereIsNoPositionAndNeverFromInsideTheStart
     }
     shell::QtLocationManager manager(std::move(source));
     Listener listener;
-    manager.setDelegate(&listener);
-    manager.startUpdatingLocation();
+    manager.start({}, listener);
     EXPECT_EQ(listener.heard, "");
     QCoreApplication::processEvents();
     EXPECT_EQ(listener.heard, hasSource ? "access to the position is refused "
                                         : "this device has no position source ");
     listener.heard.clear();
-    manager.startUpdatingLocation();
-    manager.stopUpdatingLocation();
+    manager.start({}, listener);
+    manager.stop();
     QCoreApplication::processEvents();
     EXPECT_EQ(listener.heard, "") << "stopped meanwhile";
   }
@@ -82,9 +100,7 @@ TEST(QtLocationManager, LeavesOutStepsBelowTheDistanceFilterAndInvalidFixes) {
   Source& source = *made;
   shell::QtLocationManager manager(std::move(made));
   Listener listener;
-  manager.setDelegate(&listener);
-  manager.setDistanceFilter(100);
-  manager.startUpdatingLocation();
+  manager.start({.desiredAccuracy = 10, .distanceFilter = 100, .purpose = ""}, listener);
   const auto moveTo = [&](double latitude) {
     Q_EMIT source.positionUpdated(
         QGeoPositionInfo(QGeoCoordinate(latitude, 18), QDateTime::currentDateTime()));
@@ -93,13 +109,13 @@ TEST(QtLocationManager, LeavesOutStepsBelowTheDistanceFilterAndInvalidFixes) {
   moveTo(33.0001);
   Q_EMIT source.positionUpdated(QGeoPositionInfo());
   moveTo(34);
-  manager.startUpdatingLocation();
+  manager.start({}, listener);
   moveTo(34);
   EXPECT_EQ(source.starts, 1) << "it runs already, and knows where it was";
-  manager.stopUpdatingLocation();
+  manager.stop();
   moveTo(35);
   EXPECT_EQ(listener.heard, "33 34 ");
-  manager.startUpdatingLocation();
+  manager.start({}, listener);
   EXPECT_EQ(source.starts, 2);
 }
 

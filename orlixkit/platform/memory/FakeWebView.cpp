@@ -47,14 +47,12 @@ void FakeWebView::setNavigationDelegate(std::weak_ptr<WebViewDelegate> delegate)
   delegate_ = std::move(delegate);
 }
 
-void FakeWebView::loadHtmlString(const std::string& html) { beginLoad(html, {}); }
-
-void FakeWebView::loadRequest(const std::string& address) {
-  if (isPageAddressAllowed(address)) {
-    beginLoad({}, address);
+void FakeWebView::load(const WebContent& content) {
+  if (!content.address || isPageAddressAllowed(*content.address)) {
+    beginLoad(content.html, content.address.value_or(""));
   } else {
     live_ = true;
-    failNavigation("The address " + address + " is not secure.");
+    failNavigation("The address " + *content.address + " is not secure.");
   }
 }
 

@@ -47,8 +47,7 @@ class FakeWebView : public WebView {
   std::function<ScriptResult(const std::string& script)> onScript;
 
   void setNavigationDelegate(std::weak_ptr<WebViewDelegate> delegate) override;
-  void loadHtmlString(const std::string& html) override;
-  void loadRequest(const std::string& address) override;
+  void load(const WebContent& content) override;
   void stopLoading() override;
   void evaluateJavaScript(const std::string& script,
                           std::function<void(const ScriptResult&)> completion) override;

@@ -2,14 +2,22 @@
 
 namespace orlix {
 
+void MemoryLocationManager::start(const LocationOptions& options,
+                                  LocationManagerDelegate& delegate) {
+  if (!updating()) {
+    options_ = options;
+    delegate_ = &delegate;
+  }
+}
+
 void MemoryLocationManager::sendFixes(const std::vector<LocationFix>& fixes) {
-  if (updating_ && delegate_ != nullptr) {
+  if (updating()) {
     delegate_->didUpdateLocations(fixes);
   }
 }
 
 void MemoryLocationManager::sendError(const std::string& description) {
-  if (updating_ && delegate_ != nullptr) {
+  if (updating()) {
     delegate_->didFailWithError(description);
   }
 }

@@ -14,27 +14,16 @@ class MemoryLocationManager : public LocationManager {
   void sendFixes(const std::vector<LocationFix>& fixes);
   void sendError(const std::string& description);
 
-  bool updating() const { return updating_; }
-  double desiredAccuracy() const { return desiredAccuracy_; }
-  double distanceFilter() const { return distanceFilter_; }
-  const std::string& purpose() const { return purpose_; }
-  int authorizationRequests() const { return authorizationRequests_; }
+  bool updating() const { return delegate_ != nullptr; }
+  /// Those of the last start.
+  const LocationOptions& options() const { return options_; }
 
-  void setDelegate(LocationManagerDelegate* delegate) override { delegate_ = delegate; }
-  void setDesiredAccuracy(double metres) override { desiredAccuracy_ = metres; }
-  void setDistanceFilter(double metres) override { distanceFilter_ = metres; }
-  void setPurpose(const std::string& text) override { purpose_ = text; }
-  void requestWhenInUseAuthorization() override { ++authorizationRequests_; }
-  void startUpdatingLocation() override { updating_ = true; }
-  void stopUpdatingLocation() override { updating_ = false; }
+  void start(const LocationOptions& options, LocationManagerDelegate& delegate) override;
+  void stop() override { delegate_ = nullptr; }
 
  private:
-  LocationManagerDelegate* delegate_ = nullptr;
-  double desiredAccuracy_ = 0;
-  double distanceFilter_ = 0;
-  std::string purpose_;
-  int authorizationRequests_ = 0;
-  bool updating_ = false;
+  LocationOptions options_;
+  LocationManagerDelegate* delegate_ = nullptr;  ///< while updates are on
 };
 
 }  // namespace orlix

@@ -4,45 +4,21 @@
 
 namespace orlix {
 
-template <class T>
-std::optional<T> MemoryUserDefaults::read(const std::string& key) const {
+std::optional<StoredValue> MemoryUserDefaults::value(const std::string& key) const {
   const std::lock_guard lock(mutex_);
   if (unreadable_) {
     throw StoreException("MemoryUserDefaults: the value of " + key + " cannot be read");
   }
   const auto found = values_.find(key);
-  const T* value = found == values_.end() ? nullptr : std::get_if<T>(&found->second);
-  return value == nullptr ? std::nullopt : std::optional<T>(*value);
+  return found == values_.end() ? std::nullopt : std::optional(found->second);
 }
 
-void MemoryUserDefaults::write(const std::string& key, Value value) {
+void MemoryUserDefaults::setValue(const std::string& key, const StoredValue& value) {
   const std::lock_guard lock(mutex_);
   if (failing_) {
     throw StoreException("MemoryUserDefaults: the value of " + key + " cannot be kept");
   }
-  values_[key] = std::move(value);
-}
-
-std::optional<Bytes> MemoryUserDefaults::dataForKey(const std::string& key) const {
-  return read<Bytes>(key);
-}
-
-std::optional<std::string> MemoryUserDefaults::stringForKey(const std::string& key) const {
-  return read<std::string>(key);
-}
-
-std::int64_t MemoryUserDefaults::integerForKey(const std::string& key) const {
-  return read<std::int64_t>(key).value_or(0);
-}
-
-void MemoryUserDefaults::setData(const std::string& key, const Bytes& value) { write(key, value); }
-
-void MemoryUserDefaults::setString(const std::string& key, const std::string& value) {
-  write(key, value);
-}
-
-void MemoryUserDefaults::setInteger(const std::string& key, std::int64_t value) {
-  write(key, value);
+  values_[key] = value;
 }
 
 void MemoryUserDefaults::setFailing(bool failing) {
@@ -66,7 +42,7 @@ std::vector<std::string> MemoryUserDefaults::keys() const {
 
 bool MemoryUserDefaults::holds(std::string_view text) const {
   const std::lock_guard lock(mutex_);
-  const auto holdsText = [text](const Value& value) {
+  const auto holdsText = [text](const StoredValue& value) {
     if (const auto* number = std::get_if<std::int64_t>(&value)) {
       return std::to_string(*number).find(text) != std::string::npos;
     }

@@ -2,7 +2,6 @@
 
 #include <map>
 #include <mutex>
-#include <variant>
 #include <vector>
 
 #include "orlixkit/platform/UserDefaults.h"
@@ -13,12 +12,8 @@ namespace orlix {
 /// application after a restart.
 class MemoryUserDefaults : public UserDefaults {
  public:
-  std::optional<Bytes> dataForKey(const std::string& key) const override;
-  std::optional<std::string> stringForKey(const std::string& key) const override;
-  std::int64_t integerForKey(const std::string& key) const override;
-  void setData(const std::string& key, const Bytes& value) override;
-  void setString(const std::string& key, const std::string& value) override;
-  void setInteger(const std::string& key, std::int64_t value) override;
+  std::optional<StoredValue> value(const std::string& key) const override;
+  void setValue(const std::string& key, const StoredValue& value) override;
 
   /// From now on every write is refused, as by a full disk.
   void setFailing(bool failing);
@@ -29,13 +24,8 @@ class MemoryUserDefaults : public UserDefaults {
   bool holds(std::string_view text) const;
 
  private:
-  using Value = std::variant<Bytes, std::string, std::int64_t>;
-  template <class T>
-  std::optional<T> read(const std::string& key) const;
-  void write(const std::string& key, Value value);
-
   mutable std::mutex mutex_;
-  std::map<std::string, Value> values_;
+  std::map<std::string, StoredValue> values_;
   bool failing_ = false;
   bool unreadable_ = false;
 };

@@ -15,18 +15,15 @@ class VirtualClock : public Clock {
 
   /// Sets the calendar, as a user does; the steady clock goes on.
   void setNow(CalendarTime now);
-  void setUtcOffset(std::chrono::seconds offset) { utcOffset_ = offset; }
 
   SteadyTime steadyNow() const override { return world_->now(); }
   CalendarTime now() const override;
-  std::chrono::seconds utcOffset(CalendarTime) const override { return utcOffset_; }
   bool sleep(Duration duration) override;
   std::unique_ptr<Condition> newCondition() override;
 
  private:
   std::shared_ptr<VirtualWorld> world_;
   CalendarTime calendarAtSteadyZero_;
-  std::chrono::seconds utcOffset_{7200};
 };
 
 }  // namespace orlix

@@ -14,22 +14,20 @@ FixedLocationManager::FixedLocationManager(double latitude, double longitude,
     : latitude_(latitude),
       longitude_(longitude),
       mainQueue_(std::move(mainQueue)),
-      clock_(std::move(clock)),
-      delegate_(std::make_shared<LocationManagerDelegate*>(nullptr)) {}
+      clock_(std::move(clock)) {}
 
-void FixedLocationManager::startUpdatingLocation() {
+void FixedLocationManager::start(const LocationOptions& /*options*/,
+                                 LocationManagerDelegate& delegate) {
   if (updates_) {
     return;  // its fix has come, or is still to come
   }
-  updates_ = std::make_shared<int>(0);
+  updates_ = std::make_shared<LocationManagerDelegate*>(&delegate);
   const LocationFix fix{latitude_, longitude_, accuracyInMetres, clock_->now()};
-  mainQueue_->async([fix, delegate = delegate_, update = std::weak_ptr(updates_)] {
-    if (!update.expired() && *delegate != nullptr) {
-      (*delegate)->didUpdateLocations({fix});
+  mainQueue_->async([fix, updates = std::weak_ptr(updates_)] {
+    if (const auto current = updates.lock()) {
+      (*current)->didUpdateLocations({fix});
     }
   });
 }
-
-void FixedLocationManager::stopUpdatingLocation() { updates_.reset(); }
 
 }  // namespace orlix

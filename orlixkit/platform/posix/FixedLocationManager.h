@@ -15,22 +15,16 @@ class FixedLocationManager : public LocationManager {
   FixedLocationManager(double latitude, double longitude, std::shared_ptr<MainQueue> mainQueue,
                        std::shared_ptr<Clock> clock);
 
-  void setDelegate(LocationManagerDelegate* delegate) override { *delegate_ = delegate; }
-  void setDesiredAccuracy(double) override {}
-  void setDistanceFilter(double) override {}
-  void setPurpose(const std::string&) override {}
-  void requestWhenInUseAuthorization() override {}
-  void startUpdatingLocation() override;
-  void stopUpdatingLocation() override;
+  void start(const LocationOptions& options, LocationManagerDelegate& delegate) override;
+  void stop() override { updates_.reset(); }
 
  private:
   const double latitude_;
   const double longitude_;
   const std::shared_ptr<MainQueue> mainQueue_;
   const std::shared_ptr<Clock> clock_;
-  const std::shared_ptr<LocationManagerDelegate*> delegate_;
   // From start to stop; a fix whose start is no longer the present one is not given.
-  std::shared_ptr<int> updates_;
+  std::shared_ptr<LocationManagerDelegate*> updates_;
 };
 
 }  // namespace orlix

@@ -1,7 +1,6 @@
 #include "orlixkit/platform/posix/PosixClock.h"
 
 #include <condition_variable>
-#include <ctime>
 #include <mutex>
 
 #include "orlixkit/platform/posix/PosixCondition.h"
@@ -11,16 +10,6 @@ namespace orlix {
 SteadyTime PosixClock::steadyNow() const { return std::chrono::steady_clock::now(); }
 
 CalendarTime PosixClock::now() const { return std::chrono::system_clock::now(); }
-
-std::chrono::seconds PosixClock::utcOffset(CalendarTime at) const {
-  const std::time_t seconds = std::chrono::system_clock::to_time_t(
-      std::chrono::time_point_cast<std::chrono::system_clock::duration>(at));
-  std::tm local{};
-  if (::localtime_r(&seconds, &local) == nullptr) {
-    return std::chrono::seconds(0);
-  }
-  return std::chrono::seconds(local.tm_gmtoff);
-}
 
 bool PosixClock::sleep(Duration duration) {
   const SteadyTime now = steadyNow();

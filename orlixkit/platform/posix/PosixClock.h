@@ -18,7 +18,6 @@ class PosixClock : public Clock {
 
   SteadyTime steadyNow() const override;
   CalendarTime now() const override;
-  std::chrono::seconds utcOffset(CalendarTime at) const override;
   bool sleep(Duration duration) override;
   std::unique_ptr<Condition> newCondition() override;
 

@@ -1,5 +1,7 @@
 #include "orlixkit/platform/posix/PosixDevice.h"
 
+#include <ctime>
+
 #include <sys/utsname.h>
 
 namespace orlix {
@@ -13,6 +15,14 @@ PosixDevice::PosixDevice(const IdentifierSources& sources)
   }
 }
 
-std::string PosixDevice::bundleShortVersion() const { return ORLIX_VERSION; }
+std::chrono::seconds PosixDevice::utcOffset(CalendarTime at) const {
+  const std::time_t seconds = std::chrono::system_clock::to_time_t(
+      std::chrono::time_point_cast<std::chrono::system_clock::duration>(at));
+  std::tm local{};
+  if (::localtime_r(&seconds, &local) == nullptr) {
+    return std::chrono::seconds(0);
+  }
+  return std::chrono::seconds(local.tm_gmtoff);
+}
 
 }  // namespace orlix

@@ -16,7 +16,7 @@ class PosixDevice : public Device {
   std::string vendorIdentifier() const override { return vendorIdentifier_; }
   std::string systemVersion() const override { return systemVersion_; }
   std::string model() const override { return model_; }
-  std::string bundleShortVersion() const override;
+  std::chrono::seconds utcOffset(CalendarTime at) const override;
 
  private:
   std::string vendorIdentifier_;

@@ -37,6 +37,39 @@ std::string textIn(sqlite3_stmt* row) {
              : std::string(text, static_cast<std::size_t>(sqlite3_column_bytes(row, 0)));
 }
 
+/// The value in the row's first column; none when it is of a type that no setter stores.
+std::optional<StoredValue> valueIn(sqlite3_stmt* row) {
+  switch (sqlite3_column_type(row, 0)) {
+    case SQLITE_BLOB: {
+      const auto* bytes = static_cast<const std::uint8_t*>(sqlite3_column_blob(row, 0));
+      return Bytes(bytes, bytes + sqlite3_column_bytes(row, 0));
+    }
+    case SQLITE_TEXT:
+      return textIn(row);
+    case SQLITE_INTEGER:
+      return std::int64_t{sqlite3_column_int64(row, 0)};
+    default:
+      return std::nullopt;
+  }
+}
+
+/// Binds a value, which must stay until the statement has run, to the second parameter.
+struct BindValue {
+  sqlite3_stmt* statement;
+
+  int operator()(const Bytes& value) const {
+    // An empty value has no address, and a blob without an address would be stored as NULL.
+    return value.empty()
+               ? sqlite3_bind_zeroblob(statement, 2, 0)
+               : sqlite3_bind_blob64(statement, 2, value.data(), value.size(), SQLITE_STATIC);
+  }
+  int operator()(const std::string& value) const {
+    return sqlite3_bind_text64(statement, 2, value.data(), value.size(), SQLITE_STATIC,
+                               SQLITE_UTF8);
+  }
+  int operator()(std::int64_t value) const { return sqlite3_bind_int64(statement, 2, value); }
+};
+
 }  // namespace
 
 void SqliteUserDefaults::CloseDatabase::operator()(sqlite3* database) const {
@@ -178,78 +211,27 @@ void SqliteUserDefaults::bindKey(sqlite3_stmt* statement, const std::string& key
   }
 }
 
-void SqliteUserDefaults::read(const std::string& key,
-                              const std::function<void(sqlite3_stmt*)>& take) const {
+std::optional<StoredValue> SqliteUserDefaults::value(const std::string& key) const {
+  std::optional<StoredValue> found;
   untilUnlocked("read", [&] {
     const ResetOnExit reset{select_.get()};
     bindKey(select_.get(), key);
     const int result = sqlite3_step(select_.get());
     if (result == SQLITE_ROW) {
-      take(select_.get());
+      found = valueIn(select_.get());
     }
     return result;
   });
+  return found;
 }
 
-void SqliteUserDefaults::write(const std::string& key,
-                               const std::function<int(sqlite3_stmt*)>& bindValue) {
+void SqliteUserDefaults::setValue(const std::string& key, const StoredValue& value) {
   untilUnlocked("write", [&] {
     const ResetOnExit reset{upsert_.get()};
     bindKey(upsert_.get(), key);
-    const int bound = bindValue(upsert_.get());
+    const int bound = std::visit(BindValue{upsert_.get()}, value);
     return bound == SQLITE_OK ? sqlite3_step(upsert_.get()) : bound;
   });
-}
-
-std::optional<Bytes> SqliteUserDefaults::dataForKey(const std::string& key) const {
-  std::optional<Bytes> found;
-  read(key, [&found](sqlite3_stmt* row) {
-    if (sqlite3_column_type(row, 0) == SQLITE_BLOB) {
-      const auto* bytes = static_cast<const std::uint8_t*>(sqlite3_column_blob(row, 0));
-      found.emplace(bytes, bytes + sqlite3_column_bytes(row, 0));
-    }
-  });
-  return found;
-}
-
-std::optional<std::string> SqliteUserDefaults::stringForKey(const std::string& key) const {
-  std::optional<std::string> found;
-  read(key, [&found](sqlite3_stmt* row) {
-    if (sqlite3_column_type(row, 0) == SQLITE_TEXT) {
-      found = textIn(row);
-    }
-  });
-  return found;
-}
-
-std::int64_t SqliteUserDefaults::integerForKey(const std::string& key) const {
-  std::int64_t found = 0;
-  read(key, [&found](sqlite3_stmt* row) {
-    if (sqlite3_column_type(row, 0) == SQLITE_INTEGER) {
-      found = sqlite3_column_int64(row, 0);
-    }
-  });
-  return found;
-}
-
-void SqliteUserDefaults::setData(const std::string& key, const Bytes& value) {
-  write(key, [&value](sqlite3_stmt* statement) {
-    // An empty value has no address, and a blob without an address would be stored as NULL.
-    return value.empty()
-               ? sqlite3_bind_zeroblob(statement, 2, 0)
-               : sqlite3_bind_blob64(statement, 2, value.data(), value.size(), SQLITE_STATIC);
-  });
-}
-
-void SqliteUserDefaults::setString(const std::string& key, const std::string& value) {
-  write(key, [&value](sqlite3_stmt* statement) {
-    return sqlite3_bind_text64(statement, 2, value.data(), value.size(), SQLITE_STATIC,
-                               SQLITE_UTF8);
-  });
-}
-
-void SqliteUserDefaults::setInteger(const std::string& key, std::int64_t value) {
-  write(key, [value](sqlite3_stmt* statement) { return sqlite3_bind_int64(statement, 2, value); });
 }
 
 }  // namespace orlix

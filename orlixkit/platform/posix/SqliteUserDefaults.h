@@ -27,13 +27,8 @@ class SqliteUserDefaults : public UserDefaults {
   explicit SqliteUserDefaults(const std::filesystem::path& file);
   ~SqliteUserDefaults() override;
 
-  std::optional<Bytes> dataForKey(const std::string& key) const override;
-  std::optional<std::string> stringForKey(const std::string& key) const override;
-  std::int64_t integerForKey(const std::string& key) const override;
-
-  void setData(const std::string& key, const Bytes& value) override;
-  void setString(const std::string& key, const std::string& value) override;
-  void setInteger(const std::string& key, std::int64_t value) override;
+  std::optional<StoredValue> value(const std::string& key) const override;
+  void setValue(const std::string& key, const StoredValue& value) override;
 
  private:
   struct CloseDatabase {
@@ -50,9 +45,6 @@ class SqliteUserDefaults : public UserDefaults {
   void checkPages() const;
   Statement prepare(const char* sql) const;
   void execute(const char* sql) const;
-  /// Calls `take` with the value's row; not at all when there is none.
-  void read(const std::string& key, const std::function<void(sqlite3_stmt*)>& take) const;
-  void write(const std::string& key, const std::function<int(sqlite3_stmt*)>& bindValue);
   /// Runs `attempt`, which returns a step's result, with the lock; again after a pause without the
   /// lock while another process has locked the file.
   void untilUnlocked(const char* action, const std::function<int()>& attempt) const;

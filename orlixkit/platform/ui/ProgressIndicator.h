@@ -19,10 +19,9 @@ enum class ProgressStyle { activity, information };
 /// The one heads-up display that says what the library is busy with.
 ///
 /// It belongs to the controller that showed it last and goes when that one leaves the screen or
-/// presents another screen. It is
-/// visible, and its mask holds touches back, until its fade has ended. Every completion given to a
-/// dismissal runs once: when the fade has ended, or at once when another `show` ends the fade.
-/// What a completion throws is logged. Main thread only.
+/// presents another screen. It is visible, and its mask holds touches back, until its fade has
+/// ended. Every completion given to a dismissal runs once: when the fade has ended, or at once when
+/// another `show` ends the fade. What a completion throws is logged. Main thread only.
 class ProgressIndicator {
  public:
   /// Takes the place of what is shown. `owner` is not held; none leaves it to whoever dismisses it.
