@@ -4,9 +4,9 @@
 #include <memory>
 
 #include "examples/shop/Stage.h"
-#include "examples/shop/Utf8.h"
 #include "orlixkit/platform/Host.h"
 #include "orlixkit/platform/MainQueue.h"
+#include "orlixkit/platform/Utf8.h"
 #include "orlixkit/platform/ui/FieldTouch.h"
 #include "orlixkit/widgets/DropDownPicker.h"
 
@@ -62,8 +62,8 @@ void tapOutlet(const std::string& name, ViewController& screen) {
 
 void HeadlessDriver::type(const std::string& outlet, const std::string& text) {
   const std::shared_ptr<TextField> field = editedField(outlet);
-  for (const std::string& key : characters(text)) {
-    runLogged([&] { field->replaceCharacters({field->caret(), 0}, key); });
+  for (const std::string_view key : charactersOf(text)) {
+    runLogged([&] { field->replaceCharacters({field->caret(), 0}, std::string(key)); });
   }
 }
 

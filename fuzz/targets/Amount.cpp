@@ -9,7 +9,7 @@
 
 #include "fuzz/Target.h"
 #include "orlixkit/checkout/AmountEntry.h"
-#include "orlixkit/widgets/Characters.h"
+#include "orlixkit/widgets/DecimalDigits.h"
 
 namespace orlix::fuzz {
 

@@ -8,8 +8,8 @@
 #include <openssl/x509.h>
 
 #include "fuzz/Target.h"
+#include "orlixkit/platform/Utf8.h"
 #include "orlixkit/platform/posix/SystemTrust.h"
-#include "orlixkit/protocol/Utf8.h"
 
 namespace orlix::fuzz {
 

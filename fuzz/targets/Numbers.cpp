@@ -6,7 +6,8 @@
 #include "fuzz/Target.h"
 #include "orlixkit/checkout/SuggestedMsisdn.h"
 #include "orlixkit/onboarding/Msisdn.h"
-#include "orlixkit/widgets/Characters.h"
+#include "orlixkit/platform/Utf8.h"
+#include "orlixkit/widgets/DecimalDigits.h"
 
 namespace orlix::fuzz {
 

@@ -7,8 +7,8 @@
 #include <boost/json.hpp>
 
 #include "fuzz/Target.h"
+#include "orlixkit/platform/Utf8.h"
 #include "orlixkit/protocol/RequestBody.h"
-#include "orlixkit/protocol/Utf8.h"
 #include "orlixkit/records/KCVelloUtil.h"
 #include "orlixkit/securecode/IssuerPage.h"
 

@@ -9,9 +9,9 @@
 #include <vector>
 
 #include "fuzz/Target.h"
-#include "orlixkit/protocol/Utf8.h"
+#include "orlixkit/platform/Utf8.h"
 #include "orlixkit/widgets/CardNumberField.h"
-#include "orlixkit/widgets/Characters.h"
+#include "orlixkit/widgets/DecimalDigits.h"
 #include "orlixkit/widgets/FormattedTextField.h"
 
 namespace orlix::fuzz {

@@ -4,7 +4,7 @@
 
 #include <fmt/format.h>
 
-#include "orlixkit/widgets/Characters.h"
+#include "orlixkit/widgets/DecimalDigits.h"
 
 namespace orlix {
 

@@ -13,9 +13,9 @@
 #include "orlixkit/checkout/ScreenChange.h"
 #include "orlixkit/checkout/SuggestedMsisdn.h"
 #include "orlixkit/platform/Host.h"
+#include "orlixkit/platform/Utf8.h"
 #include "orlixkit/protocol/LocationUtil.h"
 #include "orlixkit/protocol/OMVello.h"
-#include "orlixkit/protocol/Utf8.h"
 #include "orlixkit/security/OMStorage.h"
 
 namespace orlix {

@@ -1,6 +1,6 @@
 #include "orlixkit/checkout/SuggestedMsisdn.h"
 
-#include "orlixkit/widgets/Characters.h"
+#include "orlixkit/widgets/DecimalDigits.h"
 
 namespace orlix {
 

@@ -5,7 +5,7 @@
 #include <vector>
 
 #include "orlixkit/platform/Host.h"
-#include "orlixkit/widgets/Characters.h"
+#include "orlixkit/platform/Utf8.h"
 
 namespace orlix {
 

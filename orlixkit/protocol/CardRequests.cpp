@@ -1,5 +1,5 @@
+#include "orlixkit/platform/Utf8.h"
 #include "orlixkit/protocol/KCVelloConnection.h"
-#include "orlixkit/protocol/Utf8.h"
 
 // The requests of KCVelloConnection that look after the wallet's cards.
 

@@ -7,12 +7,11 @@
 
 #include <boost/json.hpp>
 
-#include "orlixkit/records/AnswerPool.h"
 #include "orlixkit/records/Failures.h"
 #include "orlixkit/records/JsonNumber.h"
 #include "orlixkit/records/JsonText.h"
 #include "orlixkit/records/KCVelloUtil.h"
-#include "orlixkit/security/WipingResource.h"
+#include "orlixkit/security/AnswerMemory.h"
 
 namespace orlix {
 
@@ -90,7 +89,7 @@ struct Copy {
   Copy(const JsonValue& of, std::size_t limit)
       : memory(limit), value(of, boost::json::storage_ptr(&memory)) {}
 
-  WipingResource memory;
+  AnswerMemory memory;
   JsonValue value;
 };
 
@@ -117,11 +116,11 @@ bool equalTexts(std::string_view text, std::string_view upperCase, Case letters)
 }  // namespace
 
 AnswerReader::AnswerReader(const JsonDictionary& dictionary)
-    : dictionary_(dictionary), pool_(dynamic_cast<AnswerPool*>(dictionary.storage().get())) {}
+    : dictionary_(dictionary), memory_(dynamic_cast<AnswerMemory*>(dictionary.storage().get())) {}
 
 void AnswerReader::countMemory(std::size_t bytes) const {
-  if (pool_ != nullptr) {
-    pool_->countForRecords(bytes);
+  if (memory_ != nullptr && !memory_->countForRecords(bytes)) {
+    throw unreadableAnswer();
   }
 }
 
@@ -192,10 +191,11 @@ std::shared_ptr<const JsonValue> AnswerReader::value(std::string_view key) const
   if (found == nullptr) {
     return nullptr;
   }
-  const std::size_t limit = pool_ != nullptr ? pool_->leftForRecords() : KCVelloUtil::recordLimit;
+  const std::size_t limit =
+      memory_ != nullptr ? memory_->leftForRecords() : KCVelloUtil::recordLimit;
   try {
     const auto copy = std::make_shared<const Copy>(*found, limit);
-    countMemory(limit - copy->memory.left());
+    countMemory(copy->memory.used());
     return {copy, &copy->value};
   } catch (const std::bad_alloc&) {
     throw unreadableAnswer();

@@ -14,7 +14,7 @@
 
 namespace orlix {
 
-class AnswerPool;
+class AnswerMemory;
 
 enum class Case { exact, ignored };
 /// What became of an enumeration.
@@ -123,7 +123,7 @@ class AnswerReader {
   void countMemory(std::size_t bytes) const;
 
   const JsonDictionary& dictionary_;
-  AnswerPool* const pool_;  ///< the answer's; none for an object that `getJson` did not decode
+  AnswerMemory* const memory_;    ///< none for an object that `getJson` did not decode
   mutable std::size_t next_ = 0;  ///< place of the member after the last one found
 };
 

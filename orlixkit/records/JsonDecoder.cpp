@@ -90,13 +90,11 @@ struct Builder {
 
 }  // namespace
 
-boost::json::value decodeJson(ByteView data, std::size_t depthLimit,
-                              boost::json::memory_resource& heap,
-                              boost::json::memory_resource& pool) {
+boost::json::value decodeJson(ByteView data, std::size_t depthLimit, AnswerMemory& memory) {
   boost::json::parse_options options;
   options.max_depth = depthLimit;
-  boost::json::basic_parser<Builder> parser(options, boost::json::storage_ptr(&heap));
-  parser.handler().stack.reset(boost::json::storage_ptr(&pool));
+  boost::json::basic_parser<Builder> parser(options, boost::json::storage_ptr(&memory));
+  parser.handler().stack.reset(boost::json::storage_ptr(&memory));
   error_code error;
   const std::size_t read =
       parser.write_some(false, reinterpret_cast<const char*>(data.data()), data.size(), error);

@@ -1,16 +1,32 @@
 #include "orlixkit/records/JsonObject.h"
 
-#include <utility>
+#include <boost/json/value.hpp>
 
-#include "orlixkit/records/JsonMemory.h"
+#include "orlixkit/records/Failures.h"
+#include "orlixkit/records/JsonDecoder.h"
+#include "orlixkit/records/KCVelloUtil.h"
+#include "orlixkit/security/AnswerMemory.h"
 
 namespace orlix {
 
-JsonObject::JsonObject(std::unique_ptr<Memory> memory) : memory_(std::move(memory)) {}
+/// The value is released before the memory that it lies in.
+struct JsonObject::Decoded {
+  explicit Decoded(ByteView text) : value(decodeJson(text, KCVelloUtil::depthLimit, memory)) {}
+
+  AnswerMemory memory{KCVelloUtil::memoryLimit, KCVelloUtil::recordLimit};
+  JsonValue value;
+};
+
+JsonObject::JsonObject(ByteView text) : decoded_(std::make_unique<Decoded>(text)) {
+  if (!decoded_->value.is_object()) {
+    throw unreadableAnswer();
+  }
+}
+
 JsonObject::JsonObject(JsonObject&&) noexcept = default;
 JsonObject& JsonObject::operator=(JsonObject&&) noexcept = default;
 JsonObject::~JsonObject() = default;
 
-const JsonDictionary& JsonObject::dictionary() const { return memory_->root.get_object(); }
+const JsonDictionary& JsonObject::dictionary() const { return decoded_->value.get_object(); }
 
 }  // namespace orlix

@@ -2,6 +2,7 @@
 
 #include <memory>
 
+#include "orlixkit/platform/Bytes.h"
 #include "orlixkit/records/Json.h"
 
 namespace orlix {
@@ -18,9 +19,10 @@ class JsonObject {
 
  private:
   friend class KCVelloUtil;
-  struct Memory;
-  explicit JsonObject(std::unique_ptr<Memory> memory);
-  std::unique_ptr<Memory> memory_;
+  struct Decoded;
+  /// Throws as `KCVelloUtil::getJson`, and std::bad_alloc or std::length_error beyond the limit.
+  explicit JsonObject(ByteView text);
+  std::unique_ptr<Decoded> decoded_;
 };
 
 }  // namespace orlix

@@ -7,7 +7,7 @@
 
 #include <boost/json.hpp>
 
-#include "orlixkit/security/WipingResource.h"
+#include "orlixkit/security/AnswerMemory.h"
 
 namespace orlix {
 
@@ -65,7 +65,7 @@ std::shared_ptr<PersistableObject> decoded(const json::value& archive) {
 }  // namespace
 
 SecretBytes PersistableObject::archive(const PersistableObject* root) {
-  WipingResource memory(memoryLimit);
+  AnswerMemory memory(memoryLimit);
   json::value archive(json::object_kind, &memory);
   json::object& entries = archive.get_object();
   if (root == nullptr) {
@@ -83,7 +83,7 @@ SecretBytes PersistableObject::archive(const PersistableObject* root) {
 }
 
 std::shared_ptr<PersistableObject> PersistableObject::unarchive(ByteView archive) {
-  WipingResource memory(memoryLimit);
+  AnswerMemory memory(memoryLimit);
   json::parser parser{json::storage_ptr(&memory)};
   parser.reset(&memory);
   json::error_code error;

@@ -7,7 +7,7 @@
 
 #include <fmt/format.h>
 
-#include "orlixkit/platform/Characters.h"
+#include "orlixkit/platform/Utf8.h"
 #include "orlixkit/security/Cipher.h"
 #include "orlixkit/security/Hex.h"
 

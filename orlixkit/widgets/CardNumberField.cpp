@@ -1,6 +1,6 @@
 #include "orlixkit/widgets/CardNumberField.h"
 
-#include "orlixkit/widgets/Characters.h"
+#include "orlixkit/platform/Utf8.h"
 
 namespace orlix {
 

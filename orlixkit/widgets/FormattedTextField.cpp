@@ -2,7 +2,7 @@
 
 #include <utility>
 
-#include "orlixkit/widgets/Characters.h"
+#include "orlixkit/widgets/DecimalDigits.h"
 
 namespace orlix {
 

@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-#include "orlixkit/widgets/Characters.h"
+#include "orlixkit/platform/Utf8.h"
 
 namespace orlix {
 

@@ -9,12 +9,12 @@
 #include <sys/mman.h>
 
 #include "orlixkit/platform/memory/MemoryHost.h"
+#include "orlixkit/security/AnswerMemory.h"
 #include "orlixkit/security/CryptoModule.h"
 #include "orlixkit/security/DataStore.h"
 #include "orlixkit/security/Hex.h"
 #include "orlixkit/security/OMStorage.h"
 #include "orlixkit/security/PinBlock.h"
-#include "orlixkit/security/WipingResource.h"
 
 namespace orlix {
 
@@ -174,18 +174,19 @@ TEST_F(StoredRecord, ThatIsTooLargeToEncryptLeavesTheFormerOneInPlace) {
   EXPECT_EQ(store.load(storage)->ssToken, "former");
 }
 
-TEST(WipingMemory, IsLimitedAndRefusesAnAlignmentThatTheHeapDoesNotGive) {
-  WipingResource memory(100);
+TEST(AnswerMemory, IsLimitedByWhatWasHandedOutAndCountsItsRecordsApart) {
+  AnswerMemory memory(100'000, 10);
   boost::json::memory_resource& resource = memory;
-  EXPECT_THROW(resource.allocate(101), std::bad_alloc);
-  EXPECT_THROW(resource.allocate(8, 2 * alignof(std::max_align_t)), std::bad_alloc);
-  void* const piece = resource.allocate(60);
-  EXPECT_THROW(resource.allocate(41), std::bad_alloc);
-  resource.deallocate(piece, 60);
-  void* const whole = resource.allocate(100);
-  resource.deallocate(whole, 100);
-  EXPECT_TRUE(memory == memory);
-  EXPECT_FALSE(memory == WipingResource(100));
+  EXPECT_THROW(resource.allocate(100'001), std::bad_alloc);
+  for (std::size_t alignment = 1; alignment <= 64; alignment *= 2) {
+    const auto place = reinterpret_cast<std::uintptr_t>(resource.allocate(10'000, alignment));
+    EXPECT_EQ(place % alignment, 0U);
+  }
+  EXPECT_EQ(memory.used(), 70'000U);
+  EXPECT_THROW(resource.allocate(30'001), std::bad_alloc);
+  EXPECT_NE(resource.allocate(30'000), nullptr) << "a refusal takes nothing";
+  EXPECT_TRUE(memory.countForRecords(10));
+  EXPECT_FALSE(memory.countForRecords(1));
 }
 
 TEST(AesModule, PadsToWholeBlocksAndTakesSixteenBytesOfTheKey) {

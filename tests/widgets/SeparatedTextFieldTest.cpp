@@ -4,8 +4,9 @@
 
 #include <gtest/gtest.h>
 
+#include "orlixkit/platform/Utf8.h"
 #include "orlixkit/widgets/CardNumberField.h"
-#include "orlixkit/widgets/Characters.h"
+#include "orlixkit/widgets/DecimalDigits.h"
 #include "orlixkit/widgets/FormattedTextField.h"
 
 namespace orlix {

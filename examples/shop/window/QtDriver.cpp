@@ -4,8 +4,8 @@
 #include <filesystem>
 
 #include "examples/shop/Stage.h"
-#include "examples/shop/Utf8.h"
 #include "orlixkit/platform/MainQueue.h"
+#include "orlixkit/platform/Utf8.h"
 #include "orlixkit/platform/ui/WebPageView.h"
 #include "orlixkit/widgets/DropDownPicker.h"
 #include "shell/FindItem.h"
@@ -77,8 +77,9 @@ void QtDriver::beginTyping(const std::string& outlet) {
 
 void QtDriver::type(const std::string& outlet, const std::string& text) {
   beginTyping(outlet);
-  for (const std::string& character : characters(text)) {
-    const QString key = QString::fromStdString(character);
+  for (const std::string_view character : charactersOf(text)) {
+    const QString key =
+        QString::fromUtf8(character.data(), static_cast<qsizetype>(character.size()));
     finger_.press(keyOf(key), key);
   }
 }

@@ -2,29 +2,13 @@
 
 #include <stdexcept>
 
-#include "orlixkit/platform/Characters.h"
 #include "orlixkit/platform/MainQueue.h"
+#include "orlixkit/platform/Utf8.h"
 #include "orlixkit/platform/ui/ActiveWindow.h"
 #include "orlixkit/platform/ui/FieldTouch.h"
 #include "orlixkit/platform/ui/TableView.h"
 
 namespace orlix {
-
-namespace {
-
-/// The characters of a UTF-8 text, one by one.
-std::vector<std::string> keysOf(const std::string& text) {
-  std::vector<std::string> keys;
-  for (const char unit : text) {
-    if (keys.empty() || startsCharacter(unit)) {
-      keys.emplace_back();
-    }
-    keys.back() += unit;
-  }
-  return keys;
-}
-
-}  // namespace
 
 std::shared_ptr<ViewController> ScreenUser::topController() const {
   const std::shared_ptr<Window> window = application_.keyWindow;
@@ -87,8 +71,8 @@ void ScreenUser::edit(const std::string& field, const std::function<void(TextFie
 
 void ScreenUser::type(const std::string& field, const std::string& text) {
   edit(field, [&](TextField& target) {
-    for (const std::string& key : keysOf(text)) {
-      target.replaceCharacters({target.caret(), 0}, key);
+    for (const std::string_view key : charactersOf(text)) {
+      target.replaceCharacters({target.caret(), 0}, std::string(key));
     }
   });
 }

@@ -2,13 +2,8 @@
 
 #include <string>
 #include <string_view>
-#include <vector>
 
 namespace orlix {
-
-/// The characters (code points of UTF-8) of a text, as views into it. A byte that belongs to no
-/// character stands for one of its own.
-std::vector<std::string_view> charactersOf(std::string_view text);
 
 /// The decimal digits of a text, each as 0 to 9; everything else is left out.
 ///
