@@ -23,6 +23,7 @@ TYPED_TEST_SUITE_P(SystemLogContract);
 TYPED_TEST_P(SystemLogContract, TakesWholeLinesFromAnyThread) {
   constexpr int kThreads = 8;
   constexpr int kLines = 50;
+  SystemLog& log = this->platform.log();
   std::vector<std::string> expected;
   {
     std::vector<std::jthread> threads;
@@ -30,9 +31,9 @@ TYPED_TEST_P(SystemLogContract, TakesWholeLinesFromAnyThread) {
       const std::string line(static_cast<std::size_t>(20 + thread),
                              static_cast<char>('a' + thread));
       expected.insert(expected.end(), kLines, line);
-      threads.emplace_back([this, line] {
+      threads.emplace_back([&log, line] {
         for (int i = 0; i < kLines; ++i) {
-          this->platform.log().write(line);
+          log.write(line);
         }
       });
     }
