@@ -19,7 +19,6 @@ constexpr std::array<Target, 13> kTargets{{
     {"script", script},
     {"transport", transport},
     {"list", list},
-    {"address", address},
     {"certificate", certificate},
     {"separated", separated},
     {"dates", dates},

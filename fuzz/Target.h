@@ -36,7 +36,6 @@ void hex(ByteView input);
 void script(ByteView input);
 void transport(ByteView input);
 void list(ByteView input);
-void address(ByteView input);
 void certificate(ByteView input);
 void separated(ByteView input);
 void dates(ByteView input);

@@ -1,19 +1,25 @@
 #pragma once
 
+#include <QUrl>
 #include <QWebEngineUrlRequestInterceptor>
-
-#include "orlixkit/platform/PageAddress.h"
 
 namespace orlix::shell {
 
-/// Lets a page and what is on it ask only for addresses that are allowed, and for what needs no
-/// asking: texts that it carries itself.
+/// Lets a page and what is on it ask only for secure addresses, and for what needs no asking: texts
+/// that it carries itself. Everything else, local files above all, is refused.
 class QtWebRequestGuard : public QWebEngineUrlRequestInterceptor {
  public:
+  /// Encrypted (https, wss), or plain (http, ws) of this very machine, where nobody listens in.
+  static bool isSecure(const QUrl& address) {
+    const QString scheme = address.scheme();
+    const QString host = address.host();
+    const bool isHere = host == u"localhost" || host == u"127.0.0.1" || host == u"::1";
+    return ((scheme == u"https" || scheme == u"wss") && !host.isEmpty()) ||
+           ((scheme == u"http" || scheme == u"ws") && isHere);
+  }
   static bool isAllowed(const QUrl& address) {
     const QString scheme = address.scheme();
-    return scheme == u"data" || scheme == u"blob" || scheme == u"about" ||
-           isPageAddressAllowed(address.toEncoded().toStdString());
+    return scheme == u"data" || scheme == u"blob" || scheme == u"about" || isSecure(address);
   }
   void interceptRequest(QWebEngineUrlRequestInfo& info) override {
     info.block(!isAllowed(info.requestUrl()));

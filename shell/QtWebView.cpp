@@ -8,7 +8,6 @@
 #include <utility>
 
 #include "orlixkit/platform/Host.h"
-#include "orlixkit/platform/PageAddress.h"
 #include "orlixkit/platform/posix/SystemTrust.h"
 #include "shell/QtWebRequestGuard.h"
 #include "shell/QtWebScript.h"
@@ -71,7 +70,7 @@ void QtWebView::loadText(const std::string& html) {
 
 void QtWebView::loadAddress(const std::string& address) {
   const QUrl url(QString::fromStdString(address), QUrl::StrictMode);
-  if (!url.isValid() || !isPageAddressAllowed(url.toEncoded().toStdString())) {
+  if (!url.isValid() || !QtWebRequestGuard::isSecure(url)) {
     fail("The address " + address + " is not secure.");
     return;
   }

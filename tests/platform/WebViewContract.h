@@ -87,8 +87,12 @@ TYPED_TEST_P(WebViewContract, TellsOfEveryLoadOnceAndAnswersForThePageThatStands
   EXPECT_TRUE(this->says(*view, "first"));
   view->loadRequest(user.address("/second"));
   EXPECT_EQ(user.heardNext(), "finished");
-  for (const char* address : {"file:///etc/passwd", "http://bank.example/", "javascript:1",
-                              "chrome://version", "data:text/html,x", "no address", ""}) {
+  for (const char* address :
+       {"file:///etc/passwd", "http://bank.example/", "http://127.0.0.1.bank.example/",
+        "http://127.0.0.1@bank.example/", "http://bank.example\\@127.0.0.1/",
+        "http://localhost:80@bank.example/", "http://[::1", "https://", "ftp://127.0.0.1/",
+        "view-source:https://bank.example/", "javascript:1", "chrome://version", "data:text/html,x",
+        "no address", ""}) {
     view->loadRequest(address);
     EXPECT_TRUE(this->heard.empty());
     EXPECT_EQ(user.heardNext(), "failed: The address " + std::string(address) + " is not secure.");
@@ -96,6 +100,11 @@ TYPED_TEST_P(WebViewContract, TellsOfEveryLoadOnceAndAnswersForThePageThatStands
   }
   view->loadRequest(user.deadAddress());
   EXPECT_EQ(user.heardNext().substr(0, 8), "failed: ");
+  for (const char* address : {"http://LocalHost:1/", "http://127.0.0.1:1", "http://[::1]:1/x",
+                              "HTTPS://127.0.0.1:1/a?b#c"}) {
+    view->loadRequest(address);
+    EXPECT_EQ(user.heardNext().find("is not secure"), std::string::npos) << address;
+  }
   user.settle();
   EXPECT_TRUE(this->heard.empty());
 }

@@ -1,10 +1,40 @@
 #include "orlixkit/platform/memory/FakeWebView.h"
 
 #include <algorithm>
+#include <memory>
+#include <strings.h>
 
-#include "orlixkit/platform/PageAddress.h"
+#include <curl/urlapi.h>
 
 namespace orlix {
+
+namespace {
+
+using Url = std::unique_ptr<CURLU, decltype(&curl_url_cleanup)>;
+
+std::string partOf(const Url& url, CURLUPart part) {
+  char* text = nullptr;
+  const CURLUcode result = curl_url_get(url.get(), part, &text, 0);
+  const std::unique_ptr<char, decltype(&curl_free)> owned(text, curl_free);
+  return result == CURLUE_OK ? std::string(text) : std::string();
+}
+
+/// Encrypted, or of this very machine. A browser takes a backslash for a slash.
+bool isSecure(const std::string& address) {
+  const Url url(curl_url(), curl_url_cleanup);
+  const CURLUcode result =
+      curl_url_set(url.get(), CURLUPART_URL, address.c_str(), CURLU_NON_SUPPORT_SCHEME);
+  if (result != CURLUE_OK || address.find('\\') != std::string::npos) {
+    return false;
+  }
+  const std::string scheme = partOf(url, CURLUPART_SCHEME);
+  const std::string host = partOf(url, CURLUPART_HOST);
+  const bool isHere =
+      ::strcasecmp(host.c_str(), "localhost") == 0 || host == "127.0.0.1" || host == "[::1]";
+  return (scheme == "https" && !host.empty()) || (scheme == "http" && isHere);
+}
+
+}  // namespace
 
 FakeWebView::FakeWebView(std::shared_ptr<MainQueue> mainQueue, OnLoad onLoad)
     : mainQueue_(std::move(mainQueue)), onLoad_(std::move(onLoad)) {}
@@ -48,7 +78,7 @@ void FakeWebView::setNavigationDelegate(std::weak_ptr<WebViewDelegate> delegate)
 }
 
 void FakeWebView::load(const WebContent& content) {
-  if (!content.address || isPageAddressAllowed(*content.address)) {
+  if (!content.address || isSecure(*content.address)) {
     beginLoad(content.html, content.address.value_or(""));
   } else {
     live_ = true;
