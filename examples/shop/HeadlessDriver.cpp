@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <memory>
 
-#include "examples/shop/Stage.h"
+#include "examples/shop/ShownScreen.h"
 #include "orlixkit/platform/Host.h"
 #include "orlixkit/platform/MainQueue.h"
 #include "orlixkit/platform/Utf8.h"
@@ -16,12 +16,12 @@ namespace {
 
 bool touched(TextField& field) {
   bool begun = false;
-  runLogged([&] { begun = touchField(*Stage::content(), field); });
+  runLogged([&] { begun = touchField(*ShownScreen::content(), field); });
   return begun;
 }
 
 std::shared_ptr<TextField> editedField(const std::string& outlet) {
-  std::shared_ptr<TextField> field = Stage::touchableField(outlet);
+  std::shared_ptr<TextField> field = ShownScreen::touchableField(outlet);
   if (DropDownPicker::of(*field)) {
     throw ScriptError(outlet + " takes no keys: it has a drop-down to pick from");
   }
@@ -32,7 +32,7 @@ std::shared_ptr<TextField> editedField(const std::string& outlet) {
 }
 
 void tapOutlet(const std::string& name, ViewController& screen) {
-  const std::shared_ptr<View> view = Stage::touchableOutlet(name);
+  const std::shared_ptr<View> view = ShownScreen::touchableOutlet(name);
   if (const auto button = std::dynamic_pointer_cast<Button>(view)) {
     if (!button->enabled()) {
       throw ScriptError(name + " is disabled");
@@ -42,7 +42,7 @@ void tapOutlet(const std::string& name, ViewController& screen) {
       return;
     }
   } else if (std::dynamic_pointer_cast<TextField>(view)) {
-    touched(*Stage::touchableField(name));
+    touched(*ShownScreen::touchableField(name));
     return;
   }
   if (view->onTap) {
@@ -75,50 +75,50 @@ void HeadlessDriver::erase(const std::string& outlet, std::size_t count) {
 }
 
 void HeadlessDriver::set(const std::string& outlet, const std::string& text) {
-  Stage::touchableField(outlet)->setText(text);
+  ShownScreen::touchableField(outlet)->setText(text);
 }
 
 void HeadlessDriver::tap(const std::string& name) {
-  Stage::requireTouchable(name);
-  const std::shared_ptr<ViewController> screen = Stage::content();
+  ShownScreen::requireTouchable(name);
+  const std::shared_ptr<ViewController> screen = ShownScreen::content();
   if (screen->outletNamed(name)) {
     tapOutlet(name, *screen);
   } else if (screen->hasAction(name)) {
     runLogged([&] { screen->performAction(name); });
   } else {
     throw ScriptError("there is no outlet and no action " + name + " on the screen " +
-                      Stage::identifier());
+                      ShownScreen::identifier());
   }
 }
 
 void HeadlessDriver::selectRow(const std::string& table, const RowChoice& row) {
-  const std::shared_ptr<TableView> view = Stage::touchableTable(table);
-  const std::size_t chosen = Stage::rowOf(*view, table, row);
-  const std::shared_ptr<ViewController> whole = Stage::content();
+  const std::shared_ptr<TableView> view = ShownScreen::touchableTable(table);
+  const std::size_t chosen = ShownScreen::rowOf(*view, table, row);
+  const std::shared_ptr<ViewController> whole = ShownScreen::content();
   runLogged([&] { view->select(chosen); });
 }
 
 void HeadlessDriver::pressRowButton(const std::string& table, std::size_t row) {
-  const std::shared_ptr<TableView> view = Stage::touchableTable(table);
-  const std::shared_ptr<Button> button = view->cell(Stage::rowOf(*view, table, row)).button;
+  const std::shared_ptr<TableView> view = ShownScreen::touchableTable(table);
+  const std::shared_ptr<Button> button = view->cell(ShownScreen::rowOf(*view, table, row)).button;
   if (!button || !button->onTouchUpInside) {
     throw ScriptError("row " + std::to_string(row) + " of " + table + " has no button");
   }
-  const std::shared_ptr<ViewController> whole = Stage::content();
+  const std::shared_ptr<ViewController> whole = ShownScreen::content();
   runLogged(Task(button->onTouchUpInside));
 }
 
 void HeadlessDriver::pressAlertButton(const std::string& title) {
-  const std::shared_ptr<AlertController> alert = Stage::alert();
+  const std::shared_ptr<AlertController> alert = ShownScreen::alert();
   if (!alert) {
     throw ScriptError("no alert is shown whose button \"" + title + "\" could be pressed");
   }
-  const std::size_t index = Stage::alertButton(*alert, title);
+  const std::size_t index = ShownScreen::alertButton(*alert, title);
   runLogged([&] { alert->press(index); });
 }
 
 void HeadlessDriver::pick(const std::string& outlet, const std::string& text) {
-  const std::shared_ptr<TextField> field = Stage::touchableField(outlet);
+  const std::shared_ptr<TextField> field = ShownScreen::touchableField(outlet);
   const std::shared_ptr<DropDownPicker> picker = DropDownPicker::of(*field);
   if (!picker) {
     throw ScriptError(outlet + " has no drop-down");

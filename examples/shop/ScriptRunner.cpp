@@ -4,7 +4,7 @@
 
 #include <fmt/format.h>
 
-#include "examples/shop/Stage.h"
+#include "examples/shop/ShownScreen.h"
 
 namespace orlix::shop {
 
@@ -14,10 +14,10 @@ constexpr std::chrono::seconds kBetweenNotes{5};
 
 /// What a person would see now, for the message of a wait that was in vain.
 std::string shownNow() {
-  if (const auto alert = Stage::alert()) {
+  if (const auto alert = ShownScreen::alert()) {
     return fmt::format("the alert \"{}\" is shown: {}", alert->title(), alert->message());
   }
-  const std::string identifier = Stage::identifier();
+  const std::string identifier = ShownScreen::identifier();
   std::string shown =
       identifier.empty() ? "no screen is shown" : fmt::format("the screen {} is shown", identifier);
   const ProgressIndicator& indicator = Host::current().application().progressIndicator();
@@ -61,12 +61,12 @@ void ScriptRunner::run(const HostCall& call) {
                        .customerId = customer});
     return;
   }
-  const WalletRequestArguments request{.apiKey = "shop-key",
-                                       .system = stage_.system,
-                                       .controller = stage_.hostScreen,
-                                       .delegate = stage_.outcomes,
-                                       .preMSISDN = msisdn,
-                                       .customerId = customer};
+  const EntryRequest request{.apiKey = "shop-key",
+                              .system = stage_.system,
+                              .controller = stage_.hostScreen,
+                              .delegate = stage_.outcomes,
+                              .preMSISDN = msisdn,
+                              .customerId = customer};
   if (call.entry == HostEntry::preregister) {
     facade_->preRegister(request);
   } else {
@@ -131,14 +131,14 @@ void ScriptRunner::run(const PageWait& command) {
 
 void ScriptRunner::run(const WaitScreen& command) {
   waitUntil(fmt::format("the screen {}", command.identifier), [&] {
-    const std::shared_ptr<ViewController> top = Stage::screen();
+    const std::shared_ptr<ViewController> top = ShownScreen::screen();
     return top && top->identifier() == command.identifier && top->hasAppeared();
   });
 }
 
 void ScriptRunner::run(const WaitAlert& command) {
   waitUntil(fmt::format("the alert \"{}\"", command.title), [&] {
-    const std::shared_ptr<AlertController> top = Stage::alert();
+    const std::shared_ptr<AlertController> top = ShownScreen::alert();
     return top && top->hasAppeared() && top->title() == command.title &&
            (!command.message || top->message() == *command.message);
   });
@@ -156,13 +156,14 @@ void ScriptRunner::run(const WaitOutcome& command) {
 }
 
 void ScriptRunner::run(const WaitIdle&) {
-  waitUntil("all work to end",
-            [&] { return stage_.work.isIdle() && !stage_.driver.isBusy() && !Stage::isMoving(); });
+  waitUntil("all work to end", [&] {
+    return stage_.work.isIdle() && !stage_.driver.isBusy() && !ShownScreen::isMoving();
+  });
 }
 
 void ScriptRunner::run(const ExpectText& command) {
   settle();
-  const std::shared_ptr<View> view = Stage::outlet(command.outlet);
+  const std::shared_ptr<View> view = ShownScreen::outlet(command.outlet);
   const auto field = std::dynamic_pointer_cast<TextField>(view);
   if (field && field->secure()) {
     if (field->secretText().text() != command.text) {
@@ -176,7 +177,7 @@ void ScriptRunner::run(const ExpectText& command) {
 
 void ScriptRunner::run(const ExpectVisible& command) {
   settle();
-  if (Stage::outlet(command.outlet)->isOutOfSight() == command.visible) {
+  if (ShownScreen::outlet(command.outlet)->isOutOfSight() == command.visible) {
     throw ScriptError(command.outlet + (command.visible ? " is hidden" : " is shown"));
   }
 }
@@ -191,7 +192,7 @@ void ScriptRunner::run(const ExpectNoOutcome& command) {
 
 void ScriptRunner::run(const Dump&) {
   settle();
-  stage_.events.state(Stage::content().get(), Stage::identifier());
+  stage_.events.state(ShownScreen::content().get(), ShownScreen::identifier());
 }
 
 void ScriptRunner::run(const Snapshot& command) {
@@ -202,7 +203,7 @@ void ScriptRunner::run(const Snapshot& command) {
 void ScriptRunner::settle() {
   stage_.waiter.drain();
   waitUntil("the screen to come to rest", [&] {
-    return stage_.work.isMainQueueIdle() && !Stage::isMoving() && !stage_.driver.isBusy();
+    return stage_.work.isMainQueueIdle() && !ShownScreen::isMoving() && !stage_.driver.isBusy();
   });
 }
 

@@ -154,12 +154,12 @@ void OXOrlix::checkout(const CheckoutRequest& request) {
          }});
 }
 
-void OXOrlix::preRegister(const WalletRequestArguments& request) {
+void OXOrlix::preRegister(const EntryRequest& request) {
   begin({request.apiKey, request.system, request.controller, request.delegate, request.preMSISDN,
          request.customerId, [](OXSession& session) { session.preRegister = true; }});
 }
 
-void OXOrlix::walletManagement(const WalletRequestArguments& request) {
+void OXOrlix::walletManagement(const EntryRequest& request) {
   begin({request.apiKey, request.system, request.controller, request.delegate, request.preMSISDN,
          request.customerId, [](OXSession& session) { session.walletManagement = true; }});
 }

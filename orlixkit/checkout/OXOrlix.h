@@ -44,7 +44,7 @@ struct CheckoutRequest {
 };
 
 /// A pre-registration or a visit to the wallet.
-struct WalletRequestArguments {
+struct EntryRequest {
   std::string apiKey{};
   OXSystem system = kLiveSystem;
   std::shared_ptr<ViewController> controller{};
@@ -84,8 +84,8 @@ class OXOrlix : public OMVelloDelegate, public std::enable_shared_from_this<OXOr
   static std::shared_ptr<OXOrlix> make();
 
   void checkout(const CheckoutRequest& request);
-  void preRegister(const WalletRequestArguments& request);
-  void walletManagement(const WalletRequestArguments& request);
+  void preRegister(const EntryRequest& request);
+  void walletManagement(const EntryRequest& request);
 
   using Controller = std::shared_ptr<ViewController>;
   using Delegate = std::shared_ptr<OXOrlixDelegate>;

@@ -801,7 +801,7 @@ void Walk::heard(int number) {
 }
 
 void Walk::didPresent(const Controller& controller) {
-  mortals_.emplace_back(controller);
+  mustExpire_.emplace_back(controller);
   if (hasFlow() && controller->identifier() == "Product") {
     current().sawProduct = true;
   }

@@ -224,7 +224,7 @@ class Walk : private UiObserver {
   std::vector<std::function<void()>> questions_;
   std::vector<std::weak_ptr<ViewController>> former_;  ///< of replaced flows: to stay away
   std::map<std::string, std::weak_ptr<ViewController>> lastScreens_;
-  std::vector<std::weak_ptr<void>> mortals_;
+  std::vector<std::weak_ptr<void>> mustExpire_;
   std::map<std::string, int> sentNow_;
   SteadyTime sentAt_{};
   bool mainMayWait_ = false;

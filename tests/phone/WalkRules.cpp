@@ -221,9 +221,9 @@ void Walk::look() {
       checkPlaceOf(alert);
     }
   }
-  mortals_.emplace_back(OXSession::currentSession());
-  mortals_.emplace_back(OMVello::sharedOMVello().connection());
-  mortals_.emplace_back(facade_);
+  mustExpire_.emplace_back(OXSession::currentSession());
+  mustExpire_.emplace_back(OMVello::sharedOMVello().connection());
+  mustExpire_.emplace_back(facade_);
 }
 
 void Walk::check() {
@@ -398,7 +398,7 @@ void Walk::end() {
       breakRule("(a) a host is kept after the application's end");
     }
   }
-  if (std::any_of(mortals_.begin(), mortals_.end(),
+  if (std::any_of(mustExpire_.begin(), mustExpire_.end(),
                   [](const auto& one) { return !one.expired(); })) {
     breakRule("(a) something is kept after the application's end");
   }

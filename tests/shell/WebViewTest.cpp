@@ -6,7 +6,7 @@
 #include <filesystem>
 
 #include "orlixkit/platform/memory/MemoryHost.h"
-#include "shell/PageFinger.h"
+#include "shell/PageInput.h"
 #include "tests/shell/WebStage.h"
 
 namespace orlix {
@@ -337,10 +337,10 @@ TEST(QtWebView, ShowsAPageOfAnySizeThatItCanAndSaysWhenItCannot) {
   EXPECT_EQ(site.requests().size(), 2u);
 }
 
-TEST(PageFinger, DoesWhatAFingerCanAndSaysWhatItCannot) {
+TEST(PageInput, DoesWhatAFingerCanAndSaysWhatItCannot) {
   WebStage stage;
   const auto view = stage.newView();
-  PageFinger finger(stage.queue, [&] { return view; });
+  PageInput finger(stage.queue, [&] { return view; });
   view->loadHtmlString(
       "<input id=t maxlength=4 oninput='h.textContent += event.data'><input id=r readonly>"
       "<button id=d disabled>d</button><p id=\"q'\" onclick='this.remove()'>q</p><p hidden "

@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <filesystem>
 
-#include "examples/shop/Stage.h"
+#include "examples/shop/ShownScreen.h"
 #include "orlixkit/platform/MainQueue.h"
 #include "orlixkit/platform/Utf8.h"
 #include "orlixkit/platform/ui/WebPageView.h"
@@ -15,7 +15,7 @@ namespace orlix::shop {
 namespace {
 
 std::shared_ptr<WebView> shownPage() {
-  const std::shared_ptr<ViewController> screen = Stage::content();
+  const std::shared_ptr<ViewController> screen = ShownScreen::content();
   for (const std::string& name : screen ? screen->outletNames() : std::vector<std::string>{}) {
     if (const auto web = std::dynamic_pointer_cast<WebPageView>(screen->outletNamed(name))) {
       return web->page();
@@ -50,7 +50,7 @@ QQuickItem& QtDriver::item(const std::string& name) const {
     return *found;
   }
   throw ScriptError("nothing of the name " + name + " is drawn on the screen " +
-                    Stage::identifier());
+                    ShownScreen::identifier());
 }
 
 void QtDriver::touch(QQuickItem& item, const std::string& name) {
@@ -64,7 +64,7 @@ void QtDriver::touch(QQuickItem& item, const std::string& name) {
 }
 
 void QtDriver::beginTyping(const std::string& outlet) {
-  const std::shared_ptr<TextField> field = Stage::touchableField(outlet);
+  const std::shared_ptr<TextField> field = ShownScreen::touchableField(outlet);
   if (DropDownPicker::of(*field)) {
     throw ScriptError(outlet + " takes no keys: it has a drop-down to pick from");
   }
@@ -92,14 +92,14 @@ void QtDriver::erase(const std::string& outlet, std::size_t count) {
 }
 
 void QtDriver::set(const std::string& outlet, const std::string& text) {
-  Stage::touchableField(outlet)->setText(text);
+  ShownScreen::touchableField(outlet)->setText(text);
 }
 
 void QtDriver::tap(const std::string& name) {
-  Stage::requireTouchable(name);
-  const std::shared_ptr<ViewController> screen = Stage::content();
+  ShownScreen::requireTouchable(name);
+  const std::shared_ptr<ViewController> screen = ShownScreen::content();
   if (screen->outletNamed(name)) {
-    const auto button = std::dynamic_pointer_cast<Button>(Stage::touchableOutlet(name));
+    const auto button = std::dynamic_pointer_cast<Button>(ShownScreen::touchableOutlet(name));
     if (button && !button->enabled()) {
       throw ScriptError(name + " is disabled");
     }
@@ -108,7 +108,7 @@ void QtDriver::tap(const std::string& name) {
   }
   if (!screen->hasAction(name)) {
     throw ScriptError("there is no outlet and no action " + name + " on the screen " +
-                      Stage::identifier());
+                      ShownScreen::identifier());
   }
   QQuickItem* drawn = find(name);
   if (drawn == nullptr) {
@@ -131,13 +131,13 @@ QQuickItem& QtDriver::row(const std::string& table, std::size_t row) const {
 }
 
 void QtDriver::selectRow(const std::string& table, const RowChoice& row) {
-  const std::size_t chosen = Stage::rowOf(*Stage::touchableTable(table), table, row);
+  const std::size_t chosen = ShownScreen::rowOf(*ShownScreen::touchableTable(table), table, row);
   touch(this->row(table, chosen), table);
 }
 
 void QtDriver::pressRowButton(const std::string& table, std::size_t row) {
-  const std::shared_ptr<TableView> view = Stage::touchableTable(table);
-  if (!view->cell(Stage::rowOf(*view, table, row)).button) {
+  const std::shared_ptr<TableView> view = ShownScreen::touchableTable(table);
+  if (!view->cell(ShownScreen::rowOf(*view, table, row)).button) {
     throw ScriptError("row " + std::to_string(row) + " of " + table + " has no button");
   }
   this->row(table, row);
@@ -145,16 +145,16 @@ void QtDriver::pressRowButton(const std::string& table, std::size_t row) {
 }
 
 void QtDriver::pressAlertButton(const std::string& title) {
-  const std::shared_ptr<AlertController> alert = Stage::alert();
+  const std::shared_ptr<AlertController> alert = ShownScreen::alert();
   if (!alert) {
     throw ScriptError("no alert is shown whose button \"" + title + "\" could be pressed");
   }
-  const std::string name = "alert.button" + std::to_string(Stage::alertButton(*alert, title));
+  const std::string name = "alert.button" + std::to_string(ShownScreen::alertButton(*alert, title));
   touch(item(name), title);
 }
 
 void QtDriver::pick(const std::string& outlet, const std::string& text) {
-  const std::shared_ptr<TextField> field = Stage::touchableField(outlet);
+  const std::shared_ptr<TextField> field = ShownScreen::touchableField(outlet);
   const std::shared_ptr<DropDownPicker> picker = DropDownPicker::of(*field);
   if (!picker) {
     throw ScriptError(outlet + " has no drop-down");

@@ -6,7 +6,7 @@
 
 #include "examples/shop/ShopDriver.h"
 #include "examples/shop/window/Finger.h"
-#include "shell/PageFinger.h"
+#include "shell/PageInput.h"
 #include "shell/ScreenPresenter.h"
 
 namespace orlix::shop {
@@ -46,7 +46,7 @@ class QtDriver : public ShopDriver {
 
   shell::ScreenPresenter& presenter_;
   Finger finger_;
-  shell::PageFinger page_;
+  shell::PageInput page_;
   std::optional<std::string> snapshots_;
 };
 

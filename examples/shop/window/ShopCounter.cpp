@@ -107,7 +107,7 @@ std::shared_ptr<OXOrlix> ShopCounter::begin() {
   return facade_;
 }
 
-WalletRequestArguments ShopCounter::request() const {
+EntryRequest ShopCounter::request() const {
   return {
       .apiKey = "shop-key", .system = system_, .controller = hostScreen_, .delegate = outcomes_};
 }

@@ -51,7 +51,7 @@ class ShopCounter : public QObject {
  private:
   /// None while the shop is busy.
   std::shared_ptr<OXOrlix> begin();
-  WalletRequestArguments request() const;
+  EntryRequest request() const;
   void ended(const Outcome& outcome);
 
   std::shared_ptr<ViewController> hostScreen_;

@@ -1,4 +1,4 @@
-#include "examples/shop/Stage.h"
+#include "examples/shop/ShownScreen.h"
 
 #include "orlixkit/platform/Host.h"
 
@@ -22,13 +22,13 @@ std::vector<std::shared_ptr<ViewController>> presented() {
 }
 
 std::string onScreen() {
-  const std::string identifier = Stage::identifier();
+  const std::string identifier = ShownScreen::identifier();
   return identifier.empty() ? "" : " on the screen " + identifier;
 }
 
 template <class Kind>
 std::shared_ptr<Kind> touchable(const std::string& name, const std::string& kind) {
-  auto found = std::dynamic_pointer_cast<Kind>(Stage::touchableOutlet(name));
+  auto found = std::dynamic_pointer_cast<Kind>(ShownScreen::touchableOutlet(name));
   if (!found) {
     throw ScriptError(name + onScreen() + " is no " + kind);
   }
@@ -37,7 +37,7 @@ std::shared_ptr<Kind> touchable(const std::string& name, const std::string& kind
 
 }  // namespace
 
-std::shared_ptr<ViewController> Stage::screen() {
+std::shared_ptr<ViewController> ShownScreen::screen() {
   std::shared_ptr<ViewController> top;
   for (const auto& controller : presented()) {
     if (controller->isBeingDismissed()) {
@@ -50,18 +50,18 @@ std::shared_ptr<ViewController> Stage::screen() {
   return top;
 }
 
-std::shared_ptr<ViewController> Stage::content() {
+std::shared_ptr<ViewController> ShownScreen::content() {
   const std::shared_ptr<ViewController> top = screen();
   const std::shared_ptr<ViewController> child = top ? top->visibleChild() : nullptr;
   return child ? child : top;
 }
 
-std::string Stage::identifier() {
+std::string ShownScreen::identifier() {
   const std::shared_ptr<ViewController> top = screen();
   return top ? top->identifier() : "";
 }
 
-std::shared_ptr<AlertController> Stage::alert() {
+std::shared_ptr<AlertController> ShownScreen::alert() {
   const auto all = presented();
   if (all.empty() || all.back()->isBeingDismissed()) {
     return nullptr;
@@ -69,7 +69,7 @@ std::shared_ptr<AlertController> Stage::alert() {
   return std::dynamic_pointer_cast<AlertController>(all.back());
 }
 
-bool Stage::isMoving() {
+bool ShownScreen::isMoving() {
   for (const auto& controller : presented()) {
     if (controller->isBeingDismissed() || !controller->hasAppeared()) {
       return true;
@@ -78,7 +78,7 @@ bool Stage::isMoving() {
   return false;
 }
 
-void Stage::requireTouchable(const std::string& name) {
+void ShownScreen::requireTouchable(const std::string& name) {
   if (const auto above = alert()) {
     throw ScriptError("the alert \"" + above->title() +
                       "\" stands over the screen: " + above->message());
@@ -94,7 +94,7 @@ void Stage::requireTouchable(const std::string& name) {
   }
 }
 
-std::shared_ptr<View> Stage::outlet(const std::string& name) {
+std::shared_ptr<View> ShownScreen::outlet(const std::string& name) {
   const std::shared_ptr<ViewController> top = content();
   if (!top) {
     throw ScriptError("no screen of the wallet is shown");
@@ -106,7 +106,7 @@ std::shared_ptr<View> Stage::outlet(const std::string& name) {
   return found;
 }
 
-std::shared_ptr<View> Stage::touchableOutlet(const std::string& name) {
+std::shared_ptr<View> ShownScreen::touchableOutlet(const std::string& name) {
   requireTouchable(name);
   std::shared_ptr<View> found = outlet(name);
   if (found->isOutOfSight()) {
@@ -115,7 +115,7 @@ std::shared_ptr<View> Stage::touchableOutlet(const std::string& name) {
   return found;
 }
 
-std::shared_ptr<TextField> Stage::touchableField(const std::string& name) {
+std::shared_ptr<TextField> ShownScreen::touchableField(const std::string& name) {
   auto field = touchable<TextField>(name, "text field");
   if (!field->enabled()) {
     throw ScriptError(name + onScreen() + " is disabled");
@@ -123,11 +123,12 @@ std::shared_ptr<TextField> Stage::touchableField(const std::string& name) {
   return field;
 }
 
-std::shared_ptr<TableView> Stage::touchableTable(const std::string& name) {
+std::shared_ptr<TableView> ShownScreen::touchableTable(const std::string& name) {
   return touchable<TableView>(name, "table");
 }
 
-std::size_t Stage::rowOf(const TableView& table, const std::string& name, const RowChoice& row) {
+std::size_t ShownScreen::rowOf(const TableView& table, const std::string& name,
+                               const RowChoice& row) {
   const std::string count = std::to_string(table.rowCount());
   if (const auto* number = std::get_if<std::size_t>(&row)) {
     if (*number >= table.rowCount()) {
@@ -145,7 +146,7 @@ std::size_t Stage::rowOf(const TableView& table, const std::string& name, const 
   throw ScriptError(name + " has no row \"" + text + "\" among its " + count);
 }
 
-std::size_t Stage::alertButton(const AlertController& alert, const std::string& title) {
+std::size_t ShownScreen::alertButton(const AlertController& alert, const std::string& title) {
   std::string titles;
   for (std::size_t i = 0; i < alert.actions().size(); ++i) {
     if (alert.actions()[i].title == title) {

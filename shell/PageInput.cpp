@@ -1,4 +1,4 @@
-#include "shell/PageFinger.h"
+#include "shell/PageInput.h"
 
 #include <QDeadlineTimer>
 #include <QTimer>
@@ -42,7 +42,7 @@ std::string lookingFor(const std::string& selector) {
 
 }  // namespace
 
-void PageFinger::touch(const std::string& selector, const std::string& doing) {
+void PageInput::touch(const std::string& selector, const std::string& doing) {
   const std::shared_ptr<WebView> page = shownPage_();
   if (!page) {
     throw std::runtime_error("no web page is shown");
@@ -62,7 +62,7 @@ void PageFinger::touch(const std::string& selector, const std::string& doing) {
   }
 }
 
-void PageFinger::type(const std::string& selector, const std::string& text) {
+void PageInput::type(const std::string& selector, const std::string& text) {
   touch(selector,
         "if(typeof found.value!=='string'||found.readOnly)return 'takes no text';"
         "found.focus();"
@@ -74,9 +74,9 @@ void PageFinger::type(const std::string& selector, const std::string& text) {
             "found.dispatchEvent(new Event('change',{bubbles:true}));");
 }
 
-void PageFinger::click(const std::string& selector) { touch(selector, "found.click();"); }
+void PageInput::click(const std::string& selector) { touch(selector, "found.click();"); }
 
-void PageFinger::wait(const std::string& selector, std::chrono::milliseconds limit) {
+void PageInput::wait(const std::string& selector, std::chrono::milliseconds limit) {
   struct Look {
     bool underWay = false;
     bool found = false;

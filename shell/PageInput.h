@@ -10,15 +10,15 @@
 
 namespace orlix::shell {
 
-/// A finger on the shown web page: it reaches the page's elements by CSS selectors. Main thread;
-/// each call runs the main queue until it is through. What a user could not do (no such element,
-/// hidden, covered, disabled) throws std::runtime_error with the reason.
-class PageFinger {
+/// Typing and clicking in the displayed web page, whose elements are named by CSS selectors. Main
+/// thread; each call runs the main queue until it is through. What a user could not do (no such
+/// element, hidden, covered, disabled) throws std::runtime_error with the reason.
+class PageInput {
  public:
   /// The page that is shown now; none between two.
   using ShownPage = std::function<std::shared_ptr<WebView>()>;
 
-  PageFinger(std::shared_ptr<MainQueue> mainQueue, ShownPage shownPage)
+  PageInput(std::shared_ptr<MainQueue> mainQueue, ShownPage shownPage)
       : mainQueue_(std::move(mainQueue)), shownPage_(std::move(shownPage)) {}
 
   /// Touches the element and types the text behind what it holds, one character at a time.

@@ -11,11 +11,11 @@
 
 namespace orlix::shop {
 
-/// What stands on the installed host's window, seen as its user sees it. Main thread only.
+/// What the installed host's window shows, as its user sees it. Main thread only.
 ///
 /// The operations that look something up throw ScriptError with the reason why a user could not
 /// touch it.
-class Stage {
+class ShownScreen {
  public:
   /// The screen on top, a navigation container counting as one screen; alerts over it do not count.
   /// None while the host's own screen is all there is.
