@@ -7,6 +7,15 @@ include(CMakePackageConfigHelpers)
 
 set(package_files ${CMAKE_CURRENT_LIST_DIR}/package)
 
+# Relative relocations take a twentieth of the space when they are packed. The linker of binutils also
+# writes into the library that its loader has to know them, so that an older one refuses it.
+include(CheckLinkerFlag)
+set(packed_relocations -fuse-ld=bfd -Wl,-z,pack-relative-relocs)
+check_linker_flag(CXX "${packed_relocations}" ORLIX_PACKS_RELOCATIONS)
+if(NOT ORLIX_PACKS_RELOCATIONS)
+  set(packed_relocations "")
+endif()
+
 # orlix_package(<name> <alias> <map> <component> OBJECTS <targets>...)
 # A shared library of these targets' objects, with the symbols that the map names.
 function(orlix_package name alias map component)
@@ -25,7 +34,7 @@ function(orlix_package name alias map component)
   target_compile_features(${name} INTERFACE cxx_std_20)
   target_include_directories(${name} INTERFACE $<INSTALL_INTERFACE:${CMAKE_INSTALL_INCLUDEDIR}>)
   target_link_options(${name} PRIVATE
-    -Wl,--version-script=${package_files}/${map} -Wl,--no-undefined -Wl,--gc-sections)
+    -Wl,--version-script=${package_files}/${map} -Wl,--no-undefined -Wl,--gc-sections ${packed_relocations})
   install(TARGETS ${name} EXPORT OrlixKit${alias}Targets COMPONENT ${component}
     LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR} NAMELINK_COMPONENT ${component})
   install(EXPORT OrlixKit${alias}Targets NAMESPACE OrlixKit:: COMPONENT ${component}

@@ -62,11 +62,11 @@ void ScriptRunner::run(const HostCall& call) {
     return;
   }
   const EntryRequest request{.apiKey = "shop-key",
-                              .system = stage_.system,
-                              .controller = stage_.hostScreen,
-                              .delegate = stage_.outcomes,
-                              .preMSISDN = msisdn,
-                              .customerId = customer};
+                             .system = stage_.system,
+                             .controller = stage_.hostScreen,
+                             .delegate = stage_.outcomes,
+                             .preMSISDN = msisdn,
+                             .customerId = customer};
   if (call.entry == HostEntry::preregister) {
     facade_->preRegister(request);
   } else {

@@ -4,6 +4,7 @@
 #include <limits>
 #include <new>
 #include <stdexcept>
+#include <typeinfo>
 
 #include <boost/json.hpp>
 
@@ -93,6 +94,12 @@ struct Copy {
   JsonValue value;
 };
 
+/// A record is read from each object of a list, so that a dynamic_cast would show.
+AnswerMemory* memoryOf(const JsonDictionary& dictionary) {
+  boost::json::memory_resource& storage = *dictionary.storage();
+  return typeid(storage) == typeid(AnswerMemory) ? static_cast<AnswerMemory*>(&storage) : nullptr;
+}
+
 /// A larger object has an index of its own, which finds a key faster.
 constexpr std::size_t searchedInTurn = 18;
 
@@ -101,6 +108,12 @@ bool isCalled(const boost::json::key_value_pair& member, std::string_view key) {
   // Most names of the right length differ in their last letter: only the others are worth a call.
   return name.size() == key.size() && !key.empty() && name.back() == key.back() &&
          std::equal(key.begin(), key.end(), name.begin());
+}
+
+/// Tells most names that an object does not have without a search.
+std::uint64_t bitOf(std::string_view name) {
+  const std::size_t last = name.empty() ? 0 : static_cast<unsigned char>(name.back());
+  return std::uint64_t{1} << ((name.size() + 7 * last) % 64);
 }
 
 bool equalTexts(std::string_view text, std::string_view upperCase, Case letters) {
@@ -116,7 +129,13 @@ bool equalTexts(std::string_view text, std::string_view upperCase, Case letters)
 }  // namespace
 
 AnswerReader::AnswerReader(const JsonDictionary& dictionary)
-    : dictionary_(dictionary), memory_(dynamic_cast<AnswerMemory*>(dictionary.storage().get())) {}
+    : dictionary_(dictionary), memory_(memoryOf(dictionary)) {
+  if (dictionary.size() <= searchedInTurn) {
+    for (const auto& member : dictionary) {
+      names_ |= bitOf(member.key());
+    }
+  }
+}
 
 void AnswerReader::countMemory(std::size_t bytes) const {
   if (memory_ != nullptr && !memory_->countForRecords(bytes)) {
@@ -141,6 +160,9 @@ const JsonValue* AnswerReader::find(std::string_view key) const {
   if (count > searchedInTurn) {
     const auto found = dictionary_.find(key);
     return found != dictionary_.end() ? &found->value() : nullptr;
+  }
+  if ((names_ & bitOf(key)) == 0) {
+    return nullptr;
   }
   // Servers write their members in a fixed order, mostly the one in which they are read: the search
   // begins after the last one found.

@@ -124,6 +124,7 @@ class AnswerReader {
 
   const JsonDictionary& dictionary_;
   AnswerMemory* const memory_;    ///< none for an object that `getJson` did not decode
+  std::uint64_t names_ = 0;       ///< a bit for each member's name, several may share one
   mutable std::size_t next_ = 0;  ///< place of the member after the last one found
 };
 
