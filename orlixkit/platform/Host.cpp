@@ -32,7 +32,7 @@ Host::Host(Ports ports, Deployment deployment)
   require(ports_.clock != nullptr, "clock");
   require(ports_.mainQueue != nullptr, "mainQueue");
   require(ports_.backgroundQueues != nullptr, "backgroundQueues");
-  require(ports_.urlConnections != nullptr, "urlConnections");
+  require(ports_.httpClient != nullptr, "httpClient");
   require(ports_.userDefaults != nullptr, "userDefaults");
   require(ports_.device != nullptr, "device");
   require(ports_.bundle != nullptr, "bundle");
@@ -75,7 +75,7 @@ void Host::shutdown() {
   shutDown_ = true;
   // The main queue first, so that what the woken background tasks report goes nowhere.
   ports_.mainQueue->close();
-  ports_.urlConnections->close();
+  ports_.httpClient->close();
   ports_.backgroundQueues->close();
   std::vector<Task> last;
   {

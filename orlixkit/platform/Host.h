@@ -12,10 +12,10 @@
 #include "orlixkit/platform/Bundle.h"
 #include "orlixkit/platform/Clock.h"
 #include "orlixkit/platform/Device.h"
+#include "orlixkit/platform/HttpClient.h"
 #include "orlixkit/platform/LocationManager.h"
 #include "orlixkit/platform/MainQueue.h"
 #include "orlixkit/platform/SystemLog.h"
-#include "orlixkit/platform/UrlConnection.h"
 #include "orlixkit/platform/UserDefaults.h"
 #include "orlixkit/platform/WebView.h"
 #include "orlixkit/platform/ui/Application.h"
@@ -35,7 +35,7 @@ struct Ports {
   std::shared_ptr<Clock> clock;
   std::shared_ptr<MainQueue> mainQueue;
   std::shared_ptr<BackgroundQueues> backgroundQueues;
-  std::shared_ptr<UrlConnections> urlConnections;
+  std::shared_ptr<HttpClient> httpClient;
   std::shared_ptr<UserDefaults> userDefaults;
   std::shared_ptr<Device> device;
   std::shared_ptr<Bundle> bundle;

@@ -25,8 +25,8 @@ class NetworkInterface {
   virtual ~NetworkInterface() = default;
 
   /// Posts `payload` to `url` with the session tokens of `dataStore` and blocks until the exchange
-  /// is over. Never throws. Off the main thread. `mayBeSent` is asked as UrlRequest has it: false
-  /// ends the exchange as failed, with nothing sent.
+  /// is over. Never throws. `mayBeSent` is asked as HttpDelegate has it: false ends the exchange as
+  /// failed, with nothing sent.
   virtual NetworkResult post(const std::string& url, const std::optional<SecretBytes>& payload,
                              const DataStore& dataStore, std::function<bool()> mayBeSent = {}) = 0;
 };

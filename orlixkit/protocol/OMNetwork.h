@@ -10,11 +10,11 @@
 
 namespace orlix {
 
-/// The transport: one HTTPS POST at a time over the host's connections, with the pinned
-/// certificates added to the system's roots and a limit of 60 seconds.
+/// The transport: one HTTPS POST by the host's client, with the pinned certificates added to the
+/// system's roots and a limit of 60 seconds.
 ///
-/// Thread: any but the main thread, also from several at once; each call blocks its thread. At the
-/// host's shutdown a call returns at once with what had arrived and no body.
+/// Thread: any, also several at once; each call blocks its thread. At the host's shutdown a call
+/// returns at once with what had arrived and no body.
 class OMNetwork : public NetworkInterface {
  public:
   /// An answer that grows beyond this many bytes ends as a failed exchange. The largest honest

@@ -5,7 +5,7 @@
 #include <mutex>
 #include <utility>
 
-#include "orlixkit/platform/UrlConnection.h"
+#include "orlixkit/platform/HttpClient.h"
 #include "tests/faults/WrappedQueues.h"
 
 namespace orlix::test {
@@ -63,40 +63,23 @@ class Activity : public std::enable_shared_from_this<Activity> {
   int waiting_ = 0;
 };
 
-/// Counts each exchange from its start until its delegate has heard the end, or is let go of.
-class CountedConnections : public UrlConnections {
+/// Counts each exchange, whose caller waits as long as it lasts.
+class CountedHttpClient : public HttpClient {
  public:
-  CountedConnections(std::shared_ptr<UrlConnections> inner, std::shared_ptr<Activity> activity)
+  CountedHttpClient(std::shared_ptr<HttpClient> inner, std::shared_ptr<Activity> activity)
       : inner_(std::move(inner)), activity_(std::move(activity)) {}
 
-  std::shared_ptr<UrlConnection> newConnection(
-      UrlRequest request, std::shared_ptr<UrlConnectionDelegate> delegate) override {
-    return inner_->newConnection(
-        std::move(request),
-        std::make_shared<Delegate>(std::move(delegate), activity_->begin(Activity::exchange)));
+  HttpResult perform(const HttpRequest& request, HttpDelegate& delegate) override {
+    const std::shared_ptr<void> counted = activity_->begin(Activity::exchange);
+    activity_->addWaiting(1);
+    HttpResult result = inner_->perform(request, delegate);
+    activity_->addWaiting(-1);
+    return result;
   }
   void close() override { inner_->close(); }
 
  private:
-  struct Delegate : UrlConnectionDelegate {
-    Delegate(std::shared_ptr<UrlConnectionDelegate> of, std::shared_ptr<void> counted)
-        : inner(std::move(of)), held(std::move(counted)) {}
-    bool canAuthenticateAgainstProtectionSpace(AuthenticationMethod method) override {
-      return inner->canAuthenticateAgainstProtectionSpace(method);
-    }
-    void didReceiveAuthenticationChallenge(AuthenticationChallenge& challenge) override {
-      inner->didReceiveAuthenticationChallenge(challenge);
-    }
-    void didReceiveResponse(std::int64_t status) override { inner->didReceiveResponse(status); }
-    void didReceiveData(std::span<const std::uint8_t> data) override {
-      inner->didReceiveData(data);
-    }
-    void didFinishLoading() override { inner->didFinishLoading(); }
-    void didFailWithError(const std::string& why) override { inner->didFailWithError(why); }
-    const std::shared_ptr<UrlConnectionDelegate> inner;
-    const std::shared_ptr<void> held;
-  };
-  const std::shared_ptr<UrlConnections> inner_;
+  const std::shared_ptr<HttpClient> inner_;
   const std::shared_ptr<Activity> activity_;
 };
 

@@ -103,6 +103,40 @@ struct UncountedClock : Clock {
   std::shared_ptr<Clock> inner;
 };
 
+/// The server takes no memory of the phone's. The client does, and the delegate.
+struct UncountedServer : HttpClient {
+  explicit UncountedServer(std::shared_ptr<HttpClient> of) : inner(std::move(of)) {}
+  HttpResult perform(const HttpRequest& request, HttpDelegate& delegate) override {
+    const HttpRequest own = request;
+    CountedDelegate counted(delegate);
+    const Counting off(false);
+    return inner->perform(own, counted);
+  }
+  void close() override { inner->close(); }
+
+  struct CountedDelegate : HttpDelegate {
+    explicit CountedDelegate(HttpDelegate& of) : inner(of) {}
+    bool trusts(ServerTrust* trust) override {
+      const Counting on(true);
+      return inner.trusts(trust);
+    }
+    bool mayBeSent() override {
+      const Counting on(true);
+      return inner.mayBeSent();
+    }
+    bool didReceiveResponse(std::int64_t status) override {
+      const Counting on(true);
+      return inner.didReceiveResponse(status);
+    }
+    bool didReceiveData(std::span<const std::uint8_t> data) override {
+      const Counting on(true);
+      return inner.didReceiveData(data);
+    }
+    HttpDelegate& inner;
+  };
+  std::shared_ptr<HttpClient> inner;
+};
+
 /// What a step waits for runs in the test's own world; the tasks in there are counted again.
 struct UncountedMainQueue : WrappedMainQueue {
   using WrappedMainQueue::WrappedMainQueue;
@@ -189,6 +223,7 @@ class Customer {
  private:
   void adapt(Ports& ports) {
     ports.clock = std::make_shared<UncountedClock>(ports.clock);
+    ports.httpClient = std::make_shared<UncountedServer>(ports.httpClient);
     ports.mainQueue = std::make_shared<UncountedMainQueue>(ports.mainQueue, counted);
     ports.backgroundQueues =
         std::make_shared<WrappedBackgroundQueues>(ports.backgroundQueues, counted);

@@ -50,7 +50,7 @@ TEST(Steady, AThousandCheckoutsNeedNoMoreThanTheFirstTen) {
   // With the allocator's caches of each thread switched off (as ctest does) it is some bytes.
   const bool exact = std::getenv("GLIBC_TUNABLES") != nullptr;
   EXPECT_LT(last.memory, first.memory + (exact ? 16'000 : 250'000));
-  EXPECT_LE(last.threads, 7) << "this one, the server's reader, the network's and four workers";
+  EXPECT_LE(last.threads, 5) << "this one, the server's reader and three workers";
   EXPECT_LE(last.descriptors, first.descriptors);
 }
 

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <atomic>
+#include <functional>
 #include <memory>
 #include <mutex>
 #include <set>
@@ -23,14 +24,20 @@ class SteppedClock : public Clock {
   SteppedClock(std::shared_ptr<Clock> real, std::shared_ptr<Activity> activity)
       : real_(std::move(real)), activity_(std::move(activity)) {}
 
+  /// Runs after each step: has those look at this clock who do not wait on a condition of it.
+  std::function<void()> onStep;
+
   void letPass(Duration span) {
     skipped_ += span.count();
-    const std::lock_guard held(lock_);
-    for (Stepped* waited : conditions_) {
-      waited->lock();
-      waited->signal();
-      waited->unlock();
+    {
+      const std::lock_guard held(lock_);
+      for (Stepped* waited : conditions_) {
+        waited->lock();
+        waited->signal();
+        waited->unlock();
+      }
     }
+    onStep();
   }
   void setCalendar(Duration ahead) { calendarAhead_ = ahead.count(); }
 

@@ -6,6 +6,7 @@
 #include <thread>
 
 #include "orlixkit/checkout/OXUtil.h"
+#include "orlixkit/platform/posix/CurlHttpClient.h"
 #include "orlixkit/resources/CompiledBundle.h"
 
 namespace orlix::test {
@@ -25,7 +26,13 @@ TlsPhone::TlsPhone(const ServerAddress& server, const std::filesystem::path& fol
       std::make_shared<WrappedMainQueue>(mainQueue_, activity->counting(Activity::mainTask));
   ports.backgroundQueues = std::make_shared<WrappedBackgroundQueues>(
       ports.backgroundQueues, activity->counting(Activity::backgroundTask));
-  ports.urlConnections = std::make_shared<CountedConnections>(ports.urlConnections, activity);
+  const auto client = std::make_shared<CurlHttpClient>(clock);
+  clock->onStep = [weak = std::weak_ptr(client)] {
+    if (const auto stepped = weak.lock()) {
+      stepped->wake();
+    }
+  };
+  ports.httpClient = std::make_shared<CountedHttpClient>(client, activity);
   ports.webViews = pages = std::make_shared<FakeWebViews>(ports.mainQueue);
   installOrlixKit(std::make_shared<Host>(ports, Deployment{server.base, server.base, ""}));
   Host::current().application().showMainWindow(root);

@@ -6,7 +6,6 @@
 
 #include "orlixkit/platform/BackgroundQueues.h"
 #include "orlixkit/platform/MainQueue.h"
-#include "orlixkit/platform/posix/WaitingWork.h"
 
 namespace orlix::test {
 
@@ -27,18 +26,13 @@ class WrappedMainQueue : public MainQueue {
   const Wrap wrap_;
 };
 
-class WrappedOperationQueue : public SelfServedQueue {
+class WrappedOperationQueue : public OperationQueue {
  public:
   WrappedOperationQueue(std::shared_ptr<OperationQueue> inner, Wrap wrap)
       : inner_(std::move(inner)), wrap_(std::move(wrap)) {}
   void add(Task task) override { inner_->add(wrap_(std::move(task))); }
-  Task addAndTake(Task task) override { return served().addAndTake(wrap_(std::move(task))); }
-  void giveBack(Task run) override { served().giveBack(std::move(run)); }
 
  private:
-  /// Asked for by the real transport only, which comes with such queues.
-  SelfServedQueue& served() { return dynamic_cast<SelfServedQueue&>(*inner_); }
-
   const std::shared_ptr<OperationQueue> inner_;
   const Wrap wrap_;
 };

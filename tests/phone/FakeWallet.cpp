@@ -9,7 +9,7 @@ std::string cardJson(int cardId, const std::string& hint, const std::string& mor
   return fmt::format(R"({{"cardId":{},"cardHint":"{}","cardType":"visa"{}}})", cardId, hint, more);
 }
 
-FakeWallet::FakeWallet(ScriptedConnections& network) : network_(network) {
+FakeWallet::FakeWallet(ScriptedHttpClient& network) : network_(network) {
   always("/sms/send", answers::kSmsSent);
   always("/sms/activateSession", answers::kSmsSent);
   always("/card/link/", answers::kLinked);

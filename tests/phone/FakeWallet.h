@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-#include "orlixkit/platform/memory/ScriptedConnections.h"
+#include "orlixkit/platform/memory/ScriptedHttpClient.h"
 
 namespace orlix::test {
 
@@ -42,7 +42,7 @@ std::string cardJson(int cardId, const std::string& hint,
 /// else where a test wants it to.
 class FakeWallet {
  public:
-  explicit FakeWallet(ScriptedConnections& network);
+  explicit FakeWallet(ScriptedHttpClient& network);
 
   std::string session = answers::kSession;
   /// JSON object of what the code stands for; empty for a code that stands for nothing.
@@ -68,7 +68,7 @@ class FakeWallet {
   ServerReply answer(const RecordedRequest& request);
 
  private:
-  ScriptedConnections& network_;
+  ScriptedHttpClient& network_;
   std::map<std::string, std::deque<ServerReply>> next_;
   std::map<std::string, ServerReply> always_;
 };

@@ -69,7 +69,8 @@ Walk::Walk(Chooser chooser, bool preemptive) : preemptive_(preemptive) {
   settings.chooser = std::move(chooser);
   settings.preemptive = preemptive;
   settings.adapt = [this](Ports& ports) {
-    ports.urlConnections = server_;
+    server_->setClock(ports.clock);
+    ports.httpClient = server_;
     ports.log = log_;
     ports.backgroundQueues = queues_ = std::make_shared<TroubledQueues>(ports.backgroundQueues);
     ports.userDefaults = store_ = std::make_shared<TroubledStore>(ports.userDefaults);

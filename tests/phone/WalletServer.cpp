@@ -1,6 +1,7 @@
 #include "tests/phone/WalletServer.h"
 
 #include <algorithm>
+#include <mutex>
 
 #include <fmt/format.h>
 #include <fmt/ranges.h>
@@ -78,66 +79,63 @@ const Names& WalletServer::answersTo(const std::string& kind) {
   return kAnswers.at(kind);
 }
 
-/// One exchange; its delegate hears the answer on its queue.
-class WalletServer::Connection : public UrlConnection,
-                                 public std::enable_shared_from_this<Connection> {
- public:
-  Connection(WalletServer& server, UrlRequest request,
-             std::shared_ptr<UrlConnectionDelegate> delegate)
-      : url(std::move(request)), server_(server), delegate_(std::move(delegate)) {}
+/// One exchange, whose caller waits for an answer.
+struct WalletServer::Exchange {
+  explicit Exchange(Clock& clock) : condition(clock.newCondition()) {}
 
-  void setDelegateQueue(std::shared_ptr<OperationQueue> queue) override {
-    queue_ = std::move(queue);
+  void end(HttpResult with, std::int64_t answerStatus = 0, std::string answerBody = {}) {
+    const std::lock_guard lock(*condition);
+    result = std::move(with);
+    status = answerStatus;
+    body = std::move(answerBody);
+    condition->signal();
   }
-  void start() override {
-    if (server_.closed_) {
-      fail();
-    } else {
-      server_.receive(shared_from_this());
+  /// Returns at the deadline as well, and at the shutdown.
+  void wait(SteadyTime deadline) {
+    const std::lock_guard lock(*condition);
+    while (!result && condition->waitUntil(deadline)) {
     }
   }
-  void cancel() override {
-    if (std::exchange(delegate_, nullptr) && held) {
-      server_.drop(held);
-      server_.onCancelled(*held);
-    }
-  }
-  void fail() {
-    tell([](UrlConnectionDelegate& one) { one.didFailWithError("The server is unreachable."); });
-  }
-  void finish(std::int64_t status, const std::string& body) {
-    tell([status, body](UrlConnectionDelegate& one) {
-      one.didReceiveResponse(status);
-      one.didReceiveData(toBytes(body));
-      one.didFinishLoading();
-    });
-  }
 
-  UrlRequest url;
+  const std::unique_ptr<Condition> condition;
   Request held;
-
- private:
-  void tell(std::function<void(UrlConnectionDelegate&)> callback) {
-    queue_->add([self = shared_from_this(), callback = std::move(callback)] {
-      if (const auto delegate = std::exchange(self->delegate_, nullptr)) {
-        callback(*delegate);
-      }
-    });
-  }
-
-  WalletServer& server_;
-  std::shared_ptr<UrlConnectionDelegate> delegate_;
-  std::shared_ptr<OperationQueue> queue_;
+  std::optional<HttpResult> result;
+  std::int64_t status = 0;
+  std::string body;
 };
 
-std::shared_ptr<UrlConnection> WalletServer::newConnection(
-    UrlRequest request, std::shared_ptr<UrlConnectionDelegate> delegate) {
-  return std::make_shared<Connection>(*this, std::move(request), std::move(delegate));
+HttpResult WalletServer::perform(const HttpRequest& request, HttpDelegate& delegate) {
+  using End = HttpResult::End;
+  if (closed_) {
+    return {End::closed};
+  }
+  if (!delegate.mayBeSent()) {
+    return {End::stopped};
+  }
+  Exchange exchange(*clock_);
+  receive(request, exchange);
+  exchange.wait(request.deadline);
+  if (!exchange.result) {
+    drop(exchange.held);
+    onCancelled(*exchange.held);
+    return {clock_->steadyNow() < request.deadline ? End::closed : End::timedOut};
+  }
+  if (exchange.result->end == End::complete) {
+    delegate.didReceiveResponse(exchange.status);
+    delegate.didReceiveData(toBytes(exchange.body));
+  }
+  return *exchange.result;
 }
 
-void WalletServer::receive(const std::shared_ptr<Connection>& connection) {
+void WalletServer::close() {
+  closed_ = true;
+  for (const auto& [held, exchange] : std::exchange(exchanges_, {})) {
+    exchange->end({HttpResult::End::closed});
+  }
+}
+
+void WalletServer::receive(const HttpRequest& sent, Exchange& exchange) {
   const auto request = std::make_shared<HeldRequest>();
-  const UrlRequest& sent = connection->url;
   request->number = ++sent_;
   request->kind = kindOf(sent.url);
   request->system = sent.url.find("//test") == std::string::npos ? 0 : 1;
@@ -150,9 +148,9 @@ void WalletServer::receive(const std::shared_ptr<Connection>& connection) {
     const auto bytes = sent.body->reveal();
     request->body = boost::json::parse(std::string(bytes.begin(), bytes.end())).as_object();
   }
-  connection->held = request;
+  exchange.held = request;
   held_.push_back(request);
-  connections_[request.get()] = connection;
+  exchanges_[request.get()] = &exchange;
   if (const std::optional<std::string> how = onSent ? onSent(*request) : std::nullopt) {
     answer(request, *how);
   }
@@ -160,20 +158,22 @@ void WalletServer::receive(const std::shared_ptr<Connection>& connection) {
 
 void WalletServer::drop(const Request& request) {
   std::erase(held_, request);
-  connections_.erase(request.get());
+  exchanges_.erase(request.get());
 }
 
 void WalletServer::answer(const Request& request, const std::string& how) {
-  const std::shared_ptr<Connection> connection = connections_[request.get()].lock();
+  const auto found = exchanges_.find(request.get());
+  if (found == exchanges_.end()) {
+    return;
+  }
+  Exchange& exchange = *found->second;
   drop(request);
-  if (!connection || how == "lost") {
-    if (connection) {
-      connection->fail();
-    }
+  if (how == "lost") {
+    exchange.end({HttpResult::End::failed, "The server is unreachable."});
   } else if (how == "403" || isForgotten(*request)) {
-    connection->finish(403, "");
+    exchange.end({HttpResult::End::complete}, 403);
   } else {
-    connection->finish(200, bodyOf(*request, how));
+    exchange.end({HttpResult::End::complete}, 200, bodyOf(*request, how));
   }
 }
 

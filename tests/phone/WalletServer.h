@@ -10,8 +10,7 @@
 
 #include <boost/json.hpp>
 
-#include "orlixkit/platform/BackgroundQueues.h"
-#include "orlixkit/platform/UrlConnection.h"
+#include "orlixkit/platform/HttpClient.h"
 
 namespace orlix::test {
 
@@ -46,9 +45,12 @@ struct ServerSession {
 
 /// The transport of a walk: a wallet server that knows device tokens, wallets and sessions, and
 /// holds every answer back until the walk releases it. Runs in virtual time without a thread.
-class WalletServer : public UrlConnections {
+class WalletServer : public HttpClient {
  public:
   using Request = std::shared_ptr<HeldRequest>;
+
+  /// The callers wait on `clock`. To be called before the first request.
+  void setClock(std::shared_ptr<Clock> clock) { clock_ = std::move(clock); }
 
   /// Runs when a request is sent, on the sender's thread. Returns how to answer at once, or nothing
   /// to hold the answer back.
@@ -76,15 +78,14 @@ class WalletServer : public UrlConnections {
   /// Treat a device without a token as enrolled.
   void knowDevice() { knowsDevice_ = true; }
 
-  std::shared_ptr<UrlConnection> newConnection(
-      UrlRequest request, std::shared_ptr<UrlConnectionDelegate> delegate) override;
-  void close() override { closed_ = true; }
+  HttpResult perform(const HttpRequest& request, HttpDelegate& delegate) override;
+  void close() override;
 
  private:
-  class Connection;
+  struct Exchange;
   using Wallet = std::vector<ServerCard>;
 
-  void receive(const std::shared_ptr<Connection>& connection);
+  void receive(const HttpRequest& sent, Exchange& exchange);
   void drop(const Request& request);
   Wallet& walletOf(const HeldRequest& request);
   std::string bodyOf(const HeldRequest& request, const std::string& how);
@@ -92,7 +93,8 @@ class WalletServer : public UrlConnections {
   std::string cardsOf(const HeldRequest& request);
 
   std::vector<Request> held_;
-  std::map<const HeldRequest*, std::weak_ptr<Connection>> connections_;
+  std::map<const HeldRequest*, Exchange*> exchanges_;  ///< of those that are held
+  std::shared_ptr<Clock> clock_;
   std::map<std::string, ServerSession> sessions_;
   std::string newestSession_;
   std::map<std::string, std::string> newestByKey_;

@@ -199,10 +199,8 @@ TEST(CertificateRules, EveryRootOfTheSystemMayVouchForAServer) {
     const Identity forged =
         namesKey ? server({}, forger) : server({.extensions = someKeyId}, forger);
     SystemTrust trust(forged.certificate.get(), nullptr, "localhost");
-    trust.setAnchorCertificates({forger.der()});
-    trust.setAnchorCertificatesOnly(true);
     std::string error;
-    EXPECT_FALSE(trust.evaluate(error));
+    EXPECT_FALSE(trust.evaluate({forger.der()}, true, error));
     expectRefusal(error, "certificate signature failure");
   }
   std::fclose(bundle);

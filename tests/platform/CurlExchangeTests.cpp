@@ -35,37 +35,51 @@ TEST_F(CurlExchangeTest, ARequestIsNeverSentTwice) {
         connection.write(httpAnswer(200, "", "ok"));
       }
     });
-    EXPECT_EQ(exchange(post(server.address("/lookup"))).back(), "finish");
-    UrlRequest request = post(server.address("/pay"));
+    EXPECT_EQ(exchange(post(server.address("/lookup"))).back(), "complete");
+    HttpRequest request = post(server.address("/pay"));
     request.method = method;
     request.body.reset();
     if (body) {
       request.body = SecretBytes(toBytes(*body));
     }
-    EXPECT_EQ(exchange(std::move(request)), (Events{"fail"}));
+    EXPECT_EQ(exchange(request), (Events{"failed"}));
     EXPECT_EQ(delegate->error, "the server closed the connection without an answer");
     EXPECT_EQ(delegate->challenges, 0) << "it must have gone over the kept connection";
-    EXPECT_EQ(exchange(post(server.address("/lookup"))).back(), "finish");
+    EXPECT_EQ(exchange(post(server.address("/lookup"))).back(), "complete");
     EXPECT_EQ(payments, 1);
+  }
+}
+
+TEST_F(CurlExchangeTest, AKeptConnectionIsUsedAgainUnlessTheServerHasClosedIt) {
+  for (const bool closes : {false, true}) {
+    TlsServer server(serverIdentity(), [closes](TlsConnection& connection) {
+      while (connection.read() && connection.write(httpAnswer(200, "", "ok")) && !closes) {
+      }
+    });
+    for (int number = 1; number <= 5; ++number) {
+      EXPECT_EQ(exchange(post(server.address("/"))).back(), "complete") << delegate->error;
+      EXPECT_EQ(server.connections(), closes ? number : 1);
+      while (closes && server.hungUp() < number) {
+        std::this_thread::yield();
+      }
+    }
   }
 }
 
 TEST_F(CurlExchangeTest, ARequestWithdrawnWhileItConnectsIsNotSent) {
   std::atomic<int> requests = 0;
-  std::atomic<bool> withdrawn = false;
+  bool withdrawn = false;
   {
     TlsServer server(serverIdentity(), [&requests](TlsConnection& connection) {
       requests += connection.read() ? 1 : 0;
     });
-    UrlRequest request = post(server.address("/pay"));
-    request.mayBeSent = [&withdrawn] { return !withdrawn; };
-    delegate = newDelegate();
-    delegate->onChallenge = [&withdrawn] { withdrawn = true; };
-    start(std::move(request), delegate);
-    delegate->await();
+    JudgingDelegate one({root().der()});
+    one.onRequest = [&withdrawn] { return !withdrawn; };
+    one.onChallenge = [&withdrawn] { withdrawn = true; };
+    perform(client, post(server.address("/pay")), one);
+    EXPECT_EQ(one.events, Events{"stopped"});
+    client.close();
   }
-  EXPECT_EQ(delegate->events, (Events{"fail"}));
-  EXPECT_EQ(delegate->error, "the request was withdrawn before it was sent");
   EXPECT_TRUE(withdrawn) << "while it connected";
   EXPECT_EQ(requests, 0) << "the server has read all there was";
 }
@@ -88,8 +102,8 @@ TEST_F(CurlExchangeTest, SessionKeysAreNotWrittenWhereTheEnvironmentSays) {
 TEST_F(CurlExchangeTest, ReadsEveryFormOfAnswerAndRefusesWhatIsNone) {
   const std::string ok = "HTTP/1.1 200 OK\r\n";
   const std::string chunked = ok + "Transfer-Encoding: chunked\r\n\r\n";
-  const Events whole{"response 200", "data", "finish"};
-  const Events cut{"response 200", "data", "fail"};
+  const Events whole{"response 200", "data", "complete"};
+  const Events cut{"response 200", "data", "failed"};
   const struct {
     std::string bytes;
     Events events;
@@ -99,13 +113,13 @@ TEST_F(CurlExchangeTest, ReadsEveryFormOfAnswerAndRefusesWhatIsNone) {
       {"HTTP/1.1 100 Continue\r\n\r\nHTTP/1.1 103 Early\r\nLink: x\r\n\r\n" + ok +
            "Content-Length: 2\r\n\r\nok",
        whole, "ok"},
-      {"HTTP/1.1 302 No target\r\nContent-Length: 0\r\n\r\n", {"response 302", "finish"}, ""},
-      {"HTTP/1.1 304 Same\r\nLocation: /elsewhere\r\n\r\n", {"response 304", "finish"}, ""},
+      {"HTTP/1.1 302 No target\r\nContent-Length: 0\r\n\r\n", {"response 302", "complete"}, ""},
+      {"HTTP/1.1 304 Same\r\nLocation: /elsewhere\r\n\r\n", {"response 304", "complete"}, ""},
       {chunked + "9\r\nabc", cut, "abc"},
-      {chunked + "xyz\r\nabc\r\n", {"response 200", "fail"}, ""},
-      {ok + "Content-Length: -1\r\n\r\nabc", {"fail"}, ""},
-      {ok + "X: " + std::string(300'000, 'x'), {"fail"}, ""},
-      {std::string("\x00\xFF\x17\x03\x03", 5) + std::string(64, '\x80'), {"fail"}, ""},
+      {chunked + "xyz\r\nabc\r\n", {"response 200", "failed"}, ""},
+      {ok + "Content-Length: -1\r\n\r\nabc", {"failed"}, ""},
+      {ok + "X: " + std::string(300'000, 'x'), {"failed"}, ""},
+      {std::string("\x00\xFF\x17\x03\x03", 5) + std::string(64, '\x80'), {"failed"}, ""},
   };
   for (const auto& row : rows) {
     SCOPED_TRACE(row.bytes.substr(0, 80));
@@ -115,7 +129,7 @@ TEST_F(CurlExchangeTest, ReadsEveryFormOfAnswerAndRefusesWhatIsNone) {
     });
     EXPECT_EQ(exchange(post(server.address("/"))), row.events) << delegate->error;
     EXPECT_EQ(delegate->body, row.body);
-    EXPECT_EQ(delegate->error.empty(), row.events.back() == "finish");
+    EXPECT_EQ(delegate->error.empty(), row.events.back() == "complete");
     EXPECT_EQ(server.connections(), 1);
   }
 }
@@ -136,7 +150,8 @@ TEST_F(CurlExchangeTest, ARedirectsTargetMayBeRelativeAndMayNotBringAUser) {
         connection.write(httpAnswer(200, "", "ok"));
       }
     });
-    EXPECT_EQ(exchange(post(server.address("/a/start"))).back(), *path != '\0' ? "finish" : "fail");
+    EXPECT_EQ(exchange(post(server.address("/a/start"))).back(),
+              *path != '\0' ? "complete" : "failed");
     EXPECT_EQ(last, path);
   }
 }
@@ -161,13 +176,11 @@ TEST_F(CurlExchangeTest, AddressesAndMethodsThatAreNotSpokenFailAtOnce) {
                                           {"https://127.0.0.1:99999/", "GET"},
                                           {"https://127.0.0.1/", "DELETE"},
                                           {"https://127.0.0.1/\r\nX: 1", "GET"}}) {
-    UrlRequest request = post(url);
+    HttpRequest request = post(url);
     request.method = method;
-    EXPECT_EQ(exchange(std::move(request)), (Events{"fail"})) << url;
+    EXPECT_EQ(exchange(request), (Events{"failed"})) << url;
     EXPECT_NE(delegate->error, "");
   }
-  const auto connection = connections.newConnection(post("https://127.0.0.1/"), newDelegate());
-  EXPECT_THROW(connection->start(), std::logic_error) << "without a queue";
 }
 
 }  // namespace

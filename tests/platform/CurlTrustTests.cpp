@@ -29,7 +29,7 @@ TEST_F(ServerTrustTest, AnchorsAddToTheSystemsRootsAndEveryFlawIsNamed) {
   const Identity early = issued({.validFromHours = 1, .validToHours = 2});
   const Identity elsewhere = issued({.names = "DNS:wallet.example"});
   const Identity addressOnly = issued({.names = "IP:127.0.0.1"});
-  const Identity client = issued({.purpose = "clientAuth"});
+  const Identity forClients = issued({.purpose = "clientAuth"});
   const Bytes ca = root().der();
   const Bytes otherCa = makeIdentity({.commonName = "Another root", .authority = true}).der();
   const std::string ip = "127.0.0.1";
@@ -56,7 +56,7 @@ TEST_F(ServerTrustTest, AnchorsAddToTheSystemsRootsAndEveryFlawIsNamed) {
       {"expired", expired, {ca}, ip, "Too old\" has expired"},
       {"expired, as its own anchor", expired, {expired.der()}, ip, "has expired"},
       {"not valid yet", early, {ca}, ip, "is not valid yet"},
-      {"for clients only", client, {ca}, ip, "is not meant for a server"},
+      {"for clients only", forClients, {ca}, ip, "is not meant for a server"},
   };
   for (const Row& row : rows) {
     SCOPED_TRACE(row.name);
@@ -67,9 +67,8 @@ TEST_F(ServerTrustTest, AnchorsAddToTheSystemsRootsAndEveryFlawIsNamed) {
         connection.write(httpAnswer(200, "", "ok"));
       }
     });
-    delegate = std::make_shared<JudgingDelegate>(platform.mainQueue(), row.anchors);
-    start(post(server.address("/", row.host)), delegate);
-    delegate->await();
+    delegate = std::make_shared<JudgingDelegate>(row.anchors);
+    perform(client, post(server.address("/", row.host)), *delegate);
     EXPECT_EQ(delegate->challenges, 1);
     EXPECT_NE(delegate->refusal.find(row.refusal), std::string::npos) << delegate->refusal;
     EXPECT_EQ(delegate->refusal.empty(), row.refusal.empty());
@@ -108,65 +107,58 @@ TEST_F(ServerTrustTest, AnInternationalisedNameIsAskedForInAsciiAndANameMayEndWi
       });
       target = server.address("/", host);
       EXPECT_EQ(exchange(post(redirected ? server.address("/from", "localhost") : target)).back(),
-                "finish")
+                "complete")
           << delegate->error << delegate->refusal;
       EXPECT_EQ(asked, server.address("", sent).substr(8));
     }
   }
-  EXPECT_EQ(exchange(post("https://b\u00FC\u2028cher.localhost/")), (Events{"fail"}));
+  EXPECT_EQ(exchange(post("https://b\u00FC\u2028cher.localhost/")), (Events{"failed"}));
   EXPECT_EQ(delegate->error, "not a host's name: b\u00FC\u2028cher.localhost");
 }
 
-TEST_F(ServerTrustTest, WithoutAnAnswerOrAQuestionOrTheHostsNameNothingUnknownIsTrusted) {
-  struct Silent : RecordingDelegate {
-    using RecordingDelegate::RecordingDelegate;
-    void didReceiveAuthenticationChallenge(AuthenticationChallenge&) override {}
-  };
-  struct Indifferent : RecordingDelegate {
-    using RecordingDelegate::RecordingDelegate;
-    bool canAuthenticateAgainstProtectionSpace(AuthenticationMethod) override { return false; }
+TEST_F(ServerTrustTest, WithoutAnAnswerOrAnAnchorOrTheHostsNameNothingUnknownIsTrusted) {
+  struct Failing : RecordingDelegate {
+    bool trusts(ServerTrust*) override { throw 1; }
   };
   const Identity elsewhere = issued({.names = "DNS:wallet.example"});
-  MainQueue& queue = platform.mainQueue();
   const std::pair<Identity, std::shared_ptr<RecordingDelegate>> rows[] = {
-      {serverIdentity(), std::make_shared<Silent>(queue)},
-      {serverIdentity(), std::make_shared<Indifferent>(queue)},
-      {elsewhere, std::make_shared<RecordingDelegate>(queue)}};  // trusts every chain
+      {serverIdentity(), std::make_shared<Failing>()},
+      {serverIdentity(), std::make_shared<JudgingDelegate>(std::vector<Bytes>{})},
+      {elsewhere, std::make_shared<RecordingDelegate>()}};  // trusts every chain
   for (const auto& [identity, one] : rows) {
     TlsServer server(identity, answerAll);
-    start(post(server.address("/")), one);
-    one->await();
-    EXPECT_EQ(one->events, (Events{"fail"}));
+    perform(client, post(server.address("/")), *one);
+    EXPECT_EQ(one->events, (Events{"failed"}));
   }
 }
 
-TEST_F(ServerTrustTest, AQuestionStillOpenWhenTheExchangeIsCancelledOrClosedIsNotHeardAnyMore) {
-  struct Undecided : RecordingDelegate {
-    using RecordingDelegate::RecordingDelegate;
-    void didReceiveAuthenticationChallenge(AuthenticationChallenge& challenge) override {
-      mainQueue.async([this] { asked = true; });
-      over.wait();
-      challenge.useCredentialForTrust();
-    }
-    bool asked = false;  // main thread
-    std::latch over{1};
-  };
+TEST_F(ServerTrustTest, AQuestionThatStaysOpenHoldsUpNobodyElseAndIsNotHeardAfterTheClose) {
   std::atomic<int> requests = 0;
   TlsServer server(serverIdentity(), [&requests](TlsConnection& connection) {
-    requests += connection.read() ? 1 : 0;
+    while (connection.read()) {
+      ++requests;
+      connection.write(httpAnswer(200, "", "ok"));
+    }
   });
-  for (const bool closes : {false, true}) {
-    const auto one = std::make_shared<Undecided>(platform.mainQueue());
-    const auto connection = start(post(server.address("/")), one);
-    one->mainQueue.runUntil([&one] { return one->asked; });
-    EXPECT_LT(timed([&] { closes ? connections.close() : connection->cancel(); }),
-              std::chrono::seconds(30))
-        << "the question keeps nobody waiting";
-    one->over.count_down();
-    EXPECT_EQ(exchange(post(server.address("/"))), (Events{"fail"})) << "hung up on, or closed";
-    EXPECT_EQ(one->events, Events{});
-  }
-  EXPECT_EQ(requests, 1) << "of the exchange between the two";
+  std::latch over(1);
+  JudgingDelegate undecided({root().der()});
+  bool asked = false;
+  bool ended = false;
+  undecided.onChallenge = [&] {
+    platform.mainQueue().async([&asked] { asked = true; });
+    over.wait();
+  };
+  platform.backgroundQueues().global(QualityOfService::high, [&] {
+    perform(client, post(server.address("/")), undecided);
+    platform.mainQueue().async([&ended] { ended = true; });
+  });
+  platform.mainQueue().runUntil([&asked] { return asked; });
+  EXPECT_EQ(exchange(post(server.address("/"))).back(), "complete") << "side by side";
+  client.close();
+  over.count_down();
+  platform.mainQueue().runUntil([&ended] { return ended; });
+  EXPECT_EQ(undecided.events, Events{"closed"});
+  EXPECT_EQ(requests, 1) << "of the exchange between";
 }
 
 TEST_F(ServerTrustTest, NothingBelowTls12IsSpokenEvenWhereTheSystemAllowsIt) {
@@ -178,10 +170,10 @@ TEST_F(ServerTrustTest, NothingBelowTls12IsSpokenEvenWhereTheSystemAllowsIt) {
   ASSERT_EQ(CONF_modules_load_file(lenient.c_str(), nullptr, 0), 1);
   {
     TlsServer old(serverIdentity(), answerAll, TLS1_1_VERSION);
-    EXPECT_EQ(exchange(post(old.address("/"))), (Events{"fail"}));
+    EXPECT_EQ(exchange(post(old.address("/"))), (Events{"failed"}));
     EXPECT_EQ(old.handshakes(), 0);
     TlsServer enough(serverIdentity(), answerAll, TLS1_2_VERSION);
-    EXPECT_EQ(exchange(post(enough.address("/"))).back(), "finish");
+    EXPECT_EQ(exchange(post(enough.address("/"))).back(), "complete");
   }
   CONF_modules_unload(1);
 }
@@ -196,11 +188,8 @@ TEST_F(ServerTrustTest, TheSystemsRootsCountUnlessLeftOutAndAreReadOnce) {
   std::ofstream(bundle) << made.pem();
   const auto judge = [&server](const std::vector<Bytes>& anchors, bool only,
                                const std::string& host) {
-    SystemTrust trust(server.certificate.get(), nullptr, host);
-    trust.setAnchorCertificates(anchors);
-    trust.setAnchorCertificatesOnly(only);
     std::string error;
-    return trust.evaluate(error);
+    return SystemTrust(server.certificate.get(), nullptr, host).evaluate(anchors, only, error);
   };
   // A set of anchors that no other test uses, so that its trust is read here.
   const std::vector<Bytes> own{toBytes(folder.path().string())};

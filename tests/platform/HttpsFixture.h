@@ -17,30 +17,23 @@ namespace orlix {
 /// Judges the chain by its anchors, as the transport does.
 class JudgingDelegate : public RecordingDelegate {
  public:
-  JudgingDelegate(MainQueue& queue, std::vector<Bytes> trusted)
-      : RecordingDelegate(queue), anchors(std::move(trusted)) {}
+  explicit JudgingDelegate(std::vector<Bytes> trusted) : anchors(std::move(trusted)) {}
 
-  void didReceiveAuthenticationChallenge(AuthenticationChallenge& challenge) override {
+  bool trusts(ServerTrust* trust) override {
     ++challenges;
     if (onChallenge) {
       onChallenge();
     }
-    challenge.serverTrust()->setAnchorCertificates(anchors);
-    challenge.serverTrust()->setAnchorCertificatesOnly(false);
-    if (challenge.serverTrust()->evaluate(refusal)) {
-      challenge.useCredentialForTrust();
-    } else {
-      challenge.cancel();
-    }
+    return trust->evaluate(anchors, false, refusal);
   }
 
   const std::vector<Bytes> anchors;
-  std::function<void()> onChallenge;  ///< inside the handshake, on the delegate queue
+  Task onChallenge;  ///< inside the handshake
   std::string refusal;
   int challenges = 0;
 };
 
-/// Real connections, for tests that bring a server of their own.
+/// A real client, for tests that bring a server of their own.
 class HttpsFixture : public testing::Test {
  protected:
   static const Identity& root() {
@@ -61,35 +54,23 @@ class HttpsFixture : public testing::Test {
     return std::chrono::steady_clock::now() - before;
   }
 
-  static UrlRequest post(const std::string& url, const std::string& body = "{}") {
-    UrlRequest request;
+  static HttpRequest post(const std::string& url, const std::string& body = "{}") {
+    HttpRequest request;
     request.url = url;
     request.method = "POST";
     request.headers = {{"Content-Type", "application/json"}, {"x-session-token1", "T1"}};
     request.body = SecretBytes(toBytes(body));
     return request;
   }
-  std::shared_ptr<JudgingDelegate> newDelegate() {
-    return std::make_shared<JudgingDelegate>(platform.mainQueue(),
-                                             std::vector<Bytes>{root().der()});
-  }
-  std::shared_ptr<UrlConnection> start(UrlRequest request,
-                                       std::shared_ptr<UrlConnectionDelegate> to) {
-    auto connection = connections.newConnection(std::move(request), std::move(to));
-    connection->setDelegateQueue(platform.backgroundQueues().newOperationQueue());
-    connection->start();
-    return connection;
-  }
-  /// The events of one exchange, from its start to its end.
-  Events exchange(UrlRequest request) {
-    delegate = newDelegate();
-    start(std::move(request), delegate);
-    delegate->await();
+  /// What one exchange brings; by a new delegate.
+  Events exchange(const HttpRequest& request) {
+    delegate = std::make_shared<JudgingDelegate>(std::vector<Bytes>{root().der()});
+    perform(client, request, *delegate);
     return delegate->events;
   }
 
   PosixPlatform platform;
-  UrlConnections& connections = platform.urlConnections();
+  HttpClient& client = platform.httpClient();
   std::shared_ptr<JudgingDelegate> delegate;
 };
 

@@ -5,10 +5,10 @@
 #include "tests/platform/BundleContract.h"
 #include "tests/platform/ClockContract.h"
 #include "tests/platform/DeviceContract.h"
+#include "tests/platform/HttpClientContract.h"
 #include "tests/platform/LocationManagerContract.h"
 #include "tests/platform/MainQueueContract.h"
 #include "tests/platform/SystemLogContract.h"
-#include "tests/platform/UrlConnectionsContract.h"
 #include "tests/platform/UserDefaultsContract.h"
 #include "tests/platform/WebViewContract.h"
 
@@ -41,7 +41,7 @@ struct MemoryPlatform {
   BackgroundQueues& backgroundQueues() { return host.backgroundQueues(); }
   Clock& clock() { return host.clock(); }
   UserDefaults& userDefaults() { return *host.userDefaults(); }
-  UrlConnections& urlConnections() { return host.connections(); }
+  HttpClient& httpClient() { return host.connections(); }
   std::vector<std::string> logged() { return host.log().lines(); }
   SystemLog& log() { return host.log(); }
   Device& device() { return host.device(); }
@@ -110,7 +110,7 @@ INSTANTIATE_TYPED_TEST_SUITE_P(Memory, LocationManagerContract, MemoryPlatform);
 INSTANTIATE_TYPED_TEST_SUITE_P(Memory, BundleContract, MemoryPlatform);
 INSTANTIATE_TYPED_TEST_SUITE_P(Memory, DeviceContract, MemoryPlatform);
 INSTANTIATE_TYPED_TEST_SUITE_P(Memory, SystemLogContract, MemoryPlatform);
-INSTANTIATE_TYPED_TEST_SUITE_P(Memory, UrlConnectionsContract, MemoryPlatform);
+INSTANTIATE_TYPED_TEST_SUITE_P(Memory, HttpClientContract, MemoryPlatform);
 INSTANTIATE_TYPED_TEST_SUITE_P(Memory, WebViewContract, MemoryPages);
 
 }  // namespace orlix

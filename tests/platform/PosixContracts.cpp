@@ -1,4 +1,4 @@
-// The Linux ports keep the ports' rules: connections over TLS, queues and clock.
+// The Linux ports keep the ports' rules: HTTP client over TLS, queues and clock.
 
 #include <map>
 #include <mutex>
@@ -8,10 +8,10 @@
 
 #include "tests/platform/BackgroundQueuesContract.h"
 #include "tests/platform/ClockContract.h"
+#include "tests/platform/HttpClientContract.h"
 #include "tests/platform/MainQueueContract.h"
 #include "tests/platform/PosixPlatform.h"
 #include "tests/platform/TlsServer.h"
-#include "tests/platform/UrlConnectionsContract.h"
 
 namespace orlix {
 
@@ -22,10 +22,10 @@ const Identity& serverIdentity() {
   return made;
 }
 
-/// The connections over TLS to a server in this process that does as the contract scripts it.
+/// The client over TLS to a server in this process that does as the contract scripts it.
 class CurlPlatform : public PosixPlatform {
  public:
-  ~CurlPlatform() { urlConnections().close(); }
+  ~CurlPlatform() { httpClient().close(); }
 
   void script(const std::string& path, ScriptedAnswer answer) {
     const std::lock_guard guard(lock_);
@@ -79,6 +79,6 @@ class CurlPlatform : public PosixPlatform {
 INSTANTIATE_TYPED_TEST_SUITE_P(Posix, MainQueueContract, PosixPlatform);
 INSTANTIATE_TYPED_TEST_SUITE_P(Posix, BackgroundQueuesContract, PosixPlatform);
 INSTANTIATE_TYPED_TEST_SUITE_P(Posix, ClockContract, PosixPlatform);
-INSTANTIATE_TYPED_TEST_SUITE_P(Curl, UrlConnectionsContract, CurlPlatform);
+INSTANTIATE_TYPED_TEST_SUITE_P(Curl, HttpClientContract, CurlPlatform);
 
 }  // namespace orlix

@@ -6,7 +6,7 @@
 #include <vector>
 
 #include "orlixkit/platform/memory/MemoryLog.h"
-#include "orlixkit/platform/posix/CurlConnections.h"
+#include "orlixkit/platform/posix/CurlHttpClient.h"
 #include "orlixkit/platform/posix/PosixBackgroundQueues.h"
 #include "orlixkit/platform/posix/PosixClock.h"
 #include "orlixkit/platform/posix/PosixRunLoop.h"
@@ -16,20 +16,20 @@ namespace orlix {
 
 using test::TemporaryFolder;
 
-/// Connections, queues and clock of one host.
+/// HTTP client, queues and clock of one host.
 class PosixPlatform {
  public:
   MainQueue& mainQueue() { return mainQueue_; }
   BackgroundQueues& backgroundQueues() { return backgroundQueues_; }
-  Clock& clock() { return clock_; }
-  UrlConnections& urlConnections() { return connections_; }
+  Clock& clock() { return *clock_; }
+  HttpClient& httpClient() { return httpClient_; }
   std::vector<std::string> logged() const { return log_->lines(); }
 
  private:
   std::shared_ptr<MemoryLog> log_ = std::make_shared<MemoryLog>();
   std::stop_source shutdown_;
-  CurlConnections connections_;
-  PosixClock clock_{shutdown_.get_token(), connections_.waitingWork()};
+  std::shared_ptr<PosixClock> clock_ = std::make_shared<PosixClock>(shutdown_.get_token());
+  CurlHttpClient httpClient_{clock_};
   PosixRunLoop mainQueue_{log_};
   PosixBackgroundQueues backgroundQueues_{shutdown_};
 };

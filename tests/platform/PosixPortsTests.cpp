@@ -16,11 +16,11 @@
 #include "orlixkit/platform/posix/PosixPorts.h"
 #include "tests/platform/BundleContract.h"
 #include "tests/platform/DeviceContract.h"
+#include "tests/platform/HttpClientContract.h"
 #include "tests/platform/LocationManagerContract.h"
 #include "tests/platform/PosixPlatform.h"
 #include "tests/platform/SystemLogContract.h"
 #include "tests/platform/TestCertificates.h"
-#include "tests/platform/UrlConnectionsContract.h"
 
 namespace orlix {
 

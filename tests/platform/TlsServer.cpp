@@ -151,6 +151,7 @@ void TlsServer::handle(int socket) {
   const std::lock_guard guard(lock_);
   sockets_.erase(socket);
   ::close(socket);
+  ++hungUp_;
 }
 
 std::string httpAnswer(int status, const std::string& fields, const std::string& body) {

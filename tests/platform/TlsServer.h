@@ -13,8 +13,8 @@
 
 #include <openssl/ssl.h>
 
+#include "tests/platform/HttpClientContract.h"
 #include "tests/platform/TestCertificates.h"
-#include "tests/platform/UrlConnectionsContract.h"
 
 namespace orlix {
 
@@ -53,6 +53,8 @@ class TlsServer {
   /// Connections taken, whether or not their handshake succeeded.
   int connections() const { return connections_; }
   int handshakes() const { return handshakes_; }
+  /// Connections that are closed again.
+  int hungUp() const { return hungUp_; }
 
  private:
   void accept();
@@ -64,6 +66,7 @@ class TlsServer {
   int port_ = 0;
   std::atomic<int> connections_ = 0;
   std::atomic<int> handshakes_ = 0;
+  std::atomic<int> hungUp_ = 0;
   std::mutex lock_;
   std::set<int> sockets_;
   std::list<std::thread> threads_;

@@ -22,7 +22,7 @@ Call pay(const std::string& pin) {
 }
 
 /// Answers with these codes in turn, then with 200.
-ScriptedConnections::Script codesInTurn(std::vector<std::int64_t> codes) {
+ScriptedHttpClient::Script codesInTurn(std::vector<std::int64_t> codes) {
   auto next = std::make_shared<std::size_t>(0);
   return [codes = std::move(codes), next](const RecordedRequest&) {
     return ServerReply::of(*next < codes.size() ? codes[(*next)++] : 200, "{}");
@@ -30,7 +30,7 @@ ScriptedConnections::Script codesInTurn(std::vector<std::int64_t> codes) {
 }
 
 /// Sessions that are numbered, under alternating keys.
-ScriptedConnections::Script numberedSessions() {
+ScriptedHttpClient::Script numberedSessions() {
   auto count = std::make_shared<int>(0);
   return [count](const RecordedRequest&) {
     const int number = ++*count;

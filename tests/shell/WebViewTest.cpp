@@ -11,7 +11,7 @@
 
 namespace orlix {
 // Its header is here for what a server sees, not for the contract.
-GTEST_ALLOW_UNINSTANTIATED_PARAMETERIZED_TEST(UrlConnectionsContract);
+GTEST_ALLOW_UNINSTANTIATED_PARAMETERIZED_TEST(HttpClientContract);
 }  // namespace orlix
 
 namespace orlix::shell {

@@ -25,7 +25,7 @@ Ports MemoryHost::portsFor(const MemoryHostSettings& settings) const {
               .clock = clock_,
               .mainQueue = mainQueue_,
               .backgroundQueues = std::make_shared<VirtualBackgroundQueues>(world_),
-              .urlConnections = connections_,
+              .httpClient = connections_,
               .userDefaults = userDefaults_,
               .device = device_,
               .bundle = bundle_,

@@ -13,7 +13,7 @@
 #include "orlixkit/platform/memory/MemoryLog.h"
 #include "orlixkit/platform/memory/MemoryUserDefaults.h"
 #include "orlixkit/platform/memory/ScreenUser.h"
-#include "orlixkit/platform/memory/ScriptedConnections.h"
+#include "orlixkit/platform/memory/ScriptedHttpClient.h"
 #include "orlixkit/platform/memory/VirtualClock.h"
 #include "orlixkit/platform/memory/VirtualQueues.h"
 #include "orlixkit/platform/memory/VirtualWorld.h"
@@ -62,7 +62,7 @@ class MemoryHost {
   VirtualClock& clock() { return *clock_; }
   MainQueue& mainQueue() { return *host_->ports().mainQueue; }
   BackgroundQueues& backgroundQueues() { return *host_->ports().backgroundQueues; }
-  ScriptedConnections& connections() { return *connections_; }
+  ScriptedHttpClient& connections() { return *connections_; }
   const std::shared_ptr<MemoryUserDefaults>& userDefaults() const { return userDefaults_; }
   MemoryDevice& device() { return *device_; }
   MemoryBundle& bundle() { return *bundle_; }
@@ -99,7 +99,7 @@ class MemoryHost {
  private:
   std::shared_ptr<VirtualWorld> world_ = std::make_shared<VirtualWorld>();
   std::shared_ptr<VirtualClock> clock_ = std::make_shared<VirtualClock>(world_);
-  std::shared_ptr<ScriptedConnections> connections_ = std::make_shared<ScriptedConnections>(world_);
+  std::shared_ptr<ScriptedHttpClient> connections_ = std::make_shared<ScriptedHttpClient>(world_);
   std::shared_ptr<MemoryUserDefaults> userDefaults_;
   std::shared_ptr<MemoryDevice> device_ = std::make_shared<MemoryDevice>();
   std::shared_ptr<MemoryBundle> bundle_ = std::make_shared<MemoryBundle>();

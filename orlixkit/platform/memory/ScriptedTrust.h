@@ -4,7 +4,7 @@
 #include <string>
 #include <vector>
 
-#include "orlixkit/platform/UrlConnection.h"
+#include "orlixkit/platform/HttpClient.h"
 
 namespace orlix {
 
@@ -14,8 +14,7 @@ class ScriptedTrust : public ServerTrust {
  public:
   /// Decides when `evaluate` is called; `error` is for the reason of a false. Passes by default.
   std::function<bool(const ScriptedTrust&, std::string& error)> verdict;
-  AuthenticationMethod method = AuthenticationMethod::serverTrust;
-  /// True: the challenge comes without a chain.
+  /// True: the platform has no chain to show.
   bool missing = false;
 
   const std::vector<Bytes>& anchors() const { return anchors_; }
@@ -24,9 +23,9 @@ class ScriptedTrust : public ServerTrust {
   bool accepted() const { return accepted_; }
   void setAccepted(bool accepted) { accepted_ = accepted; }
 
-  void setAnchorCertificates(std::vector<Bytes> anchors) override { anchors_ = std::move(anchors); }
-  void setAnchorCertificatesOnly(bool only) override { anchorsOnly_ = only; }
-  bool evaluate(std::string& error) override {
+  bool evaluate(const std::vector<Bytes>& anchors, bool anchorsOnly, std::string& error) override {
+    anchors_ = anchors;
+    anchorsOnly_ = anchorsOnly;
     ++evaluations_;
     return !verdict || verdict(*this, error);
   }

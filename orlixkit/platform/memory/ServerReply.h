@@ -54,7 +54,7 @@ class ServerReply {
   /// Goes on at that address, where the script is asked anew. To follow a status from 301 on.
   ServerReply& redirect(std::string target) { return add(Redirect{std::move(target)}); }
   ServerReply& fail(std::string description) { return add(Failure{std::move(description)}); }
-  /// Nothing more, until the request's time-out.
+  /// Nothing more, until the request's deadline.
   ServerReply& silence() { return add(Silence{}); }
 
   const std::vector<Step>& steps() const { return steps_; }

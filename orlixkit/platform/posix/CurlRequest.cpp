@@ -109,7 +109,7 @@ RequestTarget targetOf(const std::string& address) {
   return target;
 }
 
-void checkRequest(const UrlRequest& request) {
+void checkRequest(const HttpRequest& request) {
   if (!isSameName(std::string_view(request.url).substr(0, 8), "https://")) {
     throw std::invalid_argument("only https is spoken, not " + request.url);
   }
@@ -127,7 +127,7 @@ void checkRequest(const UrlRequest& request) {
   }
 }
 
-HeaderList headerListOf(const UrlRequest& request, bool ownHost) {
+HeaderList headerListOf(const HttpRequest& request, bool ownHost) {
   HeaderList list;
   bool hasContentType = false;
   for (const auto& [name, value] : request.headers) {

@@ -6,7 +6,7 @@
 
 #include <curl/curl.h>
 
-#include "orlixkit/platform/UrlConnection.h"
+#include "orlixkit/platform/HttpClient.h"
 
 namespace orlix {
 
@@ -25,7 +25,7 @@ RequestTarget targetOf(const std::string& address);
 /// Throws std::invalid_argument when the request cannot be sent as it stands: another scheme than
 /// https, another method than GET and POST, or a header field that would break the request's lines
 /// and so add fields of its own.
-void checkRequest(const UrlRequest& request);
+void checkRequest(const HttpRequest& request);
 
 struct FreeHeaderList {
   void operator()(curl_slist* list) const { curl_slist_free_all(list); }
@@ -34,6 +34,6 @@ using HeaderList = std::unique_ptr<curl_slist, FreeHeaderList>;
 
 /// The request's header fields in libcurl's notation; only its Content-Type for a host that is not
 /// its own. Throws std::bad_alloc.
-HeaderList headerListOf(const UrlRequest& request, bool ownHost);
+HeaderList headerListOf(const HttpRequest& request, bool ownHost);
 
 }  // namespace orlix

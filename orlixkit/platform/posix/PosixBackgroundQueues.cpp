@@ -4,7 +4,6 @@
 #include <mutex>
 #include <utility>
 
-#include "orlixkit/platform/posix/WaitingWork.h"
 #include "orlixkit/platform/posix/WorkerPool.h"
 
 namespace orlix {
@@ -18,12 +17,21 @@ class SerialTasks : public std::enable_shared_from_this<SerialTasks> {
   explicit SerialTasks(std::shared_ptr<WorkerPool> pool) : pool_(std::move(pool)) {}
 
   void add(Task task) {
-    if (Task drain = addAndTake(std::move(task))) {
-      giveBack(std::move(drain));
+    Task drain;  // made before anything changes, and released without the lock
+    {
+      const std::lock_guard lock(lock_);
+      if (pool_->isClosed()) {
+        return;
+      }
+      if (!draining_) {
+        drain = newDrain();
+      }
+      pending_.push_back(std::move(task));
+      draining_ = true;
     }
-  }
-
-  void giveBack(Task drain) {
+    if (!drain) {
+      return;
+    }
     try {
       pool_->run(std::move(drain));
     } catch (...) {
@@ -33,24 +41,9 @@ class SerialTasks : public std::enable_shared_from_this<SerialTasks> {
     }
   }
 
-  /// Empty when the tasks are being run already, or never will be.
-  Task addAndTake(Task task) {
-    Task drain;  // made before anything changes, and released without the lock
-    const std::lock_guard lock(lock_);
-    if (pool_->isClosed()) {
-      return {};
-    }
-    if (!draining_) {
-      drain = newDrain();
-    }
-    pending_.push_back(std::move(task));
-    draining_ = true;
-    return drain;
-  }
-
  private:
   Task newDrain() {
-    // Released with the task that is given back, whether that is run or dropped.
+    // Released with the task that the pool gets, whether that is run or dropped.
     const std::shared_ptr<SerialTasks> drained(
         this, [self = shared_from_this()](SerialTasks* tasks) { tasks->dropIfClosed(); });
     return [drained] { drained->drain(); };
@@ -89,13 +82,11 @@ class SerialTasks : public std::enable_shared_from_this<SerialTasks> {
   bool draining_ = false;     // guarded by lock_
 };
 
-class SerialQueue : public SelfServedQueue {
+class SerialQueue : public OperationQueue {
  public:
   explicit SerialQueue(std::shared_ptr<WorkerPool> pool)
       : tasks_(std::make_shared<SerialTasks>(std::move(pool))) {}
   void add(Task task) override { tasks_->add(std::move(task)); }
-  void giveBack(Task run) override { tasks_->giveBack(std::move(run)); }
-  Task addAndTake(Task task) override { return tasks_->addAndTake(std::move(task)); }
 
  private:
   const std::shared_ptr<SerialTasks> tasks_;

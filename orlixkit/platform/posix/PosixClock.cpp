@@ -24,7 +24,7 @@ bool PosixClock::sleep(Duration duration) {
 }
 
 std::unique_ptr<Condition> PosixClock::newCondition() {
-  return std::make_unique<PosixCondition>(shutdown_, work_);
+  return std::make_unique<PosixCondition>(shutdown_);
 }
 
 }  // namespace orlix

@@ -7,14 +7,10 @@
 
 namespace orlix {
 
-class WaitingWork;
-
 /// The machine's clocks. `shutdown` is the host's: once it is requested nothing waits any more.
-/// `work`, which may be none, is what threads attend to while they wait on a condition.
 class PosixClock : public Clock {
  public:
-  explicit PosixClock(std::stop_token shutdown, std::shared_ptr<WaitingWork> work = nullptr)
-      : shutdown_(std::move(shutdown)), work_(std::move(work)) {}
+  explicit PosixClock(std::stop_token shutdown) : shutdown_(std::move(shutdown)) {}
 
   SteadyTime steadyNow() const override;
   CalendarTime now() const override;
@@ -23,7 +19,6 @@ class PosixClock : public Clock {
 
  private:
   const std::stop_token shutdown_;
-  const std::shared_ptr<WaitingWork> work_;
 };
 
 }  // namespace orlix

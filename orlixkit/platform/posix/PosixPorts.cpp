@@ -4,7 +4,7 @@
 
 #include "orlixkit/platform/posix/AnchorBundle.h"
 #include "orlixkit/platform/posix/ChainedBundle.h"
-#include "orlixkit/platform/posix/CurlConnections.h"
+#include "orlixkit/platform/posix/CurlHttpClient.h"
 #include "orlixkit/platform/posix/DirectoryBundle.h"
 #include "orlixkit/platform/posix/FixedLocationManager.h"
 #include "orlixkit/platform/posix/PosixBackgroundQueues.h"
@@ -36,9 +36,8 @@ Ports makePosixPorts(const PosixOptions& options) {
   const std::stop_source shutdown;
   Ports ports;
   ports.log = std::make_shared<PosixSystemLog>(options.logTarget);
-  const auto connections = std::make_shared<CurlConnections>();
-  ports.urlConnections = connections;
-  ports.clock = std::make_shared<PosixClock>(shutdown.get_token(), connections->waitingWork());
+  ports.clock = std::make_shared<PosixClock>(shutdown.get_token());
+  ports.httpClient = std::make_shared<CurlHttpClient>(ports.clock);
   ports.mainQueue = std::make_shared<PosixRunLoop>(ports.log);
   ports.backgroundQueues = std::make_shared<PosixBackgroundQueues>(shutdown);
   // The device first: a store without an identifier beside it is one of an earlier release.

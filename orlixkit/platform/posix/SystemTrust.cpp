@@ -87,17 +87,12 @@ SystemTrust::SystemTrust(X509* leaf, STACK_OF(X509) * presented, std::string hos
 
 SystemTrust::~SystemTrust() { sk_X509_pop_free(presented_, X509_free); }
 
-void SystemTrust::setAnchorCertificates(std::vector<Bytes> anchors) {
-  anchors_ = std::move(anchors);
-}
-
-void SystemTrust::setAnchorCertificatesOnly(bool only) { anchorsOnly_ = only; }
-
-bool SystemTrust::evaluate(std::string& error) {
-  const auto isTrustedWith = [this, &error](Roots roots) {
-    return verifyChain(storeFor(anchors_, roots), leaf_.get(), presented_, host_, error);
+bool SystemTrust::evaluate(const std::vector<Bytes>& anchors, bool anchorsOnly,
+                           std::string& error) {
+  const auto isTrustedWith = [&](Roots roots) {
+    return verifyChain(storeFor(anchors, roots), leaf_.get(), presented_, host_, error);
   };
-  if (anchorsOnly_) {
+  if (anchorsOnly) {
     return isTrustedWith(Roots::none);
   }
   // Reading the bundle takes some 25 ms, and it seldom holds more than the folder.
@@ -115,10 +110,7 @@ bool verifyServerChain(const std::vector<Bytes>& chain, const std::string& host,
       sk_X509_push(presented.get(), certificate.release());
     }
   }
-  SystemTrust trust(leaf.get(), presented.get(), host);
-  trust.setAnchorCertificates(anchors);
-  trust.setAnchorCertificatesOnly(false);
-  return trust.evaluate(error);
+  return SystemTrust(leaf.get(), presented.get(), host).evaluate(anchors, false, error);
 }
 
 }  // namespace orlix

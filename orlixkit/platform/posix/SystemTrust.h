@@ -7,7 +7,7 @@
 #include <openssl/x509_vfy.h>
 
 #include "orlixkit/platform/Bytes.h"
-#include "orlixkit/platform/UrlConnection.h"
+#include "orlixkit/platform/HttpClient.h"
 #include "orlixkit/platform/posix/ChainVerification.h"
 
 namespace orlix {
@@ -28,17 +28,12 @@ class SystemTrust : public ServerTrust {
   SystemTrust(const SystemTrust&) = delete;
   SystemTrust& operator=(const SystemTrust&) = delete;
 
-  void setAnchorCertificates(std::vector<Bytes> anchors) override;
-  void setAnchorCertificatesOnly(bool only) override;
-  bool evaluate(std::string& error) override;
+  bool evaluate(const std::vector<Bytes>& anchors, bool anchorsOnly, std::string& error) override;
 
  private:
   const CertificatePointer leaf_;
   STACK_OF(X509) * const presented_;
   const std::string host_;
-  std::vector<Bytes> anchors_;
-  // Anchors that were never set restrict nothing.
-  bool anchorsOnly_ = false;
 };
 
 /// Judges a chain that somebody else has received, by the same rules: `chain` in DER, the server's

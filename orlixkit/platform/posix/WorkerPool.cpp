@@ -13,8 +13,8 @@ namespace orlix {
 
 namespace {
 
-/// What one checkout uses at a time: the request's caller, its callbacks, a poll.
-constexpr std::size_t keptIdle = 4;
+/// As many tasks as a checkout has under way at a time, and one more.
+constexpr std::size_t keptIdle = 3;
 
 }  // namespace
 

@@ -3,11 +3,12 @@
 #include <functional>
 #include <memory>
 #include <optional>
+#include <set>
 #include <string>
 #include <utility>
 #include <vector>
 
-#include "orlixkit/platform/UrlConnection.h"
+#include "orlixkit/platform/HttpClient.h"
 #include "orlixkit/platform/memory/ServerReply.h"
 #include "orlixkit/platform/memory/VirtualWorld.h"
 
@@ -25,17 +26,17 @@ struct RecordedRequest {
   std::optional<std::string> header(const std::string& name) const;
 };
 
-class ScriptedConnection;
+class ScriptedExchange;
 
 /// The network of a virtual world: a server that answers as a test says, in virtual time.
 ///
 /// A script is asked when the request has reached the server, off the main thread, one at a time.
-class ScriptedConnections : public UrlConnections {
+class ScriptedHttpClient : public HttpClient {
  public:
   using Script = std::function<ServerReply(const RecordedRequest&)>;
 
-  explicit ScriptedConnections(std::shared_ptr<VirtualWorld> world);
-  ~ScriptedConnections() override;
+  explicit ScriptedHttpClient(std::shared_ptr<VirtualWorld> world);
+  ~ScriptedHttpClient() override;
 
   /// Answers the requests whose path holds `part`; "" for all. Of several that fit, the one that
   /// was set last. A request without a script fails, and the failure's description says so.
@@ -52,20 +53,19 @@ class ScriptedConnections : public UrlConnections {
   std::vector<RecordedRequest> requestsTo(const std::string& part) const;
   void forgetRequests() { requests_.clear(); }
   /// Exchanges that have begun and not ended.
-  std::size_t underWay() const;
+  std::size_t underWay() const { return exchanges_.size(); }
 
-  std::shared_ptr<UrlConnection> newConnection(
-      UrlRequest request, std::shared_ptr<UrlConnectionDelegate> delegate) override;
+  HttpResult perform(const HttpRequest& request, HttpDelegate& delegate) override;
   void close() override;
 
  private:
-  friend class ScriptedConnection;
+  friend class ScriptedExchange;
   ServerReply replyTo(const RecordedRequest& request);
 
   std::shared_ptr<VirtualWorld> world_;
   std::vector<std::pair<std::string, Script>> scripts_;
   std::vector<RecordedRequest> requests_;
-  std::vector<std::weak_ptr<ScriptedConnection>> connections_;
+  std::set<ScriptedExchange*> exchanges_;
   Duration connectTime_{};
   Duration latency_{};
   bool closed_ = false;

@@ -1,0 +1,43 @@
+#pragma once
+
+#include <memory>
+#include <string>
+#include <vector>
+
+#include <curl/curl.h>
+
+namespace orlix {
+
+/// A multi handle of libcurl with the connections that it keeps, which serves one exchange at a
+/// time. One thread at a time, but for `wake`.
+class CurlChannel {
+ public:
+  /// `origin` is what the channel's owner finds it by. Throws std::runtime_error when libcurl has
+  /// no handle.
+  explicit CurlChannel(std::string origin);
+  CurlChannel(const CurlChannel&) = delete;
+  CurlChannel& operator=(const CurlChannel&) = delete;
+
+  const std::string& origin() const { return origin_; }
+  CURLM* multi() const { return multi_.get(); }
+  /// Ends the wait for the network that is under way, or else the next one. Any thread.
+  void wake() const { curl_multi_wakeup(multi_.get()); }
+
+  /// Whether no kept connection has brought anything: between two exchanges there is nothing to
+  /// come but the server's closing words, after which libcurl still takes the connection for alive.
+  bool isQuiet() const;
+
+  curl_socket_t open(const curl_sockaddr& address);
+  /// CURLOPT_CLOSESOCKETFUNCTION; `self` is the CurlChannel.
+  static int onClose(void* self, curl_socket_t socket);
+
+ private:
+  struct CleanUpMulti {
+    void operator()(CURLM* multi) const { curl_multi_cleanup(multi); }
+  };
+  const std::string origin_;
+  std::vector<curl_socket_t> sockets_;  // before the handle, whose end closes them
+  const std::unique_ptr<CURLM, CleanUpMulti> multi_;
+};
+
+}  // namespace orlix
