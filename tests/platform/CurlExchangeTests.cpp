@@ -66,6 +66,24 @@ TEST_F(CurlExchangeTest, AKeptConnectionIsUsedAgainUnlessTheServerHasClosedIt) {
   }
 }
 
+TEST_F(CurlExchangeTest, TheConnectionUsedLastIsTakenOfThoseToTheSameServer) {
+  TlsServer first(serverIdentity(), answerAll);
+  TlsServer second(serverIdentity(), answerAll);
+  JudgingDelegate outer({root().der()});
+  outer.onResponse = [&] {
+    exchange(post(second.address("/")));
+    return exchange(post(first.address("/"))).back() == "complete";
+  };
+  perform(client, post(first.address("/")), outer);
+  EXPECT_EQ(outer.events.back(), "complete");
+  for (int i = 0; i < 3; ++i) {
+    EXPECT_EQ(exchange(post(second.address("/"))).back(), "complete");
+    EXPECT_EQ(exchange(post(first.address("/"))).back(), "complete");
+  }
+  EXPECT_EQ(first.connections(), 2) << "one for each exchange at the same time";
+  EXPECT_EQ(second.connections(), 1);
+}
+
 TEST_F(CurlExchangeTest, ARequestWithdrawnWhileItConnectsIsNotSent) {
   std::atomic<int> requests = 0;
   bool withdrawn = false;

@@ -58,8 +58,8 @@ ServerReply ScriptedHttpClient::replyTo(const RecordedRequest& request) {
 HttpResult ScriptedHttpClient::perform(const HttpRequest& request, HttpDelegate& delegate) {
   world_->mayBeOvertaken();
   const auto exchange = std::make_shared<ScriptedExchange>(*this, request, delegate);
-  exchanges_.insert(exchange.get());
-  const std::shared_ptr<void> end(nullptr, [&](void*) { exchanges_.erase(exchange.get()); });
+  exchanges_.push_back(exchange.get());
+  const std::shared_ptr<void> end(nullptr, [&](void*) { std::erase(exchanges_, exchange.get()); });
   return exchange->run();
 }
 

@@ -3,7 +3,6 @@
 #include <functional>
 #include <memory>
 #include <optional>
-#include <set>
 #include <string>
 #include <utility>
 #include <vector>
@@ -65,7 +64,7 @@ class ScriptedHttpClient : public HttpClient {
   std::shared_ptr<VirtualWorld> world_;
   std::vector<std::pair<std::string, Script>> scripts_;
   std::vector<RecordedRequest> requests_;
-  std::set<ScriptedExchange*> exchanges_;
+  std::vector<ScriptedExchange*> exchanges_;
   Duration connectTime_{};
   Duration latency_{};
   bool closed_ = false;

@@ -269,8 +269,8 @@ curl_socket_t CurlExchange::onOpenSocket(void* self, curlsocktype, curl_sockaddr
 
 int CurlExchange::onRequest(void* self, char*, char*, int, int) {
   auto& exchange = *static_cast<CurlExchange*>(self);
-  // Sent already: again, over another kept connection.
-  if (exchange.hop_.requestSent || exchange.isOver() ||
+  // The former means: again, over another kept connection.
+  if (exchange.hop_.requestSent ||
       !exchange.goesOn([&] { return exchange.delegate_.mayBeSent(); }) || exchange.isOver()) {
     return CURL_PREREQFUNC_ABORT;
   }
