@@ -267,9 +267,8 @@ TYPED_TEST_P(HttpClientContract, OnlyTheContentTypeFollowsToAnotherHostAndTheTok
   this->platform.script("/back", {.status = 307, .location = this->platform.address("/ok")});
   HttpRequest request = this->post("/from", "");
   request.headers.emplace_back("x-session-token1", "T1");
-  EXPECT_EQ(this->exchange(request),
-            (Events{"response 307", "response 307", "response 307", "response 200", "data",
-                    "complete"}));
+  EXPECT_EQ(this->exchange(request), (Events{"response 307", "response 307", "response 307",
+                                             "response 200", "data", "complete"}));
   const std::vector<SeenRequest> seen = this->platform.seen();
   ASSERT_EQ(seen.size(), 4u);
   EXPECT_TRUE(seen[0].field("x-session-token1"));

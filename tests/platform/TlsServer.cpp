@@ -151,7 +151,6 @@ void TlsServer::handle(int socket) {
   const std::lock_guard guard(lock_);
   sockets_.erase(socket);
   ::close(socket);
-  ++hungUp_;
 }
 
 std::string httpAnswer(int status, const std::string& fields, const std::string& body) {

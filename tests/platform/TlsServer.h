@@ -53,8 +53,6 @@ class TlsServer {
   /// Connections taken, whether or not their handshake succeeded.
   int connections() const { return connections_; }
   int handshakes() const { return handshakes_; }
-  /// Connections that are closed again.
-  int hungUp() const { return hungUp_; }
 
  private:
   void accept();
@@ -66,7 +64,6 @@ class TlsServer {
   int port_ = 0;
   std::atomic<int> connections_ = 0;
   std::atomic<int> handshakes_ = 0;
-  std::atomic<int> hungUp_ = 0;
   std::mutex lock_;
   std::set<int> sockets_;
   std::list<std::thread> threads_;
