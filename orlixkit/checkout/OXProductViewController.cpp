@@ -380,9 +380,7 @@ ConnectionAlert OXProductViewController::failureAlert() {
 void OXProductViewController::prepareForSegue(const std::string& name,
                                               const std::shared_ptr<ViewController>& destination) {
   if (name == "AddCard") {
-    transitioningDelegate_ = std::make_shared<OXTransitioningDelegate>();
-    destination->transitioningDelegate = transitioningDelegate_;
-    destination->modalPresentationStyle = ModalPresentationStyle::custom;
+    transitioningDelegate_ = presentAsCard(*destination);
   }
 }
 
