@@ -18,17 +18,6 @@ QString word(AlertActionStyle style) {
   return QStringLiteral("standard");
 }
 
-/// An alert's view is looked at, not touched.
-std::shared_ptr<const OutletAdapter::Screen> nothingToTouch() {
-  return std::make_shared<OutletAdapter::Screen>(
-      OutletAdapter::Screen{.touch = [](const std::string&, const Task&) {},
-                            .changed = [] {},
-                            .perform = [](const std::string&) {},
-                            .hasAction = [](const std::string&) { return false; },
-                            .touchField = [](TextField&) { return false; },
-                            .reachable = [](const std::string&) { return true; }});
-}
-
 }  // namespace
 
 AlertAdapter::AlertAdapter(const std::shared_ptr<AlertController>& alert)
@@ -38,7 +27,8 @@ AlertAdapter::AlertAdapter(const std::shared_ptr<AlertController>& alert)
       titleFont_(alert->titleFont),
       messageFont_(alert->messageFont),
       textColor_(toQColor(alert->textColor)),
-      view_(std::make_unique<OutletAdapter>("view", alert->view(), nothingToTouch())) {
+      view_(
+          std::make_unique<OutletAdapter>("view", alert->view(), std::weak_ptr<ViewController>())) {
   for (const AlertAction& action : alert->actions()) {
     buttons_.append(QString::fromStdString(action.title));
     styles_.append(word(action.style));

@@ -25,14 +25,11 @@ class ScreenAdapter : public QQmlPropertyMap {
 
   QString identifier() const { return identifier_; }
   Q_INVOKABLE bool hasAction(const QString& name) const;
-  /// Runs the action when a finger could do it now; one that the screen lacks is logged.
+  /// Runs the action when it can be touched now; one that the screen lacks is logged.
   Q_INVOKABLE void perform(const QString& name);
 
   /// The mask of the progress indicator has come or gone.
   void refreshReachable();
-  /// True while a user's finger could do something there: the screen has arrived, nothing stands on
-  /// it, and no mask holds touches back from the name.
-  bool isReachable(const std::string& name) const;
 
  protected:
   /// What the drawing language writes is not taken.
@@ -40,12 +37,10 @@ class ScreenAdapter : public QQmlPropertyMap {
 
  private:
   void add(const std::string& name, const std::shared_ptr<View>& view);
-  void touch(const std::string& name, const Task& doing);
   void refreshShown();
 
   QString identifier_;
   std::weak_ptr<ViewController> controller_;
-  std::shared_ptr<const OutletAdapter::Screen> screen_;
   std::map<std::string, std::unique_ptr<OutletAdapter>> outlets_;
 };
 

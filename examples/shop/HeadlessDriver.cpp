@@ -7,7 +7,7 @@
 #include "orlixkit/platform/Host.h"
 #include "orlixkit/platform/MainQueue.h"
 #include "orlixkit/platform/Utf8.h"
-#include "orlixkit/platform/ui/FieldTouch.h"
+#include "orlixkit/platform/ui/Touch.h"
 #include "orlixkit/widgets/DropDownPicker.h"
 
 namespace orlix::shop {
@@ -29,29 +29,6 @@ std::shared_ptr<TextField> editedField(const std::string& outlet) {
     throw ScriptError(outlet + " takes no keys: its screen answers the touch otherwise");
   }
   return field;
-}
-
-void tapOutlet(const std::string& name, ViewController& screen) {
-  const std::shared_ptr<View> view = ShownScreen::touchableOutlet(name);
-  if (const auto button = std::dynamic_pointer_cast<Button>(view)) {
-    if (!button->enabled()) {
-      throw ScriptError(name + " is disabled");
-    }
-    if (button->onTouchUpInside) {
-      runLogged(Task(button->onTouchUpInside));
-      return;
-    }
-  } else if (std::dynamic_pointer_cast<TextField>(view)) {
-    touched(*ShownScreen::touchableField(name));
-    return;
-  }
-  if (view->onTap) {
-    runLogged(Task(view->onTap));
-  } else if (screen.hasAction(name)) {
-    runLogged([&] { screen.performAction(name); });
-  } else {
-    throw ScriptError(name + " does not listen to taps");
-  }
 }
 
 [[noreturn]] void needsShell(const std::string& command) {
@@ -81,14 +58,14 @@ void HeadlessDriver::set(const std::string& outlet, const std::string& text) {
 void HeadlessDriver::tap(const std::string& name) {
   ShownScreen::requireTouchable(name);
   const std::shared_ptr<ViewController> screen = ShownScreen::content();
-  if (screen->outletNamed(name)) {
-    tapOutlet(name, *screen);
-  } else if (screen->hasAction(name)) {
-    runLogged([&] { screen->performAction(name); });
-  } else {
-    throw ScriptError("there is no outlet and no action " + name + " on the screen " +
-                      ShownScreen::identifier());
+  const Task touched = touchTask(screen, name);
+  if (!touched) {
+    throw ScriptError(screen->outletNamed(name)
+                          ? name + " does not listen to taps"
+                          : "there is no outlet and no action " + name + " on the screen " +
+                                ShownScreen::identifier());
   }
+  runLogged(touched);
 }
 
 void HeadlessDriver::selectRow(const std::string& table, const RowChoice& row) {

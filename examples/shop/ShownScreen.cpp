@@ -1,6 +1,7 @@
 #include "examples/shop/ShownScreen.h"
 
 #include "orlixkit/platform/Host.h"
+#include "orlixkit/platform/ui/Touch.h"
 
 namespace orlix::shop {
 
@@ -84,13 +85,21 @@ void ShownScreen::requireTouchable(const std::string& name) {
                       "\" stands over the screen: " + above->message());
   }
   const std::shared_ptr<ViewController> top = content();
-  const bool passes = top && top->isReachableUnderMask(name);
-  if (application().progressIndicator().blocksInput() && !passes) {
-    throw ScriptError("the progress indicator \"" + application().progressIndicator().status() +
-                      "\" holds touches back");
-  }
-  if (!screen()) {
+  if (!top) {
     throw ScriptError("no screen of the wallet is shown");
+  }
+  switch (const TouchRefusal refusal = touchRefusal(application(), *top, name)) {
+    case TouchRefusal::none:
+      break;
+    case TouchRefusal::masked:
+      throw ScriptError("the progress indicator \"" + application().progressIndicator().status() +
+                        "\" holds touches back");
+    case TouchRefusal::hidden:
+      throw ScriptError(name + onScreen() + " is hidden");
+    case TouchRefusal::disabled:
+      throw ScriptError(name + " is disabled");
+    case TouchRefusal::covered:
+      throw ScriptError(name + " cannot be touched: " + touchRefusalText(refusal));
   }
 }
 
@@ -108,19 +117,11 @@ std::shared_ptr<View> ShownScreen::outlet(const std::string& name) {
 
 std::shared_ptr<View> ShownScreen::touchableOutlet(const std::string& name) {
   requireTouchable(name);
-  std::shared_ptr<View> found = outlet(name);
-  if (found->isOutOfSight()) {
-    throw ScriptError(name + onScreen() + " is hidden");
-  }
-  return found;
+  return outlet(name);
 }
 
 std::shared_ptr<TextField> ShownScreen::touchableField(const std::string& name) {
-  auto field = touchable<TextField>(name, "text field");
-  if (!field->enabled()) {
-    throw ScriptError(name + onScreen() + " is disabled");
-  }
-  return field;
+  return touchable<TextField>(name, "text field");
 }
 
 std::shared_ptr<TableView> ShownScreen::touchableTable(const std::string& name) {

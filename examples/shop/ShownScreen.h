@@ -28,8 +28,7 @@ class ShownScreen {
   /// A screen or an alert is on its way in or out.
   static bool isMoving();
 
-  /// Throws while something keeps a user's finger off the screen: an alert, the progress
-  /// indicator's mask, or that there is no screen.
+  /// Throws when a touch on this outlet or action has no effect now, with the reason.
   static void requireTouchable(const std::string& name);
   static std::shared_ptr<View> outlet(const std::string& name);
   /// An outlet that can be seen on a screen that can be touched.

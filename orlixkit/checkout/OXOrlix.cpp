@@ -207,9 +207,7 @@ void OXOrlix::present(const Controller& screen, const Controller& fromController
   if (!screen || !fromController) {
     return;
   }
-  transitioningDelegate_ = std::make_shared<OXTransitioningDelegate>();
-  screen->transitioningDelegate = transitioningDelegate_;
-  screen->modalPresentationStyle = ModalPresentationStyle::custom;
+  transitioningDelegate_ = presentAsCard(*screen);
   const auto session = OXSession::currentSession();
   // What an earlier flow left there, or is about to take away, would be in the way.
   cutPresented(session, fromController,

@@ -6,8 +6,6 @@
 
 #include "orlixkit/checkout/AmountEntry.h"
 #include "orlixkit/checkout/OXUtil.h"
-#include "orlixkit/checkout/ReceiptPolling.h"
-#include "orlixkit/checkout/WalletRequest.h"
 #include "orlixkit/platform/Host.h"
 #include "orlixkit/protocol/LocationUtil.h"
 
@@ -24,7 +22,8 @@ void warn(const std::string& message) { OXUtil::showAlertWithTitle("Warning", me
 
 }  // namespace
 
-OXProductViewController::OXProductViewController() {
+OXProductViewController::OXProductViewController()
+    : Payment(*this, "Making Payment...", RequestQueue::newOperationQueue) {
   giveDefaults();
   action("proceedAction", [this] { proceedAction(); });
   action("cancelAction", [this] { cancelAction(); });
@@ -96,7 +95,7 @@ void OXProductViewController::sessionDataChanged() {
   const std::string typed = inputAmountField_->text();
   const bool keepsAmount = isInputableAmount() && !amountGroupIsHidden();
   needToUnlockCard_ = false;
-  paymentMethod_ = 0;
+  paymentMethod_ = CardOptionMethod::notSet;
   proceedButton_->setTitle(kDefaultTitle);
   showSelectedCard();
   const bool sameCard = formerCard && selectedCard_ && formerCard->cardId == selectedCard_->cardId;
@@ -145,8 +144,8 @@ void OXProductViewController::showSelectedCard() {
     return;
   }
   showPayButton();
-  paymentMethod_ = static_cast<std::int32_t>(card.method);
-  hidePinField(paymentMethod_ != kPinPayment);
+  paymentMethod_ = card.method;
+  hidePinField(paymentMethod_ != CardOptionMethod::amt);
   showCvvFieldIfNeededForCard(card);
 }
 
@@ -165,7 +164,7 @@ void OXProductViewController::showUnvalidatedCard(const CardOption& card) {
     hideCvvField(true);
   } else if (type == "3DS") {
     showPayButton();
-    paymentMethod_ = kSecureCode;
+    paymentMethod_ = CardOptionMethod::secureCode;
     hidePinField(true);
     showCvvFieldIfNeededForCard(card);
   } else {
@@ -244,17 +243,17 @@ void OXProductViewController::proceedAction() {
     warn("Enter a valid CVV");
     return;
   }
-  // Before the road is known: a card on which nothing can be done counts as chosen as well, and 0
-  // stands for no card.
+  // Before the method is looked at: a card on which nothing can be done counts as chosen as well,
+  // and 0 stands for no card.
   OXUtil::setLastUsedCardId(selectedCard_ ? selectedCard_->cardId : 0);
   switch (paymentMethod_) {
-    case kSecureCode:
+    case CardOptionMethod::secureCode:
       payBySecureCode(*current);
       break;
-    case kPinPayment:
+    case CardOptionMethod::amt:
       payWithPin();
       break;
-    case kPaymentWithoutPin:
+    case CardOptionMethod::cnp:
       payWithoutPin();
       break;
     default:
@@ -356,90 +355,32 @@ void OXProductViewController::payWithoutPin() {
 void OXProductViewController::makeAmtPayment() {
   pay([request = purchaseRequest_, pin = pinField_->secretText()](
           KCVelloConnection& connection) { return connection.purchaseAMT(request, pin); },
-      &OXProductViewController::makeAmtPayment);
+      [screen = self()] { screen->makeAmtPayment(); });
 }
 
 void OXProductViewController::makeCnpPayment() {
   pay([request = purchaseRequest_](
           KCVelloConnection& connection) { return connection.puchaseCNP(request); },
-      &OXProductViewController::makeCnpPayment);
+      [screen = self()] { screen->makeCnpPayment(); });
 }
 
-void OXProductViewController::pay(Purchase purchase, Step again) {
-  showProgress("Making Payment...");
-  if (!session()) {
-    return;  // who watches the indicator has ended the flow
-  }
-  requestInBackground<MTPinResponse>(
-      RequestQueue::newOperationQueue, std::move(purchase),
-      [screen = self()](MTPinResponse response) {
-        screen->pinResponse_ = std::move(response);
-        if (screen->pinResponse_.status == PinResponseStatus::success) {
-          screen->pollForReceipt();
-        } else {
-          screen->endWith([](OXSession& session) { session.returnError(2); });
-        }
-      },
-      [screen = self(), again] { screen->offerRetryOf(again); });
+void OXProductViewController::receiptTimedOut() {
+  offerRetryOf([screen = self()] { screen->pollForReceipt(); });
 }
 
-void OXProductViewController::pollForReceipt() {
-  if (!OXUtil::indicator().isShownFor(*this)) {
-    showProgress("Making Payment...");
-  }
-  if (!session()) {
-    return;
-  }
-  const Task retry = [screen = self()] {
-    screen->offerRetryOf(&OXProductViewController::pollForReceipt);
-  };
-  ReceiptPollingEnds ends;
-  ends.answered = [screen = self()](const MTReceipt& receipt) { screen->receiptArrived(receipt); };
-  ends.timedOut = retry;
-  ends.failed = retry;
-  orlix::pollForReceipt(pinResponse_.transactionId, std::move(ends));
-}
-
-void OXProductViewController::receiptArrived(const MTReceipt& receipt) {
-  const std::string reference = std::to_string(pinResponse_.transactionId);
-  const bool succeeded = receipt.status == "SUCCESS";
-  endWith([reference, succeeded](OXSession& session) {
-    if (succeeded) {
-      session.returnPaymentSucceededWithTransactionReference(reference);
-    } else {
-      session.returnPaymentFailedWithTransactionReference(reference);
-    }
-  });
-}
-
-void OXProductViewController::endWith(const std::function<void(OXSession&)>& outcome) {
-  if (hideProgress()) {
-    outcome(*session());
-  }
-}
-
-void OXProductViewController::offerRetryOf(Step step) {
-  if (!hideProgress()) {
-    return;
-  }
-  ConnectionAlert alert;
-  alert.ofPayment = true;
-  alert.retry = [screen = self(), step] { ((*screen).*step)(); };
-  // However the alert goes without a retry: the user may pay again, or leave.
-  alert.cancel = [screen = self()] {
+/// However the alert goes without a retry: the user may pay again, or leave.
+ConnectionAlert OXProductViewController::failureAlert() {
+  return {.cancel = [screen = self()] {
     if (const auto current = screen->session()) {
       current->endPayment();
     }
-  };
-  OXUtil::showConnectionAlert(std::move(alert));
+  }};
 }
 
 void OXProductViewController::prepareForSegue(const std::string& name,
                                               const std::shared_ptr<ViewController>& destination) {
   if (name == "AddCard") {
-    transitioningDelegate_ = std::make_shared<OXTransitioningDelegate>();
-    destination->transitioningDelegate = transitioningDelegate_;
-    destination->modalPresentationStyle = ModalPresentationStyle::custom;
+    transitioningDelegate_ = presentAsCard(*destination);
   }
 }
 

@@ -1,20 +1,16 @@
 #pragma once
 
 #include <cstdint>
-#include <functional>
 #include <memory>
 #include <optional>
 #include <string>
 
 #include "orlixkit/checkout/OXDelegates.h"
 #include "orlixkit/checkout/OXTransitioningDelegate.h"
+#include "orlixkit/checkout/Payment.h"
 #include "orlixkit/checkout/PurchaseInputs.h"
 #include "orlixkit/checkout/SessionScreen.h"
 #include "orlixkit/platform/ui/TextField.h"
-#include "orlixkit/protocol/KCVelloConnection.h"
-#include "orlixkit/records/MTPinResponse.h"
-#include "orlixkit/records/MTReceipt.h"
-#include "orlixkit/records/PurchaseRequest.h"
 
 namespace orlix {
 
@@ -29,6 +25,7 @@ namespace orlix {
 /// Stands being shown without code information.
 class OXProductViewController : public SessionScreen,
                                 public PurchaseInputs,
+                                public Payment,
                                 public TextFieldDelegate,
                                 public OX3DSecureOrlixDelegate {
  public:
@@ -50,11 +47,6 @@ class OXProductViewController : public SessionScreen,
                                        const std::string& replacement) override;
 
  private:
-  /// What is done with the selected card, by its payment method.
-  enum Road : std::int32_t { kPinPayment = 1, kSecureCode = 2, kPaymentWithoutPin = 4 };
-  using Purchase = std::function<MTPinResponse(KCVelloConnection&)>;
-  using Step = void (OXProductViewController::*)();
-
   void giveDefaults();
   void showMerchant();
   void showAmount();
@@ -83,12 +75,8 @@ class OXProductViewController : public SessionScreen,
 
   void makeAmtPayment();
   void makeCnpPayment();
-  void pay(Purchase purchase, Step again);
-  void pollForReceipt();
-  void receiptArrived(const MTReceipt& receipt);
-  void offerRetryOf(Step step);
-  /// Dismisses the indicator, then ends the flow.
-  void endWith(const std::function<void(OXSession&)>& outcome);
+  ConnectionAlert failureAlert() override;
+  void receiptTimedOut() override;
   std::shared_ptr<OXProductViewController> self();
 
   std::shared_ptr<View> cardView_ = outlet<View>("cardView");
@@ -110,11 +98,9 @@ class OXProductViewController : public SessionScreen,
   std::shared_ptr<Button> proceedButton_ = outlet<Button>("proceedButton");
 
   bool needToUnlockCard_ = false;
-  std::int32_t paymentMethod_ = 0;
+  CardOptionMethod paymentMethod_ = CardOptionMethod::notSet;
   std::shared_ptr<OXTransitioningDelegate> transitioningDelegate_;
   std::optional<CardOption> selectedCard_;
-  PurchaseRequest purchaseRequest_;
-  MTPinResponse pinResponse_;
 };
 
 }  // namespace orlix

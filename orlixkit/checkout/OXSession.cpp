@@ -103,9 +103,7 @@ void OXSession::present(const std::string& identifier, const Prepare& prepare) {
   if (prepare) {
     prepare(screen);
   }
-  transitioningDelegate = std::make_shared<OXTransitioningDelegate>();
-  screen->transitioningDelegate = transitioningDelegate;
-  screen->modalPresentationStyle = ModalPresentationStyle::custom;
+  transitioningDelegate = presentAsCard(*screen);
   presentingController->present(screen, false);
 }
 
@@ -205,12 +203,12 @@ void OXSession::closeAlerts() {
   }
 }
 
-void OXSession::end(const std::string& operation, HostCallback callback) {
-  if (!isLiveFor(operation)) {
+void OXSession::end(const Ending& ending) {
+  if (!isLiveFor(ending.operation)) {
     return;
   }
   const bool hasPlace = presentingController != nullptr;
-  setPendingCallback(std::move(callback));
+  settle(ending);
   OXUtil::indicator().dismiss();
   // Not from within: a dismissal may be cut short inside an entry call, and the host may make one
   // in its callback.
@@ -228,10 +226,10 @@ void OXSession::end(const std::string& operation, HostCallback callback) {
 }
 
 /// From here on the callback is due, whatever becomes of the steps up to it.
-void OXSession::setPendingCallback(HostCallback callback) {
-  pendingCallback_ = [receiver = delegate, callback = std::move(callback)] {
+void OXSession::settle(const Ending& ending) {
+  pendingCallback_ = [receiver = delegate, tell = ending.tell] {
     if (receiver) {
-      callback(*receiver);
+      tell(*receiver);
     }
   };
   flow_->end();
@@ -251,7 +249,7 @@ void OXSession::deliverPendingCallback() {
 
 void OXSession::fail() {
   if (isLive()) {
-    setPendingCallback([](OXOrlixDelegate& host) { host.orlixError(2); });
+    settle({"fail", [](OXOrlixDelegate& host) { host.orlixError(2); }});
   }
   if (pendingCallback_) {
     leaveAtOnce();
@@ -297,35 +295,35 @@ void OXSession::returnAuth3DsValidated() {
 }
 
 void OXSession::returnUserDidCancel() {
-  end("returnUserDidCancel", [](OXOrlixDelegate& host) { host.orlixUserDidCancel(); });
+  end({"returnUserDidCancel", &OXOrlixDelegate::orlixUserDidCancel});
 }
 
 void OXSession::returnUserRegistered() {
-  end("returnUserRegistered", [](OXOrlixDelegate& host) { host.orlixUserRegistered(); });
+  end({"returnUserRegistered", &OXOrlixDelegate::orlixUserRegistered});
 }
 
 void OXSession::returnUserDoneWithWallet() {
-  end("returnUserDoneWithWallet", [](OXOrlixDelegate& host) { host.orlixUserCompletedWallet(); });
+  end({"returnUserDoneWithWallet", &OXOrlixDelegate::orlixUserCompletedWallet});
 }
 
 void OXSession::returnPaymentSucceededWithTransactionReference(const std::string& reference) {
-  end("returnPaymentSucceededWithTransactionReference", [reference](OXOrlixDelegate& host) {
-    host.orlixPaymentSucceededWithTransactionReference(reference);
-  });
+  end({"returnPaymentSucceededWithTransactionReference", [reference](OXOrlixDelegate& host) {
+         host.orlixPaymentSucceededWithTransactionReference(reference);
+       }});
 }
 
 void OXSession::returnError(int errorCode) {
-  end("returnError", [errorCode](OXOrlixDelegate& host) { host.orlixError(errorCode); });
+  end({"returnError", [errorCode](OXOrlixDelegate& host) { host.orlixError(errorCode); }});
 }
 
 void OXSession::returnPaymentFailedWithTransactionReference(const std::string& reference) {
-  end("returnPaymentFailedWithTransactionReference", [reference](OXOrlixDelegate& host) {
-    host.orlixPaymentFailedWithTransactionReference(reference);
-  });
+  end({"returnPaymentFailedWithTransactionReference", [reference](OXOrlixDelegate& host) {
+         host.orlixPaymentFailedWithTransactionReference(reference);
+       }});
 }
 
 void OXSession::returnInvalidCode() {
-  end("returnInvalidCode", [](OXOrlixDelegate& host) { host.orlixInvalidCode(); });
+  end({"returnInvalidCode", &OXOrlixDelegate::orlixInvalidCode});
 }
 
 }  // namespace orlix

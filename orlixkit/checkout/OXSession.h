@@ -133,7 +133,11 @@ class OXSession : public std::enable_shared_from_this<OXSession> {
   std::uint64_t lookupTaken = 0;
 
  private:
-  using HostCallback = std::function<void(OXOrlixDelegate&)>;
+  /// How the flow ends: the operation that ends it, for the log, and what the host hears.
+  struct Ending {
+    std::string operation;
+    std::function<void(OXOrlixDelegate&)> tell;
+  };
   using Prepare = std::function<void(const std::shared_ptr<ViewController>&)>;
 
   void show(const std::string& identifier, const Prepare& prepare = {});
@@ -141,11 +145,11 @@ class OXSession : public std::enable_shared_from_this<OXSession> {
   void replaceScreen(const std::string& identifier, const Prepare& prepare);
   void present(const std::string& identifier, const Prepare& prepare);
   void handInputsTo(const std::shared_ptr<ViewController>& screen);
-  void end(const std::string& operation, HostCallback callback);
+  void end(const Ending& ending);
   void leave(Task then);
   /// Dismisses the screens without an animation, which would have to be waited for.
   void leaveAtOnce();
-  void setPendingCallback(HostCallback callback);
+  void settle(const Ending& ending);
   void deliverPendingCallback();
   std::vector<std::shared_ptr<SessionScreen>> shownScreens() const;
   bool isLiveFor(const std::string& operation) const;

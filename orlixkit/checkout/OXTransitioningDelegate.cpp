@@ -10,4 +10,11 @@ std::shared_ptr<PresentationController> OXTransitioningDelegate::presentationCon
   return std::make_shared<OXPresentationController>(presented, presenting);
 }
 
+std::shared_ptr<OXTransitioningDelegate> presentAsCard(ViewController& screen) {
+  auto transition = std::make_shared<OXTransitioningDelegate>();
+  screen.transitioningDelegate = transition;
+  screen.modalPresentationStyle = ModalPresentationStyle::custom;
+  return transition;
+}
+
 }  // namespace orlix

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <memory>
+
 #include "orlixkit/platform/ui/ViewController.h"
 
 namespace orlix {
@@ -12,5 +14,9 @@ class OXTransitioningDelegate : public TransitioningDelegate {
       const std::shared_ptr<ViewController>& presenting,
       const std::shared_ptr<ViewController>& source) override;
 };
+
+/// Sets `screen` up to be presented as a card. The caller keeps the result for as long as the
+/// screen is presented; a screen does not hold its delegate.
+std::shared_ptr<OXTransitioningDelegate> presentAsCard(ViewController& screen);
 
 }  // namespace orlix

@@ -88,10 +88,8 @@ void OXUtil::showNetworkErrorRetryObject(Task retry, Task cancel) {
 
 void OXUtil::showController(const std::shared_ptr<ViewController>& controller,
                             const std::shared_ptr<ViewController>& from) {
-  // Needed only while the presentation begins, and nobody else holds it.
-  const auto transitioningDelegate = std::make_shared<OXTransitioningDelegate>();
-  controller->transitioningDelegate = transitioningDelegate;
-  controller->modalPresentationStyle = ModalPresentationStyle::custom;
+  // Held only while the presentation begins.
+  const auto transitioningDelegate = presentAsCard(*controller);
   from->present(controller, true);
 }
 

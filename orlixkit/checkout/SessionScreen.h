@@ -31,6 +31,8 @@ class SessionScreen : public ViewController {
   bool wasLeft() const { return !presentingViewController() || isBeingDismissed(); }
 
  protected:
+  friend class Payment;  // a part of its screen
+
   /// The screen's session; none when it has been replaced or has ended. An action registered by
   /// `action` finds it present.
   std::shared_ptr<OXSession> session() const {

@@ -16,13 +16,6 @@ void showTermsSentence(Label& label, const std::string& html) {
   label.setTextColor({0.439, 0.443, 0.455, 1.0});
 }
 
-std::shared_ptr<OXTransitioningDelegate> presentAsCard(ViewController& destination) {
-  auto transition = std::make_shared<OXTransitioningDelegate>();
-  destination.transitioningDelegate = transition;
-  destination.modalPresentationStyle = ModalPresentationStyle::custom;
-  return transition;
-}
-
 void closeScreen(ViewController& screen) {
   const std::shared_ptr<ViewController> container = screen.parent.lock();
   const auto below = (container ? *container : screen).presentingViewController();

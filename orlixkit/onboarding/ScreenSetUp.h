@@ -1,9 +1,7 @@
 #pragma once
 
-#include <memory>
 #include <string>
 
-#include "orlixkit/checkout/OXTransitioningDelegate.h"
 #include "orlixkit/platform/ui/View.h"
 #include "orlixkit/platform/ui/ViewController.h"
 
@@ -15,10 +13,6 @@ void applyOnboardingLook(ViewController& screen);
 
 /// A sentence about the terms, an HTML fragment, in the look of such sentences.
 void showTermsSentence(Label& label, const std::string& html);
-
-/// Makes the destination of a segue stand as a card over the screen below. The caller keeps what is
-/// returned for as long as the destination is presented.
-std::shared_ptr<OXTransitioningDelegate> presentAsCard(ViewController& destination);
 
 /// Takes the screen away, animated, together with the container that it stands in.
 void closeScreen(ViewController& screen);

@@ -113,6 +113,7 @@ class KCVelloConnection {
   /// The same client for the requests of one flow, or of one round of polling: all share the
   /// session. Once the scope is over, an operation sends nothing more and throws RequestEnded.
   KCVelloConnection within(RequestScope scope) const;
+  const RequestScope& scope() const { return scope_; }
 
   /// A copy of the session values and of the record in memory. Any thread.
   DataStore dataStore() const { return session_->values().store; }

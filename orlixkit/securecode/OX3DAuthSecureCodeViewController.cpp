@@ -5,16 +5,16 @@
 namespace orlix {
 
 OXSecureCodeViewController::PageRequest OX3DAuthSecureCodeViewController::pageRequest() const {
-  return [cardId = purchaseRequest().cardId](KCVelloConnection& connection) {
+  return [cardId = purchaseRequest_.cardId](KCVelloConnection& connection) {
     return connection.get3DAuthSecureCodeUrl(cardId);
   };
 }
 
 OXSecureCodeViewController::PurchaseCall OX3DAuthSecureCodeViewController::purchaseCall() const {
-  PurchaseRequest request = purchaseRequest();
+  PurchaseRequest request = purchaseRequest_;
   // The server decides what the authentication transaction costs.
   request.amount.reset();
-  return [request = std::move(request), data = secureCodeData()](KCVelloConnection& connection) {
+  return [request = std::move(request), data = secureCodeData_](KCVelloConnection& connection) {
     return connection.auth3DsCard(request, data);
   };
 }

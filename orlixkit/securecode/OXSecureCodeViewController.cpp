@@ -6,8 +6,6 @@
 #include <fmt/format.h>
 
 #include "orlixkit/checkout/OXUtil.h"
-#include "orlixkit/checkout/ReceiptPolling.h"
-#include "orlixkit/checkout/WalletRequest.h"
 #include "orlixkit/platform/Host.h"
 #include "orlixkit/securecode/IssuerPage.h"
 #include "orlixkit/securecode/PageReading.h"
@@ -23,7 +21,8 @@ constexpr const char* kPleaseWait = "Please wait";
 }  // namespace
 
 OXSecureCodeViewController::OXSecureCodeViewController()
-    : secureCodewebView_(outlet<WebPageView>("secureCodewebView")),
+    : Payment(*this, kPleaseWait, RequestQueue::globalHigh),
+      secureCodewebView_(outlet<WebPageView>("secureCodewebView")),
       cancelButton_(button("cancelButton", "CANCEL", "cancelButton")) {
   action("cancelButton", [this] { cancelTransaction(); });
   action("cancelAction", [this] { cancelTransaction(); });
@@ -123,9 +122,7 @@ void OXSecureCodeViewController::secureCodeInfoLoaded() {
   if (secureCodeInfo_->hasError) {
     endWithWarning("An error occured. " + secureCodeInfo_->error.value_or("(null)"));
   } else if (!secureCodeInfo_->cardSupported) {
-    if (hideProgress()) {
-      session()->returnError(6);
-    }
+    endWith([](OXSession& session) { session.returnError(6); });
   } else if (IssuerPage::isMissing(*secureCodeInfo_)) {
     endWithWarning("The issuer sent no page.");
   } else if (!secureCodewebView_->page()) {
@@ -225,33 +222,23 @@ void OXSecureCodeViewController::webContentProcessDidTerminate() {
 }
 
 void OXSecureCodeViewController::offerPageRetry() {
-  offerRetryOf(&OXSecureCodeViewController::loadSecureCodeInfo, [screen = self()] {
-    if (!screen->pageShown_) {
-      screen->cancelTransaction();
-    }
-  });
+  offerRetryOf([screen = self()] { screen->loadSecureCodeInfo(); });
 }
 
-void OXSecureCodeViewController::offerPaymentRetry(Step step) {
-  offerRetryOf(step, [screen = self()] { screen->cancelTransaction(); });
-}
-
-/// The connection alert for a step that has failed, one at a time. An alert that is lost offers
+/// One at a time. Cancel leaves a page that is shown to the user. An alert that is lost offers
 /// nothing any more; the user leaves by CANCEL.
-void OXSecureCodeViewController::offerRetryOf(Step step, Task cancel) {
-  if (!hideProgress()) {
-    return;
-  }
-  ConnectionAlert alert;
-  alert.retry = [screen = self(), step] { ((*screen).*step)(); };
-  alert.cancel = std::move(cancel);
-  alert.lost = [] {};
-  alert.isWanted = [screen = self(), turn = turn_, stage = stage_] {
-    return screen->turn_ == turn && screen->stage_ == stage;
-  };
-  alert.ofPayment = true;
-  alert.source = identifier();
-  OXUtil::showConnectionAlert(std::move(alert));
+ConnectionAlert OXSecureCodeViewController::failureAlert() {
+  const auto screen = self();
+  return {.cancel =
+              [screen] {
+                if (screen->stage_ == Stage::over || !screen->pageShown_) {
+                  screen->cancelTransaction();
+                }
+              },
+          .lost = [] {},
+          .isWanted = [screen, turn = turn_,
+                       stage = stage_] { return screen->turn_ == turn && screen->stage_ == stage; },
+          .source = identifier()};
 }
 
 std::optional<SecretString> OXSecureCodeViewController::stringByEvaluatingJavaScriptFromString(
@@ -277,62 +264,16 @@ OXSecureCodeViewController::PurchaseCall OXSecureCodeViewController::purchaseCal
 }
 
 void OXSecureCodeViewController::makePayment() {
-  if (!session()) {
-    return;
-  }
-  showProgress(kPleaseWait);
-  if (!session()) {
-    return;
-  }
-  requestInBackground<MTPinResponse>(
-      RequestQueue::globalHigh, purchaseCall(),
-      [screen = self()](MTPinResponse response) { screen->purchaseAnswered(std::move(response)); },
-      [screen = self()] { screen->offerPaymentRetry(&OXSecureCodeViewController::makePayment); });
+  pay(purchaseCall(), [screen = self()] { screen->makePayment(); });
 }
 
-void OXSecureCodeViewController::purchaseAnswered(MTPinResponse response) {
-  // Neither is sent again.
+void OXSecureCodeViewController::purchaseAnswered() {
   purchaseRequest_.cvv.reset();
   secureCodeData_.PaRes.reset();
-  pinResponse_ = std::move(response);
-  if (pinResponse_.status == PinResponseStatus::success) {
-    pollForReceipt();
-    return;
-  }
-  if (hideProgress()) {
-    session()->returnError(2);
-  }
 }
 
-void OXSecureCodeViewController::pollForReceipt() {
-  if (!OXUtil::indicator().isShownFor(*this)) {
-    showProgress(kPleaseWait);
-  }
-  if (!session()) {
-    return;
-  }
-  ReceiptPollingEnds ends;
-  ends.answered = [screen = self()](const MTReceipt& receipt) { screen->receiptArrived(receipt); };
-  // The time-out reports nothing: whether the payment went through is not known, and the user
-  // leaves by CANCEL.
-  ends.timedOut = [screen = self()] { static_cast<void>(screen->hideProgress()); };
-  ends.failed = [screen = self()] {
-    screen->offerPaymentRetry(&OXSecureCodeViewController::pollForReceipt);
-  };
-  orlix::pollForReceipt(pinResponse_.transactionId, std::move(ends));
-}
-
-void OXSecureCodeViewController::receiptArrived(const MTReceipt& receipt) {
-  if (!hideProgress()) {
-    return;
-  }
-  const std::string reference = std::to_string(pinResponse_.transactionId);
-  if (receipt.status == "SUCCESS") {
-    succeeded(reference);
-  } else {
-    session()->returnPaymentFailedWithTransactionReference(reference);
-  }
-}
+/// Reports nothing: whether the payment went through is not known, and the user leaves by CANCEL.
+void OXSecureCodeViewController::receiptTimedOut() { static_cast<void>(hideProgress()); }
 
 void OXSecureCodeViewController::validateCard(Task done, Task failed) {
   requestInBackground<MTCardValidateResponse>(
@@ -344,9 +285,7 @@ void OXSecureCodeViewController::validateCard(Task done, Task failed) {
 }
 
 void OXSecureCodeViewController::succeeded(const std::string& reference) {
-  const Task report = [screen = self(), reference] {
-    screen->session()->returnPaymentSucceededWithTransactionReference(reference);
-  };
+  const Task report = [screen = self(), reference] { screen->Payment::succeeded(reference); };
   if (!mustValidateCard_) {
     report();
     return;

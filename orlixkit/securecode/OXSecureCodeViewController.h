@@ -7,13 +7,11 @@
 #include <string_view>
 
 #include "orlixkit/checkout/OrlixViewController.h"
+#include "orlixkit/checkout/Payment.h"
 #include "orlixkit/platform/WebView.h"
 #include "orlixkit/platform/ui/WebPageView.h"
 #include "orlixkit/protocol/KCVelloConnection.h"
-#include "orlixkit/records/MTPinResponse.h"
-#include "orlixkit/records/MTReceipt.h"
 #include "orlixkit/records/MTSecureCodeURLResponse.h"
-#include "orlixkit/records/PurchaseRequest.h"
 #include "orlixkit/records/VelloSecureCodeData.h"
 
 namespace orlix {
@@ -25,10 +23,9 @@ namespace orlix {
 /// What is paid is fixed when the screen loads. Only the page information asked for last counts,
 /// and none once the termination page has been seen; so the PaRes is always sent with the
 /// `secureCodeId` of the page that led to it, and a termination page that loads twice pays once.
-///
-/// The observer of the indicator and the alerts is the host's code, and may end the flow: what
-/// comes after them asks for the session again.
-class OXSecureCodeViewController : public OrlixViewController, public WebViewDelegate {
+class OXSecureCodeViewController : public OrlixViewController,
+                                   public Payment,
+                                   public WebViewDelegate {
  public:
   OXSecureCodeViewController();
 
@@ -38,7 +35,6 @@ class OXSecureCodeViewController : public OrlixViewController, public WebViewDel
   /// Stops the page that is shown, and asks for another.
   void loadSecureCodeInfo();
   void makePayment();
-  void pollForReceipt();
   /// CANCEL. Ends the checkout as cancelled by the user; as succeeded when the payment has already
   /// succeeded and only the card's validation is still under way.
   void cancelTransaction();
@@ -59,23 +55,20 @@ class OXSecureCodeViewController : public OrlixViewController, public WebViewDel
   /// What differs between paying and authenticating. `page` and `purchase` return what to ask in
   /// the background, with all it needs copied; main thread.
   using PageRequest = std::function<MTSecureCodeURLResponse(KCVelloConnection&)>;
-  using PurchaseCall = std::function<MTPinResponse(KCVelloConnection&)>;
   virtual PageRequest pageRequest() const;
   virtual PurchaseCall purchaseCall() const;
-  /// The receipt says "SUCCESS". The session is live.
-  virtual void succeeded(const std::string& reference);
+  void succeeded(const std::string& reference) override;
 
-  const PurchaseRequest& purchaseRequest() const { return purchaseRequest_; }
-  const VelloSecureCodeData& secureCodeData() const { return secureCodeData_; }
   /// Marks the card as validated at the server; one of the two tasks runs while the session lives.
   void validateCard(Task done, Task failed);
+
+  VelloSecureCodeData secureCodeData_;
 
  private:
   /// `asking`: no page counts. `showing`: the page of `secureCodeInfo_` is in the web view. `over`:
   /// the termination page has been seen, or no page will come; neither pages nor page information
   /// count any more.
   enum class Stage { asking, showing, over };
-  using Step = void (OXSecureCodeViewController::*)();
 
   void takePaymentOf(OXSession& session);
   void addWebView();
@@ -86,12 +79,11 @@ class OXSecureCodeViewController : public OrlixViewController, public WebViewDel
   /// the alert is lost.
   void endWithWarning(const std::string& message);
   void offerPageRetry();
-  void offerPaymentRetry(Step step);
-  void offerRetryOf(Step step, Task cancel);
+  ConnectionAlert failureAlert() override;
   ScriptResult readPage(const std::string& script, const std::shared_ptr<WebView>& webView);
   void terminationPageSeen(std::string_view markup);
-  void purchaseAnswered(MTPinResponse response);
-  void receiptArrived(const MTReceipt& receipt);
+  void purchaseAnswered() override;
+  void receiptTimedOut() override;
   bool isCurrentPage(unsigned turn) const;
   std::shared_ptr<OXSecureCodeViewController> self();
 
@@ -105,10 +97,7 @@ class OXSecureCodeViewController : public OrlixViewController, public WebViewDel
   bool answered_ = false;   ///< a page request has ended and waits for the screen to appear
   bool pageShown_ = false;  ///< a page of the issuer, not only the form that leads to it
   std::optional<MTSecureCodeURLResponse> secureCodeInfo_;  ///< none after a failed request
-  PurchaseRequest purchaseRequest_;
   bool mustValidateCard_ = false;
-  VelloSecureCodeData secureCodeData_;
-  MTPinResponse pinResponse_;
   std::optional<std::string> paidReference_;  ///< of a payment that has succeeded
 };
 

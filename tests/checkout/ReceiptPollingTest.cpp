@@ -1,4 +1,4 @@
-#include "orlixkit/checkout/ReceiptPolling.h"
+#include "orlixkit/checkout/Payment.h"
 #include "orlixkit/protocol/OMVello.h"
 #include "tests/phone/Phone.h"
 
@@ -16,10 +16,13 @@ struct Poller {
     phone.host.runUntilIdle();
   }
   void begin() {
-    pollForReceipt(42, {[this](const MTReceipt& receipt) {
-                          end = "answered " + receipt.status.value_or("(none)");
-                        },
-                        [this] { end = "timed out"; }, [this] { end = "failed"; }});
+    requestInBackground<std::optional<MTReceipt>>(
+        RequestQueue::newOperationQueue,
+        [](KCVelloConnection& connection) { return Payment::receiptOf(42, connection); },
+        [this](const std::optional<MTReceipt>& receipt) {
+          end = receipt ? "answered " + receipt->status.value_or("(none)") : "timed out";
+        },
+        [this] { end = "failed"; });
   }
   Duration runToEnd() {
     const SteadyTime begun = phone.host.clock().steadyNow();

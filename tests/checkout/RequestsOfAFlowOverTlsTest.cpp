@@ -195,7 +195,8 @@ class Scene {
     step();
     phone_->runUntil([&] {
       const std::string screen = phone_->screen();
-      return user().topController() != former && !screen.empty() && screen != "Waiting" &&
+      return user().topController() != former && user().topController()->hasAppeared() &&
+             !screen.empty() && screen != "Waiting" &&
              !Host::current().application().progressIndicator().blocksInput();
     });
     return phone_->screen();

@@ -91,7 +91,10 @@ void TlsPhone::look() {
 }
 
 void TlsPhone::runUntilScreen(const std::string& identifier) {
-  runUntil([&] { return screen() == identifier; });
+  runUntil([&] {
+    const std::shared_ptr<ViewController> top = user->topController();
+    return top->identifier() == identifier && top->hasAppeared() && !top->presentedViewController();
+  });
 }
 
 void TlsPhone::runUntilOutcomeOrAlert() {

@@ -5,8 +5,8 @@
 #include "orlixkit/platform/MainQueue.h"
 #include "orlixkit/platform/Utf8.h"
 #include "orlixkit/platform/ui/ActiveWindow.h"
-#include "orlixkit/platform/ui/FieldTouch.h"
 #include "orlixkit/platform/ui/TableView.h"
+#include "orlixkit/platform/ui/Touch.h"
 
 namespace orlix {
 
@@ -29,41 +29,21 @@ std::shared_ptr<View> ScreenUser::find(const std::string& name) const {
   return found;
 }
 
-void ScreenUser::requireTouches(const std::string& name) const {
+std::shared_ptr<ViewController> ScreenUser::reach(const std::string& name) const {
   const std::shared_ptr<ViewController> top = topController();
-  const bool passes = top && top->isReachableUnderMask(name);
-  if (application_.progressIndicator().blocksInput() && !passes) {
-    throw std::logic_error("the progress indicator holds back the touch on " + name);
+  const TouchRefusal refusal = top ? touchRefusal(application_, *top, name) : TouchRefusal::covered;
+  if (refusal != TouchRefusal::none) {
+    throw std::logic_error("a touch on " + name + " has no effect: " + touchRefusalText(refusal));
   }
-}
-
-std::shared_ptr<View> ScreenUser::reachable(const std::string& name) const {
-  const std::shared_ptr<View> found = find(name);
-  if (found->isOutOfSight()) {
-    throw std::logic_error("the outlet " + name + " cannot be seen");
-  }
-  requireTouches(name);
-  return found;
-}
-
-std::shared_ptr<TextField> ScreenUser::reachableField(const std::string& name) const {
-  reachable(name);
-  const auto field = outlet<TextField>(name);
-  if (!field->enabled()) {
-    throw std::logic_error("the field " + name + " is disabled");
-  }
-  return field;
-}
-
-bool ScreenUser::touch(TextField& field) const {
-  bool begun = false;
-  runLogged([&] { begun = touchField(*topController(), field); });
-  return begun;
+  return top;
 }
 
 void ScreenUser::edit(const std::string& field, const std::function<void(TextField&)>& keys) const {
-  const std::shared_ptr<TextField> target = reachableField(field);
-  if (!touch(*target)) {
+  const std::shared_ptr<ViewController> top = reach(field);
+  const auto target = outlet<TextField>(field);
+  bool begun = false;
+  runLogged([&] { begun = touchField(*top, *target); });
+  if (!begun) {
     throw std::logic_error("the field " + field + " takes no keys");
   }
   runLogged([&] { keys(*target); });
@@ -90,41 +70,23 @@ void ScreenUser::replaceAll(const std::string& field, const std::string& text) {
 }
 
 void ScreenUser::tap(const std::string& name) {
-  const std::shared_ptr<ViewController> top = topController();
-  const bool isOutlet = top && top->outletNamed(name);
-  if (isOutlet) {
-    const std::shared_ptr<View> target = reachable(name);
-    const auto button = std::dynamic_pointer_cast<Button>(target);
-    if (button && !button->enabled()) {
-      throw std::logic_error("the button " + name + " is disabled");
-    }
-    if (std::dynamic_pointer_cast<TextField>(target)) {
-      touch(*reachableField(name));
-      return;
-    }
-    const Task touched =
-        button && button->onTouchUpInside ? button->onTouchUpInside : target->onTap;
-    if (touched) {
-      runLogged(touched);
-      return;
-    }
+  const std::shared_ptr<ViewController> top = reach(name);
+  const Task touched = touchTask(top, name);
+  if (!touched) {
+    throw std::logic_error("the top screen " + top->identifier() + " has nothing to tap named " +
+                           name);
   }
-  if (!top || !top->hasAction(name)) {
-    throw std::logic_error("the top screen " + (top ? top->identifier() : "") +
-                           " has nothing to tap named " + name);
-  }
-  requireTouches(name);
-  runLogged([&] { top->performAction(name); });
+  runLogged(touched);
 }
 
 void ScreenUser::chooseRow(const std::string& table, std::size_t row) {
-  reachable(table);
+  reach(table);
   const auto target = outlet<TableView>(table);
   runLogged([&] { target->select(row); });
 }
 
 void ScreenUser::tapRowButton(const std::string& table, std::size_t row) {
-  reachable(table);
+  reach(table);
   const TableCell cell = outlet<TableView>(table)->cell(row);
   if (!cell.button || !cell.button->onTouchUpInside) {
     throw std::logic_error("row " + std::to_string(row) + " of " + table + " has no button");

@@ -42,10 +42,8 @@ class ScreenUser {
 
  private:
   std::shared_ptr<View> find(const std::string& name) const;
-  std::shared_ptr<View> reachable(const std::string& name) const;
-  std::shared_ptr<TextField> reachableField(const std::string& name) const;
-  void requireTouches(const std::string& name) const;
-  bool touch(TextField& field) const;
+  /// The top screen, when a touch on this outlet or action of it has an effect.
+  std::shared_ptr<ViewController> reach(const std::string& name) const;
   void edit(const std::string& field, const std::function<void(TextField&)>& keys) const;
 
   Application& application_;

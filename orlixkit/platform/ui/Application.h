@@ -82,6 +82,7 @@ class Application : public std::enable_shared_from_this<Application> {
   void showMainWindow(const std::shared_ptr<ViewController>& root);
 
   ProgressIndicator& progressIndicator() { return progressIndicator_; }
+  const ProgressIndicator& progressIndicator() const { return progressIndicator_; }
   Storyboard& storyboard() { return storyboard_; }
 
   /// Not owned; none to stop.
