@@ -36,8 +36,9 @@ int runApplication(const std::string& purpose, const ServerAddress& server, cons
     const std::string& screen = top->identifier();
     if (!phone.app->heard.empty()) {
       end = kPaid;
-    } else if (orlix::Host::current().application().progressIndicator().blocksInput()) {
-      return false;  // touches are held back until it has faded out
+    } else if (orlix::Host::current().application().progressIndicator().blocksInput() ||
+               !top->hasAppeared()) {
+      return false;  // touches have no effect yet
     } else if (top == handled || end) {
       return end.has_value();
     } else if (screen == "Activation") {

@@ -257,7 +257,7 @@ bool Walk::happen(const std::string& name) {
 
 void Walk::happen(const Offer& offer, bool settles) {
   sentNow_.clear();
-  answersLeftScreen_ = false;
+  answersLeftScreen_ = paymentIsLost_ = false;
   runLogged(offer.happen);
   if (!wasSettled_ || !settles) {
     questions_.clear();  // two events at once: what either of them changes cannot be told apart
@@ -341,7 +341,10 @@ void Walk::noteAnswer(const HeldRequest& request, const std::string& how) {
     flow.refusedKind = cause_ = kind;
     flow.lookupsAreMixed = flow.lookupsAreMixed || kind == "lookup";
   } else if (how == "lost" && kind != "session") {
-    cause_ = kind;
+    // Of several that fail at once the payment's is offered first.
+    const bool isPayment = kind == "purchase" || kind == "authenticate" || kind == "receipt";
+    cause_ = isPayment || !paymentIsLost_ ? kind : cause_;
+    paymentIsLost_ = paymentIsLost_ || isPayment;
   }
   if (kind == "session") {
     // A request that was refused with 403 fails with the session that was to replace its own.

@@ -207,7 +207,8 @@ class Walk : private UiObserver {
   int animationsToHold_ = 0;
   std::map<std::string, std::string> armed_;  ///< by hook: what the host does there
   std::map<std::weak_ptr<AlertController>, std::string, std::owner_less<>> causes_;
-  std::string cause_;  ///< kind of the request that failed last
+  std::string cause_;           ///< kind of the request that failed last
+  bool paymentIsLost_ = false;  ///< in this event
   std::string termsAnswer_ = "ok";
   bool forgetful_ = false;
   int entriesRunning_ = 0;

@@ -13,15 +13,21 @@ void drawn(const ShopOptions& options, ScriptSource& script, std::ostream& lines
 }
 
 /// Without what takes time only where it is drawn: the fade of the indicator, which may end after
-/// the next screen has come, and the loading of a page.
+/// the next screen has come, the loading of a page, and a screen whose successor of the same kind
+/// comes before it has been seen (the lookup that waits for accepted terms).
 std::string withoutWaiting(const std::string& lines) {
   const bool hasPage = lines.find("TermsAndConditions\"") != std::string::npos;
   std::istringstream all(lines);
   std::string kept;
+  std::string before;
   for (std::string line; std::getline(all, line);) {
     const bool fades = line == R"({"event":"progress","status":null})";
     const bool loads = hasPage && line == R"({"event":"progress","status":"Please wait"})";
-    kept += fades || loads ? "" : line + "\n";
+    const bool repeats = line == before && line.starts_with(R"({"event":"screen")");
+    if (!fades && !loads && !repeats) {
+      kept += line + "\n";
+      before = line;
+    }
   }
   return kept;
 }
