@@ -34,9 +34,9 @@ class OutletAdapter : public QObject {
   ~OutletAdapter() override;
   /// Releases the view and the screen.
   virtual void detach();
-  /// Tells when `shown` is no longer what it was told last.
+  /// Signals `shown` when it has changed.
   void refreshShown();
-  /// Tells that the mask has come or gone.
+  /// The mask has come or gone.
   void refreshReachable() { Q_EMIT reachableChanged(); }
 
   QString name() const { return QString::fromStdString(name_); }

@@ -45,6 +45,7 @@ class ProgressIndicator {
 
  private:
   friend class Application;
+  friend class ModalPresentation;
   friend class ViewController;
   enum class State { hidden, shown, fading };
   struct Completion {

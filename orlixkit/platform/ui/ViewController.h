@@ -13,6 +13,7 @@
 namespace orlix {
 
 class NavigationController;
+class ModalPresentation;
 class PresentationController;
 class TabBarController;
 class TransitioningDelegate;
@@ -81,9 +82,7 @@ class ViewController : public std::enable_shared_from_this<ViewController> {
   bool isBeingDismissed() const { return presentationState() == PresentationState::dismissing; }
   /// From `viewDidAppear` to `viewWillDisappear`.
   bool hasAppeared() const { return appeared_; }
-  const std::shared_ptr<PresentationController>& presentationController() const {
-    return presentationController_;
-  }
+  std::shared_ptr<PresentationController> presentationController() const;
 
   ModalPresentationStyle modalPresentationStyle = ModalPresentationStyle::fullScreen;
   /// Not owned.
@@ -139,49 +138,14 @@ class ViewController : public std::enable_shared_from_this<ViewController> {
 
  private:
   friend class Application;
-  /// A presentation that cannot begin yet.
-  struct Waiting {
-    std::shared_ptr<ViewController> controller;
-    bool animated = false;
-    Task completion;
-  };
-  /// A controller and which of its presentations is meant: it may be presented again meanwhile.
-  struct Showing {
-    std::shared_ptr<ViewController> controller;
-    unsigned number = 0;
-    bool is(PresentationState state) const;
-  };
-  /// What is left of a presentation that has ended.
-  struct Gone {
-    std::shared_ptr<ViewController> controller;
-    std::vector<Task> completions;
-    std::vector<Waiting> waiting;
-  };
+  friend class ModalPresentation;
   void registerOutlet(const std::string& name, const std::shared_ptr<View>& view);
   std::string reasonNotToPresent(const ViewController& controller) const;
-  void begin(const std::shared_ptr<ViewController>& controller, bool animated, Task completion);
-  void layOut(const std::shared_ptr<ViewController>& controller);
-  void wait(const std::shared_ptr<ViewController>& controller, bool animated, Task completion);
-  /// Each that still waits gets its turn: on `presenter`, without one on top of the active window.
-  static void presentWaiting(const std::vector<Waiting>& waiting,
-                             const std::shared_ptr<ViewController>& presenter);
   /// Calls `hasGone` from the main queue.
   void loseLater();
-
-  // Of the presented controller itself:
-  Showing thisShowing();
-  std::vector<Showing> stackFromTheTop();
-  void arrive();
-  void beginDismissal(std::vector<Showing> stack);
-  void endDismissal(unsigned number);
-  Gone unlink();
-  void stepOutOfTheStack();
-  void leaveWithoutPresenter();
-  static void finish(const std::vector<Gone>& all);
   void appear();
   void disappear();
-
-  /// Lets go of everything presented, and of what waits for it, without telling anyone.
+  /// Releases everything presented, and what waits for it, without telling anyone.
   void abandonPresented();
   void releasePresented() noexcept;
 
@@ -195,18 +159,9 @@ class ViewController : public std::enable_shared_from_this<ViewController> {
   std::map<std::string, Task> actions_;
   std::set<std::string> underMask_;
 
-  // This one's own presentation:
-  PresentationState state_ = PresentationState::idle;
-  unsigned number_ = 0;  ///< counts its presentations
-  std::weak_ptr<ViewController> presenting_;
-  std::weak_ptr<ViewController> waitsOn_;
-  std::shared_ptr<PresentationController> presentationController_;
-  Task whenPresented_;
-  std::vector<Task> whenGone_;
-
-  // What it presents:
-  std::shared_ptr<ViewController> presented_;
-  std::vector<Waiting> waiting_;
+  std::weak_ptr<ModalPresentation> presentation_;  ///< this one's own
+  std::shared_ptr<ModalPresentation> presents_;    ///< of what it presents
+  std::vector<std::shared_ptr<ModalPresentation>> waiting_;
 };
 
 template <class T>
