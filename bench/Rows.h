@@ -13,6 +13,8 @@ Row checkoutRow(const std::string& base, const std::string& anchor);
 Row spreadCheckoutRow(const std::string& base, const std::string& anchor);
 /// Against requests that take the same turns between two threads and nothing else.
 Row threadedCheckoutRow(const std::string& base, const std::string& anchor);
+/// A first checkout over a line with 100 ms in each direction: how many round trips it takes.
+Row distantCheckoutRow(const std::string& base, const std::string& anchor);
 
 // A new process for each sample.
 Row firstRequestRow(const std::string& base, const std::string& anchor);

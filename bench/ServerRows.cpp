@@ -1,3 +1,4 @@
+#include <chrono>
 #include <condition_variable>
 #include <filesystem>
 #include <functional>
@@ -7,6 +8,7 @@
 
 #include "bench/BareCheckout.h"
 #include "bench/CheckoutRun.h"
+#include "bench/DelayingProxy.h"
 #include "bench/Processors.h"
 #include "bench/Rows.h"
 #include "orlixkit/protocol/OMNetwork.h"
@@ -70,7 +72,7 @@ Row requestRow(const std::string& base, const std::string& anchor) {
   OMNetwork network;
   const std::optional<SecretBytes> body(ByteView(reinterpret_cast<const std::uint8_t*>("{}"), 2));
   return compare(
-      "a request through OMNetwork : bare reused handle", 1.1, {.samples = 300},
+      "a request through OMNetwork : bare reused handle", 1.05, {.samples = 300},
       [&] { bare.post("/card/list/TALU", "{}"); },
       [&] {
         if (network.post(base + "/card/list/TALU", body, store).responseCode != 200) {
@@ -84,7 +86,7 @@ Row checkoutRow(const std::string& base, const std::string& anchor) {
   CheckoutRun library(base, anchor, kState);
   BareClient bare(base, anchor);
   return compare(
-      "a headless PIN checkout : its bare requests", 1.15, {.samples = 100}, [&] { payBare(bare); },
+      "a headless PIN checkout : its bare requests", 1.2, {.samples = 100}, [&] { payBare(bare); },
       [&] { library.pay(); });
 }
 
@@ -102,9 +104,23 @@ Row threadedCheckoutRow(const std::string& base, const std::string& anchor) {
   BareClient bare(base, anchor);
   OtherThread worker;
   return compare(
-      "the same, the bare requests made off the main thread", 0, {.samples = 60},
+      "the same, the bare requests made off the main thread", 1.1, {.samples = 60},
       [&] { payBare(bare, [&](const std::function<void()>& work) { worker.call(work); }); },
       [&] { library.pay(); });
+}
+
+Row distantCheckoutRow(const std::string& base, const std::string& anchor) {
+  const DelayingProxy line(base, std::chrono::milliseconds(100));
+  BareClient bare(line.base(), anchor);
+  openSession(bare);
+  // Five: the handshake, the session, the lookup, the purchase and its receipt.
+  return compare(
+      "a first checkout over 100 ms each way : a round trip", 5.3, {.samples = 1},
+      [&] { bare.post("/card/list/TALU", "{}"); },
+      [&] {
+        CheckoutRun library(line.base(), anchor, kState);
+        library.pay();
+      });
 }
 
 }  // namespace orlix::bench

@@ -48,6 +48,7 @@ std::vector<std::pair<std::string, std::function<Row()>>> knownRows(const std::s
           {"checkout", [=] { return checkoutRow(base, anchor); }},
           {"checkout-spread", [=] { return spreadCheckoutRow(base, anchor); }},
           {"checkout-off-main", [=] { return threadedCheckoutRow(base, anchor); }},
+          {"checkout-distant", [=] { return distantCheckoutRow(base, anchor); }},
           {"memory", [=] { return memoryRow(base, anchor); }},
           {"pin-block", pinBlockRow},
           {"store", [=] { return storeRow(folder + "/store.db"); }},

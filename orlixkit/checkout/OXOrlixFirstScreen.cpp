@@ -101,12 +101,14 @@ void lookUpCode(bool hasWaitingScreen, bool dataOnly) {
       [code = session->code](KCVelloConnection& connection) {
         return connection.getCodeInfoV2(code, "inapp");
       },
-      [session, lookup, hasWaitingScreen](const MTCodeResponse& response) {
+      [session, lookup, hasWaitingScreen](MTCodeResponse answer) {
+        // Shared, since whoever waits for the end of a payment copies what it holds.
+        const auto response = std::make_shared<MTCodeResponse>(std::move(answer));
         lookup.take(*session, [hasWaitingScreen, response](OXSession& current, bool late) {
           if (late) {
-            refreshData(current, response);
+            refreshData(current, std::move(*response));
           } else {
-            codeLookedUp(current, response, hasWaitingScreen);
+            codeLookedUp(current, std::move(*response), hasWaitingScreen);
           }
         });
       },

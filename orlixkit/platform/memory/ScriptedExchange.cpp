@@ -17,7 +17,7 @@ std::string serverOf(const std::string& url) {
   return url.substr(0, url.find('/', scheme == std::string::npos ? 0 : scheme + 3));
 }
 
-bool isSecure(const std::string& url) { return url.starts_with("https://"); }
+bool isHttps(const std::string& url) { return url.starts_with("https://"); }
 
 bool breaksTheLine(const std::string& text) {
   return text.find_first_of(std::string_view("\r\n\0", 3)) != std::string::npos;
@@ -67,7 +67,7 @@ HttpResult ScriptedExchange::run() {
 }
 
 std::string ScriptedExchange::reasonToRefuse() const {
-  if (!isSecure(request_.url)) {
+  if (!isHttps(request_.url)) {
     return "The address " + request_.url + " is not secure.";
   }
   const auto isBroken = [](const auto& field) {
@@ -133,9 +133,9 @@ ScriptedExchange::Outcome ScriptedExchange::ask(const std::shared_ptr<ScriptedTr
 }
 
 ScriptedExchange::Outcome ScriptedExchange::follow(const std::string& target) {
-  if (++redirects_ > kMostRedirects || !isSecure(target)) {
-    return failure(isSecure(target) ? "Too many redirects."
-                                    : "A redirect leads to no secure address.");
+  if (++redirects_ > kMostRedirects || !isHttps(target)) {
+    return failure(isHttps(target) ? "Too many redirects."
+                                   : "A redirect leads to no secure address.");
   }
   if (status_ >= 301 && status_ <= 303 && request_.method == "POST") {
     request_.method = "GET";

@@ -80,11 +80,8 @@ void CurlExchange::setConstantOptions() {
   // An exchange that ends while the name is being looked up does not wait for the resolver.
   set(CURLOPT_QUICK_EXIT, 1L);
   set(CURLOPT_ERRORBUFFER, &errorText_[0]);
-  set(CURLOPT_PROTOCOLS_STR, "https");
   // The order and the spelling of header fields are those of HTTP/1.1.
   set(CURLOPT_HTTP_VERSION, static_cast<long>(CURL_HTTP_VERSION_1_1));
-  // A user name in a redirect's address would be sent as a header field of its own.
-  set(CURLOPT_DISALLOW_USERNAME_IN_URL, 1L);
   set(CURLOPT_FOLLOWLOCATION, 0L);
   // The least that libcurl takes: bodies are small, and the buffer is wiped after each of them.
   set(CURLOPT_UPLOAD_BUFFERSIZE, 16384L);
@@ -128,7 +125,8 @@ void CurlExchange::prepareHop(RequestTarget target) {
   hop_ = {};
   errorText_[0] = '\0';
 
-  set(CURLOPT_URL, target_.address.c_str());
+  set(CURLOPT_URL, static_cast<const char*>(nullptr));  // of the hop before
+  set(CURLOPT_CURLU, target_.address.get());
   set(CURLOPT_HTTPHEADER, headers_.get());
   if (method_ == "POST") {
     const bool filled = carriesBody();
@@ -309,6 +307,9 @@ CURLcode CurlExchange::onTlsContext(CURL*, void* context, void* self) {
   SSL_CTX_set_keylog_callback(tls, nullptr);
   // A further handshake on the same connection would ask an exchange that may be gone.
   SSL_CTX_set_options(tls, SSL_OP_NO_RENEGOTIATION | SSL_OP_CLEANSE_PLAINTEXT);
+  // The connection keeps its buffers: what has been read of them is wiped already, and to wipe all
+  // of them for their release takes as long as everything else that is done here for a request.
+  SSL_CTX_clear_mode(tls, SSL_MODE_RELEASE_BUFFERS);
   SSL_CTX_set_cert_verify_callback(tls, &onCertificates, self);
   return CURLE_OK;
 }

@@ -61,6 +61,11 @@ bool isSameName(std::string_view one, std::string_view other) {
   });
 }
 
+bool isAscii(std::string_view text) {
+  return std::none_of(text.begin(), text.end(),
+                      [](char unit) { return static_cast<unsigned char>(unit) >= 0x80; });
+}
+
 void append(HeaderList& list, const std::string& line) {
   curl_slist* const longer = curl_slist_append(list.get(), line.c_str());
   if (longer == nullptr) {
@@ -79,30 +84,32 @@ bool RequestTarget::hasOriginOf(const RequestTarget& other) const {
 }
 
 RequestTarget targetOf(const std::string& address) {
-  const std::unique_ptr<CURLU, decltype(&curl_url_cleanup)> url(curl_url(), curl_url_cleanup);
-  if (!url || curl_url_set(url.get(), CURLUPART_URL, address.c_str(), 0) != CURLUE_OK) {
-    throw std::invalid_argument("not an address: " + address);
-  }
-  if (partOf(url.get(), CURLUPART_SCHEME) != "https") {
+  if (!isSameName(std::string_view(address).substr(0, 8), "https://")) {
     throw std::invalid_argument("only https is spoken, not " + address);
   }
-  RequestTarget target{address, {}, {}};
-  {
+  RequestTarget target{decltype(RequestTarget::address)(curl_url()), {}, {}};
+  CURLU* const url = target.address.get();
+  if (url == nullptr ||
+      curl_url_set(url, CURLUPART_URL, address.c_str(), CURLU_DISALLOW_USER) != CURLUE_OK) {
+    throw std::invalid_argument("not an address: " + address);
+  }
+  const std::string given = partOf(url, CURLUPART_HOST);
+  target.host = given;
+  if (!isAscii(given)) {
     const NamesInUtf8 names;
-    target.host = partOf(url.get(), CURLUPART_HOST, CURLU_PUNYCODE);
+    target.host = partOf(url, CURLUPART_HOST, CURLU_PUNYCODE);
   }
   if (target.host.ends_with('.')) {
     target.host
         .pop_back();  // it marks the name as complete, which neither hosts nor servers expect
   }
   if (target.host.empty()) {
-    throw std::invalid_argument("not a host's name: " + partOf(url.get(), CURLUPART_HOST));
+    throw std::invalid_argument("not a host's name: " + given);
   }
-  if (target.host != partOf(url.get(), CURLUPART_HOST)) {
-    curl_url_set(url.get(), CURLUPART_HOST, target.host.c_str(), 0);
-    target.address = partOf(url.get(), CURLUPART_URL);
+  if (target.host != given) {
+    curl_url_set(url, CURLUPART_HOST, target.host.c_str(), 0);
   }
-  target.origin = target.host + ":" + partOf(url.get(), CURLUPART_PORT, CURLU_DEFAULT_PORT);
+  target.origin = target.host + ":" + partOf(url, CURLUPART_PORT, CURLU_DEFAULT_PORT);
   if (target.host.size() > 2 && target.host.front() == '[') {
     target.host = target.host.substr(1, target.host.size() - 2);
   }
@@ -110,9 +117,6 @@ RequestTarget targetOf(const std::string& address) {
 }
 
 void checkRequest(const HttpRequest& request) {
-  if (!isSameName(std::string_view(request.url).substr(0, 8), "https://")) {
-    throw std::invalid_argument("only https is spoken, not " + request.url);
-  }
   if (request.method != "GET" && request.method != "POST") {
     throw std::invalid_argument("only GET and POST are sent, not " + request.method);
   }

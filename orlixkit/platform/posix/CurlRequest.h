@@ -10,21 +10,26 @@
 
 namespace orlix {
 
-/// What an address says of the server behind it.
+struct CleanUpAddress {
+  void operator()(CURLU* address) const { curl_url_cleanup(address); }
+};
+
+/// Where a hop of an exchange leads.
 struct RequestTarget {
-  std::string address;  ///< with the host's name in ASCII and without a final dot
-  std::string host;     ///< the same name, or the host's address without brackets
-  std::string origin;   ///< host and port
+  /// With the host's name in ASCII and without a final dot.
+  std::unique_ptr<CURLU, CleanUpAddress> address;
+  std::string host;    ///< the same name, or the host's address without brackets
+  std::string origin;  ///< host and port
   bool hasOriginOf(const RequestTarget& other) const;
 };
 
 /// `address` is in UTF-8; an internationalised host's name is converted (IDNA). Throws
-/// std::invalid_argument when it is no address or not an https one, or no such name.
+/// std::invalid_argument when it is no address, not an https one or one with a user's name, which
+/// would be sent as a header field of its own, or when it has no such host's name.
 RequestTarget targetOf(const std::string& address);
 
-/// Throws std::invalid_argument when the request cannot be sent as it stands: another scheme than
-/// https, another method than GET and POST, or a header field that would break the request's lines
-/// and so add fields of its own.
+/// Throws std::invalid_argument when the request cannot be sent: another method than GET and POST,
+/// or a header field that would break the request's lines and so add fields of its own.
 void checkRequest(const HttpRequest& request);
 
 struct FreeHeaderList {
