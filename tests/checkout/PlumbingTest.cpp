@@ -17,7 +17,43 @@ std::shared_ptr<Window> windowWith(bool key, bool hidden = false, double alpha =
   return window;
 }
 
+void expectLook(const View& view, bool inBrandFonts) {
+  for (const auto& part : view.subviews()) {
+    const auto button = std::dynamic_pointer_cast<Button>(part);
+    const auto label = button ? button->titleLabel() : std::dynamic_pointer_cast<Label>(part);
+    if (button && button->tag() != 9999) {
+      EXPECT_TRUE(button->borderWidth() == 1 && button->borderColor() == kWhite &&
+                  button->cornerRadius() == 5 && button->backgroundColor() == kClear &&
+                  label->textColor() == kWhite)
+          << label->text();
+    }
+    if (label) {
+      EXPECT_EQ(label->font().name.starts_with("Inter-"), inBrandFonts) << label->text();
+    }
+    expectLook(*part, inBrandFonts);
+  }
+}
+
 }  // namespace
+
+TEST(Look, IsTheSameOnEveryScreen) {
+  Phone phone;
+  for (const char* name : {"Waiting", "Product", "SecureCode", "Activation", "CountryCode",
+                           "ActivationCode", "MsisdnRelink", "AddCard", "CardValidation", "Cards",
+                           "WalletManagement", "TermsAndConditions", "TermsAndConditionChange"}) {
+    SCOPED_TRACE(name);
+    const auto made = phone.host.application().storyboard().make(name);
+    const auto screen = made->visibleChild() ? made->visibleChild() : made;
+    screen->loadViewIfNeeded();
+    screen->viewWillAppear();
+    const Color shown = screen->view()->backgroundColor();
+    EXPECT_NEAR(shown.red * 255, 27, 0.1);
+    EXPECT_NEAR(shown.green * 255, 30, 0.1);
+    EXPECT_NEAR(shown.blue * 255, 38, 0.1);
+    // The payment screen is the one that keeps the fonts of its storyboard.
+    expectLook(*screen->view(), screen->identifier() != "Product");
+  }
+}
 
 TEST(Plumbing, AnAlertFindsTheApplicationsActiveWindow) {
   const auto background = windowWith(true);

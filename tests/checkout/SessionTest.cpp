@@ -35,12 +35,13 @@ TEST(Session, EachReturnStopsThePositionTakesTheScreensAwayAndCallsOnce) {
     SCOPED_TRACE(expected);
     Begun begun;
     begun.session->showPurchaseScreen();
+    begun.session->cvv = SecretString("123");
     bool screensWereGone = false;
     begun.app->onOutcome = [&] {
       screensWereGone = begun.host.root()->presentedViewController() == nullptr;
     };
     doReturn(*begun.session);
-    EXPECT_FALSE(begun.session->isLive());
+    EXPECT_FALSE(begun.session->isLive() || begun.session->cvv);
     EXPECT_TRUE(begun.app->heard.empty()) << "before the screens were gone";
     for (const auto& other : returns) {
       other.second(*begun.session);
@@ -56,7 +57,9 @@ TEST(Session, EachReturnStopsThePositionTakesTheScreensAwayAndCallsOnce) {
 
 TEST(Session, AReplacedOneLetsGoOfItsHostAndTheNextBeginsBare) {
   Begun begun;
+  begun.session->cvv = SecretString("123");
   OXSession::reset();
+  EXPECT_FALSE(begun.session->cvv);
   begun.session->returnUserDidCancel();
   begun.host.runUntilIdle();
   EXPECT_TRUE(begun.app->heard.empty());

@@ -140,6 +140,15 @@ TEST(AddCard, TakesTheFirstCardOfTheAnswerAndTheConfirmationTheLast) {
   EXPECT_EQ(OXUtil::getLastUsedCardid(), 0) << "an answer without a list";
 }
 
+TEST(AddCard, ShowsNoProgressWhileTheCheckoutBeginsAgain) {
+  Form form(answers::kNothingNeeded, Entry::checkout);
+  form.wallet.always("/card/link/", answers::kLinked);
+  form.proceedWithCard();
+  const std::size_t before = form.wallet.asked("/lookup/");
+  form.host.runUntil([&] { return form.wallet.asked("/lookup/") > before; });
+  EXPECT_FALSE(form.busy());
+}
+
 TEST(AddCard, SaysWhatTheServerAnswered) {
   struct Case {
     std::string answer, alert, alertOfConfirmation;

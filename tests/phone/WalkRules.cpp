@@ -253,8 +253,14 @@ void Walk::checkHosts() {
   }
 }
 
-/// What the entry call has brought along shows.
+/// What the entry call has brought along shows, on a card over the host's screen.
 void Walk::checkContent(const ViewController& shown) {
+  const Size whole = host_->application().mainScreenSize();
+  const Controller container = shown.parent.lock();
+  const Rect frame = (container ? *container : shown).view()->frame();
+  if (frame != Rect{(whole.width - 300) / 2, (whole.height - 400) / 2, 300, 400}) {
+    breakRule("(c) a screen is no card in the middle: " + shown.identifier());
+  }
   const auto text = [&shown](const char* outlet) { return shown.outletNamed(outlet)->shownText(); };
   if (shown.identifier() == "Activation" &&
       text("msisdnField") != "+27" + current().msisdn.substr(1)) {

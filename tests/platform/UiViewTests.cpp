@@ -56,6 +56,37 @@ TEST(View, IsInOneSuperviewOrInNone) {
   EXPECT_FALSE(view->isOutOfSight());
 }
 
+TEST(View, TellsItsListenerOfEachChangeOnce) {
+  const auto screen = std::make_shared<View>();
+  const auto part = std::make_shared<View>();
+  Button button;
+  Label label;
+  TextField field;
+  const struct {
+    std::string name;
+    View& view;
+    std::function<void()> change;
+  } rows[] = {
+      {"a part more", *screen, [&] { screen->addSubview(part); }},
+      {"a part less", *screen, [&] { part->removeFromSuperview(); }},
+      {"a border", *part, [&] { part->setBorder(1, kWhite); }},
+      {"a title", button, [&] { button.setTitle("Pay"); }},
+      {"a text with marks", label, [&] { label.setHtml("<b>Pay</b>"); }},
+      {"typed characters", field,
+       [&] {
+         field.replaceCharacters({0, 0}, "1");
+       }},
+  };
+  for (const auto& row : rows) {
+    int told = 0;
+    row.view.onChange = [&told] { ++told; };
+    row.change();
+    row.view.onChange = {};
+    EXPECT_EQ(told, 1) << row.name;
+  }
+  EXPECT_TRUE(label.isHtml());
+}
+
 TEST(ViewController, OutlivesItsActionAlsoWhenThatLetsGoOfIt) {
   struct Screen : ViewController {
     explicit Screen(std::shared_ptr<ViewController>& owner) {

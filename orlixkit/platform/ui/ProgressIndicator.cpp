@@ -84,7 +84,6 @@ void ProgressIndicator::end(std::uint64_t fade) {
 
 void ProgressIndicator::cutFor(const ViewController& owner) {
   if (belongsTo(owner)) {
-    fade_ += state_ == State::fading ? 0 : 1;
     state_ = State::fading;
     end(fade_);
   }
