@@ -14,7 +14,7 @@ namespace orlix {
 
 namespace {
 
-/// One line for each floor that has screens.
+/// One line per floor that has screens.
 void fillStoryboard(Storyboard& storyboard) {
   addCheckoutScreens(storyboard);
   addSecureCodeScreens(storyboard);

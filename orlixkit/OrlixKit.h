@@ -7,9 +7,9 @@
 
 namespace orlix {
 
-/// Puts the library together on a host and installs it: the storyboard's screens, the session
-/// driver's way to the screens, the brand's fonts. To be called once, on the main thread, before
-/// the first entry call. `Host::uninstall` takes it down again.
+/// Installs the host and registers the library with it: the storyboard's screens, the session
+/// driver's environment, the brand's fonts. Call it once, on the main thread, before the first
+/// entry call. `Host::uninstall` reverts it.
 void installOrlixKit(std::shared_ptr<Host> host);
 
 }  // namespace orlix

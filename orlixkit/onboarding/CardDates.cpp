@@ -20,7 +20,7 @@ std::string slice(const std::vector<std::string_view>& characters, std::size_t f
   return joined;
 }
 
-/// The number that a text begins with, behind white space and with a sign; 0 when there is none.
+/// The number at the beginning of a text, after white space and a sign; 0 when there is none.
 int leadingInteger(std::string_view text) {
   text.remove_prefix(std::min(text.find_first_not_of(" \t\r\n"), text.size()));
   if (text.starts_with('+')) {
@@ -48,7 +48,7 @@ bool isExpiryDateValid(std::string_view text, std::chrono::year_month now) {
   }
   const int month = leadingInteger(date->month);
   const int year = leadingInteger(date->year);
-  // Month 0 counts as a month here; whether such a card exists is for the server to say.
+  // Month 0 is accepted here; the server validates it.
   if (month < 0 || month > 12) {
     return false;
   }

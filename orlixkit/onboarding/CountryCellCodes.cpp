@@ -60,7 +60,7 @@ std::optional<std::string> countryCodeOf(std::string_view number,
   std::optional<std::string> found;
   for (const CountryCellCode& row : rows) {
     if (number.starts_with(row.code)) {
-      // Not the end of the search: of codes that begin one another, the list's order decides.
+      // Continue the search: the last match wins when one code is a prefix of another.
       found = row.code;
     }
   }

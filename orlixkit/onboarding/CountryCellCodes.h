@@ -9,17 +9,17 @@ namespace orlix {
 
 /// One row of the list of countries.
 struct CountryCellCode {
-  std::string name;     ///< as it is shown
-  std::string isoCode;  ///< ISO 3166-1, two letters; carried along
+  std::string name;     ///< display name
+  std::string isoCode;  ///< ISO 3166-1, two letters; unused
   std::string code;     ///< dialling code in digits, without "+" (E.164)
 };
 
-/// The list from the resource "CountryCellCodes", in its order. Empty, with a log line, when the
-/// resource is missing or corrupt. A row that is not "name,ISO code,digits" is logged and left out.
+/// Reads the resource "CountryCellCodes", in file order. Empty, with a log line, when the resource
+/// is missing or corrupt. A row that is not "name,ISO code,digits" is logged and skipped.
 std::vector<CountryCellCode> loadCountryCellCodes();
 
-/// Dialling code of an international number ("+" and digits): that of the last row that matches.
-/// None when the number does not begin with "+", or when no row matches.
+/// Dialling code of an international number ("+" and digits), from the last matching row. Absent
+/// when the number does not begin with "+" or no row matches.
 std::optional<std::string> countryCodeOf(std::string_view number,
                                          const std::vector<CountryCellCode>& rows);
 

@@ -15,7 +15,7 @@ std::string normalizedMsisdn(std::string_view countryCode, std::string_view numb
   const bool hasTrunkZero = digits.starts_with('0') && !digits.starts_with("00");
   digits.erase(0, std::min(digits.find_first_not_of('0'), digits.size()));
   if (code == "27" && digits.starts_with("270")) {
-    // The code and the trunk zero, which South African users write together.
+    // The country code followed by the trunk zero, as South African users often write it.
     digits.erase(2, 1);
   }
   const bool needsCode = hasTrunkZero || !digits.starts_with(code);

@@ -6,13 +6,13 @@
 
 namespace orlix {
 
-/// Digits of an international number without "+" (E.164), as the server takes them.
+/// Digits of an international number without "+" (E.164), as sent to the server.
 inline constexpr std::size_t kShortestMsisdn = 7;
 inline constexpr std::size_t kLongestMsisdn = 15;
 
-/// The international form of a number as a user types it: with the trunk zero, with the code, with
-/// "+" or "00", with whatever stands between the digits. `countryCode` is the code to put in front
-/// where it is missing. Empty for an empty number; of any length otherwise.
+/// Converts a number as typed by a user to the international form: with the trunk zero, the code,
+/// "+" or "00", and any characters between the digits. `countryCode` is prepended where the code is
+/// missing. Empty for an empty number; the length is not checked.
 std::string normalizedMsisdn(std::string_view countryCode, std::string_view number);
 
 }  // namespace orlix

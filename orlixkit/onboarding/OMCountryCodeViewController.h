@@ -11,8 +11,8 @@ namespace orlix {
 
 class OXActivationViewController;
 
-/// The list of countries with their dialling codes, to pick one for the activation screen. Stands
-/// in a navigation container.
+/// List of countries and dialling codes, to choose one for the activation screen. Shown in a
+/// navigation container.
 class OMCountryCodeViewController : public OrlixTableViewController {
  public:
   OMCountryCodeViewController();
@@ -23,7 +23,7 @@ class OMCountryCodeViewController : public OrlixTableViewController {
   void didSelectRow(std::size_t row) override;
   void cancelAction();
 
-  std::string currentCountryCode;  ///< the one to mark
+  std::string currentCountryCode;  ///< the code to mark
   std::weak_ptr<OXActivationViewController> authController;
 
  private:

@@ -8,7 +8,7 @@ namespace orlix {
 
 namespace {
 
-/// Lets the page fit the device's width, and the user zoom in up to ten times.
+/// Fits the page to the device's width and allows a zoom of up to ten times.
 constexpr const char* kViewportScript =
     "var meta = document.createElement('meta');"
     "meta.setAttribute('name', 'viewport');"
@@ -21,7 +21,7 @@ constexpr const char* kViewportScript =
 OMTermsAndConditionsViewController::OMTermsAndConditionsViewController()
     : webView_(outlet<WebPageView>("webView")),
       backButton_(button("backButton", "BACK", "backAction")) {
-  // A page that cannot be loaded leaves the indicator up; the user still gets back.
+  // When the page cannot be loaded, the indicator stays shown; the user can still go back.
   keepReachableUnderMask({"backButton", "backAction"});
   action("backAction", [this] { backAction(); });
 }
@@ -45,7 +45,7 @@ void OMTermsAndConditionsViewController::viewDidLoad() {
 
 void OMTermsAndConditionsViewController::viewDidAppear() {
   OrlixViewController::viewDidAppear();
-  // Only for a page that is still to come: nothing else would take the indicator away.
+  // Only while a page is loading: nothing else would hide the indicator.
   if (tcWebView_ && !pageFinished_) {
     showProgress("Please wait", ProgressMask::gradient);
   }

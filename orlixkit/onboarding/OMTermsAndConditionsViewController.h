@@ -10,7 +10,7 @@
 
 namespace orlix {
 
-/// Shows the page of the service's terms. Stands in a navigation container.
+/// Shows the page of the service's terms. Shown in a navigation container.
 class OMTermsAndConditionsViewController : public OrlixViewController, public WebViewDelegate {
  public:
   OMTermsAndConditionsViewController();
@@ -19,14 +19,14 @@ class OMTermsAndConditionsViewController : public OrlixViewController, public We
   void backAction();
 
   void didFinishNavigation() override;
-  /// Left unanswered, see didFailLoadWithError: the indicator stays up until the user goes back.
+  /// Not handled, see didFailLoadWithError: the indicator stays shown until the user goes back.
   void didFailNavigation(const std::string&) override {}
   void webContentProcessDidTerminate() override {}
-  /// The handler that an older kind of web view called. Today's never does, and users know the
-  /// page as one that they leave by themselves; so it stays, uncalled.
+  /// Called by an older kind of web view only, never by the present one. Kept but unused: users
+  /// expect to leave the page themselves.
   void didFailLoadWithError(const std::string& description);
 
-  // Carried for whoever opens the screen; it does not use them itself.
+  // For the caller that opens the screen; not used by it.
   std::optional<std::string> msisdn;
   std::optional<std::string> message;
 

@@ -49,8 +49,7 @@ void OXActivationCodeViewController::proceedAction() {
              return askTwice([&] { return connection.processActivationCode(code); });
            },
        .answered = [screen](std::int32_t status) { screen->answered(status); },
-       // The indicator is left to the alert, so that nothing can be touched until
-       // it is there.
+       // The alert hides the indicator, so that touches stay masked until the alert is shown.
        .failed =
            [screen] { screen->offerRetry("activate", [screen] { screen->proceedAction(); }); },
        .alone = true});
@@ -68,14 +67,14 @@ void OXActivationCodeViewController::answered(std::int32_t status) {
     OXUtil::showAlertWithTitle("Warning", "Could not activate.");
     return;
   }
-  // Any other status is a success: only the two known refusals keep the user here.
-  // Both roads are taken: the payment screen comes up at once, still without the code's
-  // information, and is replaced when the facade, told of the session, has looked the code up.
+  // Any other status is a success: only the two known refusals keep the user on this screen.
+  // Both paths run: the payment screen is shown at once, still without the code's data, and is
+  // replaced when the facade, notified of the session, has looked the code up.
   OMVello::sharedOMVello().velloSessionEstablished();
   performSegue("Product");
 }
 
-/// The payment screen looks here as it does when the session shows it.
+/// Sets the payment screen up as the session does when it shows it.
 void OXActivationCodeViewController::prepareForSegue(
     const std::string&, const std::shared_ptr<ViewController>& destination) {
   transitioningDelegate_ = presentAsCard(*destination);

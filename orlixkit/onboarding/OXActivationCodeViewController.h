@@ -10,8 +10,8 @@
 
 namespace orlix {
 
-/// Second screen of the enrolment: takes the code that came by SMS, and on success lets the
-/// interrupted flow go on.
+/// Second screen of the enrolment: accepts the code received by SMS and, on success, resumes the
+/// interrupted flow.
 class OXActivationCodeViewController : public OrlixViewController {
  public:
   OXActivationCodeViewController();
@@ -19,10 +19,10 @@ class OXActivationCodeViewController : public OrlixViewController {
   void prepareForSegue(const std::string& name,
                        const std::shared_ptr<ViewController>& destination) override;
 
-  /// Sends the code as it was typed. What the network alert's retry calls, too.
+  /// Sends the code as typed. Also called by the network alert's retry.
   void proceedAction();
   void cancelAction();
-  /// The server's answer, as SmsResponseStatus: 1 and 3 are refusals, everything else is a success.
+  /// Handles the server's answer, an SmsResponseStatus: 1 and 3 are refusals, all others successes.
   void answered(std::int32_t status);
 
  private:

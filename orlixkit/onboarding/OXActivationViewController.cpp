@@ -120,7 +120,7 @@ void OXActivationViewController::sendMsisdn() {
   log(number);
   current->activationMsisdn = number;
   if (!OMVello::sharedOMVello().connection()) {
-    // Nobody there to answer, which looks to the user like a number that nobody takes.
+    // Without a client, show the user the same as for a refused number.
     OXUtil::showAlertWithTitle("Warning", "Invalid mobile number.");
     return;
   }

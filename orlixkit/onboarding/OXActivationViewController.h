@@ -10,8 +10,8 @@
 
 namespace orlix {
 
-/// First screen of the enrolment of a device: asks for the mobile number and has the server send a
-/// code to it.
+/// First screen of the enrolment of a device: asks for the mobile number and requests an SMS code
+/// for it.
 class OXActivationViewController : public OrlixViewController, public TextFieldDelegate {
  public:
   OXActivationViewController();
@@ -22,17 +22,17 @@ class OXActivationViewController : public OrlixViewController, public TextFieldD
   void viewDidLoad() override;
   void prepareForSegue(const std::string& name,
                        const std::shared_ptr<ViewController>& destination) override;
-  /// The country code is picked from a list instead of typed.
+  /// Opens the list of country codes instead of editing the field.
   bool textFieldShouldBeginEditing(TextField& field) override;
 
-  /// Called by the picker: digits without "+".
+  /// Called by the list of countries: digits without "+".
   void changeCountryCode(const std::string& code);
-  /// Sets the country code to that of an international number; other numbers change nothing.
+  /// Sets the country code to that of an international number; ignores other numbers.
   void getCountryCode(const std::string& number);
   void descriptionTapped();
   void proceedAction();
   void cancelAction();
-  /// What the network alert's retry calls, too.
+  /// Also called by the network alert's retry.
   void sendMsisdn();
 
  private:

@@ -77,7 +77,7 @@ void OXAddCardViewController::warn(const std::string& message) {
   OXUtil::showAlertWithTitle("Warning", message);
 }
 
-/// The request is over, and the form stays.
+/// Ends the request and keeps the form.
 void OXAddCardViewController::refuse(const std::string& message) {
   if (hideProgress()) {
     warn(message);
@@ -173,7 +173,8 @@ bool OXAddCardViewController::takeAccount(CardInfoResponse& card) {
     return true;
   }
   if (cardAccountGroupView_->subviews().front()->hidden()) {
-    // Without a word: the row that appears says it. The next proceed asks for all of it again.
+    // Without an alert: the appearing row shows what is missing. The next proceed checks all values
+    // again.
     cardAccountGroupView_->setSubviewsHidden(false);
     static_cast<void>(hideProgress());
     return false;
@@ -201,7 +202,7 @@ void OXAddCardViewController::linkCard(const std::shared_ptr<CardInfoResponse>& 
                screen->offerRetry("link", [screen, card] { screen->linkCard(card); });
              }
            },
-       // The wallet may hold the card by now; which one is paid with was chosen without it.
+       // The wallet may contain the card by now; the stored choice was made without it.
        .answeredLate = [] { OXOrlix::reloadData(); }});
 }
 
@@ -219,12 +220,12 @@ void OXAddCardViewController::answered(const MTCardResponse& response,
       session()->showMsisdnRelinkScreen();
     }
   }
-  // An answer that says none of the three leaves the indicator up: the outcome is not known, and
-  // the user should look twice before adding the card once more.
+  // An answer with none of the three statuses leaves the indicator shown: the outcome is unknown,
+  // and the user should not add the card again by accident.
 }
 
 void OXAddCardViewController::linked(const MTCardResponse& response) {
-  // The first card. (The screen that confirms the mobile number takes the last one.)
+  // The first card. (OXMsisdnRelinkViewController uses the last one.)
   const bool hasCards = response.cardList && !response.cardList->cardsArray.empty();
   OXUtil::setLastUsedCardId(hasCards ? response.cardList->cardsArray.front().cardId : 0);
   if (const auto current = session(); current->preRegister) {

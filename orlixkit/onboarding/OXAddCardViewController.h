@@ -14,12 +14,11 @@
 
 namespace orlix {
 
-/// The form on which a card is added. Asks the server what the card's issuer wants to know, checks
-/// and sends just that, and links the card.
+/// The form for adding a card. Asks the server which values the issuer requires, validates and
+/// sends only those, and links the card.
 ///
-/// Two proceeds in a row are two lookups, and may link twice: the server tells cards apart. A form
-/// that the user has left meanwhile links nothing any more; a card that was linked before is taken
-/// over nevertheless.
+/// Two proceeds in a row make two lookups and may link twice: the server detects duplicates. After
+/// the user has left the form it links no card; a card linked before is still adopted.
 class OXAddCardViewController : public OrlixViewController {
  public:
   OXAddCardViewController();
@@ -28,25 +27,25 @@ class OXAddCardViewController : public OrlixViewController {
 
   void proceedAction();
   void cancelAction();
-  /// Looks the card number up and goes on with what the answer asks for. What the network alert's
-  /// retry calls, with the values of the last proceed.
+  /// Looks the card number up and continues as the answer requires. Also called by the network
+  /// alert's retry, with the values of the last proceed.
   void checkCard();
-  /// Sends the record, which the request fills in. What the network alert's retry calls, with the
-  /// same record.
+  /// Sends the record; the request fills its absent fields. Also called by the network alert's
+  /// retry, with the same record.
   void linkCard(const std::shared_ptr<CardInfoResponse>& card);
 
-  /// A test of the length, whatever its name says: 16 characters or more. Check digits are for the
-  /// server.
+  /// Despite its name, checks only the length: 16 characters or more. The server verifies check
+  /// digits.
   static bool isValidLuhn(std::string_view cardNumber);
   static bool isValidExpiryDate(std::string_view monthAndYear);
-  /// A test of the length alone: 10 characters.
+  /// Checks only the length: 10 characters.
   static bool isValidDateOfBirth(std::string_view dateOfBirth);
 
  private:
   void populateCardAccountPicker();
   void lookedUp(const MTBinInfo& info);
-  /// Each true when there is nothing to ask the user for; otherwise the user has been told, and the
-  /// indicator is gone.
+  /// Each returns true when the user has nothing to enter; otherwise it has notified the user and
+  /// hidden the indicator.
   bool takeExpiryDate(CardInfoResponse& card);
   bool takeDateOfBirth(CardInfoResponse& card);
   bool takeAccount(CardInfoResponse& card);
@@ -71,7 +70,7 @@ class OXAddCardViewController : public OrlixViewController {
   std::shared_ptr<Button> cancelButton_;
   std::shared_ptr<DropDownPicker> cardAccountPicker_;
 
-  // What the fields held at the last proceed.
+  // Values of the fields at the last proceed.
   SecretString cardNumber_;
   std::string cardHolder_;
   std::string expiryDate_;

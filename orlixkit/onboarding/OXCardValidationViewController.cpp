@@ -45,7 +45,7 @@ void OXCardValidationViewController::proceedAction() {
   }
   const std::optional<std::string> dateOfBirth = formatDobForBackend(dateOfBirthField_->text());
   if (!dateOfBirth) {
-    // Three Y's: hosts have the sentence in their manuals.
+    // Three Y's: kept, since manuals of host applications quote the sentence.
     OXUtil::showAlertWithTitle("Warning", "Enter a valid date of birth DD/MM/YYY");
     return;
   }
@@ -81,7 +81,7 @@ void OXCardValidationViewController::answered(const MTCardValidateResponse& resp
   if (!hideProgress()) {
     return;
   }
-  // The sentence alone decides, to the letter: the server has no other sign of success.
+  // Success is recognised by this exact sentence: the server provides no other sign.
   if (response.message == "Your card has been added") {
     OXOrlix::loadCodeInfo(nullptr);
     session()->showPurchaseScreen();

@@ -12,7 +12,7 @@
 
 namespace orlix {
 
-/// Has the user prove that the last used card is his, by the date of birth where the card wants it.
+/// Asks the user to validate the last used card, by date of birth where the card requires it.
 class OXCardValidationViewController : public OrlixViewController {
  public:
   OXCardValidationViewController();
@@ -20,11 +20,11 @@ class OXCardValidationViewController : public OrlixViewController {
 
   void proceedAction();
   void cancelAction();
-  /// Sends the proof. What the network alert's retry calls, with the same text.
+  /// Sends the validation. Also called by the network alert's retry, with the same text.
   void unlockCardWithDateOfBirth(const std::string& dateOfBirth);
 
-  /// Year-month-day from a text of exactly ten characters, nothing otherwise. What the characters
-  /// are is not looked at.
+  /// Year-month-day from a text of exactly ten characters, absent otherwise. The characters are not
+  /// validated.
   static std::optional<std::string> formatDobForBackend(std::string_view text);
 
  private:

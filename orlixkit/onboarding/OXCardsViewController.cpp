@@ -114,7 +114,7 @@ void OXCardsViewController::deleteCard(const CardOption& card) {
       {.kind = "delete",
        .ask = [cardId = card.cardId](
                   KCVelloConnection& connection) { return connection.delinkCard(cardId); },
-       // Whatever the answer says: the reloaded list shows the truth.
+       // Whatever the answer says: the reloaded list shows the result.
        .answered =
            [screen = self()](const MTCardResponse&) {
              if (screen->hideProgress()) {
@@ -124,7 +124,7 @@ void OXCardsViewController::deleteCard(const CardOption& card) {
            },
        .failed =
            [screen = self(), card] {
-             // The indicator is left to the alert.
+             // The alert hides the indicator.
              screen->offerRetry("delete " + std::to_string(card.cardId),
                                 [screen, card] { screen->deleteCard(card); });
            },

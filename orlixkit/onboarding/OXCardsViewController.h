@@ -8,7 +8,7 @@
 
 namespace orlix {
 
-/// The wallet's cards: choose one to pay with, remove one, add another.
+/// Lists the wallet's cards: choose one for payment, remove one, add another.
 class OXCardsViewController : public OrlixViewController, public TableViewDataSource {
  public:
   OXCardsViewController();
@@ -24,12 +24,12 @@ class OXCardsViewController : public OrlixViewController, public TableViewDataSo
   TableCell cellForRow(std::size_t row) override;
   void didSelectRow(std::size_t row) override;
 
-  /// Back to where the list was opened from.
+  /// Returns to the screen that opened the list.
   void showScreen();
   void addCardAction();
-  /// Asks whether the card of this row is to be removed.
+  /// Asks for confirmation to remove the card of this row.
   void deleteCardAction(std::size_t row);
-  /// Removes a card on the server. What the network alert's retry calls, with the same card.
+  /// Removes a card on the server. Also called by the network alert's retry, with the same card.
   void deleteCard(const CardOption& card);
 
  private:

@@ -32,7 +32,7 @@ void OXMsisdnRelinkViewController::proceedAction() {
     current->cardInfoResponse = std::make_shared<CardInfoResponse>();
   }
   current->cardInfoResponse->linkedMsisdn = msisdnField_->text();
-  // A copy: the request fills its record in, while the user may be proceeding once more.
+  // A copy, since the request modifies its record while the user may press proceed again.
   CardInfoResponse card = *current->cardInfoResponse;
   showProgress("Please wait...");
   const auto screen = std::static_pointer_cast<OXMsisdnRelinkViewController>(shared_from_this());
@@ -47,7 +47,7 @@ void OXMsisdnRelinkViewController::proceedAction() {
                screen->offerRetry("link", [screen] { screen->proceedAction(); });
              }
            },
-       // The wallet may hold the card by now; which one is paid with was chosen without it.
+       // The wallet may contain the card by now; the stored choice was made without it.
        .answeredLate = [] { OXOrlix::reloadData(); }});
 }
 
@@ -71,8 +71,7 @@ void OXMsisdnRelinkViewController::answered(const MTCardResponse& response) {
 }
 
 void OXMsisdnRelinkViewController::linked(const MTCardResponse& response) {
-  // The last card: the server appends the one that was just confirmed. (The card form, where the
-  // list may begin with the new card, takes the first.)
+  // The last card: the server appends the confirmed one. (OXAddCardViewController uses the first.)
   const bool hasCards = response.cardList && !response.cardList->cardsArray.empty();
   OXUtil::setLastUsedCardId(hasCards ? response.cardList->cardsArray.back().cardId : 0);
   if (const auto current = session(); current->preRegister) {

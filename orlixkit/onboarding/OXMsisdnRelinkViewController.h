@@ -8,16 +8,16 @@
 
 namespace orlix {
 
-/// Asks for the mobile number that the bank knows for a card which is being added, and links the
-/// card with it.
+/// Asks for the mobile number registered with the bank for a card being added, and links the card
+/// with it.
 class OXMsisdnRelinkViewController : public OrlixViewController {
  public:
   OXMsisdnRelinkViewController();
   void viewDidLoad() override;
 
-  /// Sends the number as it was typed. What the network alert's retry calls, too.
+  /// Sends the number as typed. Also called by the network alert's retry.
   void proceedAction();
-  /// Back to the form of the card.
+  /// Returns to the card form.
   void back();
 
  private:

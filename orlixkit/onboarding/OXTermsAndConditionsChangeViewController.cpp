@@ -7,7 +7,7 @@ namespace orlix {
 
 namespace {
 
-// The control character stands in the sentence as it is published, and goes along.
+// The control character is part of the published sentence; keep it.
 constexpr const char* kNewTermsSentence =
     "We have updated our terms and conditions. "
     "\x03"
@@ -47,8 +47,8 @@ void OXTermsAndConditionsChangeViewController::proceedAction() {
     return;
   }
   if (auto connection = former->connection()) {
-    // On this thread, and its answer unread: whatever the server says, the session asks for the
-    // payment screen, and the next start shows whether the terms count as accepted.
+    // On this thread, and without reading the answer: the session requests the payment screen in
+    // any case, and the next start shows whether the terms count as accepted.
     connection->updateTC();
   }
   if (const auto current = session()) {

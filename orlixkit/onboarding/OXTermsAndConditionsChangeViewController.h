@@ -17,8 +17,8 @@ class OXTermsAndConditionsChangeViewController : public OrlixViewController {
                        const std::shared_ptr<ViewController>& destination) override;
 
   void descriptionTapped();
-  /// Tells the server on the main thread, which waits meanwhile, then asks for the payment screen.
-  /// A failure of the request travels up to the caller, and the user stays here.
+  /// Reports the acceptance to the server, blocking the main thread, then requests the payment
+  /// screen. Exceptions of the request propagate to the caller, and the screen stays.
   void proceedAction();
   void declineAction();
 

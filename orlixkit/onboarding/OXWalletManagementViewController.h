@@ -8,7 +8,7 @@
 
 namespace orlix {
 
-/// Home of wallet management: shows the card that pays, leads to the others.
+/// Start screen of wallet management: shows the last used card, leads to the other screens.
 class OXWalletManagementViewController : public OrlixViewController {
  public:
   OXWalletManagementViewController();

@@ -7,7 +7,7 @@
 
 namespace orlix {
 
-/// A screen that is nothing but a table.
+/// A screen that consists of a table.
 class OrlixTableViewController : public OrlixViewController, public TableViewDataSource {
  public:
   OrlixTableViewController() : tableView_(outlet<TableView>("tableView")) {

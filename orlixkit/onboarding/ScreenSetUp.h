@@ -7,14 +7,14 @@
 
 namespace orlix {
 
-/// The look that the onboarding screens share, beyond that of every screen: the dark background and
-/// the brand's buttons. Once the view is loaded.
+/// Applies the style of the onboarding screens: the dark background and the brand's buttons. Call
+/// it once the view is loaded.
 void applyOnboardingLook(ViewController& screen);
 
-/// A sentence about the terms, an HTML fragment, in the look of such sentences.
+/// A sentence about the terms, an HTML fragment, in the style of such sentences.
 void showTermsSentence(Label& label, const std::string& html);
 
-/// Takes the screen away, animated, together with the container that it stands in.
+/// Dismisses the screen, animated, together with its container.
 void closeScreen(ViewController& screen);
 
 }  // namespace orlix

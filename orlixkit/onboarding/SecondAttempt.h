@@ -7,15 +7,15 @@
 
 namespace orlix {
 
-/// Asks, and asks at once again when that fails: a failure in passing is no reason to bother a user
-/// who waits for an SMS. So the server may see the same request twice. The second failure is the
-/// caller's.
+/// Sends a request and repeats it at once when it fails, so that a transient failure does not
+/// disturb a user who waits for an SMS. The server may therefore receive it twice. The second
+/// failure propagates.
 template <class Ask>
 auto askTwice(const Ask& ask) {
   try {
     return ask();
   } catch (const RequestEnded&) {
-    throw;  // the flow is over
+    throw;  // the flow has ended
   } catch (const std::exception&) {
     log("--- ERROR, TRY AGAIN ---");
   }

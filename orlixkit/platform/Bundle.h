@@ -12,8 +12,8 @@ namespace orlix {
 class Bundle {
  public:
   virtual ~Bundle() = default;
-  /// Contents of the resource `name` with the file ending `type` ("cer", "otf", "plist"); none when
-  /// there is no such resource or it cannot be read.
+  /// Contents of the resource `name` with the file extension `type` ("cer", "otf", "plist"); absent
+  /// when there is no such resource or it cannot be read.
   virtual std::optional<Bytes> resource(const std::string& name, const std::string& type) const = 0;
 };
 

@@ -10,10 +10,10 @@
 namespace orlix {
 
 using Bytes = std::vector<std::uint8_t>;
-/// Bytes owned by someone else; valid while the owner neither changes nor releases them.
+/// Non-owning view of bytes; valid while the owner neither changes nor releases them.
 using ByteView = std::span<const std::uint8_t>;
 
-/// Something to run later, once.
+/// A function to run once, later.
 using Task = std::function<void()>;
 
 inline Bytes toBytes(std::string_view text) { return {text.begin(), text.end()}; }

@@ -6,8 +6,8 @@
 namespace orlix {
 
 using Duration = std::chrono::nanoseconds;
-/// A point on the clock that never jumps. Deadlines are taken on it, so that setting the calendar
-/// clock neither cuts a wait short nor stretches it.
+/// A point on the steady clock. Deadlines use it, so that setting the calendar clock neither
+/// shortens nor lengthens a wait.
 using SteadyTime = std::chrono::time_point<std::chrono::steady_clock, Duration>;
 using CalendarTime = std::chrono::time_point<std::chrono::system_clock, Duration>;
 
@@ -19,16 +19,16 @@ class Condition {
   virtual void lock() = 0;
   virtual void unlock() = 0;
 
-  /// Called with the lock held; releases it while waiting and holds it again on return.
-  /// True after a signal (or, now and then, for no reason: test what you wait for again); false
-  /// when the deadline has passed or the host is shutting down.
+  /// Called with the lock held; releases it while waiting and reacquires it before returning.
+  /// True after a signal or a spurious wake-up (test the awaited condition again); false when the
+  /// deadline has passed or the host is shutting down.
   virtual bool waitUntil(SteadyTime deadline) = 0;
 
   /// Wakes every waiter. The lock may be held or not.
   virtual void signal() = 0;
 };
 
-/// Time, and every way in which the library lets it pass.
+/// The current time, and every operation by which the library waits.
 ///
 /// Thread: every operation may be called from any thread.
 /// After the host's shutdown `sleep` and `waitUntil` return false at once.
@@ -39,7 +39,7 @@ class Clock {
   virtual SteadyTime steadyNow() const = 0;
   virtual CalendarTime now() const = 0;
 
-  /// Blocks the calling thread. False when the host's shutdown cut it short.
+  /// Blocks the calling thread. False when the host's shutdown interrupted the sleep.
   virtual bool sleep(Duration duration) = 0;
 
   /// The condition must not outlive the clock's host.

@@ -7,7 +7,7 @@
 
 namespace orlix {
 
-/// What the device says of itself. Every text is stable while the process runs.
+/// Properties of the device. Every text is constant while the process runs.
 class Device {
  public:
   virtual ~Device() = default;

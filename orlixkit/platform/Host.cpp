@@ -52,7 +52,8 @@ void Host::uninstall() {
     return;
   }
   installed()->shutdown();
-  // Released only after the slot is empty: what dies with the host may still write to its log.
+  // Released only after the slot is empty: destructors that run with the host's may still call
+  // `log`.
   const std::shared_ptr<Host> last = installed();
   last->application_->clear();
   last->shared_.clear();
@@ -73,7 +74,7 @@ void Host::shutdown() {
     return;
   }
   shutDown_ = true;
-  // The main queue first, so that what the woken background tasks report goes nowhere.
+  // Close the main queue first, so that results of the woken background tasks are dropped.
   ports_.mainQueue->close();
   ports_.httpClient->close();
   ports_.backgroundQueues->close();
@@ -83,7 +84,7 @@ void Host::shutdown() {
     last.swap(atShutdown_);
   }
   for (const Task& task : last) {
-    runLoggedInBackground(task);  // on this thread; it only logs what the task throws
+    runLoggedInBackground(task);  // on this thread; used here only to log exceptions
   }
 }
 
@@ -99,7 +100,7 @@ void log(std::string_view line) {
   try {
     installed()->ports().log->write(line);
   } catch (const std::bad_alloc&) {
-    return;  // what is to be done matters more than what is said of it
+    return;  // a failure to log must not affect the caller
   }
 }
 
@@ -117,7 +118,7 @@ void endFlow() noexcept {
   if (!installed() || !installed()->endFlow) {
     return;
   }
-  // What the failed step had taken is free again, so the first attempt mostly finds enough.
+  // The failed step has released its memory, so the first attempt usually succeeds.
   constexpr int mostAttempts = 10;
   for (int attempt = 0; attempt < mostAttempts; ++attempt) {
     try {

@@ -22,10 +22,10 @@
 
 namespace orlix {
 
-/// Values that differ from one deployment of the library to the next.
+/// Addresses of one deployment of the library.
 struct Deployment {
   std::string liveBase;      ///< https address whose path is "/vello", without a trailing slash
-  std::string testBase;      ///< the same of the test system
+  std::string testBase;      ///< the same for the test system
   std::string termsAddress;  ///< https address of the terms page, path "/terms/tavlo.html"
 };
 
@@ -43,8 +43,8 @@ struct Ports {
   std::shared_ptr<WebViews> webViews;
 };
 
-/// The phone, as the library sees it: one of each port, the deployment's values, the application's
-/// user interface, and the library's own process-wide objects, which live and die with it.
+/// The environment that the library runs in: one of each port, the deployment's addresses, the
+/// application's user interface, and the library's process-wide objects, which it owns.
 ///
 /// Installed once by the application, on the main thread, before any other call of the library.
 class Host {
@@ -56,36 +56,36 @@ class Host {
   Host& operator=(const Host&) = delete;
 
   static void install(std::shared_ptr<Host> host);
-  /// Shuts the installed host down and forgets it.
+  /// Shuts the installed host down and releases it.
   static void uninstall();
   /// Throws std::logic_error when none is installed.
   static Host& current();
   static bool isInstalled();
 
-  /// Tells the hosts of a process apart, from 1 in the order in which they were made.
+  /// Number of this host within the process, from 1 in order of construction.
   std::uint64_t number() const { return number_; }
   const Ports& ports() const { return ports_; }
   const Deployment& deployment() const { return deployment_; }
   Application& application() { return *application_; }
 
-  /// Ends the flow in progress as failed: a step of it, on the main thread, found no memory or no
-  /// readable store and may be half done. Set by the library. Called again when it finds no memory
-  /// itself.
+  /// Ends the flow in progress as failed, after a step on the main thread ran out of memory or
+  /// could not read the store and may be incomplete. Set by the library. Called again if it runs
+  /// out of memory itself.
   Task endFlow;
 
-  /// The process-wide object of this type, made on first use (once, from whichever thread asks
-  /// first) and released with the host.
+  /// The process-wide object of this type, constructed once, on first use, and released with the
+  /// host. Any thread.
   template <class T>
   T& shared();
 
-  /// Adds a task that `shutdown` runs last, on its thread, when no other task of the host runs any
-  /// more: the place to finish what the closed queues have dropped. What it throws is logged. Any
-  /// thread.
+  /// Adds a task that `shutdown` runs last, on its thread, when no other task of the host is
+  /// running: use it to complete work that the closed queues have dropped. Exceptions are logged.
+  /// Any thread.
   void atShutdown(Task task);
 
-  /// Ends all work: pending main tasks are dropped, sleeping and waiting tasks are woken, requests
-  /// are cut off, background threads have ended when it returns. Nobody is called back afterwards.
-  /// Main thread. May be called again.
+  /// Ends all work: drops pending main tasks, wakes sleeping and waiting tasks, aborts requests and
+  /// joins the background threads. No callback is made afterwards. Main thread. May be called
+  /// again.
   void shutdown();
 
  private:
@@ -111,7 +111,7 @@ T& Host::shared() {
 
 /// Writes one line to the installed host's log; without a host, or memory, it is dropped.
 void log(std::string_view line);
-/// The line that tells what a task has thrown; to `log`, or the installed host's when none.
+/// Logs an uncaught exception: where it was caught and its text. Null: the installed host's log.
 void logFailure(std::string_view where, std::string_view what, SystemLog* log = nullptr) noexcept;
 /// Runs the installed host's `endFlow`. Main thread.
 void endFlow() noexcept;

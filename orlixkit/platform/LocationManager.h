@@ -22,20 +22,20 @@ class LocationManagerDelegate {
 };
 
 struct LocationOptions {
-  double desiredAccuracy = 0;  ///< metres; 0: as good as the source can
-  double distanceFilter = 0;   ///< metres; steps below it are not reported
-  std::string purpose;         ///< shown to the user who is asked for permission
+  double desiredAccuracy = 0;  ///< metres; 0: the best that the source offers
+  double distanceFilter = 0;   ///< metres; smaller movements are not reported
+  std::string purpose;         ///< shown in the permission prompt
 };
 
 /// The device's position source. Main thread only, callbacks included.
 class LocationManager {
  public:
   virtual ~LocationManager() = default;
-  /// Asks the user for permission, where the platform requires one, and starts the updates. The
-  /// delegate is not called before this has returned; it is not owned and must stay until the
-  /// updates are stopped. While updates are on, this changes nothing: none under way is lost.
+  /// Asks the user for permission, where the platform requires it, and starts the updates. The
+  /// delegate is not called before this returns; it is not owned and must outlive the updates. Has
+  /// no effect while updates are on; pending updates are not lost.
   virtual void start(const LocationOptions& options, LocationManagerDelegate& delegate) = 0;
-  /// The delegate is not called any more.
+  /// Stops the updates; the delegate is no longer called.
   virtual void stop() = 0;
 };
 

@@ -39,7 +39,7 @@ constexpr std::size_t wipedDepth = std::size_t{64} << 10U;
 #elif __has_attribute(zero_call_used_regs)
 [[gnu::noinline, gnu::zero_call_used_regs("all")]] void clearVectorRegisters() noexcept {}
 #else
-void clearVectorRegisters() noexcept {}  // this compiler offers no way
+void clearVectorRegisters() noexcept {}  // not supported by this compiler
 #endif
 
 [[gnu::noinline]] void wipeBelow() noexcept {
@@ -56,7 +56,7 @@ void wipe(void* memory, std::size_t size) noexcept {
 }
 
 void wipeStack() noexcept {
-  // First, since the next call may save them on the stack.
+  // Before the stack, since the next call may save the registers there.
   clearVectorRegisters();
   wipeBelow();
 }

@@ -9,16 +9,16 @@
 
 namespace orlix {
 
-/// Overwrites memory in a way that the optimiser does not remove.
+/// Overwrites memory; the optimiser does not remove the write.
 void wipe(void* memory, std::size_t size) noexcept;
 
-/// Overwrites what earlier calls have left of secrets in this thread's vector registers and below
-/// its stack pointer: 64 kB, deeper than a request goes. A copied text passes through these
-/// registers, and the dynamic linker saves them on the stack when it binds a function at its first
-/// call. For threads that live on after they have handled secrets; takes about 1 µs.
+/// Overwrites remnants of secrets in this thread's vector registers and in the 64 kB below its
+/// stack pointer, more than a request uses. Copies pass through these registers, and the dynamic
+/// linker saves them on the stack when it binds a function at its first call. For threads that
+/// continue to run after handling secrets; takes about 1 µs.
 void wipeStack() noexcept;
 
-/// Allocator whose memory is overwritten before it goes back to the heap, also when a vector grows.
+/// Allocator that overwrites memory before returning it to the heap, also when a vector grows.
 template <class T>
 struct WipingAllocator {
   using value_type = T;
@@ -34,8 +34,8 @@ struct WipingAllocator {
   friend bool operator==(const WipingAllocator&, const WipingAllocator&) noexcept { return true; }
 };
 
-/// A sequence of units (bytes or characters) that is wiped when released, never kept inside the
-/// object itself, and has no way to be printed. Copies are secrets of their own.
+/// A sequence of units (bytes or characters) that is always heap-allocated, wiped on release and
+/// not printable. Copies are independent secrets.
 template <class Unit>
 class Secret {
  public:
@@ -48,12 +48,12 @@ class Secret {
   Unit* data() { return units_.data(); }
   const Unit* data() const { return units_.data(); }
 
-  /// The units themselves. The view lives as long as this object is neither changed nor released;
-  /// whoever copies it owes the same care.
+  /// View of the units, valid while this object is neither changed nor released. Do not copy it
+  /// into memory that is not wiped.
   std::span<const Unit> reveal() const { return {units_.data(), units_.size()}; }
 
   void append(std::span<const Unit> more) { units_.insert(units_.end(), more.begin(), more.end()); }
-  /// Replaces `length` units at `position`; both are cut to what is there.
+  /// Replaces `length` units at `position`; both are clamped to the size.
   void replace(std::size_t position, std::size_t length, std::span<const Unit> with);
   void resize(std::size_t count) { units_.resize(count); }
   void clear() { units_ = {}; }
@@ -69,7 +69,7 @@ void Secret<Unit>::replace(std::size_t position, std::size_t length, std::span<c
   const std::size_t from = position < units_.size() ? position : units_.size();
   const std::size_t rest = units_.size() - from;
   const std::size_t cut = length < rest ? length : rest;
-  // Built anew, so that the units that move leave no copy behind in the old memory.
+  // Build a new sequence, so that moved units leave no copy in the old memory.
   std::vector<Unit, WipingAllocator<Unit>> made;
   made.reserve(units_.size() - cut + with.size());
   const auto middle = units_.begin() + static_cast<std::ptrdiff_t>(from);
@@ -79,10 +79,10 @@ void Secret<Unit>::replace(std::size_t position, std::size_t length, std::span<c
   units_ = std::move(made);
 }
 
-/// Key material, PIN blocks in the clear.
+/// For key material and clear PIN blocks.
 using SecretBytes = Secret<std::uint8_t>;
 
-/// PIN, CVV and other texts that must leave no trace.
+/// For PIN, CVV and other texts that must not remain in memory.
 class SecretString : public Secret<char> {
  public:
   SecretString() = default;

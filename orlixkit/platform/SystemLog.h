@@ -5,7 +5,7 @@
 namespace orlix {
 
 /// The system's log. Takes one line of text (without its line end), from any thread, also after
-/// shutdown. Never given a PIN, a CVV or a key.
+/// shutdown. Callers never pass a PIN, a CVV or a key.
 class SystemLog {
  public:
   virtual ~SystemLog() = default;

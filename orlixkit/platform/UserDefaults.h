@@ -18,16 +18,16 @@ class StoreException : public std::runtime_error {
   using std::runtime_error::runtime_error;
 };
 
-/// A value keeps the type that it was stored with.
+/// A stored value keeps its type.
 using StoredValue = std::variant<Bytes, std::string, std::int64_t>;
 
 /// The application's key/value store.
 ///
 /// Thread: every operation may be called from any thread.
 /// A value is durable when its setter returns. A setter that cannot keep the value throws
-/// StoreException and leaves the former one in place; a getter throws it when it cannot tell what
-/// is stored. On the main thread it ends the flow with error 2 (see `runLogged`).
-/// A value read under another type than it was stored with counts as absent.
+/// StoreException and leaves the former one in place; a getter throws it when the stored value
+/// cannot be read. On the main thread it ends the flow with error 2 (see `runLogged`).
+/// A value read as another type than it was stored with counts as absent.
 class UserDefaults {
  public:
   virtual ~UserDefaults() = default;

@@ -8,16 +8,16 @@
 #include <string_view>
 #include <vector>
 
-// UTF-8 as RFC 3629 has it. A character is a code point.
+// UTF-8 (RFC 3629). A character is a code point.
 
 namespace orlix {
 
-/// Whether this byte begins a character or stands alone; false for a continuation byte.
+/// Whether this byte begins a character; false for a continuation byte.
 constexpr bool startsCharacter(char unit) {
   return (static_cast<std::uint8_t>(unit) & 0xC0U) != 0x80U;
 }
 
-/// Number of characters in a text: of the bytes that begin one.
+/// Number of characters in a text, counted as the bytes that begin one.
 constexpr std::size_t countCharacters(std::string_view text) {
   return static_cast<std::size_t>(std::count_if(text.begin(), text.end(), startsCharacter));
 }
@@ -37,8 +37,8 @@ inline std::string_view firstCharacters(std::string_view text, std::size_t count
   return text;
 }
 
-/// Length in bytes of the character at the front of a text that is not empty. 1 for a byte that
-/// begins none, and for one whose character is cut short: that falls apart into its bytes.
+/// Length in bytes of the character at the front of a non-empty text. 1 for an invalid byte, so
+/// that a truncated sequence is read as single bytes.
 constexpr std::size_t firstCharacterLength(std::string_view text) {
   const auto first = static_cast<std::uint8_t>(text.front());
   const std::size_t announced = first < 0xC0U ? 1 : first < 0xE0U ? 2 : first < 0xF0U ? 3 : 4;
@@ -60,7 +60,7 @@ constexpr char32_t codePointOf(std::string_view character) {
   return code;
 }
 
-/// The characters of a text, as views into it. A byte that belongs to no character counts as one.
+/// The characters of a text, as views into it. An invalid byte counts as one character.
 inline std::vector<std::string_view> charactersOf(std::string_view text) {
   std::vector<std::string_view> characters;
   while (!text.empty()) {

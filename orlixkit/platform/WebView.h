@@ -12,11 +12,11 @@ namespace orlix {
 class WebViewDelegate {
  public:
   virtual ~WebViewDelegate() = default;
-  /// A page has been loaded and is shown. Also called for every further page. A page whose own
-  /// script leaves it before it has been loaded is not reported, only the one that it leads to.
+  /// A page has been loaded and is shown. Also called for every further page. A page whose script
+  /// navigates away before it has been loaded is not reported, only the page that follows.
   virtual void didFinishNavigation() = 0;
-  /// A page could not be loaded, be it the one that was asked for or one that the shown page leads
-  /// to; the view shows what it showed before.
+  /// A page could not be loaded: the requested one or one that the shown page navigates to; the
+  /// view shows what it showed before.
   virtual void didFailNavigation(const std::string& description) = 0;
   /// The process behind the page has died; the view is empty.
   virtual void webContentProcessDidTerminate() = 0;
@@ -28,20 +28,20 @@ struct WebContent {
   std::optional<std::string> address;
 };
 
-/// What a script gave: a text (numbers and other values in their text form), or why it failed. The
+/// Result of a script: a text (numbers and other values in their text form), or why it failed. The
 /// text is a secret, since a page may hold the result of an authentication.
 struct ScriptResult {
   std::optional<SecretString> value;
   std::string error;
 };
 
-/// A view that shows web pages. It keeps nothing beyond its own life: no disk cache, no cookies. It
-/// reaches no local file, lets no script open a window, and loads https addresses only (and
-/// loopback ones): where a page leads elsewhere, it stays, with a line in the log and no callback
-/// about the refusal. It trusts what the transport trusts.
+/// A view that shows web pages. It persists nothing: no disk cache, no cookies. It reads no local
+/// file, allows no script to open a window, and loads only https and loopback addresses: navigation
+/// to another address is refused with a log line and no callback, and the page stays. It trusts the
+/// same certificates as the transport.
 ///
-/// Main thread only, callbacks included. No callback after release or `stopLoading`, but for the
-/// script results still owed, which then carry an error.
+/// Main thread only, callbacks included. No callback after release or `stopLoading`, except that
+/// pending script results are delivered with an error.
 class WebView {
  public:
   virtual ~WebView() = default;
@@ -58,7 +58,7 @@ class WebView {
 class WebViews {
  public:
   virtual ~WebViews() = default;
-  /// None where the host's interface cannot show web pages (a run without a display toolkit).
+  /// Null where the host's interface cannot show web pages (a run without a display toolkit).
   virtual std::shared_ptr<WebView> newWebView() = 0;
 };
 

@@ -13,7 +13,7 @@ std::int32_t KCVelloConnection::processActivationCode(const std::string& code) {
   const std::uint64_t wipes = StoredCredentials::shared().wipes();
   const auto answer = request<MTSmsResponse>("/sms/activateSession", {{"activationCode", code}});
   if (answer.status == SmsResponseStatus::success) {
-    // Not turned into a NetworkException: a retry would find its code used up.
+    // Not converted to NetworkException: a retry would fail because the code has been used.
     session_->storeToken(answer.newSsToken, wipes, scope_);
   }
   return static_cast<std::int32_t>(answer.status);

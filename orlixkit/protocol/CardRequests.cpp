@@ -1,7 +1,7 @@
 #include "orlixkit/platform/Utf8.h"
 #include "orlixkit/protocol/KCVelloConnection.h"
 
-// The requests of KCVelloConnection that look after the wallet's cards.
+// The requests of KCVelloConnection that manage the wallet's cards.
 
 namespace orlix {
 
@@ -25,8 +25,8 @@ MTCardResponse KCVelloConnection::linkCard(CardInfoResponse& card) {
   fill(card.account);
   fill(card.dateOfBirth);
   if (!card.expiryDateMonth) {
-    // The month decides for both: without it a year is dropped, and with it a missing year is not
-    // made up, so that the request fails here and not at the issuer.
+    // Without a month the year is dropped; a month without a year makes the request fail here, not
+    // at the issuer.
     card.expiryDateMonth = "";
     card.expiryDateYear = "";
   }

@@ -25,7 +25,7 @@ void addPresent(RequestBody& body, const std::string& key, const std::optional<s
   }
 }
 
-/// What every purchase carries, after the fields of its own kind.
+/// The fields of every purchase, after those of its kind.
 void addPurchase(RequestBody& body, const PurchaseRequest& request) {
   if (request.cvv) {
     body.set("cvv", *request.cvv);
@@ -68,7 +68,7 @@ MTSecureCodeURLResponse KCVelloConnection::get3DAuthSecureCodeUrl(std::int64_t c
 
 RequestBody KCVelloConnection::_pinData(const std::optional<SecretBytes>& pinKey,
                                         const SecretString& pin) {
-  // A shorter key would be filled up with zero bytes, and the PIN hardly be hidden at all.
+  // A shorter key would be padded with zeros and hardly protect the PIN.
   if (!pinKey || pinKey->size() < kPinKeyBytes) {
     throw std::invalid_argument("the session has brought no key for the PIN");
   }

@@ -4,14 +4,14 @@
 
 namespace orlix {
 
-/// The life of one flow, from the entry call to its outcome or replacement, as its requests see it.
-/// Shared by the flow and everything that runs for it.
+/// Whether a flow is still live, from the entry call to its outcome or replacement. Shared by the
+/// flow and its requests and tasks.
 ///
 /// Thread: any.
 class Flow {
  public:
   bool isLive() const { return live_; }
-  /// For good.
+  /// Irreversible.
   void end() { live_ = false; }
 
  private:

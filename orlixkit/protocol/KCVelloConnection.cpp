@@ -15,9 +15,9 @@ namespace {
 constexpr std::int64_t codeOk = 200;
 constexpr std::int64_t codeSessionUnknown = 403;
 
-/// How long to wait before the server is asked again that has refused so many times in a row. The
-/// first three are answered at once: sessions do end. A server that refuses every session must not
-/// be asked a thousand times a second.
+/// Pause before re-sending after this many refusals in a row. The first three are re-sent at once,
+/// since sessions may expire; a server that refuses every session must not be sent a thousand
+/// requests a second.
 Duration pauseAfter(unsigned refusals) {
   using namespace std::chrono_literals;
   constexpr unsigned firstPause = 4;
@@ -67,9 +67,8 @@ void KCVelloConnection::establishSession() { session_->open(scope_); }
 
 std::optional<SecretBytes> KCVelloConnection::deliver(const std::string& path,
                                                       const BodyMaker& bodyFor) const {
-  // No limit on purpose: a server that forgets sessions as fast as they are opened is asked until
-  // it stops doing so, opening a session fails, the scope is over, or the host shuts down (the
-  // transport then fails).
+  // No limit on purpose: re-send until the server accepts the session, opening one fails, the scope
+  // ends, or the host shuts down (the transport then fails).
   bool renewed = false;
   for (unsigned refusals = 0;; ++refusals) {
     const WalletSession::Values session = session_->ensureOpen(scope_);
@@ -99,8 +98,8 @@ std::optional<SecretBytes> KCVelloConnection::_sendPurchaseAMT(const std::string
                                                                const SecretString& pin,
                                                                std::uint64_t keyedIn) const {
   return deliver(path, [&](const WalletSession::Values& session, bool keepPinBlock) {
-    // A further 403 in a row re-sends the block as it is, although its key has been replaced: such
-    // a block can only be refused, and the user is then asked for the PIN once more.
+    // A further 403 in a row re-sends the block unchanged, although its key has been replaced: the
+    // server refuses such a block, and the user is then asked for the PIN again.
     if (session.number != keyedIn && !keepPinBlock) {
       fields.set("pinData", _pinData(session.store.pinKey, pin));
       keyedIn = session.number;

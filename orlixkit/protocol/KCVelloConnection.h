@@ -37,16 +37,16 @@ namespace orlix {
 /// path under the server's base address. Opens the session when there is none and renews it when
 /// the server has forgotten it (403), as often as that happens.
 ///
-/// Thread: any but the main thread; operations block, up to 60 seconds per exchange, and longer
-/// when sessions have to be renewed. `reset` alone waits for no exchange. Several callers may ask
-/// at once; only the opening of a session is one caller's at a time. At the host's shutdown every
-/// operation under way or waiting fails.
+/// Thread: any. Requests block, up to 60 seconds per exchange and longer when sessions have to be
+/// renewed, so call them from the background; only the changed-terms screen calls one (`updateTC`)
+/// on the main thread. `reset` waits for no exchange. Concurrent calls are allowed; one caller at a
+/// time opens a session. At the host's shutdown all pending operations fail.
 ///
-/// Errors: an operation throws NetworkException (without name and reason) for whatever goes wrong
-/// on the way to the server, there and back, a session that cannot be opened included; offer the
-/// user a retry. It logs the cause. A body that cannot be built (an absent required text) throws
-/// std::invalid_argument or std::out_of_range before anything is sent. A refusal by the server is
-/// no exception: it is the status of the returned record.
+/// Errors: a request throws NetworkException (without name and reason) when the exchange fails, the
+/// answer cannot be read or no session can be opened, and logs the cause; offer the user a retry. A
+/// body that cannot be built (an absent required text) throws std::invalid_argument or
+/// std::out_of_range before anything is sent. A refusal by the server is not an exception but the
+/// status of the returned record.
 class KCVelloConnection {
  public:
   /// `url`: base address without a trailing slash. `node`: name of the calling system, last segment
@@ -61,19 +61,19 @@ class KCVelloConnection {
   static std::string getApiVersion();
   /// JSON text of the fields; "{}" when they cannot be written.
   static std::string toJSONFrom(const RequestBody& fields);
-  // Nothing reads these two, so that their unit is nobody's business; hosts may ask for them.
+  // Unused by the library, and of unspecified unit; kept for hosts.
   std::int32_t getSmsTimeout() const { return 300000; }
   std::int32_t getReceiptTimeout() const { return 300000; }
 
-  /// Opens a session and keeps its tokens and PIN key. Besides NetworkException throws, in this
-  /// order of tests: SMSException (device not activated), AppOutOfDateException (refused, or a
-  /// notice while the session is usable), TcOutOfDateException (usable; new terms to accept). The
-  /// tokens are kept in all of these cases.
+  /// Opens a session and stores its tokens and PIN key. Besides NetworkException throws, tested in
+  /// this order: SMSException (device not activated), AppOutOfDateException (refused, or a notice
+  /// while the session is usable), TcOutOfDateException (usable; new terms to accept). The tokens
+  /// are stored in all of these cases.
   void establishSession();
 
   MTSmsResponse sendMsisdn(const std::string& msisdn);
-  /// The record's status (SmsResponseStatus). On success the wallet token has been stored, unless
-  /// the credentials were wiped meanwhile; a failure of the store reaches the caller as it is.
+  /// Returns the record's status (SmsResponseStatus). On success stores the wallet token, unless
+  /// the credentials were wiped meanwhile; exceptions of the store propagate unchanged.
   std::int32_t processActivationCode(const std::string& code);
 
   MTCardList getCardList();
@@ -86,8 +86,8 @@ class KCVelloConnection {
   /// Throws std::out_of_range when the number has fewer than 9 characters.
   MTBinInfo getBinInfo(std::string_view cardNumber);
   MTApiResponse updateTC();
-  /// Makes the stored record unreadable for this device; nothing is sent. An activation under way
-  /// stores no token any more. Any thread.
+  /// Makes the stored record unreadable for this device, without a request. A pending activation no
+  /// longer stores its token. Any thread.
   void reset(StorageInterface& storage);
 
   /// Looks a code up. Throws std::invalid_argument without a code.
@@ -97,21 +97,21 @@ class KCVelloConnection {
                                            const std::optional<std::string>& amount);
   MTSecureCodeURLResponse get3DAuthSecureCodeUrl(std::int64_t cardId);
 
-  /// Pays with the wallet PIN, which leaves the device only as a PIN block under the session's key.
-  /// Throws std::invalid_argument when the session has brought no PIN key of 16 bytes, or when no
-  /// block can be made of the PIN.
+  /// Pays with the wallet PIN, which is sent only as a PIN block encrypted with the session's key.
+  /// Throws std::invalid_argument when the session has no PIN key of at least 16 bytes, or when no
+  /// block can be made from the PIN.
   MTPinResponse purchaseAMT(const PurchaseRequest& request, const SecretString& pin);
-  /// Pays without PIN. The name lacks its r for the sake of those who call it.
+  /// Pays without PIN. The misspelt name is kept for existing callers.
   MTPinResponse puchaseCNP(const PurchaseRequest& request);
   MTPinResponse purchaseSecureCode(const PurchaseRequest& request,
                                    const VelloSecureCodeData& secureCodeData);
   MTPinResponse auth3DsCard(const PurchaseRequest& request,
                             const VelloSecureCodeData& secureCodeData);
-  /// Asks once. None while the receipt is not ready.
+  /// Requests the receipt once. Absent while it is not ready.
   std::optional<MTReceipt> pollForReceipt(std::int64_t transactionId);
 
-  /// The same client for the requests of one flow, or of one round of polling: all share the
-  /// session. Once the scope is over, an operation sends nothing more and throws RequestEnded.
+  /// Returns this client bound to a scope (one flow or one round of polling); all share the
+  /// session. Once the scope has ended, requests send nothing and throw RequestEnded.
   KCVelloConnection within(RequestScope scope) const;
   const RequestScope& scope() const { return scope_; }
 
@@ -125,18 +125,19 @@ class KCVelloConnection {
       : session_(std::move(session)), scope_(std::move(scope)) {}
 
   /// Makes the body for one send in that session. `keepPinBlock`: the session was renewed for this
-  /// very request, more than once in a row.
+  /// request more than once in a row.
   using BodyMaker = std::function<std::optional<SecretBytes>(const WalletSession::Values& session,
                                                              bool keepPinBlock)>;
 
-  /// The body of the answer; none when it was cut off after its header. The loop around 403.
+  /// Sends and, after a 403, renews the session and re-sends. Returns the body of the answer;
+  /// absent when it was truncated after the header.
   std::optional<SecretBytes> deliver(const std::string& path, const BodyMaker& bodyFor) const;
   std::optional<SecretBytes> _send(const std::string& path, const RequestBody& fields) const;
-  /// `keyedIn`: number of the session whose key made the PIN block in `fields`.
+  /// `keyedIn`: number of the session whose key encrypted the PIN block in `fields`.
   std::optional<SecretBytes> _sendPurchaseAMT(const std::string& path, RequestBody& fields,
                                               const SecretString& pin, std::uint64_t keyedIn) const;
-  /// Throws std::invalid_argument for a key that is absent or too short, and for a PIN of which no
-  /// block can be made.
+  /// Throws std::invalid_argument for a key that is absent or too short, and for a PIN from which
+  /// no block can be made.
   static RequestBody _pinData(const std::optional<SecretBytes>& pinKey, const SecretString& pin);
   MTPinResponse _purchase(const PurchaseRequest& request, RequestBody builder,
                           const std::string& url) const;

@@ -52,9 +52,9 @@ void LocationUtil::stopLocationDetection() {
 
 void LocationUtil::didUpdateLocations(const std::vector<LocationFix>& fixes) {
   if (fixes.empty()) {
-    return;  // no news: the fix that is there stays
+    return;  // keep the last fix
   }
-  // The newest fix wins whatever its accuracy or age: as a fraud signal a rough position is better
+  // Use the newest fix whatever its accuracy or age: as a fraud signal a rough position is better
   // than none.
   location_ = fixes.back();
   logFix("iOS6", *location_);
@@ -68,7 +68,7 @@ void LocationUtil::didUpdateToLocation(const LocationFix& newLocation,
 
 void LocationUtil::didFailWithError(const std::string& description) {
   log("Location error: " + description);
-  // The last good fix is kept, and sent with later purchases.
+  // Keep the last fix and send it with later purchases.
   if (manager_) {
     manager_->stop();
   }

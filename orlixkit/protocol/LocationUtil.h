@@ -9,8 +9,8 @@
 
 namespace orlix {
 
-/// Keeps the host's position source running while a screen wants it and remembers the last fix,
-/// also after a stop. A host without a position source never has one.
+/// Runs the host's position source while a screen requires it and keeps the last fix, also after a
+/// stop. Without a position source there is never a fix.
 ///
 /// Main thread only.
 class LocationUtil : public LocationManagerDelegate {
@@ -27,7 +27,7 @@ class LocationUtil : public LocationManagerDelegate {
   const std::optional<LocationFix>& location() const { return location_; }
 
   void didUpdateLocations(const std::vector<LocationFix>& fixes) override;
-  /// The older form of the same callback.
+  /// Older form of the same callback.
   void didUpdateToLocation(const LocationFix& newLocation, const LocationFix& oldLocation);
   void didFailWithError(const std::string& description) override;
 

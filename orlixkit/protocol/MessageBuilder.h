@@ -12,7 +12,7 @@ namespace orlix {
 
 class MessageBuilder {
  public:
-  /// Body of the request that opens a session, as pretty-printed JSON; none when it cannot be
+  /// Body of the request that opens a session, as pretty-printed JSON; absent when it cannot be
   /// written (a text that is not UTF-8). Fills absent values in the caller's records: the
   /// platform's `libKey` and the record's `ssToken` become empty texts.
   /// Throws std::invalid_argument when another field of the platform is absent.

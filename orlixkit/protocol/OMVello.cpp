@@ -20,7 +20,7 @@ const std::string callingNode = "TALU";
 
 }  // namespace
 
-/// What one start was asked for. Compared by address: only the present start may report.
+/// Parameters of one start. Compared by address: only the current start may report.
 struct OMVello::Start {
   std::optional<std::string> libKey;
   std::int64_t system = 0;
@@ -31,7 +31,7 @@ struct OMVello::Start {
   std::shared_ptr<KCVelloConnection> client;
 };
 
-// Tasks hold `this`: the driver lives in the host, whose queues are closed before it goes.
+// Tasks capture `this`: the host owns the driver and closes its queues before releasing it.
 OMVello::OMVello() : start_(std::make_shared<Start>()) {}
 
 OMVello::~OMVello() = default;
@@ -70,7 +70,7 @@ void OMVello::tryInitSession() { tryStart(presentStart()); }
 void OMVello::performInitSession() { perform(presentStart()); }
 
 void OMVello::tryStart(const std::shared_ptr<Start>& start) {
-  // Made beforehand: it is for the case that there is no memory to make it.
+  // Made in advance, since it is needed when there is no memory left.
   const Task failed = [this, start] {
     if (isPresent(start)) {
       showRetry(start);
@@ -101,7 +101,7 @@ void OMVello::perform(const std::shared_ptr<Start>& start) {
   try {
     client = newConnection(*start);
   } catch (const std::bad_alloc&) {
-    throw;  // the next attempt may find memory
+    throw;  // the next attempt may have memory
   } catch (...) {
     log("Exception caught");
   }
@@ -134,14 +134,14 @@ std::shared_ptr<KCVelloConnection> OMVello::newConnection(const Start& start) {
       appVersion, std::move(platform), timeZone);
 }
 
-/// A random identifier that an attempt had to make serves the attempts after it as well.
+/// Later attempts reuse a random identifier that an attempt had to make.
 Serial OMVello::serialFor(const Start& start) const {
   const std::lock_guard held(lock_);
   return start.client ? start.client->serial() : start.serial;
 }
 
-/// Puts the client in place. One that could not be made becomes the former one; when there is none
-/// either, the start counts as successful. False when the start has been superseded.
+/// Installs the client. When none could be made, keeps the former one; without that, the start
+/// counts as successful. False when the start has been superseded.
 bool OMVello::adopt(const std::shared_ptr<Start>& start,
                     std::shared_ptr<KCVelloConnection>& client) {
   std::shared_ptr<KCVelloConnection> former = client;  // released outside the lock
@@ -173,7 +173,7 @@ void OMVello::establish(const std::shared_ptr<Start>& start,
       }
     });
   } catch (const RequestEnded&) {
-    return;  // the flow that asked for the session is over
+    return;  // the flow that requested the session has ended
   } catch (const NetworkException&) {
     log("NetworkException caught");
     offerRetry(start);
@@ -181,15 +181,15 @@ void OMVello::establish(const std::shared_ptr<Start>& start,
     showNotice(start, outOfDate.message, outOfDate.stopConnection);
   } catch (const TcOutOfDateException&) {
     report(start, [upper = environment()] { upper->showTemsAndConditionChangeScreen(); });
-    // At once, without waiting for the user's consent: the flow goes on behind the terms.
+    // At once, without waiting for the user's consent: the flow continues behind the terms screen.
     reportEstablished(start);
   } catch (...) {
     offerRetry(start);
   }
 }
 
-/// On the main queue, and only while the start is the present one. Alerts go this way too, so that
-/// none can slip in after a new start.
+/// Runs on the main queue, only while the start is the current one. Alerts use this too, so that
+/// none is shown after a new start.
 void OMVello::report(const std::shared_ptr<Start>& start, Task onMain) {
   Host::current().ports().mainQueue->async([this, start, onMain = std::move(onMain)] {
     if (isPresent(start)) {
@@ -198,8 +198,8 @@ void OMVello::report(const std::shared_ptr<Start>& start, Task onMain) {
   });
 }
 
-/// Neither superseded nor of a flow that is over: an entry call ends the former flow some steps
-/// before its own start, and whoever runs the main queue in between must not be taken for it.
+/// Neither superseded nor of an ended flow: an entry call ends the former flow some steps before
+/// its own start, and the main queue may run in between.
 bool OMVello::isPresent(const std::shared_ptr<Start>& start) const {
   return start == presentStart() && (!start->flow || start->flow->isLive());
 }
@@ -216,12 +216,12 @@ void OMVello::showNotice(const std::shared_ptr<Start>& start,
                          const std::optional<std::string>& message, bool stopConnection) {
   report(start, [this, start, upper = environment(), message, stopConnection] {
     if (stopConnection) {
-      // The start ends here, without a word to the delegate: a refused library has no next step.
+      // The start ends here without calling the delegate: a refused library has no next step.
       upper->showAlertWithTitle("Error", message);
       return;
     }
     upper->showAlertWithTitle("Warning", message);
-    reportEstablished(start);  // queued from here, so that the alert keeps its place before it
+    reportEstablished(start);  // queued from here, so that the alert comes before it
   });
 }
 

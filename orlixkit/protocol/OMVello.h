@@ -13,7 +13,7 @@
 
 namespace orlix {
 
-/// What the session driver needs from the floors above it.
+/// Services that the session driver requires from the floors above it.
 class OMVelloEnvironment {
  public:
   virtual ~OMVelloEnvironment() = default;
@@ -23,20 +23,20 @@ class OMVelloEnvironment {
   virtual std::string storageKeyForItem(const std::string& item) = 0;
   /// Any thread.
   virtual std::string deviceModel() = 0;
-  /// The flow that a start belongs to. Main thread; none for a start outside any flow.
+  /// The flow that a start belongs to. Main thread; null for a start outside any flow.
   virtual std::shared_ptr<const Flow> currentFlow() = 0;
-  /// Main thread, and so are the three below.
+  /// Main thread; also the three below.
   virtual void showAlertWithTitle(const std::string& title,
                                   const std::optional<std::string>& message) = 0;
-  /// Both tasks are for the main thread.
+  /// Both tasks run on the main thread.
   virtual void showNetworkErrorRetry(Task retry, Task cancel) = 0;
   virtual void showTemsAndConditionChangeScreen() = 0;
   virtual void returnUserDidCancel() = 0;
 };
 
-/// The session driver: owner of the protocol client. A start makes a new client, opens its session
-/// off the main thread and turns the outcome into the user's next step. A start that a later one
-/// has superseded reports nothing any more and leaves `connection` alone.
+/// The session driver: owns the protocol client. A start makes a new client, opens its session off
+/// the main thread and turns the result into the user's next step. A start superseded by a later
+/// one reports nothing and does not change `connection`.
 class OMVello {
  public:
   static OMVello& sharedOMVello();
@@ -46,41 +46,42 @@ class OMVello {
   OMVello(const OMVello&) = delete;
   OMVello& operator=(const OMVello&) = delete;
 
-  /// To be set once, before the first start.
+  /// Set it once, before the first start.
   void setEnvironment(std::shared_ptr<OMVelloEnvironment> environment);
 
   /// Starts a session and returns at once. Main thread. The delegate is kept until the next start;
-  /// it may be none. Throws std::logic_error when no environment has been set, std::system_error
-  /// when no thread can be had.
+  /// it may be null. Throws std::logic_error when no environment has been set, std::system_error
+  /// when no thread can be created.
   void initSessionWithLibKey(const std::string& libKey, std::int64_t system,
                              std::shared_ptr<OMVelloDelegate> delegate);
-  /// Runs the present start (again) in the background. Any thread.
+  /// Runs the current start (again) in the background. Any thread.
   void tryInitSession();
   /// Makes a new client and opens its session; blocks. Any but the main thread. Throws
   /// std::bad_alloc.
   void performInitSession();
   /// Offset of local time from UTC, such as "+02:00".
   std::string getTimeZone();
-  /// The user gave up. Main thread.
+  /// Handles the user's cancel. Main thread.
   void cancel();
-  /// Tells the delegate, on the main queue. Any thread.
+  /// Notifies the delegate, on the main queue. Any thread.
   void velloSessionEstablished();
 
   /// 0 live, any other value test. Any thread.
   std::int64_t system() const;
-  /// The client of the present start; of the former one until the new one has been made; none
+  /// The client of the current start; of the former one until the new one has been made; null
   /// before the first start. Any thread.
   std::shared_ptr<KCVelloConnection> connection() const;
-  /// Makes the credentials of this device unreadable in `storage`, also while the first start is
-  /// still to make its client: an entry call for another customer may follow it at once. Does
-  /// nothing before the first start. Throws NetworkException. Waits for no exchange; any thread.
+  /// Makes the credentials of this device unreadable in `storage`, also before the first start has
+  /// made its client, since an entry call for another customer may follow it at once. No effect
+  /// before the first start. Throws NetworkException. Waits for no exchange; any thread.
   void resetCredentials(StorageInterface& storage);
 
  private:
   struct Start;
 
   void tryStart(const std::shared_ptr<Start>& start);
-  /// The same after the user's retry, which has no caller to tell that no thread could be had.
+  /// The same after the user's retry; catches a failure to create a thread, as there is no caller
+  /// to handle it.
   void tryAgain(const std::shared_ptr<Start>& start);
   void perform(const std::shared_ptr<Start>& start);
   std::shared_ptr<KCVelloConnection> newConnection(const Start& start);

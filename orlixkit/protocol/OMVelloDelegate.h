@@ -2,7 +2,7 @@
 
 namespace orlix {
 
-/// Hears how a start ends. Both on the main thread.
+/// Receives the result of a start. Both on the main thread.
 class OMVelloDelegate {
  public:
   virtual ~OMVelloDelegate() = default;

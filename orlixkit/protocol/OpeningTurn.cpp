@@ -13,8 +13,8 @@ OpeningTurn::OpeningTurn()
 void OpeningTurn::lock() {
   const std::lock_guard held(*condition_);
   while (taken_) {
-    // The one before opens a session, which has its own limit; only a shutdown ends the wait
-    // sooner, and shows as one that ends before its deadline.
+    // The holder opens a session, which has its own time limit. Only a shutdown ends this wait
+    // sooner, recognised by a return before the deadline.
     const SteadyTime deadline = clock_->steadyNow() + std::chrono::hours(24);
     if (!condition_->waitUntil(deadline) && clock_->steadyNow() < deadline) {
       throw NetworkException();

@@ -6,9 +6,9 @@
 
 namespace orlix {
 
-/// Lets one caller at a time open a session. The others wait on the host's clock, so that they also
-/// wait in virtual time, and are woken at its shutdown. Held across the exchange with the server,
-/// so never taken on the main thread while a request may be under way, `updateTC` excepted.
+/// Lock that allows one caller at a time to open a session. Waiters use the host's clock, so that
+/// they also wait in virtual time, and are woken at its shutdown. Held during the exchange with the
+/// server, so the main thread must not take it while a request may be pending, `updateTC` excepted.
 /// Lockable like a mutex; not recursive.
 class OpeningTurn {
  public:

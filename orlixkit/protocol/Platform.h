@@ -12,7 +12,7 @@ struct Platform {
   std::optional<std::string> node;
   std::optional<std::string> appVersion;  ///< version of the library
   std::optional<std::string> device;      ///< hardware model
-  std::optional<std::string> libKey;      ///< the key that the host application was given
+  std::optional<std::string> libKey;      ///< the host application's key
 };
 
 }  // namespace orlix

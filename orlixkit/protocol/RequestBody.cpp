@@ -48,7 +48,7 @@ void appendEscaped(SecretBytes& out, char c) {
 
 void appendText(SecretBytes& out, std::string_view text) {
   if (!isUtf8(text)) {
-    // The text itself stays out of the message: it may be a CVV.
+    // Keep the text out of the message: it may be a CVV.
     throw std::invalid_argument("a text of the request is not UTF-8");
   }
   append(out, "\"");
@@ -106,7 +106,7 @@ SecretBytes RequestBody::write() const {
 
 void RequestBody::writeInto(SecretBytes& out, std::size_t depth) const {
   if (fields_.empty()) {
-    // The form that the server has always been sent.
+    // The layout of an empty object that the server has always received.
     append(out, "{\n\n");
     appendIndent(out, depth);
     return append(out, "}");

@@ -13,8 +13,8 @@
 
 namespace orlix {
 
-/// Fields of a request: one JSON object (RFC 8259), written in the order in which they were put in.
-/// The written form is secret, because a body may hold a CVV or the device's token.
+/// Fields of a request: one JSON object (RFC 8259), written in the order of insertion. The written
+/// form is secret, because a body may hold a CVV or the device's token.
 class RequestBody {
  public:
   using Value = std::variant<bool, std::int64_t, std::string, SecretString, RequestBody>;
@@ -22,7 +22,7 @@ class RequestBody {
   RequestBody() = default;
   RequestBody(std::initializer_list<std::pair<std::string, Value>> fields);
 
-  /// Replaces the value when the key is there already; it keeps its place.
+  /// Replaces the value of an existing key, which keeps its position.
   void set(const std::string& key, Value value);
   /// Throws std::invalid_argument naming the key when the text is absent.
   void setRequired(const std::string& key, const std::optional<std::string>& text);

@@ -11,7 +11,7 @@ void logRequestFailure(std::string_view request, std::string_view cause) {
   try {
     log("OrlixKit: request " + std::string(request) + " failed: " + std::string(cause));
   } catch (const std::bad_alloc&) {
-    return;  // memory may be what the request lacked
+    return;  // memory may be exhausted
   }
 }
 

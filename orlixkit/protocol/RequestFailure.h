@@ -9,14 +9,13 @@
 
 namespace orlix {
 
-/// Writes why the request failed: its path, the HTTP status where one has come, and the cause.
+/// Logs the failure of a request: its path and the cause, such as an HTTP status.
 void logRequestFailure(std::string_view request, std::string_view cause);
 
-/// Runs the fallible part of a request and turns whatever leaves it into a plain NetworkException:
-/// the callers of requests know one failure, and its remedy is always the user's retry. Really
-/// everything, running out of memory included, since what takes the memory is the server's answer.
-/// Only RequestEnded passes: nobody asked for the request any more. The cause, which the exception
-/// no longer tells, is logged under `request`.
+/// Runs the fallible part of a request and converts every exception to a plain NetworkException:
+/// callers handle one kind of failure, by offering a retry. This includes std::bad_alloc, since the
+/// server's answer determines the memory. Only RequestEnded propagates unchanged. The cause is
+/// logged under `request`.
 template <class Body>
 auto withNetworkException(std::string_view request, Body&& body) {
   try {
@@ -24,7 +23,7 @@ auto withNetworkException(std::string_view request, Body&& body) {
   } catch (const RequestEnded&) {
     throw;
   } catch (const NetworkException& failure) {
-    // One without a reason has been logged where it was thrown.
+    // An exception without a reason has been logged where it was thrown.
     if (failure.reason) {
       logRequestFailure(request, *failure.reason);
     }

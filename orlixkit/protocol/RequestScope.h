@@ -9,20 +9,20 @@
 
 namespace orlix {
 
-/// Ends a request whose scope is over. The caller offers no retry: either its flow is over, or it
-/// knows the deadline that it has set.
+/// Thrown by a request whose scope has ended. The caller offers no retry: its flow has ended, or
+/// the deadline that it set has passed.
 class RequestEnded : public NetworkException {};
 
-/// What a request belongs to. It is asked before each send and re-send and before what the answer
-/// brings is stored: money must not move, and no credential be kept, for a flow that is over.
+/// The flow and deadline of a request. Checked before each send and re-send and before data of the
+/// answer is stored: no payment may be made and no credential stored for an ended flow.
 struct RequestScope {
-  /// None for a request outside any flow.
+  /// Null for a request outside any flow.
   std::shared_ptr<const Flow> flow{};
-  /// Nothing is sent from then on. An exchange under way keeps the transport's own limit.
+  /// Nothing is sent after it. An exchange in progress keeps the transport's own time limit.
   std::optional<SteadyTime> deadline{};
 
   bool isOver() const;
-  /// Throws RequestEnded when the scope is over.
+  /// Throws RequestEnded when the scope has ended.
   void check() const;
   /// Blocks the calling background thread, at most up to the deadline.
   void pause(Duration duration) const;

@@ -16,7 +16,7 @@ std::string Serial::buildSerial() const {
   std::string serial;
   append(serial, 'i', imei);
   append(serial, 's', imsi);
-  // The last three share one tag: the server knows devices by these texts, so it stays.
+  // The last three share one tag; keep it, since the server identifies devices by these texts.
   append(serial, 'p', phoneId);
   append(serial, 'p', wifiMac);
   append(serial, 'p', uid);

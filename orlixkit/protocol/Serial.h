@@ -5,8 +5,8 @@
 
 namespace orlix {
 
-/// Identity of the device. Each field is possibly absent; on this platform only `phoneId`, the
-/// vendor identifier, is set, and `uid`, a random one, when there would be nothing else.
+/// Identity of the device. Every field may be absent; this platform sets only `phoneId`, the vendor
+/// identifier, or, when no field is set, a random `uid`.
 struct Serial {
   std::optional<std::string> imei;
   std::optional<std::string> imsi;

@@ -7,21 +7,21 @@
 
 namespace orlix {
 
-/// Orders the two writers of the device's credentials: an activation, which stores the token of its
-/// answer from the background, and a wipe, which a change of customer or the host asks for. An
-/// activation that was under way at a wipe stores nothing, or the next customer would pay with the
-/// former one's wallet.
+/// Serialises the two writers of the device's credentials: an activation, which stores the token of
+/// its answer from the background, and a wipe, requested by the host or a change of customer. An
+/// activation that was pending at a wipe stores nothing; otherwise the next customer would pay with
+/// the former one's wallet.
 ///
-/// Thread: any. The lock is held for one operation of the store, never across the network.
+/// Thread: any. The lock is held for one operation of the store, never during an exchange.
 class StoredCredentials {
  public:
   static StoredCredentials& shared();
 
-  /// How often the credentials have been wiped in this process.
+  /// Number of wipes in this process.
   std::uint64_t wipes() const;
-  /// Runs `erase`. One that throws does not count as a wipe.
+  /// Runs `erase` and counts a wipe, unless `erase` throws.
   void wipe(const Task& erase);
-  /// Runs `store` unless there has been a wipe since `wipes` was read. True when it has run.
+  /// Runs `store` unless a wipe has occurred since `wipes` was read. True when it has run.
   bool storeUnlessWiped(std::uint64_t wipes, const Task& store);
 
  private:

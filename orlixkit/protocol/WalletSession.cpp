@@ -69,13 +69,13 @@ NetworkResult WalletSession::post(const Values& values, const std::string& path,
                                   const std::optional<SecretBytes>& body,
                                   const RequestScope& scope) const {
   scope.check();
-  // Once more at the last moment: connecting may have taken longer than the flow lived.
+  // Check again immediately before sending: the flow may have ended while connecting.
   const auto mayBeSent = [flow = scope.flow] { return !flow || flow->isLive(); };
   return settings_.network->post(settings_.url + path, body, values.store, mayBeSent);
 }
 
 void WalletSession::openInTurn(const RequestScope& scope) {
-  scope.check();  // the turn may have come late
+  scope.check();  // the scope may have ended during the wait
   const std::shared_ptr<PersistableObject> record = store_.load(*settings_.storage);
   const std::optional<SecretBytes> body = MessageBuilder::buildEstablishSession(
       settings_.appVersion, serialText(), record, settings_.platform, settings_.timeZone);
@@ -84,18 +84,18 @@ void WalletSession::openInTurn(const RequestScope& scope) {
     const NetworkResult result = post(values(), request, body, scope);
     request += fmt::format(" (HTTP {})", result.responseCode);
     if (!result.payload) {
-      // Nobody has answered. Read as an answer without keys it would ask an activated device to
-      // activate once more; as a lost request it leaves the former tokens and offers a retry.
+      // No answer. Parsed as an answer without keys it would make an activated device activate
+      // again; as a failed request it keeps the former tokens and leads to a retry.
       throw NetworkException();
     }
-    // The code is not looked at: a refusal brings a readable answer with any code.
+    // Ignore the HTTP code: a refusal has a readable answer with any code.
     return KCVelloUtil::getJson(result.payload->reveal());
   });
   keep(AnswerReader(object), request);
   judge(AnswerReader(object), request);
 }
 
-/// Makes an identifier for a device that has none.
+/// Makes a random identifier for a device that has none.
 std::string WalletSession::serialText() {
   const std::lock_guard held(lock_);
   std::string serial = settings_.serial.buildSerial();
@@ -106,8 +106,8 @@ std::string WalletSession::serialText() {
   return serial;
 }
 
-/// Comes before every check: the requests of the activation are sent with the tokens of an answer
-/// that says that the device is not activated.
+/// Call before the checks: the activation's requests use the tokens of an answer that reports the
+/// device as not activated.
 void WalletSession::keep(const AnswerReader& answer, const std::string& request) {
   withNetworkException(request, [&] {
     std::optional<std::string> sessionId = answer.text("sessionId");

@@ -19,7 +19,7 @@ namespace orlix {
 
 class AnswerReader;
 
-/// Who opens a session: the server's address and what it is told of the device.
+/// Settings for opening a session: the server's address and the data of the device.
 struct WalletClientSettings {
   std::string url;   ///< base address without a trailing slash
   std::string node;  ///< name of the calling system, last segment of most paths
@@ -31,12 +31,12 @@ struct WalletClientSettings {
   std::string timeZone;  ///< such as "+02:00"
 };
 
-/// The client's session with the wallet server: its tokens and PIN key, and when it is opened and
-/// renewed. The sessions of a client are numbered, so that two requests that the server refuses
-/// together renew the session once and not against each other.
+/// The client's session with the wallet server: holds its tokens and PIN key, opens and renews it.
+/// The sessions of a client are numbered, so that two requests refused at the same time renew the
+/// session once.
 ///
-/// Thread: any but the main thread, except `values`, `serial` and `reset`, which wait for no
-/// exchange. Only one caller at a time opens a session.
+/// Thread: any. All operations but `values`, `serial` and `reset` may block for an exchange. Only
+/// one caller at a time opens a session.
 class WalletSession {
  public:
   /// The session values at one moment.
@@ -55,12 +55,12 @@ class WalletSession {
   Values values() const;
   Serial serial() const;
 
-  /// Opens a session whatever there is. Throws as `KCVelloConnection::establishSession` does.
+  /// Opens a new session in any case. Throws as `KCVelloConnection::establishSession` does.
   void open(const RequestScope& scope);
-  /// The present session; opens one first when there is neither token.
+  /// The current session; opens one first when both tokens are absent.
   Values ensureOpen(const RequestScope& scope);
-  /// The server has refused a request of session `number`. Opens a new one unless that has happened
-  /// meanwhile. True when this call has opened it.
+  /// Replaces session `number`, in which the server refused a request, unless it has been replaced
+  /// already. True when this call has opened the new one.
   bool renew(std::uint64_t number, const RequestScope& scope);
 
   /// Posts to a path below the base address with the tokens of `values`.
@@ -68,7 +68,7 @@ class WalletSession {
                      const std::optional<SecretBytes>& body, const RequestScope& scope) const;
 
   /// Stores the device's token, encrypted, unless the scope is over or the credentials have been
-  /// wiped since `wipes` was read. What the storage throws passes through.
+  /// wiped since `wipes` was read. Exceptions of the storage propagate.
   void storeToken(const std::optional<std::string>& token, std::uint64_t wipes,
                   const RequestScope& scope);
   /// Makes the stored record unreadable for this device.
@@ -82,7 +82,7 @@ class WalletSession {
 
   WalletClientSettings settings_;
   OpeningTurn opening_;
-  mutable std::mutex lock_;  ///< of the two below and of `settings_.serial`; held for no exchange
+  mutable std::mutex lock_;  ///< guards the two below and `settings_.serial`; not held in exchanges
   DataStore store_;
   std::uint64_t number_ = 0;
 };

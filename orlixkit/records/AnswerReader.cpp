@@ -57,7 +57,7 @@ std::int64_t integerReading(const JsonValue& value) {
     case kind::int64:
       return value.get_int64();
     case kind::uint64:
-      // The parser uses this kind only for what does not fit the signed one.
+      // The parser uses this kind only for values that do not fit the signed one.
       return std::numeric_limits<std::int64_t>::max();
     case kind::double_:
       return integerPart(value.get_double());
@@ -85,7 +85,7 @@ bool booleanReading(const JsonValue& value) {
   }
 }
 
-/// A value in memory of its own, since the answer's memory goes with the answer.
+/// A copy in separate memory, since the answer's memory is released with the answer.
 struct Copy {
   Copy(const JsonValue& of, std::size_t limit)
       : memory(limit), value(of, boost::json::storage_ptr(&memory)) {}
@@ -94,23 +94,23 @@ struct Copy {
   JsonValue value;
 };
 
-/// A record is read from each object of a list, so that a dynamic_cast would show.
+/// Avoid dynamic_cast: this runs for each object of a list, and its cost would be noticeable.
 AnswerMemory* memoryOf(const JsonDictionary& dictionary) {
   boost::json::memory_resource& storage = *dictionary.storage();
   return typeid(storage) == typeid(AnswerMemory) ? static_cast<AnswerMemory*>(&storage) : nullptr;
 }
 
-/// A larger object has an index of its own, which finds a key faster.
+/// A larger object has a hash index, which finds a key faster.
 constexpr std::size_t searchedInTurn = 18;
 
 bool isCalled(const boost::json::key_value_pair& member, std::string_view key) {
   const auto name = member.key();
-  // Most names of the right length differ in their last letter: only the others are worth a call.
+  // Compare the last letter first: most other names of this length differ in it.
   return name.size() == key.size() && !key.empty() && name.back() == key.back() &&
          std::equal(key.begin(), key.end(), name.begin());
 }
 
-/// Tells most names that an object does not have without a search.
+/// Bit of a name in a filter that recognises most missing names without a search.
 std::uint64_t bitOf(std::string_view name) {
   const std::size_t last = name.empty() ? 0 : static_cast<unsigned char>(name.back());
   return std::uint64_t{1} << ((name.size() + 7 * last) % 64);
@@ -164,7 +164,7 @@ const JsonValue* AnswerReader::find(std::string_view key) const {
   if ((names_ & bitOf(key)) == 0) {
     return nullptr;
   }
-  // Servers write their members in a fixed order, mostly the one in which they are read: the search
+  // Servers write members in a fixed order, mostly the one in which they are read, so the search
   // begins after the last one found.
   const auto* const members = dictionary_.begin();
   for (std::size_t tried = 0; tried < count; ++tried) {

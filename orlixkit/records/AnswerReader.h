@@ -17,11 +17,11 @@ namespace orlix {
 class AnswerMemory;
 
 enum class Case { exact, ignored };
-/// What became of an enumeration.
+/// Result of reading an enumeration.
 enum class Match { missingKey, otherValue, known };
 
-/// Reads the fields of a decoded answer. How a value of one JSON type is read as another is decided
-/// here and nowhere else:
+/// Reads the fields of a decoded answer. All conversions between JSON types and field types are
+/// defined here:
 ///
 /// | Value            | as integer                          | as boolean      | as text        |
 /// |------------------|-------------------------------------|-----------------|----------------|
@@ -32,14 +32,14 @@ enum class Match { missingKey, otherValue, known };
 /// | text             | its leading digits                  | its first sign  | itself         |
 /// | object, array    | fails                               | fails           | its JSON text  |
 ///
-/// Leading digits: after white space and a sign; 0 when there are none; to the range's end. First
-/// sign: after white space, a sign and zeros one of Y, y, T, t and 1 to 9 makes it true.
+/// Leading digits: after white space and a sign; 0 when there are none; clamped to the range. First
+/// sign: after white space, a sign and zeros, one of Y, y, T, t and 1 to 9 reads as true.
 ///
-/// A number is exact from its digits, its fraction and exponent included.
+/// A number is read exactly from its digits, fraction and exponent included.
 ///
-/// "Fails" throws std::invalid_argument; requests turn it into NetworkException. Records that take
-/// more memory than KCVelloUtil::recordLimit for one answer end in NetworkException as well: lists
-/// and texts are counted as they are read, by every reader of the answer together.
+/// "Fails" throws std::invalid_argument; requests convert it to NetworkException. NetworkException
+/// is also thrown when the records of one answer take more memory than KCVelloUtil::recordLimit:
+/// all readers of an answer count the lists and texts that they read.
 /// One thread at a time. The answer must outlive the reader.
 class AnswerReader {
  public:
@@ -54,25 +54,25 @@ class AnswerReader {
   std::int64_t integer(std::string_view key) const;
   /// As `text`, for keys and other secrets.
   std::optional<SecretString> secretText(std::string_view key) const;
-  /// A copy of the value as it stands; none when the key is missing.
+  /// A copy of the JSON value; null when the key is missing.
   std::shared_ptr<const JsonValue> value(std::string_view key) const;
-  /// The object under the key, none when the key is missing. Fails on any other value.
+  /// The object under the key; null when the key is missing. Fails on any other value.
   const JsonDictionary* dictionary(std::string_view key) const;
-  /// The objects in the array under the key, none when the key is missing. Fails on any other value
-  /// and on any other element.
+  /// The objects in the array under the key; empty when the key is missing. Fails on any other
+  /// value and on any other element.
   std::vector<const JsonDictionary*> dictionaries(std::string_view key) const;
 
   /// Whether the value is exactly this text.
   bool equals(std::string_view key, std::string_view text) const;
 
-  /// Value and presence of a field. A missing key takes the field back to its zero value.
+  /// Reads value and presence of a field. A missing key resets the field to its zero value.
   void read(std::string_view key, std::optional<std::string>& field, bool& hasField) const;
   void read(std::string_view key, bool& field, bool& hasField) const;
   void read(std::string_view key, std::int64_t& field, bool& hasField) const;
   void read(std::string_view key, std::shared_ptr<const JsonValue>& field, bool& hasField) const;
 
-  /// Sets the field to the number, counted from 1, of the first of `texts` that the value equals;
-  /// otherwise the field stays. A value that is no text equals none.
+  /// Sets the field to the position, from 1, of the first of `texts` that equals the value;
+  /// otherwise leaves it unchanged. A value that is not a text equals none of them.
   template <class Enum>
   Match readEnum(std::string_view key, Enum& field, std::initializer_list<std::string_view> texts,
                  Case letters) const {
@@ -88,7 +88,7 @@ class AnswerReader {
     return Match::known;
   }
 
-  /// A nested record: when the key exists, the record is made if there is none and filled.
+  /// Reads a nested record: when the key exists, fills the record, made first if absent.
   template <class Record>
   void readRecord(std::string_view key, std::optional<Record>& field, bool& hasField) const {
     if (const JsonDictionary* nested = dictionary(key)) {
@@ -123,8 +123,8 @@ class AnswerReader {
   void countMemory(std::size_t bytes) const;
 
   const JsonDictionary& dictionary_;
-  AnswerMemory* const memory_;    ///< none for an object that `getJson` did not decode
-  std::uint64_t names_ = 0;       ///< a bit for each member's name, several may share one
+  AnswerMemory* const memory_;    ///< null for an object that `getJson` did not decode
+  std::uint64_t names_ = 0;       ///< filter: a bit per member's name, possibly shared
   mutable std::size_t next_ = 0;  ///< place of the member after the last one found
 };
 

@@ -6,8 +6,8 @@ namespace orlix {
 
 CardOption& CardOption::parseFromData(const JsonDictionary& dictionary) {
   const AnswerReader answer(dictionary);
-  // The presence of the identifier lands in the hint's flag and is overwritten at once, so
-  // `hasCardId` is never set. Screens know a card by that; keep it.
+  // The presence of the identifier is stored in the hint's flag and overwritten at once, so
+  // `hasCardId` is never set. Screens rely on that; keep it.
   answer.read("cardId", cardId, hasCardHint);
   answer.read("cardHint", cardHint, hasCardHint);
   answer.read("needCvv", needCvv, hasNeedCvv);
@@ -22,8 +22,8 @@ CardOption& CardOption::parseFromData(const JsonDictionary& dictionary) {
   answer.read("validated", validated, hasValidated);
   answer.read("validationtype", validationtype, hasValidationtype);
   answer.read("issuer", issuer, hasIssuer);
-  // Servers switch the payment without PIN off by leaving the key out, so its value is read (and
-  // has to be readable) but only its presence counts.
+  // Servers disable payment without PIN by omitting the key, so its value is read (and has to be
+  // readable) but only its presence counts.
   bool value = false;
   answer.read("allowCnp", value, allowCnp);
   return *this;

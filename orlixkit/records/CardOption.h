@@ -17,7 +17,7 @@ enum class CardOptionMethod : std::int32_t {
   cnp = 4  ///< card not present: without PIN
 };
 
-/// A card as it is offered for payment.
+/// A card offered for payment.
 struct CardOption {
   std::int64_t cardId = 0;
   bool hasCardId = false;  ///< never set, see `parseFromData`
@@ -30,7 +30,7 @@ struct CardOption {
   std::optional<std::string> drawLine;
   bool hasDrawLine = false;
   CardOptionMethod method = CardOptionMethod::notSet;
-  bool hasMethod = false;  ///< also with a text that stands for no method
+  bool hasMethod = false;  ///< also with an unknown text
   std::int64_t imageId = 0;
   bool hasImageId = false;
   std::optional<std::string> product;
@@ -43,7 +43,7 @@ struct CardOption {
   bool hasValidationtype = false;
   std::optional<std::string> issuer;
   bool hasIssuer = false;
-  bool allowCnp = false;     ///< whether the key was there, whatever its value
+  bool allowCnp = false;     ///< whether the key exists, whatever its value
   bool hasAllowCnp = false;  ///< never set
 
   /// Throws std::invalid_argument when a number or boolean cannot be read.

@@ -7,8 +7,8 @@
 
 namespace orlix {
 
-/// Transport failure, unexpected HTTP code, an answer that cannot be read: the request is lost, and
-/// the user is offered a retry. Name and reason are set by the answer parser only.
+/// Transport failure, unexpected HTTP code or unreadable answer: the request has failed, and the
+/// user is offered a retry. Only the answer parser sets name and reason.
 class NetworkException : public std::exception {
  public:
   std::optional<std::string> name;
@@ -22,18 +22,18 @@ class NetworkException : public std::exception {
   }
 };
 
-/// What the answer parser throws.
+/// The exception that the answer parser throws.
 inline NetworkException unreadableAnswer() {
   return NetworkException("Parse data", "Something went wrong with the data");
 }
 
-/// The server does not know the device as activated: the activation by SMS has to come first.
+/// The device is not activated on the server: activation by SMS has to come first.
 class SMSException : public std::exception {
  public:
   const char* what() const noexcept override { return "The device is not activated"; }
 };
 
-/// The server refuses this version of the library (`stopConnection`), or has a notice for the user
+/// The server refuses this version of the library (`stopConnection`) or sends a notice for the user
 /// (otherwise; the session is usable).
 class AppOutOfDateException : public std::exception {
  public:

@@ -17,8 +17,8 @@ namespace {
 using boost::json::error_code;
 using boost::json::string_view;
 
-/// Builds the value from what the parser finds, as the JSON library's own parser does, which
-/// however keeps of a number no more than the double.
+/// Builds the value from the parser's events, like the JSON library's own handler, which however
+/// keeps numbers only as doubles.
 struct Builder {
   static constexpr std::size_t max_object_size = boost::json::object::max_size();
   static constexpr std::size_t max_array_size = boost::json::array::max_size();
@@ -64,7 +64,7 @@ struct Builder {
     stack.push_uint64(number);
     return true;
   }
-  /// The whole number is in `digits`, since the text is parsed in one piece.
+  /// `digits` holds the whole number, since the text is parsed in one piece.
   bool on_double(double, string_view digits, error_code&) {
     const auto number = keptNumber({digits.data(), digits.size()});
     if (const auto* integer = std::get_if<std::int64_t>(&number)) {

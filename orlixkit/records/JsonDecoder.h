@@ -9,9 +9,9 @@
 
 namespace orlix {
 
-/// Decodes a JSON text with numbers as `keptNumber` keeps them.
-/// `memory`: where the value goes. Throws NetworkException (`unreadableAnswer`) when `data` is no
-/// JSON text or nested beyond `depthLimit`, and what `memory` throws.
+/// Decodes a JSON text into `memory`; numbers as `keptNumber` represents them. Throws
+/// NetworkException (`unreadableAnswer`) when `data` is not a JSON text or is nested beyond
+/// `depthLimit`, and what `memory` throws.
 boost::json::value decodeJson(ByteView data, std::size_t depthLimit, AnswerMemory& memory);
 
 }  // namespace orlix

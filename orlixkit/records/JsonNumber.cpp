@@ -15,7 +15,7 @@ namespace {
 constexpr std::int64_t largest = std::numeric_limits<std::int64_t>::max();
 constexpr std::int64_t smallest = std::numeric_limits<std::int64_t>::min();
 
-/// Kept below zero, since the smallest number has no positive counterpart.
+/// Accumulated as a negative number, since the smallest one has no positive counterpart.
 class NegatedInteger {
  public:
   void append(char digit) {
@@ -56,7 +56,7 @@ std::int64_t integerPart(std::string_view number) {
   }
   const std::size_t end = std::min(number.find_first_of("eE"), number.size());
   const std::string_view digits = number.substr(0, end);
-  // How many digits lie before the point once the exponent has moved it.
+  // Number of digits before the point after applying the exponent.
   auto places = static_cast<std::int64_t>(std::min(digits.find('.'), digits.size()));
   if (end < number.size()) {
     places += exponentOf(number.substr(end + 1));
@@ -83,7 +83,7 @@ std::int64_t integerPart(double number) {
 
 std::variant<double, std::int64_t> keptNumber(std::string_view number) {
   const std::int64_t integer = integerPart(number);
-  // The JSON library's own double is off by a unit in the last place now and then.
+  // The JSON library's own double is sometimes off by a unit in the last place.
   double nearest = 0;
   const auto result = std::from_chars(number.data(), number.data() + number.size(), nearest);
   if (result.ec == std::errc::result_out_of_range && integer != 0) {

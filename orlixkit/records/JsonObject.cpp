@@ -9,7 +9,7 @@
 
 namespace orlix {
 
-/// The value is released before the memory that it lies in.
+/// Release the value before the memory that holds it.
 struct JsonObject::Decoded {
   explicit Decoded(ByteView text) : value(decodeJson(text, KCVelloUtil::depthLimit, memory)) {}
 

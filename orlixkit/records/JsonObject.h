@@ -7,8 +7,8 @@
 
 namespace orlix {
 
-/// A decoded answer with the memory that it lies in, which is wiped on release: answers carry keys
-/// and tokens. Movable; references into it live as long as the object last moved to.
+/// A decoded answer and the memory that holds it, wiped on release since answers carry keys and
+/// tokens. Movable; references into it stay valid until the object last moved to is released.
 class JsonObject {
  public:
   JsonObject(JsonObject&&) noexcept;

@@ -34,15 +34,15 @@ void appendArray(std::string& out, const boost::json::array& array) {
   out += array.empty() ? "[]" : "]";
 }
 
-/// The depth of a decoded value is limited, and so is this recursion.
+/// The recursion is bounded, since the depth of a decoded value is.
 void append(std::string& out, const JsonValue& value) {
   if (const auto* object = value.if_object()) {
     appendObject(out, *object);
   } else if (const auto* array = value.if_array()) {
     appendArray(out, *array);
   } else if (const auto* number = value.if_double()) {
-    // A number beyond the range was read as infinite; JSON has no word for that but a number that
-    // is beyond the range as well.
+    // A number beyond the range was read as infinite, which JSON can express only as another number
+    // beyond the range.
     out += std::isfinite(*number) ? fmt::format("{}", *number)
                                   : std::string(*number < 0 ? "-1e999" : "1e999");
   } else {

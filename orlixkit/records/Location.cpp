@@ -6,7 +6,7 @@ namespace orlix {
 
 namespace {
 
-/// What the server has always been sent for a value that is not there.
+/// The text that the server expects for an absent value.
 constexpr const char* absent = "(null)";
 
 std::string textOf(const std::optional<double>& number) {

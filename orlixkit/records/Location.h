@@ -5,8 +5,8 @@
 
 namespace orlix {
 
-/// Where the device is, as a signal against fraud. Only the two GPS fields are filled on this
-/// platform; the network ones exist for the text form.
+/// Position of the device, sent as a fraud signal. Only the two GPS fields are filled on this
+/// platform; the network fields exist for the text form.
 struct Location {
   std::optional<double> gpsLatitude = std::nullopt;    ///< degrees, north positive
   std::optional<double> gpsLongditude = std::nullopt;  ///< degrees, east positive

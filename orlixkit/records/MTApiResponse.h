@@ -7,8 +7,8 @@
 
 namespace orlix {
 
-/// An answer without data. It is not even looked at, so nothing is ever set: what counts is that
-/// the request went through.
+/// An answer without data. The body is not parsed and no field is ever set; only the success of the
+/// request counts.
 struct MTApiResponse {
   std::optional<std::string> status;
   bool hasStatus = false;

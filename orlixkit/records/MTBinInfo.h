@@ -4,8 +4,8 @@
 
 namespace orlix {
 
-/// What the first digits of a card number (its BIN) tell: whether the card can be added, and what
-/// the user has to give for it.
+/// Answer to the lookup of a card number's first digits (BIN): whether the card can be added, and
+/// which values the user has to enter.
 struct MTBinInfo {
   bool cardSupported = false;
   bool hasCardSupported = false;

@@ -14,7 +14,7 @@ enum class CardResponseStatus : std::int32_t { notSet = 0, success = 1, failed =
 /// Answer to linking or removing a card.
 struct MTCardResponse {
   CardResponseStatus status = CardResponseStatus::notSet;
-  bool hasStatus = false;  ///< only with a text that stands for a status
+  bool hasStatus = false;  ///< only with a known text
   std::optional<MTReceipt> receipt;
   bool hasReceipt = false;
   std::optional<MTCardList> cardList;

@@ -8,7 +8,7 @@
 
 namespace orlix {
 
-/// Answer to the proof that a card is the user's.
+/// Answer to the validation of a card.
 struct MTCardValidateResponse {
   std::optional<std::string> message;
   bool hasMessage = false;

@@ -11,8 +11,8 @@
 
 namespace orlix {
 
-/// What a code stands for: the merchant, the amount and what the user is asked for. Amounts, tips
-/// and discounts are decimal texts.
+/// Data of a code: the merchant, the amount and the values that the user has to enter. Amounts,
+/// tips and discounts are decimal texts.
 struct MTCodeInfo {
   std::optional<std::string> code;
   bool hasCode = false;
@@ -54,7 +54,7 @@ struct MTCodeInfo {
   bool hasVasImageURL = false;
   std::optional<std::string> amount;
   bool hasAmount = false;
-  std::shared_ptr<const JsonValue> extraInput;  ///< the value as it stands
+  std::shared_ptr<const JsonValue> extraInput;  ///< the JSON value
   bool hasExtraInput = false;
   std::optional<std::string> tipFixed;
   bool hasTipFixed = false;

@@ -11,8 +11,8 @@
 
 namespace orlix {
 
-/// Answer to the lookup of a code. Without `codeInfo` the code stands for nothing, and `message`
-/// says why.
+/// Answer to the lookup of a code. Without `codeInfo` the code is not valid, and `message` holds
+/// the reason.
 struct MTCodeResponse {
   std::optional<std::string> message;
   bool hasMessage = false;
@@ -20,7 +20,7 @@ struct MTCodeResponse {
   bool hasCodeInfo = false;
   std::optional<MTCardList> cardList;
   bool hasCardList = false;
-  std::shared_ptr<const JsonValue> URLResponse;  ///< the value as it stands
+  std::shared_ptr<const JsonValue> URLResponse;  ///< the JSON value
   bool hasURLResponse = false;
 
   /// Throws NetworkException when the data is no JSON object, std::invalid_argument when a value

@@ -18,7 +18,7 @@ enum class PinResponseStatus : std::int32_t {
 /// Answer to a purchase.
 struct MTPinResponse {
   PinResponseStatus status = PinResponseStatus::notSet;
-  bool hasStatus = false;  ///< also with a text that stands for no status
+  bool hasStatus = false;  ///< also with an unknown text
   std::int64_t transactionId = 0;
   bool hasTransactionId = false;
   std::optional<std::string> errorMessage;

@@ -9,7 +9,7 @@
 
 namespace orlix {
 
-/// A payment's receipt. The status stays a text; whoever polls for the receipt interprets it.
+/// A payment's receipt. `status` is kept as text and interpreted by `ReceiptPolling`.
 struct MTReceipt {
   std::int64_t receiptId = 0;
   bool hasReceiptId = false;

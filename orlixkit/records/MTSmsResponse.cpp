@@ -18,7 +18,7 @@ MTSmsResponse& MTSmsResponse::parseFromData(ByteView data) {
     return *this;
   }
   newSsToken = answer.text("newSsToken");
-  // Also without the key: a success always replaces the token, if only by none.
+  // Also without the key: a success always replaces the token, possibly by an absent one.
   hasNewSsToken = true;
   return *this;
 }

@@ -8,7 +8,7 @@
 
 namespace orlix {
 
-/// The numbers are those that callers of the activation compare with; there is no 1.
+/// Callers of the activation compare with these numbers; 1 is unused.
 enum class SmsResponseStatus : std::int32_t { notSet = 0, success = 2, other = 3 };
 
 /// Answer to a step of the activation by SMS.

@@ -9,8 +9,8 @@
 
 namespace orlix {
 
-/// What the user decided about a purchase. Absent texts are left out of the request, the three
-/// integers are always sent.
+/// The user's choices for a purchase. Absent texts are omitted from the request; the three integers
+/// are always sent.
 struct PurchaseRequest {
   std::optional<std::string> code;
   std::int64_t cardId = 0;

@@ -6,7 +6,7 @@ namespace orlix {
 
 SecureCodeAutomator& SecureCodeAutomator::parseFromData(const JsonDictionary& dictionary) {
   const AnswerReader answer(dictionary);
-  // The older of the two ways in which servers say it; the newer one, when it is there, wins.
+  // The older of two keys that servers use; the newer one overrides it when present.
   if (answer.equals("status", "SmsOtp")) {
     type = SecureCodeAutomatorType::smsOtp;
     hasType = true;

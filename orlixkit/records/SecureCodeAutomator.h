@@ -16,7 +16,7 @@ enum class SecureCodeAutomatorType : std::int32_t {
   jsOnly = 4     ///< script only
 };
 
-/// How an issuer's authentication page can be filled in for the user.
+/// Describes how an issuer's authentication page can be filled in automatically.
 struct SecureCodeAutomator {
   SecureCodeAutomatorType type = SecureCodeAutomatorType::notSet;
   bool hasType = false;

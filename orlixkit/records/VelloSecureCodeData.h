@@ -7,7 +7,7 @@
 
 namespace orlix {
 
-/// The result of a card holder's authentication, to be handed to the server.
+/// The result of a card holder's authentication, to be sent to the server.
 struct VelloSecureCodeData {
   std::int64_t secureCodeId = 0;
   std::optional<SecretString> PaRes;

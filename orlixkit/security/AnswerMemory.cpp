@@ -17,7 +17,7 @@ constexpr std::size_t kLargestBlock = std::size_t{4} * 1024 * 1024;
 
 AnswerMemory::~AnswerMemory() {
   for (const Block& block : blocks_) {
-    // Overwriting the rest as well would only make the system find real memory for it.
+    // Overwrite only the used part: touching the rest would make the system allocate pages for it.
     wipe(block.memory, block.used);
     std::allocator<std::byte>().deallocate(block.memory, block.size);
   }

@@ -7,11 +7,11 @@
 
 namespace orlix {
 
-/// Memory for one decoded JSON text and what is made from it. It is taken in blocks and released as
-/// a whole, overwritten as far as it was used, because the text may hold a key or a token. It is
-/// limited, because whoever sent the text decides how much it takes.
+/// Memory for one decoded JSON text. Allocated in blocks and released as a whole; the used part is
+/// overwritten, because the text may hold a key or a token. Limited, because the sender of the text
+/// determines how much it takes.
 ///
-/// Must outlive every value in it. Used by one thread at a time.
+/// Must outlive every value in it. One thread at a time.
 class AnswerMemory final : public boost::json::memory_resource {
  public:
   /// `limit`: bytes of values; beyond them an allocation throws std::bad_alloc. `recordLimit`:
@@ -22,10 +22,10 @@ class AnswerMemory final : public boost::json::memory_resource {
   AnswerMemory(const AnswerMemory&) = delete;
   AnswerMemory& operator=(const AnswerMemory&) = delete;
 
-  /// Bytes handed out so far.
+  /// Bytes allocated so far.
   std::size_t used() const { return used_; }
   std::size_t leftForRecords() const { return leftForRecords_; }
-  /// False, and nothing is counted, when no more than that is left.
+  /// Counts bytes of records. False, without counting, when the limit would be exceeded.
   [[nodiscard]] bool countForRecords(std::size_t bytes);
 
  private:
@@ -49,7 +49,7 @@ class AnswerMemory final : public boost::json::memory_resource {
 
 }  // namespace orlix
 
-/// Lets the JSON library release a value without walking through it.
+/// Allows the JSON library to release a value without traversing it.
 template <>
 struct boost::json::is_deallocate_trivial<orlix::AnswerMemory> {
   static constexpr bool value = true;

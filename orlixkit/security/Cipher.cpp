@@ -18,8 +18,8 @@ struct FreeCipher {
 };
 using FetchedCipher = std::unique_ptr<EVP_CIPHER, FreeCipher>;
 
-/// Looked up once and kept: the look-up costs as much as enciphering a block. None when the system
-/// has no such cipher, which then fails as any other failure does.
+/// Fetched once and kept, since fetching costs as much as encrypting a block. Null when the system
+/// lacks the cipher; its use then fails.
 FetchedCipher fetch(const char* name) {
   FetchedCipher kind(EVP_CIPHER_fetch(nullptr, name, nullptr));
   ERR_clear_error();

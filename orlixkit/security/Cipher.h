@@ -7,8 +7,8 @@
 
 namespace orlix {
 
-/// The block ciphers that this floor is built on. None on any failure, which leaves no trace in the
-/// error queue of the thread: the next TLS call would take it for its own.
+/// The block ciphers used by this floor. Absent on any failure. Failures are removed from the
+/// thread's OpenSSL error queue, where the next TLS call would take them for its own.
 class Cipher {
  public:
   enum class Direction { decrypt, encrypt };
@@ -21,7 +21,7 @@ class Cipher {
   static std::optional<SecretBytes> tripleDesEcb(Direction direction, const SecretBytes& key,
                                                  ByteView data);
 
-  /// The first `size` bytes of the key, filled up with zeros.
+  /// The first `size` bytes of the key, padded with zeros.
   static SecretBytes fitted(const SecretBytes& key, std::size_t size);
 };
 

@@ -10,8 +10,8 @@ namespace {
 
 constexpr std::size_t keySize = 16;
 
-// Fixed, because the stored blob is ciphertext only. It holds one small record under a key of its
-// own per device, so equal blobs tell no more than that the record has not changed.
+// Fixed, because the stored blob holds ciphertext only. The blob is one small record under a key
+// per device, so equal blobs reveal only that the record has not changed.
 constexpr std::array<std::uint8_t, 16> vector = {0x6B, 0x1F, 0xC4, 0x92, 0x0D, 0xE8, 0x57, 0xA3,
                                                  0x39, 0xF6, 0x84, 0x2C, 0xB0, 0x75, 0xDA, 0x4E};
 

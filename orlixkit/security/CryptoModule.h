@@ -9,13 +9,13 @@ namespace orlix {
 
 /// AES-128 in CBC mode with PKCS#7 padding and a fixed initialisation vector. Thread: any.
 ///
-/// Of the key the first 16 bytes count; what is missing to 16 is read as zero.
+/// Uses the first 16 bytes of the key; a shorter key is padded with zeros.
 class CryptoModule {
  public:
-  /// None on any failure of the cipher.
+  /// Absent on any failure of the cipher.
   static std::optional<Bytes> aesEncrypt(const SecretBytes& key, ByteView data);
-  /// None on any failure of the cipher, a bad padding included. A wrong key mostly shows in the
-  /// padding, but one in some 256 passes: the reader of the result has to check it.
+  /// Absent on any failure of the cipher, bad padding included. A wrong key usually fails the
+  /// padding check, but about one in 256 passes: the caller has to validate the result.
   static std::optional<SecretBytes> aesDecrypt(const SecretBytes& key, ByteView data);
 };
 

@@ -14,7 +14,7 @@ namespace orlix {
 
 namespace {
 
-/// Not meant to hide anything: it only makes the record unreadable under the device's key.
+/// Does not protect the record: it only makes it unreadable under the device's key.
 SecretBytes legacyKey() { return SecretBytes(Hex::convert("5D2E8A41C7B90F36E14A7C2B9D805F63")); }
 
 }  // namespace
@@ -40,7 +40,7 @@ void DataStore::save(StorageInterface& storage, const PersistableObject& record)
 
 void DataStore::reset(StorageInterface& storage) const {
   const auto record = load(storage);
-  // Written anew rather than deleted: under the legacy key the device counts as never activated.
+  // Overwrite rather than delete: under the legacy key the device counts as never activated.
   storage.saveData(_encryptOld(_readFromVariables(record.get()).reveal()));
 }
 

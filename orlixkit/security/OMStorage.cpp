@@ -10,8 +10,8 @@ OMStorage::OMStorage(std::string storageKey) : storageKey_(std::move(storageKey)
 
 namespace {
 
-/// The operator finds the file, the cause and the remedy in the log. The callers know one failure,
-/// a lost connection, and say nothing of its cause.
+/// Log the file, the cause and the remedy for the operator: callers report every failure as a lost
+/// connection, without its cause.
 auto logged(const auto& useStore) {
   try {
     return useStore(*Host::current().ports().userDefaults);

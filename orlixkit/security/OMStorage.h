@@ -7,16 +7,16 @@
 namespace orlix {
 
 /// The blob in the user defaults of the installed host, under one key: "live.data" or "test.data",
-/// so that the records of the two systems never meet.
+/// so that the two systems keep separate records.
 ///
-/// Thread: any. A store that cannot be read or written is logged, and makes both operations throw
-/// StoreException; the former blob is then still there.
+/// Thread: any. When the store cannot be read or written, both operations log it and throw
+/// StoreException; the former blob is kept.
 class OMStorage : public StorageInterface {
  public:
   explicit OMStorage(std::string storageKey);
   Bytes loadData() override;
-  /// None is logged and leaves the former blob in place: a failed encryption must not cost the user
-  /// the activation of the device.
+  /// An absent blob is logged and the former one is kept: a failed encryption must not deactivate
+  /// the device.
   void saveData(const std::optional<Bytes>& data) override;
 
  private:

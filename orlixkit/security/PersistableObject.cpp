@@ -19,7 +19,7 @@ constexpr std::string_view rootKey = "root";
 constexpr std::string_view rootClass = "PersistableObject";
 constexpr std::string_view ssTokenKey = "ssToken";
 constexpr std::string_view uidKey = "uid";
-/// Far beyond any token, and little enough for a foreign blob to do no harm.
+/// Far larger than any token, and small enough to bound the memory for a foreign blob.
 constexpr std::size_t memoryLimit = std::size_t{16} * 1024 * 1024;
 
 SecretBytes written(const json::value& archive) {

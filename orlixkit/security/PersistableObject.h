@@ -17,11 +17,11 @@ struct PersistableObject {
   std::optional<std::string> ssToken = "";  ///< long-lived wallet token; empty: never activated
   std::optional<std::string> uid = "";
 
-  /// None is archived as an archive of nothing, an absent text by leaving its key out.
+  /// An absent record is archived as an archive of nothing; an absent text is omitted.
   static SecretBytes archive(const PersistableObject* root);
 
-  /// The archived root; none for an archive of nothing. Throws std::invalid_argument when the bytes
-  /// are no archive, its root is of another class, or one of the texts is missing.
+  /// The archived record; absent for an archive of nothing. Throws std::invalid_argument when the
+  /// bytes are not an archive, its root is of another class, or one of the texts is missing.
   static std::shared_ptr<PersistableObject> unarchive(ByteView archive);
 };
 

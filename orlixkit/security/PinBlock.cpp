@@ -35,8 +35,8 @@ std::uint8_t packed(std::uint8_t high, std::uint8_t low) {
   return static_cast<std::uint8_t>((static_cast<unsigned>(high) << 4U) | low);
 }
 
-/// The value of each character. A character of several bytes is no digit: its first byte says so,
-/// and the others are skipped.
+/// The value of each character. A character of several bytes is not a digit: its first byte yields
+/// 255, and the others are skipped.
 SecretBytes digitValues(std::string_view text) {
   SecretBytes values(countCharacters(text), 0);
   std::size_t next = 0;
@@ -63,9 +63,9 @@ SecretString padding(const SecretString& text, std::int32_t minLength, char padC
 std::string accountText(std::int64_t reference) {
   std::string account = fmt::to_string(reference);
   if (account.size() >= 13) {
-    // Cut to twelve characters, but with a start counted on a text that is one longer, it would end
-    // one past its end. The system has always refused such references; a block cut differently
-    // would be one that no server expects.
+    // Twelve characters are taken, but their start is computed from a text one character longer, so
+    // the range would exceed the text. Such references have always been refused, and servers do not
+    // expect a block made from another range.
     throw std::out_of_range("PinBlock: the reference has more than 12 digits");
   }
   return account;

@@ -6,13 +6,14 @@
 
 namespace orlix {
 
-/// Where the encrypted record is kept. Called from background tasks, one at a time.
+/// Storage of the encrypted record. Called by one thread at a time.
 class StorageInterface {
  public:
   virtual ~StorageInterface() = default;
   /// The stored blob; empty when nothing is stored.
   virtual Bytes loadData() = 0;
-  /// Replaces the stored blob. None comes from an encryption that failed; it is no reason to fail.
+  /// Replaces the stored blob. An absent blob results from a failed encryption and must not make
+  /// this fail.
   virtual void saveData(const std::optional<Bytes>& data) = 0;
 };
 

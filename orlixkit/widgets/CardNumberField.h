@@ -8,12 +8,11 @@
 
 namespace orlix {
 
-/// A field for a card number, shown in groups of four while it is typed.
+/// A field for a card number, displayed in groups of four while it is typed.
 ///
-/// `text` is what the user sees, with the blanks between the groups. The rules about card numbers
-/// and the server are given `number`, in which no blank is left, neither ours nor one that the user
-/// typed. Nothing else is filtered, no length is enforced: what makes a card number is for the
-/// server to say.
+/// `text` is the displayed text, with blanks between the groups. `number`, used for validation and
+/// sent to the server, has no blanks, including those typed by the user. Nothing else is filtered
+/// and no length is enforced: the server validates card numbers.
 class CardNumberField : public SeparatedTextField {
  public:
   CardNumberField() { setKeyboard(Keyboard::numberPad); }

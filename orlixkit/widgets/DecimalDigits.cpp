@@ -9,7 +9,7 @@ namespace orlix {
 
 namespace {
 
-/// Zero of every run of ten decimal digits in Unicode 14, in ascending order.
+/// The zero of every run of ten decimal digits in Unicode 14, in ascending order.
 constexpr std::array<char32_t, 66> kZeros{
     0x0030,  0x0660,  0x06F0,  0x07C0,  0x0966,  0x09E6,  0x0A66,  0x0AE6,  0x0B66,  0x0BE6,
     0x0C66,  0x0CE6,  0x0D66,  0x0DE6,  0x0E50,  0x0ED0,  0x0F20,  0x1040,  0x1090,  0x17E0,

@@ -5,12 +5,11 @@
 
 namespace orlix {
 
-/// The decimal digits of a text, each as 0 to 9; everything else is left out.
+/// The decimal digits of a text, each as 0 to 9; other characters are omitted.
 ///
-/// A decimal digit is whatever Unicode counts as one (category Nd), as on the phones that users
-/// type on: full-width and Arabic-Indic digits come from ordinary keyboards. They are written down
-/// as 0 to 9, which is all that a dialled number (E.164) knows. Leaving them out instead would turn
-/// a number into another one, and send its owner the message.
+/// A decimal digit is any character of Unicode category Nd: ordinary keyboards produce full-width
+/// and Arabic-Indic digits. They are converted to 0 to 9, the only digits of a dialled number
+/// (E.164). Omitting them would change the number, and the SMS would be sent to another phone.
 std::string decimalDigitsOf(std::string_view text);
 
 }  // namespace orlix

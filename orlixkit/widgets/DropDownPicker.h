@@ -10,18 +10,18 @@
 
 namespace orlix {
 
-/// The list that drops down from a text field. The chosen entry's text becomes the field's text;
-/// the field itself takes no keys.
+/// A list that drops down from a text field. The chosen entry's text becomes the field's text; the
+/// field itself accepts no keys.
 ///
-/// It is a subview of its field, which holds it; `of` finds it there for whoever draws the field or
-/// chooses on the user's behalf.
+/// It is a subview of its field, which owns it; `of` finds it, for code that draws the field or
+/// chooses an entry.
 class DropDownPicker : public View, public TextFieldDelegate {
  public:
-  /// Puts a picker with these entries on the field, in place of the one that it may have. The
-  /// field's text stays.
+  /// Adds a picker with these entries to the field, replacing an earlier one. The field's text is
+  /// unchanged.
   static std::shared_ptr<DropDownPicker> attach(const std::shared_ptr<TextField>& field,
                                                 std::vector<std::string> entries);
-  /// The picker of a field; none when it has none.
+  /// The picker of a field; null when it has none.
   static std::shared_ptr<DropDownPicker> of(const View& field);
 
   explicit DropDownPicker(std::vector<std::string> entries) : entries_(std::move(entries)) {}
@@ -30,12 +30,12 @@ class DropDownPicker : public View, public TextFieldDelegate {
   DropDownPicker& operator=(const DropDownPicker&) = delete;
 
   std::string kind() const override { return "picker"; }
-  /// What the field shows.
+  /// The field's text.
   std::string shownText() const override;
   const std::vector<std::string>& entries() const { return entries_; }
 
-  /// A user's choice; ends the field's editing. Throws std::out_of_range for an entry that is not
-  /// there.
+  /// Chooses an entry, as a user does; ends the field's editing. Throws std::out_of_range for an
+  /// invalid index.
   void pick(std::size_t index);
   void pick(std::string_view entry);
 

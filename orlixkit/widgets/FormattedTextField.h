@@ -8,14 +8,14 @@
 
 namespace orlix {
 
-/// A field for digits in a fixed form: "XX/XX" takes four digits, each X one, and sets the slash by
-/// itself. Anything but a digit is left out. Without a pattern it takes any number of digits.
+/// A field for digits in a fixed format: "XX/XX" accepts four digits, one per X, and inserts the
+/// slash. Other characters are dropped. Without a pattern it accepts any number of digits.
 class FormattedTextField : public SeparatedTextField {
  public:
   FormattedTextField() { setKeyboard(Keyboard::numberPad); }
 
   const std::string& pattern() const { return pattern_; }
-  /// What stands behind the last X is never shown.
+  /// Characters after the last X are never shown.
   void setPattern(std::string pattern);
 
  protected:
@@ -25,7 +25,7 @@ class FormattedTextField : public SeparatedTextField {
 
  private:
   std::string pattern_;
-  std::vector<std::string> separators_;  ///< what stands before each X
+  std::vector<std::string> separators_;  ///< the text before each X
 };
 
 }  // namespace orlix

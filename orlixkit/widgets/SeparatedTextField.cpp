@@ -28,7 +28,7 @@ void SeparatedTextField::applyChange(TextRange range, const std::string& replace
                : shown.size();
   };
   const std::string_view view = shown.text();
-  // A range may begin and end anywhere; beyond the text it is empty.
+  // The range is clamped to the text.
   const std::size_t location = std::min(range.location, shown.size());
   const std::size_t from = offset(location);
   const std::size_t to = offset(location + std::min(range.length, shown.size()));

@@ -9,12 +9,12 @@
 
 namespace orlix {
 
-/// A field that sets separators between the characters that the user types.
+/// A field that inserts separators between the characters that the user types.
 ///
-/// Its text is what the user sees, separators included, so that ranges, caret and text speak of the
-/// same positions. The user types, pastes and deletes content; the separators follow by themselves,
-/// the caret stays behind the character that it stood behind. A separator is shown only between two
-/// characters, never at the end, so a deletion at the end always takes a character.
+/// Its text is the displayed text, separators included, so that ranges, caret and text use the same
+/// positions. Edits apply to the content; separators are then inserted again, and the caret stays
+/// after the same character. A separator appears only between two characters, never at the end, so
+/// a deletion at the end always removes a character.
 class SeparatedTextField : public TextField {
  public:
   void setText(std::string_view text) override;
@@ -22,16 +22,16 @@ class SeparatedTextField : public TextField {
   SecretString content() const;
 
  protected:
-  /// A deletion that meets nothing but separators takes the character beside them: the one after
-  /// the caret when the caret stands before them, else the one before. Characters that do not fit
-  /// any more, and a replacement that holds nothing usable, change nothing.
+  /// A deletion of separators only removes the adjacent character: the one after them when the
+  /// caret is before them, else the one before. Characters beyond the maximum are dropped, and a
+  /// replacement without usable characters has no effect.
   void applyChange(TextRange range, const std::string& replacement) override;
 
-  /// The characters of a text that count, each as it is to be shown.
+  /// The accepted characters of a text, each as it is displayed.
   virtual std::vector<std::string> contentOf(std::string_view text) const = 0;
-  /// What stands between the characters `index - 1` and `index`; empty for most.
+  /// The separator between the characters `index - 1` and `index`; mostly empty.
   virtual std::string_view separatorBefore(std::size_t index) const = 0;
-  /// How many characters fit.
+  /// Maximum number of characters.
   virtual std::size_t capacity() const { return std::numeric_limits<std::size_t>::max(); }
 
  private:

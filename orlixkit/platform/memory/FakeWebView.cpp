@@ -19,7 +19,7 @@ std::string partOf(const Url& url, CURLUPart part) {
   return result == CURLUE_OK ? std::string(text) : std::string();
 }
 
-/// Encrypted, or of this very machine. A browser takes a backslash for a slash.
+/// Whether the address is https or loopback. Browsers treat a backslash as a slash.
 bool isSecure(const std::string& address) {
   const Url url(curl_url(), curl_url_cleanup);
   const CURLUcode result =
@@ -138,7 +138,7 @@ void FakeWebView::settle(const Owed& owed, ScriptResult result) {
 
 void FakeWebView::failOwed(std::string_view reason) {
   if (owed_.empty()) {
-    return;  // nor may memory be needed then: the destructor comes here
+    return;  // without allocating: the destructor calls this
   }
   for (const Owed& owed : std::exchange(owed_, {})) {
     settle(owed, {std::nullopt, std::string(reason)});

@@ -14,7 +14,7 @@
 
 namespace orlix {
 
-/// A web view without a web: a test plays the page. Main thread.
+/// A web view whose pages are played by a test. Main thread.
 class FakeWebView : public WebView {
  public:
   using OnLoad = std::function<void(FakeWebView&)>;
@@ -22,8 +22,8 @@ class FakeWebView : public WebView {
   FakeWebView(std::shared_ptr<MainQueue> mainQueue, OnLoad onLoad);
   ~FakeWebView() override;
 
-  // What the library did.
-  /// The last page text or address that was to be loaded; empty when it was the other kind.
+  // What the library requested.
+  /// The last HTML text or address to be loaded; empty when the other kind was loaded last.
   const std::string& html() const { return html_; }
   const std::string& address() const { return address_; }
   int loads() const { return loads_; }
@@ -31,19 +31,18 @@ class FakeWebView : public WebView {
   bool isLive() const { return live_; }
   bool hasDelegate() const { return !delegate_.expired(); }
 
-  // What the page does. Each of the first three comes to the delegate through the main queue; what
-  // is on its way when loading is stopped, or begins anew, is dropped.
-  /// A page has been loaded, `markup` is its outer HTML. Scripts owed by the one before fail.
-  /// Nothing happens before a load was asked for, nor once it was stopped or the process has ended:
-  /// a page goes nowhere then.
+  // What the page does. The first three reach the delegate through the main queue; those pending
+  // when loading is stopped or restarted are dropped.
+  /// A page has been loaded; `markup` is its outer HTML. Pending scripts of the previous page fail.
+  /// No effect before a load was requested, or after it was stopped or the process has ended.
   void finishNavigation(std::string_view markup);
   void failNavigation(std::string description);
-  /// Empties the view; the scripts still owed fail.
+  /// Empties the view; pending scripts fail.
   void killProcess();
-  /// From now on scripts wait for `releaseScripts`, as on a slow page.
+  /// From now on script results wait for `releaseScripts`, as on a slow page.
   void holdScripts() { holding_ = true; }
   void releaseScripts();
-  /// Answers a script other than the one that asks for the markup; the empty text by default.
+  /// Result of any script but the one that reads the markup; the empty text by default.
   std::function<ScriptResult(const std::string& script)> onScript;
 
   void setNavigationDelegate(std::weak_ptr<WebViewDelegate> delegate) override;
@@ -68,25 +67,25 @@ class FakeWebView : public WebView {
   std::weak_ptr<WebViewDelegate> delegate_;
   std::string html_;
   std::string address_;
-  std::optional<SecretString> markup_;  ///< of the page that stands
-  bool live_ = false;                   ///< there is a page that may go on
+  std::optional<SecretString> markup_;  ///< of the loaded page
+  bool live_ = false;                   ///< a page that may navigate is loaded
   int loads_ = 0;
   std::vector<std::string> scripts_;
   std::deque<Owed> owed_;
   bool holding_ = false;
-  /// Held by this object and what it has set going; replaced when that is to be forgotten.
+  /// Shared with pending callbacks; replaced to cancel them.
   std::shared_ptr<const int> loading_ = std::make_shared<const int>(0);
 };
 
-/// Makes them and keeps them in sight.
+/// Makes fake web views and keeps references to them for the test.
 class FakeWebViews : public WebViews {
  public:
   explicit FakeWebViews(std::shared_ptr<MainQueue> mainQueue) : mainQueue_(std::move(mainQueue)) {}
 
-  /// Runs, as a task of the main queue, after a load has begun: plays the site. May be empty.
+  /// Runs on the main queue after a load has begun, to play the site. May be empty.
   FakeWebView::OnLoad onLoad;
 
-  /// The view made last that still lives; none without one.
+  /// The most recently made view that still exists; null when there is none.
   std::shared_ptr<FakeWebView> last() const;
   std::size_t living() const;
 

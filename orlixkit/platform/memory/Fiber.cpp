@@ -18,14 +18,14 @@
 
 namespace orlix {
 
-// Not without a name: what the state of a fiber is made of has its linkage.
+// A named namespace: a member of Fiber's state must not have a type with internal linkage.
 namespace fibers {
 
 constexpr std::size_t kStackSize = std::size_t{1} << 20U;
 constexpr std::size_t kGuardSize = 4096;
 
-/// Mapped, not allocated: a test that makes allocations fail does not mean these. The lowest page
-/// is never accessible, so that an overflow shows.
+/// Mapped, not allocated, so that tests with failing allocations do not affect it. The lowest page
+/// is inaccessible, so that an overflow faults.
 class Stack {
  public:
   Stack()
@@ -51,7 +51,7 @@ class Stack {
   void* memory_;
 };
 
-/// Kept for the next world: mapping a stack costs more than the work of most tasks.
+/// Stacks for reuse: mapping one costs more than running most tasks.
 std::vector<Stack>& spareStacks() {
   thread_local std::vector<Stack> spare;
   return spare;
@@ -67,7 +67,7 @@ Stack takeStack() {
   return taken;
 }
 
-/// The exceptions that are being handled belong to a stack, but the runtime keeps them per thread.
+/// Exceptions being handled belong to a stack, but the runtime keeps them per thread.
 struct HandledExceptions {
   void* caught = nullptr;
   unsigned int uncaught = 0;
@@ -86,9 +86,9 @@ struct Fiber::State {
   fibers::Stack stack = fibers::takeStack();
   ucontext_t own{};
   ucontext_t caller{};
-  fibers::HandledExceptions exceptions;  ///< of whichever side does not run
+  fibers::HandledExceptions exceptions;  ///< of the side that is not running
   Task task;
-  /// A context's function takes no pointer.
+  /// The entry function of a context takes no pointer.
   static thread_local State* starting;
 #if defined(__SANITIZE_ADDRESS__)
   void* ownFakeStack = nullptr;
@@ -123,7 +123,7 @@ struct Fiber::State {
 #endif
   }
 
-  /// The last time `returns`, for the sanitizer.
+  /// `returns`: this is the last switch of this fiber, which the sanitizer has to know.
   void leave([[maybe_unused]] bool returns) {
     exceptions.swapWithThread();
 #if defined(__SANITIZE_THREAD__)

@@ -6,9 +6,9 @@
 
 namespace orlix {
 
-/// A task with a stack of its own that can pause and be resumed, on the thread that made it. A
-/// switch takes well below a microsecond, where one between threads takes ten. Not interruptible: a
-/// fiber is released only after its task has returned.
+/// A task with its own stack that can pause and be resumed, on the thread that made it. A switch
+/// takes well below a microsecond; one between threads takes ten. Not interruptible: release a
+/// fiber only after its task has returned.
 class Fiber {
  public:
   Fiber();

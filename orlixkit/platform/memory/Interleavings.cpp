@@ -44,7 +44,7 @@ std::size_t Interleavings::choose(std::size_t candidates) {
   return choice.taken;
 }
 
-/// Makes the next path: the last choice that has an alternative left takes it.
+/// Advances to the next path: the last choice with an untried alternative takes it.
 bool Interleavings::advance() {
   while (!path_.empty()) {
     Choice& last = path_.back();

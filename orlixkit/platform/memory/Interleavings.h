@@ -9,15 +9,15 @@
 
 namespace orlix {
 
-/// How far a search goes.
+/// Bounds of a search.
 struct InterleavingBounds {
-  std::size_t depth = 8;    ///< choices of one run that are varied; later ones take turns
-  std::size_t runs = 5000;  ///< the search ends after so many
+  std::size_t depth = 8;    ///< choices of one run that are varied; later ones are 0
+  std::size_t runs = 5000;  ///< maximum number of runs
 };
 
-/// Runs a scenario once for every order in which its tasks, timers and events can come, up to its
-/// bounds, depth first. The scenario makes its own MemoryHost with the chooser it is given, and
-/// must do the same whenever the same choices are made.
+/// Runs a scenario once for every order of its tasks, timers and events, within the bounds, depth
+/// first. The scenario makes its own MemoryHost with the given chooser and must be deterministic
+/// for the same choices.
 ///
 ///     Interleavings search({.depth = 10});
 ///     search.run([](const Chooser& chooser) {
@@ -35,8 +35,8 @@ class Interleavings {
 
   /// True when every order within the depth was tried.
   bool complete() const { return complete_; }
-  /// Choices of the run that is under way, such as "0/2 1/3", as far as they are fixed (all others
-  /// are 0): give it to SCOPED_TRACE when the scenario begins.
+  /// The fixed choices of the current run, such as "0/2 1/3" (all others are 0): pass it to
+  /// SCOPED_TRACE at the beginning of the scenario.
   std::string choices() const;
 
  private:

@@ -7,7 +7,7 @@
 
 namespace orlix {
 
-/// Resources that a test puts in; empty at first. To be filled before the library first asks.
+/// Resources provided by a test; empty at first. Fill it before the library first reads from it.
 class MemoryBundle : public Bundle {
  public:
   void add(const std::string& name, const std::string& type, Bytes contents) {

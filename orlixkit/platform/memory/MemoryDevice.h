@@ -4,7 +4,7 @@
 
 namespace orlix {
 
-/// A device that says what a test tells it to. To be set before the library first asks.
+/// A device with properties set by a test. Set them before the library first reads them.
 class MemoryDevice : public Device {
  public:
   std::string vendor = "8D1F2C3B-4A5E-4F60-9B7A-1C2D3E4F5A6B";

@@ -20,18 +20,18 @@
 
 namespace orlix {
 
-/// What a MemoryHost may be given to begin with.
+/// Options of a MemoryHost.
 struct MemoryHostSettings {
-  /// Puts the host in place. A test of an upper floor gives `installOrlixKit`, so that the
-  /// storyboard is filled.
+  /// Installs the host. A test of an upper floor passes `installOrlixKit`, which fills the
+  /// storyboard.
   std::function<void(std::shared_ptr<Host>)> install = Host::install;
   /// The store of an earlier host, to play a restart; a new, empty one when absent.
   std::shared_ptr<MemoryUserDefaults> userDefaults = {};
-  /// Decides who goes on next; see VirtualWorld.
+  /// Chooses the task to run next; see VirtualWorld.
   Chooser chooser = {};
   bool timeCompetes = false;
   bool preemptive = false;
-  /// Puts other ports in front of these, or in the place of some.
+  /// Wraps or replaces some of the ports.
   std::function<void(Ports&)> adapt = {};
   bool hasLocationManager = true;
   bool hasWebViews = true;
@@ -39,9 +39,9 @@ struct MemoryHostSettings {
                         "https://www.example/terms/tavlo.html"};
 };
 
-/// A whole phone for a test: a host of memory ports in virtual time, installed, with one window
-/// whose root is a plain controller. The destructor shuts it down and takes it away; it then checks
-/// that no thread and no exchange is left and, if any is, ends the process with a message.
+/// A complete device for a test: an installed host of memory ports in virtual time, with one window
+/// whose root is a plain controller. The destructor shuts the host down and uninstalls it; it ends
+/// the process with a message if a thread or an exchange is left.
 ///
 ///     MemoryHost host({.install = installOrlixKit});
 ///     host.connections().on("/session", ServerReply::of(200, "{…}"));
@@ -70,18 +70,18 @@ class MemoryHost {
   FakeWebViews& webViews() { return *webViews_; }
   MemoryLog& log() { return *log_; }
   Application& application() { return host_->application(); }
-  /// The host application's own screen, on which the library's are presented.
+  /// The host application's screen, which presents the library's.
   const std::shared_ptr<ViewController>& root() const { return root_; }
 
   // Time and work; see VirtualWorld.
   void runUntil(const std::function<bool()>& done) { world_->runUntil(done); }
   void runUntilIdle() { world_->runUntilIdle(); }
   void runFor(Duration span) { world_->runFor(span); }
-  /// Runs until the top screen carries this identifier, and stands still.
+  /// Runs until the top screen has this identifier and its transition has ended.
   void runUntilScreen(const std::string& identifier);
-  /// Runs until an alert with this title stands on top.
+  /// Runs until an alert with this title is on top.
   void runUntilAlert(const std::string& title);
-  /// Something that a user does `delay` from now, whatever else goes on then.
+  /// Schedules a user's action in `delay`, independent of the main queue's order.
   void later(Duration delay, Task userAction);
 
   // The user; see ScreenUser.
@@ -93,7 +93,7 @@ class MemoryHost {
 
   const std::vector<RecordedRequest>& requests() const { return connections_->requests(); }
 
-  /// Ends all work, as the application's end does. May be called before the destructor.
+  /// Ends all work, as at the end of the application. May be called before the destructor.
   void shutdown() { host_->shutdown(); }
 
  private:

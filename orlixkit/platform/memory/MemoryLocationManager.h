@@ -7,15 +7,15 @@
 
 namespace orlix {
 
-/// A position source that knows what a test tells it, while updates are on. Main thread.
+/// A position source that reports the fixes and errors given by a test. Main thread.
 class MemoryLocationManager : public LocationManager {
  public:
-  /// Nobody hears of it while updates are off.
+  /// Dropped while updates are off.
   void sendFixes(const std::vector<LocationFix>& fixes);
   void sendError(const std::string& description);
 
   bool updating() const { return delegate_ != nullptr; }
-  /// Those of the last start.
+  /// Options of the last start.
   const LocationOptions& options() const { return options_; }
 
   void start(const LocationOptions& options, LocationManagerDelegate& delegate) override;

@@ -10,17 +10,17 @@
 
 namespace orlix {
 
-/// Keeps what was logged, and wipes it when it is cleared: some lines hold what must leave no
-/// trace.
+/// Keeps the logged lines, and wipes them on `clear`: some of them hold data that must not remain
+/// in memory.
 class MemoryLog : public SystemLog {
  public:
   void write(std::string_view line) override;
 
   std::vector<std::string> lines() const;
-  /// How many lines hold this text.
+  /// Number of lines that contain this text.
   std::size_t count(std::string_view text) const;
   bool contains(std::string_view text) const { return count(text) > 0; }
-  /// All lines, one below the other, to be shown when a test fails.
+  /// All lines joined by line ends, for the message of a failing test.
   std::string text() const;
   void clear();
 

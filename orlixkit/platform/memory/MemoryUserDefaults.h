@@ -8,19 +8,19 @@
 
 namespace orlix {
 
-/// A store in memory. Give the same one to two hosts, one after the other, and the second is the
-/// application after a restart.
+/// A store in memory. Pass the same store to two hosts in turn to test a restart of the
+/// application.
 class MemoryUserDefaults : public UserDefaults {
  public:
   std::optional<StoredValue> value(const std::string& key) const override;
   void setValue(const std::string& key, const StoredValue& value) override;
 
-  /// From now on every write is refused, as by a full disk.
+  /// From now on every write fails, as on a full disk.
   void setFailing(bool failing);
-  /// From now on every read fails, as of a damaged file.
+  /// From now on every read fails, as from a damaged file.
   void setUnreadable(bool unreadable);
   std::vector<std::string> keys() const;
-  /// Does any value, in its stored form, hold this text?
+  /// Whether any value, in its stored form, contains this text.
   bool holds(std::string_view text) const;
 
  private:

@@ -9,31 +9,31 @@
 
 namespace orlix {
 
-/// A user in front of the screens: sees the top one only, and touches what can be seen and touched.
-/// What cannot be done throws std::logic_error with the reason; what an action throws is logged, as
-/// in the application. Main thread.
+/// Simulates a user of the screens: operates outlets of the top screen that are visible and
+/// enabled. An impossible operation throws std::logic_error with the reason; exceptions of an
+/// action are logged, as in the application. Main thread.
 class ScreenUser {
  public:
   explicit ScreenUser(Application& application) : application_(application) {}
 
-  /// The screen or alert that stands above all others, in the key window; a container's visible
-  /// one. None without a window.
+  /// The topmost screen or alert of the key window; the visible child of a container. Null without
+  /// a window.
   std::shared_ptr<ViewController> topController() const;
-  /// None when it is no alert.
+  /// Null when it is not an alert.
   std::shared_ptr<AlertController> topAlert() const;
 
   /// An outlet of the top screen; throws when there is none of that name or kind.
   template <class T = View>
   std::shared_ptr<T> outlet(const std::string& name) const;
 
-  /// Touches the field and types, one key at a time, behind what is there.
+  /// Touches the field and types at its end, one key at a time.
   void type(const std::string& field, const std::string& text);
-  /// Presses the delete key so many times.
+  /// Presses the delete key `times` times.
   void erase(const std::string& field, std::size_t times);
-  /// Chooses all that is there and types over it, as one paste.
+  /// Replaces the whole text in one edit, as a paste does.
   void replaceAll(const std::string& field, const std::string& text);
-  /// A button, a field (which begins editing) or another outlet that hears taps; otherwise the
-  /// action of this name.
+  /// Taps a button, a field (which begins editing) or another outlet with a tap handler; otherwise
+  /// runs the action of this name.
   void tap(const std::string& name);
   void chooseRow(const std::string& table, std::size_t row);
   /// The button inside a row.
@@ -42,7 +42,7 @@ class ScreenUser {
 
  private:
   std::shared_ptr<View> find(const std::string& name) const;
-  /// The top screen, when a touch on this outlet or action of it has an effect.
+  /// The top screen; throws when a touch on this outlet or action has no effect.
   std::shared_ptr<ViewController> reach(const std::string& name) const;
   void edit(const std::string& field, const std::function<void(TextField&)>& keys) const;
 

@@ -11,14 +11,14 @@
 
 namespace orlix {
 
-/// What a scripted server does with one request, step by step:
+/// The steps of a scripted server's answer to one request:
 ///
 ///     ServerReply::of(200, R"({"status":"SUCCESS"})")
 ///     ServerReply().after(3s).status(200).body("{").after(2s).body("}")
-///     ServerReply().status(200).silence()        // a header, and never a body
+/// ServerReply().status(200).silence()        // a header, never a body
 ///     ServerReply().fail("connection reset")     // before the header
 ///
-/// When the steps are used up without fail or silence, the answer is complete.
+/// The answer is complete after the last step unless that is `fail` or `silence`.
 class ServerReply {
  public:
   struct Pause {
@@ -45,16 +45,17 @@ class ServerReply {
   static ServerReply of(std::int64_t status, std::string body = {});
 
   ServerReply& after(Duration span) { return add(Pause{span}); }
-  /// The server shows its certificates: what a new connection begins with.
+  /// The server presents its certificates, as at the beginning of a new connection.
   ServerReply& challenge(std::shared_ptr<ScriptedTrust> trust) {
     return add(Challenge{std::move(trust)});
   }
   ServerReply& status(std::int64_t code) { return add(Status{code}); }
   ServerReply& body(std::string piece) { return add(Body{std::move(piece)}); }
-  /// Goes on at that address, where the script is asked anew. To follow a status from 301 on.
+  /// Redirects to that address, for which the script is consulted again. Follows a status of 301 or
+  /// above.
   ServerReply& redirect(std::string target) { return add(Redirect{std::move(target)}); }
   ServerReply& fail(std::string description) { return add(Failure{std::move(description)}); }
-  /// Nothing more, until the request's deadline.
+  /// Sends nothing more, until the request's deadline.
   ServerReply& silence() { return add(Silence{}); }
 
   const std::vector<Step>& steps() const { return steps_; }

@@ -82,7 +82,7 @@ void VirtualAgenda::makeReady(Waiter& waiter, Wake how) {
   waiter.order = ++order_;
 }
 
-/// Those who wait and of whom `which` holds, in the order in which they began to.
+/// Waiters that satisfy `which`, in the order in which they began to wait.
 std::vector<VirtualAgenda::Waiter*> VirtualAgenda::waitersOf(
     const std::function<bool(const Waiter&)>& which) const {
   std::vector<Waiter*> found;
@@ -188,8 +188,8 @@ std::optional<SteadyTime> VirtualAgenda::nextTimer() const {
 
 void VirtualAgenda::moveTimeTo(SteadyTime time) {
   now_ = std::max(now_, time);
-  // Whatever is due at this moment comes in the order in which it was set up, behind all that is
-  // ready already.
+  // Entries due at this moment are queued in order of creation, behind those that are ready
+  // already.
   std::map<std::uint64_t, std::function<void()>> due;
   for (Waiter* one : waitersOf([this](const Waiter& w) { return w.deadline <= now_; })) {
     due[one->order] = [this, one] { makeReady(*one, Wake::timedOut); };

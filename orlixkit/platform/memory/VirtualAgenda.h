@@ -13,40 +13,40 @@
 
 namespace orlix {
 
-/// A point in time that never comes: a wait without a deadline.
+/// Deadline of a wait without a deadline.
 inline constexpr SteadyTime kNever = SteadyTime::max();
 
-/// `start` + `span`, or kNever where that lies beyond what the clock can tell.
+/// `start` + `span`, or kNever on overflow.
 SteadyTime laterBy(SteadyTime start, Duration span);
 
-/// Decides which of `candidates` (2 or more) goes on next, by its index. The candidates stand in
-/// the order in which they became ready, so that 0 is always fair.
+/// Returns the index of the candidate (of 2 or more) to run next. Candidates are in the order in
+/// which they became ready, so that 0 is always fair.
 using Chooser = std::function<std::size_t(std::size_t candidates)>;
 
 /// How a wait ended.
 enum class Wake { signalled, timedOut, shutDown };
 
-/// Tasks with the same lane run one at a time, in their order.
+/// Tasks of the same lane run one at a time, in order.
 struct Lane {
   bool busy = false;
 };
 
-/// What is to happen in a virtual world, and when: tasks that have not begun, threads that wait or
-/// could go on, and the time. Knows no threads and no locks; whoever holds it guards it.
+/// Schedule of a virtual world: tasks that have not begun, threads that wait or are ready, and the
+/// time. Not synchronised; the owner guards it.
 class VirtualAgenda {
  public:
   struct Item {
     SteadyTime at;
-    std::uint64_t order = 0;  ///< its place in line; while it is not ready, when it was set up
+    std::uint64_t order = 0;  ///< position in the queue; order of creation until it is ready
     bool ready = false;
     std::string name;
     Task task;
-    std::shared_ptr<Lane> lane;  ///< none for most
+    std::shared_ptr<Lane> lane;  ///< null for most
   };
-  /// A thread, and what it waits for while it does not run.
+  /// A suspended thread and what it waits for.
   struct Waiter {
     std::string name;
-    std::string doing;  ///< for the reader of an error: "sleeps"
+    std::string doing;  ///< for error messages: "sleeps"
     const void* channel = nullptr;
     SteadyTime deadline = kNever;
     bool interruptible = true;
@@ -85,8 +85,8 @@ class VirtualAgenda {
   void wake(const void* channel);
   void wakeForShutdown();
 
-  /// Who goes on next; time passes, up to `limit`, when nobody is ready. None when nobody will be.
-  /// `mainIsFree`: tasks of the main thread may be chosen.
+  /// The candidate to run next; advances the time, up to `limit`, when none is ready. Absent when
+  /// none will be. `mainIsFree`: tasks of the main thread may be chosen.
   std::optional<Candidate> choose(bool mainIsFree, SteadyTime limit);
   void moveTimeTo(SteadyTime time);
 

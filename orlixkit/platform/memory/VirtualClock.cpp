@@ -18,7 +18,7 @@ CalendarTime VirtualClock::now() const {
 }
 
 bool VirtualClock::sleep(Duration duration) {
-  // Nobody signals on this channel: only time and shutdown end the wait.
+  // This channel is never signalled: only time and shutdown end the wait.
   const int channel = 0;
   const Wake woken = world_->wait("sleeps", &channel, laterBy(world_->now(), duration));
   return woken != Wake::shutDown;

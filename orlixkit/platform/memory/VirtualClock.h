@@ -7,13 +7,13 @@
 
 namespace orlix {
 
-/// The world's time, as the library sees it. The calendar starts at 2024-03-01 10:00:00 UTC, in a
-/// place two hours east of it, so that whoever mixes up the two is found out.
+/// The world's time as a Clock. The calendar starts at 2024-03-01 10:00:00 UTC, and local time is
+/// two hours ahead, so that code that confuses the two fails a test.
 class VirtualClock : public Clock {
  public:
   explicit VirtualClock(std::shared_ptr<VirtualWorld> world);
 
-  /// Sets the calendar, as a user does; the steady clock goes on.
+  /// Sets the calendar, as a user does; the steady clock is unaffected.
   void setNow(CalendarTime now);
 
   SteadyTime steadyNow() const override { return world_->now(); }

@@ -35,7 +35,7 @@ bool VirtualCondition::waitUntil(SteadyTime deadline) {
   try {
     signalled = world_->wait("waits for a signal", this, deadline) == Wake::signalled;
   } catch (const StuckError&) {
-    // The caller, who gives up, believes to hold the lock and will release it.
+    // Reacquire the lock: the caller will release it while the exception propagates.
     held_ = true;
     throw;
   }

@@ -7,8 +7,8 @@
 
 namespace orlix {
 
-/// Lock and condition of a virtual world. What a real one leaves undefined is an error here:
-/// unlocking or waiting without the lock throws std::logic_error.
+/// Lock and condition of a virtual world. Unlocking or waiting without the lock, undefined for a
+/// real one, throws std::logic_error.
 class VirtualCondition : public Condition {
  public:
   explicit VirtualCondition(std::shared_ptr<VirtualWorld> world) : world_(std::move(world)) {}

@@ -15,7 +15,7 @@ class VirtualMainQueue : public MainQueue {
 
   void async(Task task) override;
   bool isCurrent() const override { return world_->isMain(); }
-  /// Throws StuckError when `done` can never hold.
+  /// Throws StuckError when nothing can run any more and `done` does not hold.
   void runUntil(const std::function<bool()>& done) override { world_->runMainQueueUntil(done); }
   void close() override { world_->closeMainQueue(); }
 

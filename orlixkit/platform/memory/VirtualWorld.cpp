@@ -67,7 +67,7 @@ std::optional<VirtualWorld::Candidate> VirtualWorld::choose(bool mainIsFree, Ste
   return agenda_.choose(mainIsFree, limit);
 }
 
-/// The thread that is to go on, or one for the task that is to begin.
+/// The worker to resume, or one for the task to start.
 VirtualWorld::Worker& VirtualWorld::workerOf(const Candidate& chosen) {
   return chosen.kind == Kind::task ? begin(agenda_.takeTask(chosen.index))
                                    : static_cast<Worker&>(*chosen.waiter);
@@ -100,7 +100,7 @@ void VirtualWorld::work(Worker& worker) {
   }
 }
 
-/// On the main thread: lets the worker run until it waits or has finished.
+/// On the main thread: runs the worker until it waits or has finished.
 void VirtualWorld::resume(Worker& worker, Lock& lock) {
   worker.ready = false;
   lock.unlock();
@@ -114,8 +114,8 @@ void VirtualWorld::resume(Worker& worker, Lock& lock) {
   lock.lock();
 }
 
-/// Lets others run until it is the caller's turn again. While the main thread waits like this, its
-/// queue stands still and only tasks go on.
+/// Runs others until it is the caller's turn again. While the main thread waits here, its queue is
+/// blocked and only background tasks run.
 void VirtualWorld::untilChosenAgain(Lock& lock) {
   if (running_ != nullptr) {
     lock.unlock();
@@ -194,7 +194,7 @@ VirtualWorld::Step VirtualWorld::step(SteadyTime limit) {
   runLogged(item.task);
   --mainTasks_;
   if (!stuck_.empty()) {
-    // Thrown again: the task may have taken the first one for a failure of a request.
+    // Throw it again: the task may have caught the first one as a failure of a request.
     throw StuckError(mainTasks_ == 0 ? std::exchange(stuck_, {}) : stuck_);
   }
   return Step::onMain;
@@ -256,7 +256,7 @@ bool VirtualWorld::someoneSleeps() const {
 // The end.
 
 void VirtualWorld::closeMainQueue() {
-  // Released after the lock: what dies with a task may call the world.
+  // Released after the lock: destructors that run with a task may call the world.
   std::vector<VirtualAgenda::Item> dropped;
   const Lock lock(mutex_);
   mainQueueClosed_ = true;

@@ -12,7 +12,7 @@ namespace orlix {
 
 namespace {
 
-/// Keys of 112 bits of strength or more and no SHA-1, as TLS itself asks of the certificates.
+/// Security level 2: keys of at least 112 bits of strength and no SHA-1, as TLS requires.
 constexpr int securityLevel = 2;
 
 /// Errors of OpenSSL's strict mode, which concern only how a certificate is written.
@@ -36,7 +36,7 @@ bool concernsForm(int error, X509* certificate) {
     case X509_V_ERR_EXTENSIONS_REQUIRE_VERSION_3:
       return true;
     case X509_V_ERR_INVALID_CA:
-      return X509_check_ca(certificate) != 0;  // an authority by older rules, of version 1 for one
+      return X509_check_ca(certificate) != 0;  // by older rules, as version 1 authorities
     default:
       return false;
   }
@@ -99,7 +99,7 @@ class Verification {
     return forgiven ? 1 : passed;
   }
 
-  /// What phones refuse and OpenSSL does not; empty when there is no such thing.
+  /// Reason to refuse a chain that OpenSSL accepts and phones do not; empty when there is none.
   std::string flawOfPresented() const {
     const STACK_OF(X509)* chain = X509_STORE_CTX_get0_chain(context_.get());
     for (int depth = 0; depth < sk_X509_num(chain); ++depth) {
@@ -111,7 +111,7 @@ class Verification {
       if (depth == 0 && X509_check_ca(certificate) != 0) {
         return fmt::format("{} is an authority's, not a server's", subject);
       }
-      // All bits are set where there is no restriction.
+      // All bits are set when the usage is not restricted.
       if ((X509_get_extended_key_usage(certificate) & XKU_SSL_SERVER) == 0) {
         return fmt::format("{} is not meant for a server", subject);
       }

@@ -17,22 +17,22 @@ struct FreeStore {
   void operator()(X509_STORE* store) const { X509_STORE_free(store); }
 };
 
-/// What chains are judged by.
+/// The certificates that chains are verified against.
 struct TrustStore {
-  std::unique_ptr<X509_STORE, FreeStore> store;  ///< roots and anchors; none when memory is short
+  std::unique_ptr<X509_STORE, FreeStore> store;  ///< roots and anchors; null when memory ran out
   std::vector<CertificatePointer> anchors;
 };
 
-/// Judges the chain of an HTTPS server.
+/// Verifies the certificate chain of an HTTPS server.
 ///
-/// What the server presents must conform to RFC 5280, name the host among its alternative names,
-/// allow the authentication of servers if it restricts its use, and have no DSA key; the server's
-/// own certificate must not be an authority's. Anchors and roots are taken as they are, since
-/// `openssl req -x509` makes authorities without a key usage: of them only validity, strength and
-/// purpose count, and of an anchor that is the server's own certificate the host as well.
+/// The presented certificates must conform to RFC 5280, name the host among the alternative names,
+/// allow server authentication if they restrict their use, and have no DSA key; the server's own
+/// certificate must not be an authority's. Anchors and roots need not conform, since `openssl req
+/// -x509` makes authorities without a key usage: only their validity, strength and purpose are
+/// checked, and the host as well for an anchor that is the server's own certificate.
 ///
-/// `leaf` is the server's own certificate, `presented` what it sent along (may be null). `host` is
-/// a name in ASCII or an address. On false `error` says why. Any thread.
+/// `leaf` is the server's own certificate, `presented` the others that it sent (may be null).
+/// `host` is an ASCII name or an address. On false, `error` holds the reason. Any thread.
 bool verifyChain(const TrustStore& trusted, X509* leaf, STACK_OF(X509) * presented,
                  const std::string& host, std::string& error);
 

@@ -7,8 +7,8 @@
 
 namespace orlix {
 
-/// Several bundles seen as one: the first that has a resource gives it. Directories come first and
-/// compiled-in resources last, so that a file replaces what is built in.
+/// Combines several bundles: a resource comes from the first that has it. Directories come first
+/// and compiled-in resources last, so that a file overrides a built-in resource.
 class ChainedBundle : public Bundle {
  public:
   explicit ChainedBundle(std::vector<std::shared_ptr<const Bundle>> bundles)

@@ -10,14 +10,14 @@ namespace orlix {
 class DirectoryBundle : public Bundle {
  public:
   explicit DirectoryBundle(std::filesystem::path directory) : directory_(std::move(directory)) {}
-  /// A name that leads out of the directory finds nothing.
+  /// Names that lead out of the directory are not found.
   std::optional<Bytes> resource(const std::string& name, const std::string& type) const override;
 
  private:
   std::filesystem::path directory_;
 };
 
-/// The whole of a regular file; none when it cannot be read.
+/// Contents of a regular file; absent when it cannot be read.
 std::optional<Bytes> readFile(const std::filesystem::path& file);
 
 }  // namespace orlix

@@ -19,7 +19,7 @@ FixedLocationManager::FixedLocationManager(double latitude, double longitude,
 void FixedLocationManager::start(const LocationOptions& /*options*/,
                                  LocationManagerDelegate& delegate) {
   if (updates_) {
-    return;  // its fix has come, or is still to come
+    return;  // already started
   }
   updates_ = std::make_shared<LocationManagerDelegate*>(&delegate);
   const LocationFix fix{latitude_, longitude_, accuracyInMetres, clock_->now()};

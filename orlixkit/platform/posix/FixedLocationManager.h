@@ -8,8 +8,9 @@
 
 namespace orlix {
 
-/// A position source for a machine that has none: each start brings one fix, always at the same
-/// place, dated now, as the main queue's next task. A start while it runs changes nothing.
+/// A position source for a machine without one: each start delivers one fix, always at the same
+/// place and with the current time, as a task of the main queue. A start while it runs has no
+/// effect.
 class FixedLocationManager : public LocationManager {
  public:
   FixedLocationManager(double latitude, double longitude, std::shared_ptr<MainQueue> mainQueue,
@@ -23,7 +24,7 @@ class FixedLocationManager : public LocationManager {
   const double longitude_;
   const std::shared_ptr<MainQueue> mainQueue_;
   const std::shared_ptr<Clock> clock_;
-  // From start to stop; a fix whose start is no longer the present one is not given.
+  // Set from start to stop; a fix of an earlier start is not delivered.
   std::shared_ptr<LocationManagerDelegate*> updates_;
 };
 

@@ -7,7 +7,7 @@ bool PosixCondition::waitUntil(SteadyTime deadline) {
   std::unique_lock held(mutex_, std::adopt_lock);
   const bool woken =
       changed_.wait_until(held, shutdown_, deadline, [this, before] { return signals_ != before; });
-  held.release();  // the caller's lock, as it was found
+  held.release();  // the lock stays held, as the caller left it
   return woken && !shutdown_.stop_requested();
 }
 

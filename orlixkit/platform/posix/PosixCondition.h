@@ -23,8 +23,8 @@ class PosixCondition : public Condition {
  private:
   std::mutex mutex_;
   std::condition_variable_any changed_;
-  // Counts the signals, so that a waiter knows one from a wake-up for no reason. Atomic, because a
-  // signal may be given without the lock.
+  // Counts the signals, to distinguish them from spurious wake-ups. Atomic, because a signal may be
+  // sent without the lock.
   std::atomic<std::uint64_t> signals_ = 0;
   const std::stop_token shutdown_;
 };

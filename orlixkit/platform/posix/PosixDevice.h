@@ -7,7 +7,7 @@
 
 namespace orlix {
 
-/// This machine, as the server hears of it, under the identifier of this installation.
+/// Properties of this machine, and the identifier of this installation.
 class PosixDevice : public Device {
  public:
   /// Throws StoreException as `vendorIdentifierOf` does.

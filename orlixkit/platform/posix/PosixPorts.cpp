@@ -40,7 +40,7 @@ Ports makePosixPorts(const PosixOptions& options) {
   ports.httpClient = std::make_shared<CurlHttpClient>(ports.clock);
   ports.mainQueue = std::make_shared<PosixRunLoop>(ports.log);
   ports.backgroundQueues = std::make_shared<PosixBackgroundQueues>(shutdown);
-  // The device first: a store without an identifier beside it is one of an earlier release.
+  // Make the device before the store: a store without an identifier is one of an earlier release.
   ports.device = std::make_shared<PosixDevice>(
       IdentifierSources{options.applicationName, options.stateDirectory});
   ports.userDefaults = std::make_shared<SqliteUserDefaults>(options.stateDirectory / storeFileName);

@@ -13,17 +13,18 @@
 namespace orlix {
 
 struct PosixOptions {
-  /// Names the application. Earlier releases made the vendor identifier of it: keep the name.
+  /// Name of the application. Earlier releases derived the vendor identifier from it: keep the
+  /// name.
   std::string applicationName{};
-  /// Where the key/value store ("defaults.db") and the vendor identifier are kept; made when it
-  /// does not exist. It has to be this user's, not writable by others, and no symbolic link. Back
-  /// up the whole folder or nothing of it: the stored record is read by this identifier only.
+  /// Folder of the key/value store ("defaults.db") and the vendor identifier; created when it does
+  /// not exist. It must belong to this user, not be writable by others and not be a symbolic link.
+  /// Back up the folder as a whole: the stored record can be read only with this identifier.
   std::filesystem::path stateDirectory{};
-  /// A certificate in DER or PEM form that stands in for the resource "certificateroot.cer".
+  /// A certificate in DER or PEM form, served as the resource "certificateroot.cer".
   std::optional<std::filesystem::path> anchorFile{};
-  /// Looked through in this order, after the anchor file.
+  /// Searched in this order, after the anchor file.
   std::vector<std::filesystem::path> resourceDirectories{};
-  /// Looked through last: the resources compiled into the library.
+  /// Searched last: the resources compiled into the library.
   std::vector<std::shared_ptr<const Bundle>> bundles{};
   LogTarget logTarget = LogTarget::syslogAndStderr;
   /// Latitude and longitude in degrees; without them there is no position source.

@@ -31,7 +31,7 @@ Task PosixRunLoop::next() {
   given_.wait();
   const std::lock_guard lock(lock_);
   if (closed_) {
-    given_.post();  // for whoever asks again
+    given_.post();  // wake the next caller as well
     return {};
   }
   Task task = std::move(pending_.front());
@@ -40,7 +40,7 @@ Task PosixRunLoop::next() {
 }
 
 void PosixRunLoop::close() {
-  std::deque<Task> dropped;  // released without the lock: what a task holds may call back in here
+  std::deque<Task> dropped;  // released unlocked: captures' destructors may call back
   {
     const std::lock_guard lock(lock_);
     closed_ = true;

@@ -12,7 +12,7 @@
 namespace orlix {
 
 /// A main queue for a process without a toolkit's event loop. The thread that makes it is its main
-/// thread. An exception that leaves a task goes to the log as one line; the loop goes on.
+/// thread. An exception thrown by a task is logged as one line, and the loop continues.
 class PosixRunLoop : public MainQueue {
  public:
   explicit PosixRunLoop(std::shared_ptr<SystemLog> log);
@@ -23,13 +23,13 @@ class PosixRunLoop : public MainQueue {
   void close() override;
 
  private:
-  /// The next task, waited for; none when the loop is closed.
+  /// Waits for the next task; empty when the loop is closed.
   Task next();
 
   const std::thread::id mainThread_ = std::this_thread::get_id();
   const std::shared_ptr<SystemLog> log_;
   std::mutex lock_;
-  Semaphore given_;           // one for each task
+  Semaphore given_;           // counts the pending tasks
   std::deque<Task> pending_;  // guarded by lock_
   bool closed_ = false;       // guarded by lock_
 };

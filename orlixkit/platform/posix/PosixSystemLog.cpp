@@ -10,7 +10,7 @@ namespace orlix {
 
 namespace {
 
-/// One write, so that lines of several threads, or processes, do not mix.
+/// One write, so that lines of several threads or processes do not interleave.
 void writeToStderr(std::string_view text) {
   while (!text.empty()) {
     const ssize_t written = ::write(STDERR_FILENO, text.data(), text.size());
@@ -18,7 +18,7 @@ void writeToStderr(std::string_view text) {
       if (errno == EINTR) {
         continue;
       }
-      return;  // a log that cannot be written stops nobody
+      return;  // a failure to log is ignored
     }
     text.remove_prefix(static_cast<std::size_t>(written));
   }

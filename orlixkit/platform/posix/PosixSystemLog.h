@@ -15,8 +15,8 @@ class PosixSystemLog : public SystemLog {
   explicit PosixSystemLog(LogTarget target) : target_(target) {}
   void write(std::string_view line) override;
 
-  /// `text` with its control characters as `\n`, `\t`, `\r` or `\xNN`, so that no text forges a
-  /// line of the log or drives the terminal that shows it.
+  /// `text` with its control characters as `\n`, `\t`, `\r` or `\xNN`, so that no text can forge a
+  /// log line or control the terminal that shows it.
   static std::string escaped(std::string_view text);
 
  private:

@@ -5,9 +5,8 @@
 
 namespace orlix {
 
-/// Counts what one thread has done for another that waits for it. Unlike a condition it is left
-/// without a lock to be taken again, and unlike the standard's own it does not spin before it
-/// waits. Any thread.
+/// A counting semaphore. Unlike a condition variable it does not reacquire a lock after waiting,
+/// and unlike std::counting_semaphore it does not spin before waiting. Any thread.
 class Semaphore {
  public:
   Semaphore() { sem_init(&count_, 0, 0); }
@@ -16,7 +15,7 @@ class Semaphore {
   Semaphore& operator=(const Semaphore&) = delete;
 
   void post() { sem_post(&count_); }
-  /// Takes one off, waiting until there is one.
+  /// Decrements the count, waiting while it is zero.
   void wait() {
     while (sem_wait(&count_) != 0 && errno == EINTR) {
     }

@@ -31,7 +31,7 @@ const char* remedyFor(int result) {
   }
 }
 
-/// SQLite's text, with the system's reason where it has one.
+/// SQLite's message, with the system's error where there is one.
 std::string causeOf(sqlite3* database, int result) {
   const int reason = sqlite3_system_errno(database);
   const int primary = result & 0xFF;

@@ -7,12 +7,12 @@ struct sqlite3;
 
 namespace orlix {
 
-/// Throws the StoreException for what has just failed on this connection: the file, SQLite's
-/// reason, and what the operator can do. std::bad_alloc when it was memory that ran out.
+/// Throws StoreException for the last failure on this connection, with the file, SQLite's reason
+/// and the remedy; std::bad_alloc when memory ran out.
 /// `action` completes "cannot …".
 [[noreturn]] void throwSqliteFailure(const char* action, const std::filesystem::path& file,
                                      sqlite3* database);
-/// The same for a result code (SQLITE_…) and a cause of one's own.
+/// Overload for a result code (SQLITE_…) and a given cause.
 [[noreturn]] void throwSqliteFailure(const char* action, const std::filesystem::path& file,
                                      int result, const std::string& cause);
 

@@ -20,7 +20,7 @@ namespace {
 
 constexpr std::chrono::milliseconds busyTimeout{5000};
 
-/// Leaves a kept statement ready for its next use, on every way out.
+/// Resets a prepared statement for its next use when the scope is left.
 struct ResetOnExit {
   sqlite3_stmt* statement;
   ~ResetOnExit() {
@@ -37,7 +37,7 @@ std::string textIn(sqlite3_stmt* row) {
              : std::string(text, static_cast<std::size_t>(sqlite3_column_bytes(row, 0)));
 }
 
-/// The value in the row's first column; none when it is of a type that no setter stores.
+/// The value in the row's first column; absent when its type is one that no setter stores.
 std::optional<StoredValue> valueIn(sqlite3_stmt* row) {
   switch (sqlite3_column_type(row, 0)) {
     case SQLITE_BLOB: {
@@ -53,12 +53,12 @@ std::optional<StoredValue> valueIn(sqlite3_stmt* row) {
   }
 }
 
-/// Binds a value, which must stay until the statement has run, to the second parameter.
+/// Binds a value to the second parameter; it must stay valid until the statement has run.
 struct BindValue {
   sqlite3_stmt* statement;
 
   int operator()(const Bytes& value) const {
-    // An empty value has no address, and a blob without an address would be stored as NULL.
+    // An empty value may have a null address, and a null blob would be stored as NULL.
     return value.empty()
                ? sqlite3_bind_zeroblob(statement, 2, 0)
                : sqlite3_bind_blob64(statement, 2, value.data(), value.size(), SQLITE_STATIC);
@@ -84,7 +84,7 @@ SqliteUserDefaults::SqliteUserDefaults(const std::filesystem::path& file) : file
   createFile();
   open();
   useWriteAheadLog();
-  // FULL: a commit is on the disk before it returns.
+  // FULL: a commit returns only when it is on the disk.
   execute("PRAGMA synchronous=FULL");
   // A column without a type keeps each value's own type.
   execute(
@@ -95,7 +95,7 @@ SqliteUserDefaults::SqliteUserDefaults(const std::filesystem::path& file) : file
   upsert_ = prepare(
       "INSERT INTO defaults (key, value) VALUES (?1, ?2) "
       "ON CONFLICT (key) DO UPDATE SET value = excluded.value");
-  // From here on `untilUnlocked` waits, without this object's lock.
+  // From here on `untilUnlocked` waits instead, without this object's lock.
   sqlite3_busy_timeout(database_.get(), 0);
 }
 
@@ -107,13 +107,13 @@ void SqliteUserDefaults::createFile() const {
     existsAndIsPrivate(file_.string() + ending);
   }
   if (existsAndIsPrivate(file_)) {
-    // Private also when it was copied here by someone careless.
+    // Also restrict a file that was copied here with wider permissions.
     ::chmod(file_.c_str(), S_IRUSR | S_IWUSR);
     return;
   }
-  // Private from its first moment: SQLite itself would make the file readable for everyone. It is
-  // opened only when it is new, for closing any descriptor of a file drops the locks that another
-  // connection of this process holds on it.
+  // Create the file private: SQLite would make it readable for everyone. Open it here only when it
+  // is new, since closing any descriptor of a file drops the locks that another connection of this
+  // process holds on it.
   const int made = ::open(file_.c_str(), O_RDWR | O_CREAT | O_EXCL | O_CLOEXEC, S_IRUSR | S_IWUSR);
   if (made >= 0) {
     ::close(made);
@@ -131,7 +131,8 @@ void SqliteUserDefaults::open() {
   if (result != SQLITE_OK) {
     fail("open");
   }
-  // SQLite opens what it may not write for reading only: better found now than during a payment.
+  // SQLite silently opens a file that it may not write as read-only: detect it now, not during a
+  // payment.
   if (sqlite3_db_readonly(database_.get(), nullptr) != 0) {
     throwSqliteFailure("write", file_, SQLITE_READONLY, sqlite3_errstr(SQLITE_READONLY));
   }
@@ -140,8 +141,8 @@ void SqliteUserDefaults::open() {
 
 void SqliteUserDefaults::useWriteAheadLog() {
   const Statement statement = prepare("PRAGMA journal_mode=WAL");
-  // The busy time-out does not cover this switch: while another process makes it on a new file, it
-  // is refused at once.
+  // The busy time-out does not cover this switch: it fails at once while another process makes it
+  // on a new file.
   untilUnlocked("open", [&] {
     const ResetOnExit reset{statement.get()};
     const int result = sqlite3_step(statement.get());
@@ -155,7 +156,7 @@ void SqliteUserDefaults::useWriteAheadLog() {
   });
 }
 
-/// A damaged page is found at the start of the application, not in the middle of a payment.
+/// Detects a damaged page when the application starts, not in the middle of a payment.
 void SqliteUserDefaults::checkPages() const {
   const Statement statement = prepare("PRAGMA quick_check(1)");
   if (sqlite3_step(statement.get()) != SQLITE_ROW) {

@@ -12,18 +12,18 @@ struct sqlite3_stmt;
 
 namespace orlix {
 
-/// The key/value store in one SQLite file, readable by its owner only. A value that a setter has
-/// returned from survives the process's and the machine's sudden end. Several processes may use the
-/// same file at once; one waits for the other up to five seconds. A write that waits does not hold
-/// up the reads of other threads.
+/// The key/value store in one SQLite file, readable by its owner only. A value survives a crash of
+/// the process or the machine once its setter has returned. Several processes may use the file at
+/// once; one waits for another up to five seconds. A waiting write does not block the reads of
+/// other threads.
 ///
 /// Every operation throws StoreException with the file's name, SQLite's reason and the remedy when
-/// the file cannot be read or written; what it held stays as it was.
+/// the file cannot be read or written; its contents are then unchanged.
 class SqliteUserDefaults : public UserDefaults {
  public:
-  /// Makes the file, and the folders that it is in, when they do not exist. Throws StoreException
-  /// also when the store is damaged or read-only, and when its folder or one of its files is not
-  /// private (see `requirePrivateFolder`).
+  /// Creates the file and its folders when they do not exist. Throws StoreException also when the
+  /// store is damaged or read-only, and when its folder or one of its files is not private (see
+  /// `requirePrivateFolder`).
   explicit SqliteUserDefaults(const std::filesystem::path& file);
   ~SqliteUserDefaults() override;
 
@@ -45,8 +45,8 @@ class SqliteUserDefaults : public UserDefaults {
   void checkPages() const;
   Statement prepare(const char* sql) const;
   void execute(const char* sql) const;
-  /// Runs `attempt`, which returns a step's result, with the lock; again after a pause without the
-  /// lock while another process has locked the file.
+  /// Runs `attempt`, which returns SQLite's result of a step, with the lock held; while another
+  /// process has locked the file, releases the lock, pauses and retries.
   void untilUnlocked(const char* action, const std::function<int()>& attempt) const;
   void bindKey(sqlite3_stmt* statement, const std::string& key) const;
   [[noreturn]] void fail(const char* action) const;

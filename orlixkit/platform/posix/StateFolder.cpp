@@ -19,7 +19,7 @@ namespace {
   throw StoreException(fmt::format("state: {} {}", path.string(), why));
 }
 
-/// Of the path itself, not of what a link leads to. None when there is nothing.
+/// Status of the path itself, not of a link's target. Absent when the path does not exist.
 std::optional<struct stat> statusOf(const std::filesystem::path& path) {
   struct stat status {};
   if (::lstat(path.c_str(), &status) == 0) {
@@ -48,7 +48,7 @@ void requirePrivate(const std::filesystem::path& path, const struct stat& status
   }
 }
 
-/// Without "/" or "/." at the end, by which a symbolic link would look like what it leads to.
+/// Without a trailing "/" or "/.", with which lstat would follow a symbolic link.
 std::filesystem::path named(std::filesystem::path folder) {
   while (folder.has_relative_path() && (!folder.has_filename() || folder.filename() == ".")) {
     folder = folder.parent_path();
@@ -60,7 +60,7 @@ void make(const std::filesystem::path& folder) {
   const std::filesystem::path parent = folder.has_parent_path() ? folder.parent_path() : ".";
   std::error_code problem;
   std::filesystem::create_directories(parent, problem);
-  // Another process may have made it meanwhile.
+  // Another process may have created it meanwhile.
   if (!problem && ::mkdir(folder.c_str(), S_IRWXU) != 0 && errno != EEXIST) {
     problem = std::error_code(errno, std::generic_category());
   }

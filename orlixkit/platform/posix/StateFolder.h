@@ -9,17 +9,17 @@ namespace orlix {
 inline constexpr std::string_view storeFileName = "defaults.db";
 inline constexpr std::string_view identifierFileName = "vendor-identifier";
 
-/// Makes sure that the folder is there, and private: a new one, and the folders above it, are made,
-/// readable by this user only. Throws StoreException when it cannot be made, belongs to another
-/// user, can be written by group or others, is a symbolic link, or is no folder: whoever else can
-/// write there could put another store or identifier in place. The folders above are not judged.
+/// Ensures that the folder exists and is private: creates it, and missing parents, readable by this
+/// user only. Throws StoreException when it cannot be created, belongs to another user, is writable
+/// by group or others, or is a symbolic link or not a folder: another user who can write there
+/// could replace the store or the identifier. Existing parents are not checked.
 void requirePrivateFolder(const std::filesystem::path& folder);
 
-/// Whether the file is there. Then it is private: throws StoreException when it is not a regular
-/// file, belongs to another user, can be written by group or others, or is a symbolic link.
+/// Whether the file exists. Throws StoreException when it exists and is not private: not a regular
+/// file, owned by another user, writable by group or others, or a symbolic link.
 bool existsAndIsPrivate(const std::filesystem::path& file);
 
-/// Puts on the disk what was made or renamed in the folder, where its file system can do so.
+/// Flushes the folder's entries to the disk, where the file system supports it.
 void syncFolder(const std::filesystem::path& folder);
 
 }  // namespace orlix

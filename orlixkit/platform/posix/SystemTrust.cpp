@@ -11,12 +11,12 @@ namespace orlix {
 
 namespace {
 
-/// The system's roots besides the anchors: none, those found by their name's hash in its folder, or
-/// these and all of its bundle.
+/// The system's roots to trust besides the anchors: none, those found in its folder by the hash of
+/// their name, or these and its whole bundle.
 enum class Roots { none, byName, all };
 
 void addSystemRoots(X509_STORE* store, Roots roots) {
-  // A system without them leaves the anchors, which are enough for a server of one's own.
+  // Without system roots the anchors remain, which suffice for a private server.
   if (roots == Roots::byName) {
     if (X509_LOOKUP* lookup = X509_STORE_add_lookup(store, X509_LOOKUP_hash_dir())) {
       X509_LOOKUP_add_dir(lookup, nullptr, X509_FILETYPE_DEFAULT);
@@ -45,7 +45,7 @@ TrustStore makeStore(const std::vector<Bytes>& anchors, Roots roots) {
   return trusted;
 }
 
-/// The store for these anchors, made on first use. Lives as long as the process.
+/// The store for these anchors, made on first use and kept until the process ends.
 const TrustStore& storeFor(const std::vector<Bytes>& anchors, Roots roots) {
   static std::mutex lock;
   static std::map<std::pair<std::vector<Bytes>, Roots>, TrustStore> stores;
@@ -63,7 +63,7 @@ const TrustStore& storeFor(const std::vector<Bytes>& anchors, Roots roots) {
   return found->second;
 }
 
-/// Certificates do not write the dot that marks a name as complete.
+/// Certificates omit the trailing dot of a fully qualified name.
 std::string withoutFinalDot(std::string host) {
   if (host.ends_with('.')) {
     host.pop_back();
@@ -95,7 +95,7 @@ bool SystemTrust::evaluate(const std::vector<Bytes>& anchors, bool anchorsOnly,
   if (anchorsOnly) {
     return isTrustedWith(Roots::none);
   }
-  // Reading the bundle takes some 25 ms, and it seldom holds more than the folder.
+  // Reading the bundle takes about 25 ms, and it seldom holds more than the folder.
   return isTrustedWith(Roots::byName) || isTrustedWith(Roots::all);
 }
 
@@ -105,7 +105,7 @@ bool verifyServerChain(const std::vector<Bytes>& chain, const std::string& host,
   const std::unique_ptr<STACK_OF(X509), void (*)(STACK_OF(X509)*)> presented(
       sk_X509_new_null(), [](STACK_OF(X509) * stack) { sk_X509_pop_free(stack, X509_free); });
   for (const Bytes& der : chain) {
-    // One that cannot be read is left out: the link that it would have been is then missing.
+    // Skip an unreadable certificate: the chain then lacks this link.
     if (CertificatePointer certificate = certificateFromDer(der)) {
       sk_X509_push(presented.get(), certificate.release());
     }

@@ -12,17 +12,17 @@
 
 namespace orlix {
 
-/// None when the bytes are no certificate in DER form.
+/// Null when the bytes are not a certificate in DER form.
 CertificatePointer certificateFromDer(ByteView der);
 
-/// A presented chain, judged by OpenSSL (ChainVerification): against the system's roots (OpenSSL's
-/// default places; SSL_CERT_FILE and SSL_CERT_DIR name others) and the anchors. Roots are looked up
-/// by name first; the whole bundle is read once in the process, and only for a chain that they do
-/// not vouch for. One thread at a time.
+/// A presented chain, verified by OpenSSL (ChainVerification) against the system's roots (OpenSSL's
+/// default locations; SSL_CERT_FILE and SSL_CERT_DIR name others) and the anchors. Roots are looked
+/// up by name first; the whole bundle is read at most once per process, and only when that look-up
+/// does not verify the chain. One thread at a time.
 class SystemTrust : public ServerTrust {
  public:
-  /// Takes references of its own. `host` is a name or an address, as it stands in the URL: without
-  /// brackets, and an internationalised name in ASCII. The dot that a name may end with is ignored.
+  /// Takes its own references. `host` is the name or address from the URL, without brackets; an
+  /// internationalised name is in ASCII. A trailing dot is ignored.
   SystemTrust(X509* leaf, STACK_OF(X509) * presented, std::string host);
   ~SystemTrust() override;
   SystemTrust(const SystemTrust&) = delete;
@@ -36,9 +36,9 @@ class SystemTrust : public ServerTrust {
   const std::string host_;
 };
 
-/// Judges a chain that somebody else has received, by the same rules: `chain` in DER, the server's
-/// own certificate first; `anchors` are added to the system's roots. False with the reason in
-/// `error`.
+/// Verifies a chain received by another TLS client, by the same rules: `chain` in DER, the server's
+/// own certificate first; `anchors` are added to the system's roots. On false, `error` holds the
+/// reason.
 bool verifyServerChain(const std::vector<Bytes>& chain, const std::string& host,
                        const std::vector<Bytes>& anchors, std::string& error);
 

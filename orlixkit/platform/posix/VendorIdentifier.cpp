@@ -53,7 +53,7 @@ std::string derivedUuid(const std::string& machineId, const std::string& applica
   }
   Uuid bytes{};
   std::copy_n(digest.begin(), bytes.size(), bytes.begin());
-  // Version 8: made by a rule of one's own.
+  // Version 8: custom format.
   return uuidText(bytes, 8);
 }
 
@@ -65,7 +65,7 @@ std::string randomUuid() {
   return uuidText(bytes, 4);
 }
 
-/// Empty when there is none: "uninitialized" stands in the file during a system's first start only.
+/// Empty when there is none: the file holds "uninitialized" during a system's first boot.
 std::string machineIdIn(const std::filesystem::path& file) {
   std::ifstream stream(file);
   std::string line;
@@ -89,8 +89,8 @@ std::string newIdentifier(const IdentifierSources& sources) {
   return derivedUuid(machineId, sources.applicationName);
 }
 
-/// Puts the whole text on the disk under a new name, then gives it `file`'s name unless that is
-/// taken: of two processes that start at once, the second one keeps the first one's identifier.
+/// Writes the whole text to the disk under a temporary name, then links it as `file` unless that
+/// exists: of two processes that start at once, the second uses the first one's identifier.
 void writeOnce(const std::filesystem::path& file, const std::string& text) {
   std::string temporary = file.string() + ".XXXXXX";
   const int made = ::mkostemp(temporary.data(), O_CLOEXEC);
@@ -114,7 +114,7 @@ void writeOnce(const std::filesystem::path& file, const std::string& text) {
 
 std::string read(const std::filesystem::path& file) {
   std::ifstream stream(file, std::ios::binary);
-  std::string text(uuidForm.size() + 2, '\0');  // one more than a whole file has
+  std::string text(uuidForm.size() + 2, '\0');  // one more than a valid file has
   stream.read(text.data(), static_cast<std::streamsize>(text.size()));
   text.resize(static_cast<std::size_t>(stream.gcount()));
   if (text.ends_with('\n')) {
@@ -139,7 +139,7 @@ std::string vendorIdentifierOf(const IdentifierSources& sources) {
     writeOnce(file, newIdentifier(sources) + "\n");
   }
   std::string identifier = read(file);
-  // Private also when it was copied here by someone careless.
+  // Also restrict a file that was copied here with wider permissions.
   ::chmod(file.c_str(), S_IRUSR | S_IWUSR);
   return identifier;
 }

@@ -5,19 +5,20 @@
 
 namespace orlix {
 
-/// Where the identifier of an installation comes from.
+/// Files that the identifier of an installation is read or derived from.
 struct IdentifierSources {
   std::string applicationName;
   std::filesystem::path stateDirectory;
   std::filesystem::path machineIdFile = "/etc/machine-id";
 };
 
-/// The installation's identifier: a random UUID, kept in the state folder, where only this user can
-/// read it, for the key of the stored record is made from it. Made on the first call: of several
-/// processes that make it at once, all get the same.
+/// The installation's identifier: a random UUID, kept in the state folder, readable by this user
+/// only because the key of the stored record is derived from it. Created on the first call;
+/// processes that call at the same time get the same identifier.
 ///
-/// Earlier releases derived it from the machine id and the application's name and kept none. Where
-/// there is a store but no identifier, that one is written down, so that the record stays readable.
+/// Earlier releases derived it from the machine id and the application's name and stored none.
+/// Where there is a store but no identifier, the derived one is stored, so that the record stays
+/// readable.
 ///
 /// Throws StoreException when the folder or the file is not private (see `requirePrivateFolder`),
 /// when the file cannot be read or does not hold an identifier (it is never replaced), when it
