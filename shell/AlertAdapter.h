@@ -11,7 +11,7 @@
 
 namespace orlix::shell {
 
-/// An alert as the drawing language sees it. Main thread.
+/// Exposes an alert to QML. Main thread.
 class AlertAdapter : public QObject {
   Q_OBJECT
   Q_PROPERTY(QString title READ title CONSTANT)
@@ -33,7 +33,7 @@ class AlertAdapter : public QObject {
   QString title() const { return title_; }
   QString message() const { return message_; }
   QStringList buttons() const { return buttons_; }
-  /// Of each button: "standard", "cancel" or "destructive".
+  /// Style of each button: "standard", "cancel" or "destructive".
   QStringList styles() const { return styles_; }
   /// The button that Escape presses: the one in cancel style, or the only one; -1 for none.
   int cancelIndex() const;
@@ -44,7 +44,7 @@ class AlertAdapter : public QObject {
   QColor textColor() const { return textColor_; }
   OutletAdapter* view() const { return view_.get(); }
 
-  /// Does nothing while the alert is on its way in or out.
+  /// Has no effect during the alert's transitions.
   Q_INVOKABLE void press(int index);
 
  private:

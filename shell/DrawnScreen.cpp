@@ -10,7 +10,7 @@ namespace orlix::shell {
 
 namespace {
 
-/// A card comes up from a little smaller.
+/// A card grows slightly while it fades in.
 constexpr double kSmallest = 0.96;
 
 QQuickItem* make(QQmlEngine& engine, const QString& address, const QVariantMap& properties,
@@ -27,7 +27,7 @@ QQuickItem* make(QQmlEngine& engine, const QString& address, const QVariantMap& 
   return made;
 }
 
-/// What the presentation dims the screens below with; clear for what fills the window.
+/// Colour that dims the screens below; transparent for a screen that fills the window.
 QColor dimmingOf(const ViewController& controller) {
   const auto& presentation = controller.presentationController();
   if (!presentation || presentation->containerView()->subviews().empty()) {
@@ -54,7 +54,7 @@ DrawnScreen::DrawnScreen(QQmlEngine& engine, QQuickItem& layers,
 }
 
 void DrawnScreen::drawScreen(QQmlEngine& engine) {
-  // A container is drawn as what it shows.
+  // A container is drawn as its visible child.
   const auto child = controller_->visibleChild();
   const auto shown = child ? child : controller_;
   screen_ = std::make_unique<ScreenAdapter>(shown);
@@ -64,7 +64,7 @@ void DrawnScreen::drawScreen(QQmlEngine& engine) {
 }
 
 DrawnScreen::~DrawnScreen() {
-  // The items first, and what they are bound to after them: both end in this order, later.
+  // Release the items before the objects that they are bound to; deleteLater keeps this order.
   if (content_) {
     content_->setVisible(false);
     content_->setParentItem(nullptr);

@@ -12,12 +12,12 @@
 
 namespace orlix::shell {
 
-/// One presented controller in the scene: its layer over all that stands below, and on the layer
-/// the drawn screen or alert. Released, it goes from the scene; the items end when the event that
-/// they may be in has ended. Main thread.
+/// One presented controller in the scene: a layer above the earlier ones, with the drawn screen or
+/// alert on it. The destructor removes it from the scene; its items are deleted after the current
+/// event. Main thread.
 class DrawnScreen {
  public:
-  /// `layers` is what the layer is put on, and fills.
+  /// `layers` is the parent item of the layer, which fills it.
   DrawnScreen(QQmlEngine& engine, QQuickItem& layers, std::shared_ptr<ViewController> controller);
   ~DrawnScreen();
   DrawnScreen(const DrawnScreen&) = delete;
@@ -25,19 +25,19 @@ class DrawnScreen {
 
   const std::shared_ptr<ViewController>& controller() const { return controller_; }
   bool isAlert() const { return alert_ != nullptr; }
-  /// The root of the storyboard file; none when there is no such file.
+  /// The root of the storyboard file; null when there is no such file.
   QQuickItem* content() const { return content_; }
   QQuickItem* layer() const { return layer_; }
-  /// None for an alert.
+  /// Null for an alert.
   ScreenAdapter* screen() const { return screen_.get(); }
 
-  /// Puts the drawn screen where its controller's view stands, in a window of this size.
+  /// Moves the drawn screen to its controller's view frame, in a window of this size.
   void place(QSizeF window);
-  /// From 0, not to be seen, to 1. `dimming`: what dims the screens below fades as well.
+  /// Opacity from 0 to 1. `dimming`: the layer that dims the screens below fades as well.
   void fade(double amount, bool dimming);
   double faded() const { return amount_; }
-  /// The layer without the screen, still dimming what stands below it, to be kept a moment; none
-  /// for what dims nothing.
+  /// Releases the layer without the screen, so that the caller can keep the dimming for a moment;
+  /// null for a presentation that does not dim.
   std::unique_ptr<QQuickItem> takeDimming();
 
  private:

@@ -6,10 +6,10 @@ class QQuickItem;
 
 namespace orlix::shell {
 
-/// A web view that has a place in the scene.
+/// A web view with an item in the scene.
 class DrawnWebView : public WebView {
  public:
-  /// Owned by the view; whoever shows it puts it into its own items and fills it.
+  /// Owned by the view; the component that shows it reparents and resizes it.
   virtual QQuickItem* item() = 0;
 };
 

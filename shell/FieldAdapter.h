@@ -9,8 +9,8 @@
 
 namespace orlix::shell {
 
-/// A text field. Keeps the text, once for all who read it, so that a card's number can be wiped
-/// from all that show it.
+/// Exposes a text field to QML. Keeps one shared copy of the text, so that a card number can be
+/// wiped from every item that displays it.
 class FieldAdapter : public AdapterFor<TextField> {
   Q_OBJECT
   Q_PROPERTY(QString text READ text NOTIFY changed)
@@ -39,27 +39,26 @@ class FieldAdapter : public AdapterFor<TextField> {
   QString toolbarButton() const { return QString::fromStdString(typedView().toolbarButton()); }
   int caret() const;
   bool focused() const { return typedView().editing(); }
-  /// None for a field without a drop-down.
+  /// Null for a field without a drop-down.
   PickerAdapter* picker();
 
-  /// Keys, or a paste: the text goes over `length` characters at `location`, both in the units of
-  /// the language's texts (UTF-16). The field's delegate decides; read `text` and `caret`
-  /// afterwards.
+  /// A key or a paste: replaces `length` units at `location` (UTF-16) by the text. The field's
+  /// delegate decides; read `text` and `caret` afterwards.
   Q_INVOKABLE void replaceCharacters(int location, int length, const QString& text);
   Q_INVOKABLE void moveCaret(int position);
-  /// False when the screen answers the touch otherwise.
+  /// False when the screen handles the touch differently.
   Q_INVOKABLE bool beginEditing();
   Q_INVOKABLE void endEditing() { typedView().endEditing(); }
-  /// The drawn field whose keys and input method these are. What is typed into a field for a secret
-  /// goes to the outlet past it: the drawn field would keep copies.
+  /// Filters keys and input-method events of this drawn field. Text typed into a secure field
+  /// bypasses the drawn field, which would keep copies.
   Q_INVOKABLE void watch(QQuickItem* drawn);
 
  private:
   void viewChanged() override;
   bool eventFilter(QObject* drawn, QEvent* event) override;
   bool isForCardNumber() const;
-  /// Over what is selected in the drawn field, else over `length` characters from `start` on,
-  /// counted from the caret.
+  /// Replaces the selection of the drawn field, else `length` characters at `start`, relative to
+  /// the caret.
   void type(int start, int length, const QString& text);
   void refreshText();
   void wipeCardNumber();

@@ -5,8 +5,8 @@
 
 namespace orlix::shell {
 
-/// The first item, `root` included, that `matches`; in the order of drawing. Items of repeaters and
-/// lists are found, which a search among an object's children leaves out.
+/// The first item, `root` included, that `matches`, in drawing order. Also finds items of repeaters
+/// and lists, which QObject::findChild does not.
 inline QQuickItem* findItem(QQuickItem& root,
                             const std::function<bool(const QQuickItem&)>& matches) {
   if (matches(root)) {

@@ -14,7 +14,7 @@ FrameWatch::FrameWatch(QQuickWindow& window) : begun_(now()), lastBeat_(begun_) 
   beat_.setTimerType(Qt::PreciseTimer);
   connect(&beat_, &QTimer::timeout, this, [this] { cameRound(); });
   beat_.start(std::chrono::milliseconds(1));
-  // On the main thread, before the scene is handed to whoever draws it.
+  // On the main thread, before the scene is passed to the renderer.
   connect(&window, &QQuickWindow::afterAnimating, this, [this] {
     const bool there = isThere_ && isThere_();
     const std::lock_guard lock(lock_);

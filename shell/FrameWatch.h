@@ -10,23 +10,22 @@
 
 namespace orlix::shell {
 
-/// Measures what a user would feel: how long after the host's call the first frame with a screen of
-/// the library is drawn, and for how long the main thread could not listen to a touch. Made on the
-/// main thread, on its event loop; read there as well.
+/// Measures the time from the host's call to the first frame with a screen of the library, and the
+/// longest time for which the main thread handled no touch. Main thread.
 class FrameWatch : public QObject {
  public:
   using Time = std::chrono::steady_clock::time_point;
 
   explicit FrameWatch(QQuickWindow& window);
 
-  /// Begins anew, from now. `isThere` says whether what is waited for is part of the frame that is
-  /// about to be drawn; it is asked on the main thread.
+  /// Restarts the measurement. `isThere`, called on the main thread, returns whether the awaited
+  /// screen is part of the frame about to be drawn.
   void begin(std::function<bool()> isThere);
 
-  /// From `begin` to the end of the first frame that held it; none before that.
+  /// From `begin` to the end of the first frame with the screen; absent before that.
   std::optional<std::chrono::nanoseconds> firstFrame() const;
-  /// The longest time since `begin` for which the event loop did not come round, to a millisecond
-  /// or two.
+  /// The longest interval since `begin` without an iteration of the event loop, accurate to one or
+  /// two milliseconds.
   std::chrono::nanoseconds longestStall() const { return longestStall_; }
 
  private:
@@ -37,7 +36,7 @@ class FrameWatch : public QObject {
   std::function<bool()> isThere_;
   Time lastBeat_;
   std::chrono::nanoseconds longestStall_{0};
-  // The frame may be drawn on a thread of its own.
+  // The frame may be drawn on a render thread.
   mutable std::mutex lock_;
   bool inThisFrame_ = false;
   std::optional<Time> firstFrame_;

@@ -12,9 +12,8 @@
 namespace orlix::shell {
 
 void OrlixShell::initialize() {
-  // On GLib's event loop the web engine came to a standstill in 5 of 12 runs, while the main queue
-  // ran a loop within a loop under load and a large page was read; on the toolkit's own in none
-  // of 28.
+  // With GLib's event loop the web engine hung in 5 of 12 runs, when the main queue ran a nested
+  // loop under load while a large page was read; with Qt's own dispatcher in none of 28.
   if (!qEnvironmentVariableIsSet("QT_NO_GLIB")) {
     qputenv("QT_NO_GLIB", "1");
   }

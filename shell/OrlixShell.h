@@ -11,9 +11,9 @@ namespace orlix::shell {
 
 class ScreenPresenter;
 
-/// The library in a Qt Quick application: puts it on its ports, installs it, and draws over the
-/// application's window what an entry call presents. One at a time, on the application's thread;
-/// its release takes the library down again, work under way included.
+/// The library in a Qt Quick application: makes the ports, installs the library, and draws
+/// presented screens over the application's window. One at a time, on the application's thread; the
+/// destructor ends all work and uninstalls the library.
 ///
 ///     orlix::shell::OrlixShell::initialize();            // before the application object
 ///     QGuiApplication application(count, values);
@@ -22,20 +22,19 @@ class ScreenPresenter;
 ///     OXOrlix::make()->checkout({…, .controller = shell.hostScreen(), .delegate = …});
 class OrlixShell {
  public:
-  /// What the web engine needs before the application object is made. The engine then ignores the
-  /// environment and the command line (see WebEngineSetUp.h), also for views of the application's
-  /// own.
+  /// Prepares the web engine; call it before the application object is made. The engine then
+  /// ignores the environment and the command line (see WebEngineSetUp.h), also for the
+  /// application's own views.
   static void initialize();
 
-  /// `engine` and `window` must outlive the shell. The library's own resources are looked up after
-  /// those of `options`. Throws std::runtime_error when the state directory or the anchor file
-  /// cannot be used.
+  /// `engine` and `window` must outlive the shell. Resources of `options` override the library's
+  /// own. Throws std::runtime_error when the state directory or the anchor file cannot be used.
   OrlixShell(QQmlEngine& engine, QQuickWindow& window, PosixOptions options, Deployment deployment);
   ~OrlixShell();
   OrlixShell(const OrlixShell&) = delete;
   OrlixShell& operator=(const OrlixShell&) = delete;
 
-  /// Stands for the application's window: the controller to hand to the entry calls.
+  /// The controller to pass to the entry calls; represents the application's window.
   const std::shared_ptr<ViewController>& hostScreen() const { return hostScreen_; }
   ScreenPresenter& presenter() { return *presenter_; }
 

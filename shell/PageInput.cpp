@@ -13,7 +13,7 @@ namespace {
 
 constexpr std::chrono::milliseconds kBetweenLooks{20};
 
-/// Runs `doing` on the `found` element when a finger can reach it; gives the reason otherwise.
+/// Runs `doing` on the `found` element when a user can touch it; returns the reason otherwise.
 std::string touching(const std::string& selector, const std::string& doing) {
   return "(function(){const found=document.querySelector(" + quotedForScript(selector) +
          ");"
@@ -28,8 +28,8 @@ std::string touching(const std::string& selector, const std::string& doing) {
          doing + "return '';})()";
 }
 
-/// Gives "found" when the element is there and the page has been drawn since, so that a picture
-/// shows what a script has waited for; a hidden page draws nothing.
+/// Returns "found" when the element exists and the page has been drawn since, so that a snapshot
+/// shows what a script has waited for. A hidden page is not drawn.
 std::string lookingFor(const std::string& selector) {
   return "(function(){try{if(!document.querySelector(" + quotedForScript(selector) +
          "))return '';"
@@ -92,7 +92,7 @@ void PageInput::wait(const std::string& selector, std::chrono::milliseconds limi
     look->underWay = true;
     page->evaluateJavaScript(script, [look](const ScriptResult& result) {
       look->underWay = false;
-      // A page that was left before it answered, or none yet: the next look tells.
+      // The page navigated away before it answered, or none is loaded yet: check again.
       const std::string answer(result.value.value_or(SecretString()).text());
       look->found = answer == "found";
       look->refusal = look->found ? "" : answer;

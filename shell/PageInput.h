@@ -10,21 +10,21 @@
 
 namespace orlix::shell {
 
-/// Typing and clicking in the displayed web page, whose elements are named by CSS selectors. Main
-/// thread; each call runs the main queue until it is through. What a user could not do (no such
-/// element, hidden, covered, disabled) throws std::runtime_error with the reason.
+/// Types and clicks in the displayed web page; elements are named by CSS selectors. Main thread;
+/// each call runs the main queue until it has finished. Throws std::runtime_error with the reason
+/// when a user could not do it (no such element, hidden, covered, disabled).
 class PageInput {
  public:
-  /// The page that is shown now; none between two.
+  /// The displayed page; null between two pages.
   using ShownPage = std::function<std::shared_ptr<WebView>()>;
 
   PageInput(std::shared_ptr<MainQueue> mainQueue, ShownPage shownPage)
       : mainQueue_(std::move(mainQueue)), shownPage_(std::move(shownPage)) {}
 
-  /// Touches the element and types the text behind what it holds, one character at a time.
+  /// Touches the element and types at the end of its text, one character at a time.
   void type(const std::string& selector, const std::string& text);
   void click(const std::string& selector);
-  /// Returns when the shown page, whichever it is by then, has such an element and has been drawn.
+  /// Returns when the page displayed at that time has such an element and has been drawn.
   void wait(const std::string& selector,
             std::chrono::milliseconds limit = std::chrono::seconds(90));
 

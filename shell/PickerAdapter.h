@@ -10,7 +10,7 @@
 
 namespace orlix::shell {
 
-/// The drop-down of a field: open while the field is being edited. Main thread.
+/// Exposes the drop-down of a field to QML: open while the field is being edited. Main thread.
 class PickerAdapter : public QObject {
   Q_OBJECT
   Q_PROPERTY(QStringList entries READ entries NOTIFY changed)
@@ -18,12 +18,12 @@ class PickerAdapter : public QObject {
   Q_PROPERTY(bool open READ open NOTIFY changed)
 
  public:
-  /// `touch` runs a user's doing, when a finger could do it now.
+  /// `touch` runs a user's action if a touch has an effect now.
   PickerAdapter(std::shared_ptr<TextField> field, std::function<void(const Task&)> touch);
   void detach() { field_.reset(); }
 
   QStringList entries() const;
-  /// Index of the entry that the field shows; -1 for none.
+  /// Index of the entry shown in the field; -1 for none.
   int current() const;
   bool open() const { return field_ && field_->editing(); }
 

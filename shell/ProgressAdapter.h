@@ -7,7 +7,7 @@
 
 namespace orlix::shell {
 
-/// The progress indicator as the drawing language sees it.
+/// Exposes the progress indicator to QML.
 class ProgressAdapter : public QObject {
   Q_OBJECT
   Q_PROPERTY(bool shown READ shown NOTIFY changed)
@@ -18,7 +18,7 @@ class ProgressAdapter : public QObject {
  public:
   bool shown() const { return shown_; }
   QString status() const { return status_; }
-  /// The screen is dimmed by a gradient, and touches are held back.
+  /// Whether the screen is dimmed by a gradient and touches are masked.
   bool masked() const { return masked_; }
   bool information() const { return information_; }
 

@@ -8,7 +8,7 @@ namespace orlix::shell {
 
 namespace {
 
-/// Above this a source may save power by its cheaper methods (masts, wireless networks).
+/// Above this accuracy a source may save power by using masts or wireless networks.
 constexpr double kCoarseMetres = 500;
 
 std::string describe(QGeoPositionInfoSource::Error error) {
@@ -28,7 +28,7 @@ LocationFix fixFrom(const QGeoPositionInfo& info) {
   LocationFix fix;
   fix.latitude = info.coordinate().latitude();
   fix.longitude = info.coordinate().longitude();
-  // A negative accuracy says that the fix is worth nothing, so an unknown one gets none.
+  // A negative accuracy marks a fix as invalid, so do not use it for an unknown accuracy.
   if (info.hasAttribute(QGeoPositionInfo::HorizontalAccuracy)) {
     fix.horizontalAccuracy = info.attribute(QGeoPositionInfo::HorizontalAccuracy);
   }
@@ -55,7 +55,7 @@ QtLocationManager::QtLocationManager(std::unique_ptr<QGeoPositionInfoSource> sou
 
 void QtLocationManager::start(const LocationOptions& options, LocationManagerDelegate& delegate) {
   if (running_) {
-    return;  // some sources call a second start an error
+    return;  // some sources report a second start as an error
   }
   updates_ = std::make_shared<LocationManagerDelegate*>(&delegate);
   distanceFilter_ = options.distanceFilter;
@@ -74,7 +74,7 @@ void QtLocationManager::start(const LocationOptions& options, LocationManagerDel
 
 void QtLocationManager::stop() {
   updates_.reset();
-  // A source that has failed stopped by itself, and warns of being stopped again.
+  // A failed source has stopped itself, and warns when it is stopped again.
   if (source_ && std::exchange(running_, false)) {
     source_->stopUpdates();
   }

@@ -8,14 +8,14 @@
 
 namespace orlix::shell {
 
-/// The position source of the platform that Qt runs on. Without one, and with one that refuses,
-/// each start brings one error; the delegate hears nothing while it is stopped. A start while the
-/// source runs changes nothing. Main thread.
+/// The position source provided by Qt. Without one, or when it refuses, each start reports one
+/// error. No callback is made while it is stopped. A start while it runs has no effect. Main
+/// thread.
 class QtLocationManager : public QObject, public LocationManager {
  public:
-  /// `source` may be none.
+  /// `source` may be null.
   explicit QtLocationManager(std::unique_ptr<QGeoPositionInfoSource> source);
-  /// On the platform's default source.
+  /// Uses the platform's default source.
   QtLocationManager();
 
   void start(const LocationOptions& options, LocationManagerDelegate& delegate) override;
@@ -24,14 +24,14 @@ class QtLocationManager : public QObject, public LocationManager {
  private:
   void updated(const QGeoPositionInfo& info);
   void failed(QGeoPositionInfoSource::Error error);
-  /// Tells it later: whoever starts the updates is not called back before that has returned.
+  /// Reports the error asynchronously: `start` makes no callback before it returns.
   void failLater(const std::string& description);
 
   std::unique_ptr<QGeoPositionInfoSource> source_;
   double distanceFilter_ = 0;
   bool running_ = false;
   std::shared_ptr<LocationManagerDelegate*> updates_;  ///< from start to stop
-  QGeoCoordinate last_;                                ///< the last fix that was told
+  QGeoCoordinate last_;                                ///< the last reported fix
 };
 
 }  // namespace orlix::shell

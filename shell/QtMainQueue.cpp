@@ -17,7 +17,7 @@ const QEvent::Type kRunNext = static_cast<QEvent::Type>(QEvent::registerEventTyp
 
 class QtMainQueue::Receiver : public QObject {
  public:
-  /// Main thread: from now on events find nobody.
+  /// Main thread: later events are ignored.
   void detach() { queue_ = nullptr; }
   void attach(QtMainQueue* queue) { queue_ = queue; }
   bool event(QEvent* event) override {
@@ -38,7 +38,7 @@ struct QtMainQueue::Run {
   const std::function<bool()>& done;
   QEventLoop loop{};
   bool over = false;
-  std::exception_ptr error{};  ///< what `done` threw; it may not pass through the toolkit
+  std::exception_ptr error{};  ///< exception of `done`; must not propagate through Qt
 };
 
 QtMainQueue::QtMainQueue(std::shared_ptr<SystemLog> log)
@@ -51,7 +51,7 @@ QtMainQueue::QtMainQueue(std::shared_ptr<SystemLog> log)
 QtMainQueue::~QtMainQueue() { receiver_->detach(); }
 
 void QtMainQueue::async(Task task) {
-  // Before the task is taken: without memory for it nothing has happened.
+  // Before the task is queued, so that a lack of memory leaves the queue unchanged.
   auto event = std::make_unique<QEvent>(kRunNext);
   {
     const std::lock_guard lock(lock_);
@@ -137,7 +137,7 @@ void QtMainQueue::runUntil(const std::function<bool()>& done) {
   wakeWhenPending();
   run.loop.exec();
   innermost_ = outer;
-  askWhetherDone();  // the outer run's condition may hold by what ran in here
+  askWhetherDone();  // tasks run in here may satisfy the outer run's condition
   wakeWhenPending();
   if (run.error) {
     std::rethrow_exception(run.error);
@@ -145,7 +145,7 @@ void QtMainQueue::runUntil(const std::function<bool()>& done) {
 }
 
 void QtMainQueue::close() {
-  std::deque<Task> dropped;  // released without the lock: what a task holds may call back in here
+  std::deque<Task> dropped;  // released unlocked: captures' destructors may call back
   {
     const std::lock_guard lock(lock_);
     closed_ = true;

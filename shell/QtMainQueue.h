@@ -12,11 +12,10 @@
 
 namespace orlix::shell {
 
-/// The main queue on Qt's event loop. The thread that makes it, which must be the one of the
-/// application object, is its main thread. Tasks run one an event, so that the toolkit draws and
-/// listens in between. `runUntil` runs a loop of its own inside; it also returns when the
-/// application quits. An exception that leaves a task goes to the log as one line; the loop goes
-/// on.
+/// The main queue on Qt's event loop. The thread that makes it, which must be that of the
+/// application object, is its main thread. Each event runs one task, so that Qt draws and handles
+/// input in between. `runUntil` runs a nested event loop; it also returns when the application
+/// quits. An exception thrown by a task is logged as one line, and the loop continues.
 class QtMainQueue : public MainQueue {
  public:
   explicit QtMainQueue(std::shared_ptr<SystemLog> log);
@@ -31,22 +30,22 @@ class QtMainQueue : public MainQueue {
 
  private:
   class Receiver;
-  /// A `runUntil` that has not returned.
+  /// A `runUntil` in progress.
   struct Run;
 
   void runNext();
-  /// Ends the innermost run when its condition holds. No task runs until it has returned.
+  /// Ends the innermost run when its condition holds. No task runs before that has returned.
   void askWhetherDone();
   void wakeWhenPending();
   void wakeWhenPending(std::unique_ptr<QEvent> event);
 
   const std::shared_ptr<SystemLog> log_;
-  // Ends on its own thread, whoever releases the queue last.
+  // Deleted on its own thread, whichever thread releases the queue last.
   const std::shared_ptr<Receiver> receiver_;
   Run* innermost_ = nullptr;  // main thread
   std::mutex lock_;
   std::deque<Task> pending_;  // guarded by lock_
-  bool awake_ = false;        // guarded by lock_: an event is on its way
+  bool awake_ = false;        // guarded by lock_: an event is pending
   bool closed_ = false;       // guarded by lock_
 };
 

@@ -2,9 +2,8 @@
 
 namespace orlix::shell {
 
-/// The drawn page of a QtWebView, whose object is its `view`. It keeps nothing on disk, and
-/// whatever a page asks the surroundings for (a window, a file, a password, a permission) it
-/// refuses.
+/// The QML source of a QtWebView's page; `view` is the QtWebView. It stores nothing on disk and
+/// refuses every request of a page for a window, file, password or permission.
 inline constexpr const char* kWebPage = R"(
 import QtQuick
 import QtWebEngine
@@ -39,9 +38,8 @@ WebEngineView {
     webRTCPublicInterfacesOnly: true
   }
 
-  // Peer connections would reach addresses that the request guard is not asked about. They are
-  // removed from each page and from each frame on it as the page gets hold of it: a frame that is
-  // still empty runs no script of its own.
+  // Peer connections would bypass the request guard. Remove them from each page, and from each
+  // frame when the page accesses it: injected scripts do not run in a frame that is still empty.
   Component.onCompleted: {
     const script = WebEngine.script()
     script.name = "noPeerConnections"
@@ -91,7 +89,7 @@ WebEngineView {
   onNavigationRequested: function(request) { view.judgeNavigation(request) }
   onRenderProcessTerminated: function(status, code) { view.processTerminated(code) }
 
-  // A window that a page asks for opens when somebody takes it; nobody does.
+  // A requested window opens only when the request is accepted; it never is.
   onAuthenticationDialogRequested: function(request) {
     request.accepted = true
     request.dialogReject()
@@ -110,7 +108,7 @@ WebEngineView {
   }
   onFileSystemAccessRequested: function(request) { request.reject() }
   onFullScreenRequested: function(request) { request.reject() }
-  // A page that asks whether it may be left may be.
+  // Accept the dialog by which a page asks for confirmation to leave it.
   onJavaScriptDialogRequested: function(request) {
     request.accepted = true
     if (request.type === JavaScriptDialogRequest.DialogTypeBeforeUnload) {
@@ -119,7 +117,7 @@ WebEngineView {
       request.dialogReject()
     }
   }
-  // What a page says to itself may hold anything: it reaches no log.
+  // Console messages of a page may contain secrets: do not log them.
   onJavaScriptConsoleMessage: function() {}
   onQuotaRequested: function(request) { request.reject() }
   onRegisterProtocolHandlerRequested: function(request) { request.reject() }

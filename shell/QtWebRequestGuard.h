@@ -5,11 +5,11 @@
 
 namespace orlix::shell {
 
-/// Lets a page and what is on it ask only for secure addresses, and for what needs no asking: texts
-/// that it carries itself. Everything else, local files above all, is refused.
+/// Allows a page and its resources to request only secure addresses and embedded data. Everything
+/// else, local files above all, is refused.
 class QtWebRequestGuard : public QWebEngineUrlRequestInterceptor {
  public:
-  /// Encrypted (https, wss), or plain (http, ws) of this very machine, where nobody listens in.
+  /// Encrypted (https, wss), or plain (http, ws) to the loopback interface.
   static bool isSecure(const QUrl& address) {
     const QString scheme = address.scheme();
     const QString host = address.host();

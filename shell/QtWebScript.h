@@ -7,7 +7,8 @@
 
 namespace orlix::shell {
 
-/// `text` as a string of JavaScript, quotes included; nothing in it can end the string.
+/// `text` as a JavaScript string literal, quotes included; escaped so that nothing in it ends the
+/// literal.
 inline std::string quotedForScript(const std::string& text) {
   const QJsonArray alone{QString::fromStdString(text)};
   std::string json = QJsonDocument(alone).toJson(QJsonDocument::Compact).toStdString();

@@ -127,8 +127,8 @@ void QtWebView::scriptAnswered(int ticket, const QVariant& result) {
 
 void QtWebView::judgeCertificate(QWebEngineCertificateError error) {
   std::string reason = error.description().toStdString();
-  // An unknown issuer is all that anchors of ours can make good. Everything else, a certificate
-  // that was revoked for one, the engine has found for itself.
+  // Only an unknown issuer can be remedied by our anchors. All other errors, such as a revoked
+  // certificate, remain the engine's decision.
   const bool trusted = error.type() == QWebEngineCertificateError::CertificateAuthorityInvalid &&
                        verifyServerChain(derOf(error.certificateChain()),
                                          certificateHostOf(error.url()), anchors_(), reason);
@@ -167,8 +167,8 @@ void QtWebView::loadingChanged(const QWebEngineLoadingInfo& info) {
     return;
   }
   if (status == QWebEngineLoadingInfo::LoadStoppedStatus) {
-    // A load that gave way to another is not reported. One that gave way to a refused address is:
-    // its page stays, and the engine reports it no other way.
+    // Do not report a load that was replaced by another. Report one that was stopped for a refused
+    // address: its page stays, and the engine signals this in no other way.
     if (std::exchange(refused_, false) && !reported_) {
       finished();
     }
@@ -176,7 +176,7 @@ void QtWebView::loadingChanged(const QWebEngineLoadingInfo& info) {
   }
   refused_ = false;
   failOwed("The page was left before it answered.");
-  // A server's own account of an error is a page like another.
+  // A server's error page is a page like any other.
   if (status == QWebEngineLoadingInfo::LoadSucceededStatus ||
       info.errorDomain() == QWebEngineLoadingInfo::HttpStatusCodeDomain) {
     finished();
@@ -223,7 +223,7 @@ void QtWebView::settle(const Owed& owed, ScriptResult result) {
 
 void QtWebView::failOwed(std::string_view reason) {
   if (owed_.empty()) {
-    return;  // nor may memory be needed then: the destructor comes here
+    return;  // without allocating: the destructor calls this
   }
   for (const Owed& owed : std::exchange(owed_, {})) {
     settle(owed, {std::nullopt, std::string(reason)});

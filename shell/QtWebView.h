@@ -20,16 +20,15 @@ namespace orlix::shell {
 
 class QtWebRequestGuard;
 
-/// A web view drawn by Qt's web engine, with a profile of its own that goes with it.
+/// A web view drawn by Qt's web engine, with its own profile, released with it.
 ///
-/// Every callback is a task of the main queue, never made from inside the engine: the engine stands
-/// still while it waits for a callback of its own, so that whoever ran the main loop in one would
-/// wait for ever.
+/// Every callback is a task of the main queue, never made from an engine callback: the engine
+/// blocks until such a callback returns, so a delegate that ran the main loop in it would deadlock.
 class QtWebView : public QObject, public DrawnWebView {
   Q_OBJECT
 
  public:
-  /// The engine takes a page's text as an address, escaped; it drops longer ones without a word.
+  /// The engine loads a page's text as an escaped address, and silently drops longer ones.
   static constexpr qsizetype kLargestAddress = 2 * 1024 * 1024;
 
   QtWebView(std::shared_ptr<MainQueue> mainQueue, QtWebViews::Anchors anchors);
@@ -37,25 +36,25 @@ class QtWebView : public QObject, public DrawnWebView {
   QtWebView(const QtWebView&) = delete;
   QtWebView& operator=(const QtWebView&) = delete;
 
-  /// The name or address that a certificate has to be for: as certificates write it, in ASCII and
-  /// without brackets. The toolkit itself shows some internationalised names in Unicode.
+  /// The name or address that a certificate must match, in the form used in certificates: ASCII and
+  /// without brackets. Qt shows some internationalised names in Unicode.
   static std::string certificateHostOf(const QUrl& address) {
     return address.host(QUrl::FullyEncoded).toStdString();
   }
 
   QQuickItem* item() override { return item_.get(); }
-  /// Called once, by the maker.
+  /// Called once, by the creator.
   void adopt(std::unique_ptr<QQuickItem> item);
 
   void setNavigationDelegate(std::weak_ptr<WebViewDelegate> delegate) override;
-  /// A text that takes more than kLargestAddress when it is escaped is refused as a failed load.
+  /// A text of more than kLargestAddress bytes when escaped is reported as a failed load.
   void load(const WebContent& content) override;
   void stopLoading() override;
-  /// Runs apart from the page's own scripts: it sees the page's elements, not its variables.
+  /// Runs isolated from the page's scripts: it accesses the page's elements, not its variables.
   void evaluateJavaScript(const std::string& script,
                           std::function<void(const ScriptResult&)> completion) override;
 
-  // Called by the drawn page.
+  // Called by the QML page.
   Q_INVOKABLE void judgeCertificate(QWebEngineCertificateError error);
   Q_INVOKABLE void judgeNavigation(QWebEngineNavigationRequest* request);
   Q_INVOKABLE void loadingChanged(const QWebEngineLoadingInfo& info);
@@ -81,7 +80,7 @@ class QtWebView : public QObject, public DrawnWebView {
   const std::shared_ptr<MainQueue> mainQueue_;
   const QtWebViews::Anchors anchors_;
   std::unique_ptr<QtWebRequestGuard> guard_;
-  std::unique_ptr<QQuickItem> item_;  ///< goes before the guard, which its profile asks
+  std::unique_ptr<QQuickItem> item_;  ///< released before the guard, which its profile uses
   std::weak_ptr<WebViewDelegate> delegate_;
   Progress progress_ = Progress::none;
   bool hasPage_ = false;
@@ -89,7 +88,7 @@ class QtWebView : public QObject, public DrawnWebView {
   bool refused_ = false;   ///< the load in progress has tried to leave for a refused address
   int lastTicket_ = 0;
   std::deque<Owed> owed_;
-  /// Held by this object and by what it has set going; replaced when that is to be forgotten.
+  /// Shared with pending callbacks; replaced to cancel them.
   std::shared_ptr<const int> load_ = std::make_shared<const int>(0);
 };
 

@@ -13,17 +13,17 @@
 
 namespace orlix::shell {
 
-/// Makes web views of Qt's web engine. The application calls `QtWebEngineQuick::initialize()`
-/// before it makes its application object.
+/// Makes web views based on Qt's web engine. The application must call
+/// `QtWebEngineQuick::initialize()` before it makes the application object.
 class QtWebViews : public WebViews {
  public:
-  /// The certificates (DER) that are trusted beside the system's roots; asked for at each decision.
+  /// Returns the certificates (DER) to trust besides the system's roots; called at each decision.
   using Anchors = std::function<std::vector<Bytes>()>;
 
-  /// `engine` lives on the main thread and outlives the views.
+  /// `engine` must belong to the main thread and outlive the views.
   QtWebViews(QQmlEngine& engine, std::shared_ptr<MainQueue> mainQueue, Anchors anchors);
 
-  /// None, with a line in the log, when the web engine's QML module is not installed.
+  /// Null, with a log line, when the web engine's QML module is not installed.
   std::shared_ptr<WebView> newWebView() override;
 
  private:

@@ -7,15 +7,15 @@
 
 namespace orlix::shell {
 
-/// Pictures of the host's resources by name, `image://orlix/<name>`: the vector original when there
-/// is one, else a PNG. A picture that is missing is empty, with a warning. Any thread.
+/// Provides images from the host's resources, `image://orlix/<name>`: the SVG when there is one,
+/// else a PNG. A missing image is empty, with a warning. Any thread.
 class ResourceImages : public QQuickImageProvider {
  public:
   explicit ResourceImages(std::shared_ptr<const Bundle> bundle)
       : QQuickImageProvider(QQuickImageProvider::Image), bundle_(std::move(bundle)) {}
 
-  /// Drawn to fit into `requestedSize`, its proportions kept; at its own size when none is asked
-  /// for.
+  /// Scaled to fit into `requestedSize`, preserving the aspect ratio; original size when none is
+  /// given.
   QImage requestImage(const QString& id, QSize* size, const QSize& requestedSize) override;
 
  private:

@@ -42,7 +42,7 @@ bool ScreenAdapter::hasAction(const QString& name) const {
 }
 
 void ScreenAdapter::perform(const QString& name) {
-  // Held meanwhile: the action may take the screen away.
+  // Keep a reference: the action may dismiss the screen.
   const auto there = controller_.lock();
   const std::string action = name.toStdString();
   if (there && touchRefusal(Host::current().application(), *there, action) == TouchRefusal::none) {

@@ -11,28 +11,28 @@
 
 namespace orlix::shell {
 
-/// A screen as the drawing language sees it: each outlet by its name (`screen.merchantView`),
-/// `view` for the screen's own view, and the actions. Once detached it does nothing. Main thread.
+/// Exposes a screen to QML: each outlet by its name (`screen.merchantView`), `view` for the
+/// screen's own view, and the actions. Inactive once detached. Main thread.
 class ScreenAdapter : public QQmlPropertyMap {
   Q_OBJECT
   Q_PROPERTY(QString identifier READ identifier CONSTANT)
 
  public:
-  /// `controller` has loaded its view.
+  /// `controller` must have loaded its view.
   explicit ScreenAdapter(const std::shared_ptr<ViewController>& controller);
   ~ScreenAdapter() override;
   void detach();
 
   QString identifier() const { return identifier_; }
   Q_INVOKABLE bool hasAction(const QString& name) const;
-  /// Runs the action when it can be touched now; one that the screen lacks is logged.
+  /// Runs the action if a touch has an effect now; logs an action that the screen lacks.
   Q_INVOKABLE void perform(const QString& name);
 
-  /// The mask of the progress indicator has come or gone.
+  /// The mask of the progress indicator has appeared or disappeared.
   void refreshReachable();
 
  protected:
-  /// What the drawing language writes is not taken.
+  /// Rejects values written by QML.
   QVariant updateValue(const QString& key, const QVariant& input) override;
 
  private:

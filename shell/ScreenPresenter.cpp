@@ -21,13 +21,13 @@ namespace orlix::shell {
 namespace {
 
 constexpr double kAboveTheHost = 10000;
-constexpr double kMask = 1;  // alerts stand on it, screens below
+constexpr double kMask = 1;  // alerts above it, screens below
 constexpr double kAlerts = 2;
 constexpr double kIndicator = 3;
 
 Application& application() { return Host::current().application(); }
 
-/// In a web page, which has fields and buttons of its own to go through.
+/// Whether the item is in a web page, which handles Tab among its own controls.
 bool isInPage(const QQuickItem* item) {
   while (item != nullptr && !item->inherits("QQuickWebEngineView")) {
     item = item->parentItem();
@@ -78,7 +78,7 @@ ScreenPresenter::ScreenPresenter(QQmlEngine& engine, QQuickWindow& window,
 }
 
 ScreenPresenter::~ScreenPresenter() {
-  // What waits for the end of an animation goes on without it.
+  // Complete pending animations, so that their callbacks run.
   for (const auto& fade : std::exchange(fades_, {})) {
     if (Host::isInstalled()) {
       Host::current().ports().mainQueue->async(std::exchange(fade->done, {}));
@@ -86,7 +86,7 @@ ScreenPresenter::~ScreenPresenter() {
   }
   drawn_.clear();
   lingering_.reset();
-  // At once, unlike the screens: the items speak of what ends with this object.
+  // Delete at once, unlike the screens: the items refer to members of this object.
   delete layers_.data();
 }
 
@@ -137,8 +137,8 @@ void ScreenPresenter::didDismiss(const std::shared_ptr<ViewController>& controll
     return;
   }
   if ((*found)->faded() > 0) {
-    // Cut away, most often to make place for the next screen: the dimming stays for the moment, so
-    // that it does not flicker.
+    // Dismissed without animation, usually to present the next screen: keep the dimming meanwhile,
+    // so that it does not flicker.
     lingering_ = (*found)->takeDimming();
     QTimer::singleShot(0, this, [this] { lingering_.reset(); });
   }
@@ -181,7 +181,7 @@ bool ScreenPresenter::animate(const std::shared_ptr<ViewController>& controller,
   play(
       [this, weak = std::weak_ptr(controller)](double amount) {
         const auto there = weak.lock();
-        // What stands on a screen leaves with it.
+        // Screens presented on this one are dismissed with it.
         for (auto one = there ? find(*there) : drawn_.end(); one != drawn_.end(); ++one) {
           (*one)->fade(std::min((*one)->faded(), 1 - amount), true);
         }
@@ -212,7 +212,7 @@ void ScreenPresenter::end(const QVariantAnimation* animation) {
   if (found == fades_.end()) {
     return;
   }
-  // The animation ends later: this is its own call.
+  // Defer the release of the animation, since it is the caller.
   std::shared_ptr<Fade> ended = std::move(*found);
   fades_.erase(found);
   QTimer::singleShot(0, this, [ended] {});
@@ -262,7 +262,7 @@ void ScreenPresenter::resized() {
 }
 
 void ScreenPresenter::stackChanged() {
-  maskChanged();  // the indicator's screen may have come into the window, or have left it
+  maskChanged();  // the indicator's screen may have entered or left the window
   for (const auto& one : drawn_) {
     if (one->layer() != nullptr) {
       one->layer()->setEnabled(one == drawn_.back());
@@ -274,15 +274,15 @@ void ScreenPresenter::stackChanged() {
     }
     return;
   }
-  // Whatever arrives gets the keyboard when it is there.
+  // A screen gets the focus when its transition has ended.
   const DrawnScreen& front = *drawn_.back();
   if (front.content() != nullptr && front.controller()->hasAppeared()) {
     front.content()->forceActiveFocus();
   }
 }
 
-/// A page passes the keyboard on, at its end, to whatever comes next in the window; but the host's
-/// controls are covered while a screen stands over them.
+/// A web page passes the focus, after its last control, to the next item in the window; but the
+/// host's controls are covered while a screen is presented.
 void ScreenPresenter::focusMoved() {
   const QQuickItem* const focus = window_.activeFocusItem();
   if (drawn_.empty() || focus == nullptr || focus == window_.contentItem() ||
@@ -331,7 +331,7 @@ bool ScreenPresenter::moveFocus(bool forward) {
   if (content == nullptr || item == nullptr) {
     return false;
   }
-  // The chain goes round the whole window; what belongs to the screen on top is somewhere on it.
+  // The focus chain is a cycle through the whole window, which contains the top screen's items.
   constexpr int kFarEnough = 2000;
   for (int step = 0; step < kFarEnough; ++step) {
     item = item->nextItemInFocusChain(forward);

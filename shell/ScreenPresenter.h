@@ -19,10 +19,10 @@
 namespace orlix::shell {
 
 /// Draws what the library presents over the host's window: cards over the dimmed host, screens that
-/// fill it, alerts above them, the progress indicator above all; and keeps the keyboard with what
-/// stands on top. What it presents fades in and out; touches wait until it has arrived.
+/// fill it, alerts above them, the progress indicator above all. Keeps the keyboard focus in the
+/// topmost one. Presentations fade in and out; touches have no effect during a transition.
 ///
-/// Main thread. Made after the library has been put on its host, released before the host is
+/// Main thread. Construct it after the library has been installed, release it before the host is
 /// uninstalled.
 class ScreenPresenter : public QObject, public UiObserver {
   Q_OBJECT
@@ -30,7 +30,8 @@ class ScreenPresenter : public QObject, public UiObserver {
  public:
   static constexpr std::chrono::milliseconds kFade{220};
 
-  /// `engine` has been prepared by `prepareEngine`; it and `window` must outlive the presenter.
+  /// `engine` must have been prepared by `prepareEngine`; it and `window` must outlive the
+  /// presenter.
   ScreenPresenter(QQmlEngine& engine, QQuickWindow& window, std::chrono::milliseconds fade = kFade);
   ~ScreenPresenter() override;
 
@@ -41,16 +42,16 @@ class ScreenPresenter : public QObject, public UiObserver {
                const Task& done) override;
 
   bool isAnimating() const { return !fades_.empty(); }
-  /// The drawn screen or alert on top; none while nothing is presented.
+  /// The topmost drawn screen or alert; null while nothing is presented.
   const DrawnScreen* top() const { return drawn_.empty() ? nullptr : drawn_.back().get(); }
   QQuickWindow& window() const { return window_; }
 
  Q_SIGNALS:
-  /// Nothing of the library is drawn any more; it may be between two screens.
+  /// The library draws nothing any more; it may be between two screens.
   void emptied();
 
  protected:
-  /// Keys of the window, before its items get them.
+  /// Filters key events of the window before its items receive them.
   bool eventFilter(QObject* watched, QEvent* event) override;
 
  private:
@@ -59,8 +60,8 @@ class ScreenPresenter : public QObject, public UiObserver {
 
   DrawnScreen& draw(const std::shared_ptr<ViewController>& controller);
   Drawn::iterator find(const ViewController& controller);
-  /// Plays from 0 to 1 and tells `step`; then `done` is the main queue's next task. Not played when
-  /// the fade takes no time.
+  /// Animates from 0 to 1, calling `step`, then posts `done` to the main queue. Without animation
+  /// when the duration is 0.
   void play(const std::function<void(double)>& step, const Task& done);
   void end(const QVariantAnimation* animation);
   void resized();
@@ -71,27 +72,26 @@ class ScreenPresenter : public QObject, public UiObserver {
   std::vector<QQuickItem*> itemsInReachUnderMask() const;
   bool moveFocus(bool forward);
 
-  /// Lets the drawings be compiled in the background, so that the first use of none holds up a
-  /// touch.
+  /// Compiles the QML files in the background, so that their first use does not delay input.
   void warmUp();
 
   QQmlEngine& engine_;
   QQuickWindow& window_;
-  std::vector<std::unique_ptr<QQmlComponent>> warm_;  ///< holds what is compiled
+  std::vector<std::unique_ptr<QQmlComponent>> warm_;  ///< keeps the compiled components
   const std::chrono::milliseconds fade_;
   ProgressAdapter progress_;
   QPointer<QQuickItem> layers_;
   QPointer<QQuickItem> mask_;
   QPointer<QQuickItem> indicator_;
-  QPointer<QQuickItem> hostFocus_;  ///< had the keyboard before anything was presented
+  QPointer<QQuickItem> hostFocus_;  ///< had the focus before the first presentation
   std::unique_ptr<QQuickItem> lingering_;
   Drawn drawn_;                               ///< from the bottom up
-  std::vector<std::unique_ptr<Fade>> fades_;  ///< being played
-  unsigned indicatorShown_ = 0;  ///< counts its changes: the fade of an earlier one plays no more
+  std::vector<std::unique_ptr<Fade>> fades_;  ///< in progress
+  unsigned indicatorShown_ = 0;  ///< counts its changes, to cancel the fade of an earlier one
 };
 
-/// What the shell's drawings need of the engine that they are made in: where components are found,
-/// the pictures, and the brand's fonts. Once for each engine, before a presenter is made.
+/// Registers component paths, images and the brand's fonts with the engine. Call it once per
+/// engine, before a presenter is made.
 void prepareEngine(QQmlEngine& engine, const std::shared_ptr<const Bundle>& bundle);
 
 }  // namespace orlix::shell

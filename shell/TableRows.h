@@ -8,8 +8,8 @@
 
 namespace orlix::shell {
 
-/// The rows of a table, as they were when it last said that it has changed. Rows that stay keep
-/// their drawn items, so that the list does not jump. Main thread.
+/// Model of a table's rows as of its last change notification. Unchanged rows keep their items, so
+/// that the list does not jump. Main thread.
 class TableRows : public QAbstractListModel {
   Q_OBJECT
 

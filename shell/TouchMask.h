@@ -7,11 +7,11 @@
 
 namespace orlix::shell {
 
-/// Holds touches back while the progress indicator wants it, but for the items that stay in reach:
-/// the way out of something that may never come.
+/// Masks touches while the progress indicator requires it, except on given items, such as the
+/// cancel button of an operation that may never end.
 class TouchMask : public QQuickItem {
  public:
-  /// `holes` names the items in reach, asked for at each touch.
+  /// `holes` returns the items that stay reachable; called at each touch.
   TouchMask(QQuickItem* parent, std::function<std::vector<QQuickItem*>()> holes)
       : QQuickItem(parent), holes_(std::move(holes)) {
     setAcceptedMouseButtons(Qt::AllButtons);

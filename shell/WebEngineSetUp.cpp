@@ -6,8 +6,8 @@ namespace orlix::shell {
 
 namespace {
 
-/// Peer connections without UDP, and no WebTransport: both reach addresses that the request guard
-/// is not asked about. What is left of peer connections, each page removes (see QtWebPage.h).
+/// No UDP for peer connections, and no WebTransport: both bypass the request guard. Each page
+/// removes the rest of peer connections (see QtWebPage.h).
 constexpr const char* kSwitches =
     "--force-webrtc-ip-handling-policy=disable_non_proxied_udp "
     "--disable-blink-features=WebTransport";

@@ -2,7 +2,7 @@ pragma ComponentBehavior: Bound
 
 import QtQuick
 
-// Says that something is under way.
+// An activity indicator.
 Item {
     id: root
 

@@ -5,13 +5,13 @@ OxPlate {
     id: root
 
     required property var outlet
-    // The action that the outlet's touch performs, for whoever looks a button up by it.
+    // The action that a touch performs, so that scripts can find the button by it.
     property string actionName: ""
 
     objectName: root.outlet.name
     visible: root.outlet.shown
     enabled: root.outlet.enabled && root.outlet.reachable
-    // Touches held back for a moment are no reason to look different.
+    // Do not change the look while touches are masked for a moment.
     opacity: root.outlet.enabled ? root.outlet.alpha : 0.5
     text: root.outlet.text
     fill: root.outlet.backgroundColor

@@ -98,7 +98,7 @@ T.Button {
                 cover.forceActiveFocus();
             }
         }
-        // Whatever takes the keyboard elsewhere closes the list.
+        // Losing the focus closes the list.
         onActiveFocusChanged: {
             if (!cover.activeFocus && root.open) {
                 root.outlet.picker.toggle();

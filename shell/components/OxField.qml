@@ -1,8 +1,8 @@
 import QtQuick
 
-// A field outlet. The text belongs to the outlet: an edit, whether by key, paste or input method, is
-// handed to it, and then its text and caret are shown again. What is typed for a secret does not get
-// here: the outlet takes it first, and the field shows its bullets.
+// A field outlet. The text belongs to the outlet: each edit, by key, paste or input method, is
+// passed to it, and its text and caret are then displayed. Text typed into a secure field does not
+// reach this item: the outlet receives it first, and the field shows bullets.
 FocusScope {
     id: root
 
@@ -57,7 +57,7 @@ FocusScope {
         height: box.textHeight
         focus: true
         activeFocusOnTab: true
-        // Not by `reachable`: what holds touches back for a moment must not end the editing.
+        // Not by `reachable`: masking touches for a moment must not end the editing.
         enabled: root.outlet.enabled
         clip: true
         verticalAlignment: TextInput.AlignVCenter
@@ -93,7 +93,7 @@ FocusScope {
             input.showing = false;
         }
 
-        // What stands behind the caret was there before the edit; what differs before it is new.
+        // The text after the caret existed before the edit; differences before it are new.
         function handOver(): void {
             const was = root.outlet.text;
             const behind = input.length - input.cursorPosition;

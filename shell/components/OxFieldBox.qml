@@ -1,7 +1,7 @@
 import QtQuick
 
-// The box around a field: fill, line, and the caption above the text. Without a label of its own
-// the field's placeholder is the caption; it stands in the text's place until there is a text.
+// The box around a field: fill, line, and the caption above the text. Without a label the field's
+// placeholder is the caption; it is shown in place of the text while that is empty.
 Item {
     id: root
 

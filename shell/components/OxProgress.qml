@@ -1,7 +1,7 @@
 import QtQuick
 
-// The one indicator that says what the library is busy with, over everything else. It holds nothing
-// back itself, and whoever presents it fades it.
+// The progress indicator, above everything else. It does not mask touches itself; ScreenPresenter
+// fades it.
 Item {
     id: root
 

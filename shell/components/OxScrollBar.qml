@@ -1,7 +1,7 @@
 import QtQuick
 import QtQuick.Templates as T
 
-// Where one is in something longer than its room.
+// A scroll bar.
 T.ScrollBar {
     id: root
 

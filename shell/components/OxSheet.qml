@@ -2,7 +2,7 @@ import QtQuick
 
 // The sheet that every screen is laid out on: what heads it, the body, and the buttons at its foot.
 // Enter presses the main button, Escape the way out. On a small device in landscape a sheet is taller
-// than the window; what matters keeps clear of what cannot be seen.
+// than the window; important items stay within the visible part.
 FocusScope {
     id: root
 
@@ -51,7 +51,7 @@ FocusScope {
         }
     }
 
-    // Scrolls whatever the item lies in until it can be seen.
+    // Scrolls the containers of the item until it is visible.
     function reveal(item: Item): void {
         for (let above = item.parent; above; above = above.parent) {
             if (above instanceof OxKeyboardScroll) {

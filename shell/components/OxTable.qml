@@ -3,8 +3,8 @@ pragma ComponentBehavior: Bound
 import QtQuick
 import QtQuick.Templates as T
 
-// A table outlet. `light` is the look of a long list to choose from, the other one that of a few
-// things that one owns.
+// A table outlet. `light` is the style of a long list to choose from, the other that of the user's
+// cards.
 ListView {
     id: root
 

@@ -33,7 +33,7 @@ QtObject {
     readonly property int compactButtonHeight: 42
 
     // Height of an on-screen keyboard at the bottom of the window that the platform's input method
-    // knows nothing of; -1 when the input method is to be asked.
+    // does not report; -1 to use the input method's value.
     property real keyboardHeight: -1
 
     // "Inter-Bold", "Inter-Light", or anything else for regular.

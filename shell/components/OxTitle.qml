@@ -1,6 +1,6 @@
 import QtQuick
 
-// What a screen is about.
+// The title of a screen.
 Text {
     id: root
 

@@ -1,7 +1,7 @@
 import QtQuick
 
-// One presented screen: what dims all that stands below it, and keeps touches from it. The presenter
-// puts the screen itself in front, and moves the two values while the presentation fades.
+// The layer of one presented screen: dims everything below it and blocks touches. The presenter
+// adds the screen in front, and animates the two values while the presentation fades.
 FocusScope {
     id: presentation
 
