@@ -6,7 +6,7 @@
 
 namespace orlix::bench {
 
-/// What a wallet request costs at the least: one curl handle, reused, and nothing around it.
+/// The minimal cost of a wallet request: one reused curl handle, without further work.
 class BareClient {
  public:
   enum class Roots { anchorOnly, systemToo };

@@ -8,7 +8,7 @@
 
 namespace orlix::bench {
 
-/// The store's blob in a table of its own, written durably and read back.
+/// The store's blob in its own table, written durably and read back.
 class BareStore {
  public:
   explicit BareStore(const std::string& file) {

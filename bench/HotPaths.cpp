@@ -1,6 +1,5 @@
-// The ways that a checkout takes most, each as often as asked for, with nothing in them that
-// depends on the machine: no server, no disk, no real time. `scripts/budget` counts their
-// instructions.
+// The hot paths of a checkout, each run the given number of times, independent of the machine: no
+// server, no disk, no real time. `scripts/budget` counts their instructions.
 //
 // usage: orlix-hot-paths NAME TIMES      orlix-hot-paths --names
 

@@ -17,7 +17,7 @@ namespace orlix::bench {
 
 namespace {
 
-/// The cipher alone, as its own manual would have it.
+/// The bare cipher call, as OpenSSL's manual shows it.
 void encryptBare(const EVP_CIPHER* cipher, const std::array<unsigned char, 24>& key, int direction,
                  const unsigned char* from, int size, unsigned char* to, const unsigned char* iv,
                  bool padding) {
@@ -89,7 +89,7 @@ Row storeRow(const std::string& file) {
         encryptBare(EVP_aes_128_cbc(), key, 0, cipher.data(), size, back.data(), iv.data(), true);
       },
       [&] {
-        // A value of its own each time: one that stands there already is not written again.
+        // A different value each time: an unchanged value is not written again.
         record.ssToken = fmt::format("wallet-token-of-some-{:016}", ++saved);
         store.save(storage, record);
         if (!store.load(storage)) {

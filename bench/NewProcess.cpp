@@ -30,7 +30,7 @@ double microsSince(Clock::time_point begun) {
   return std::chrono::duration<double, std::micro>(Clock::now() - begun).count();
 }
 
-/// From nothing to the answer; what is closed afterwards does not count.
+/// From the start of the process to the answer, without the clean-up.
 double firstRequest(const std::string& base, const std::string& anchor) {
   const auto begun = Clock::now();
   const CheckoutRun library(base, anchor, kState);

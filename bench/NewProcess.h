@@ -16,7 +16,7 @@ enum class Errand {
 /// Runs it in this process. Throws std::runtime_error when a request fails.
 double runErrand(Errand errand, const std::string& base, const std::string& anchor);
 
-/// Starts this program anew for the errand and returns what it printed.
+/// Starts this program as a new process for the measurement and returns the printed number.
 double runErrandAnew(Errand errand, const std::string& base, const std::string& anchor);
 
 }  // namespace orlix::bench

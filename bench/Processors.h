@@ -5,9 +5,8 @@
 namespace orlix::bench {
 
 /// For its lifetime the thread that made it, and the threads which that one starts meanwhile, run
-/// on one processor only. Client and server so have a processor each, as on two machines, and what
-/// is measured is what they do and not how long an idle processor takes to wake up. Does nothing
-/// where there is only one.
+/// on one processor only. Client and server then have a processor each, as on two machines, and the
+/// measurement excludes the time to wake an idle processor. No effect with a single processor.
 class OnOneProcessor {
  public:
   enum class Side { client, server };

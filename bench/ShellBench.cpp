@@ -1,6 +1,6 @@
-// Prints what a user of the drawn shell would feel, measured in one run: how long after the host's
-// call the waiting screen is drawn, against an empty window of the same size, and for how long a
-// checkout keeps the main thread from listening to a touch.
+// Prints the latency of the drawn shell, measured in one run: the time from the host's call to the
+// drawn waiting screen, against an empty window of the same size, and the longest time for which a
+// checkout blocks input on the main thread.
 
 #include <QGuiApplication>
 #include <QQmlComponent>
@@ -63,8 +63,7 @@ struct Felt {
   Milliseconds stall{0};
 };
 
-/// One checkout in a window that stands there already, paid by PIN as soon as the screen asks for
-/// it.
+/// One checkout in an existing window, paid by PIN as soon as the screen asks for it.
 Felt checkout(sandbox::Sandbox& server, const std::filesystem::path& state) {
   QQmlEngine engine;
   QQuickWindow window;

@@ -27,9 +27,8 @@ struct Effort {
   int batch = 1;      ///< calls in a sample; more than one where the clock is too coarse for one
 };
 
-/// Takes samples of both in turns, so that whatever else the machine does falls on both alike; a
-/// sample that was interrupted does not show, since a round takes the median. Each round gives one
-/// ratio; the row has their median.
+/// Samples both alternately, so that other load affects both alike; the median of a round hides
+/// interrupted samples. Each round yields one ratio; the row has their median.
 Row compareSamples(const std::string& name, const std::string& unit, double target, Effort effort,
                    const std::function<double()>& floor, const std::function<double()>& ours);
 

@@ -6,9 +6,9 @@
 
 namespace orlix::fuzz {
 
-/// Something that is fed with bytes which nobody has chosen. It lets a failure through that its
-/// subject must not end in, and checks the rules that hold whatever the input; either way the
-/// process ends, and whoever feeds it keeps the input.
+/// A fuzz target, run with arbitrary bytes. It propagates failures that its subject must not have,
+/// and checks rules that hold for every input; in both cases the process ends, and the caller keeps
+/// the input.
 struct Target {
   std::string_view name;
   void (*run)(ByteView input);

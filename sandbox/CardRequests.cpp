@@ -110,7 +110,7 @@ HttpAnswer delinkCard(Call& call) {
   return withCards(call, "SUCCESS");
 }
 
-/// Tries to prove the ownership of `card`; returns what the user is told.
+/// Validates the ownership of `card`; returns the message for the user.
 std::string_view validate(State& state, const std::string& wallet, const Card& card,
                           const std::string& input) {
   if (card.usable()) return addedMessage;

@@ -82,7 +82,7 @@ Certificates::Key Certificates::makeKey() {
 Certificates::Certificate Certificates::makeRoot(EVP_PKEY* key) {
   Certificate root(X509_new());
   require(root != nullptr, "memory");
-  // A name of its own for each root: two roots of one name and different keys confuse verifiers.
+  // A unique name for each root: two roots with the same name and different keys confuse verifiers.
   prepare(root.get(), key, fmt::format("Orlix sandbox root {:08x}", randomNumber() & 0xffffffffU),
           -day, 3650 * day);
   require(X509_set_issuer_name(root.get(), X509_get_subject_name(root.get())) == 1, "issuer");

@@ -147,7 +147,7 @@ HttpAnswer refused(const Refusal& refusal) {
   return answerWith({{"status", refusal.status}, {"errorMessage", refusal.reason}});
 }
 
-/// A payment that stands may still be answered badly, so that its client cannot know of it.
+/// The answer to a completed payment may still be spoilt, so that its client cannot know of it.
 HttpAnswer spoiltBy(PurchaseFault fault, HttpAnswer answer) {
   if (fault == PurchaseFault::hangUp) answer.delivery = Delivery::hangUp;
   if (fault == PurchaseFault::headerThenSilence) answer.delivery = Delivery::headerThenSilence;
@@ -169,7 +169,7 @@ HttpAnswer purchase(Call& call) {
   if (const auto wrong = complaintAboutPurchase(call.body)) return mistake(*wrong);
   const std::string name = textOf(call.body, "code");
   const auto code = findCode(name);
-  // An alias stands for another code; a purchase names that one.
+  // An alias refers to another code; a purchase names that one.
   if (!code || textOf(code->info, "code") != name) return refused(declined("no such code"));
   const auto card = call.state.wallets.card(call.session->wallet, integerOf(call.body, "cardId"));
   if (!card) return refused(declined("no such card"));

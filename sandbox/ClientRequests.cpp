@@ -28,7 +28,7 @@ HttpAnswer ClientRequests::answer(const HttpRequest& request) {
   if (std::all_of(faults.begin(), faults.end(), std::mem_fn(&Fault::carriesOut))) {
     answer = carryOut(request);
   }
-  const std::string told = answer.body;  // What the server meant, whatever becomes of it.
+  const std::string told = answer.body;  // The intended answer, before faults are applied.
   for (const Fault& fault : faults) {
     Faults::spoil(answer, fault);
     if (fault.kind != Fault::Kind::hold) continue;

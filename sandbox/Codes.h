@@ -19,7 +19,7 @@ struct ReceiptPlan {
 /// user's "Retry" succeeds.
 enum class PurchaseFault { none, serverError, hangUp, headerThenSilence, emptyBody };
 
-/// A printed or scanned reference: what it stands for and what it makes the server do.
+/// A printed or scanned reference: its data and the behaviour that it triggers in the server.
 struct Code {
   json::object info;   ///< The "codeInfo" of a lookup.
   std::string amount;  ///< The fixed amount; empty when the user gives it.

@@ -15,7 +15,7 @@ bool isLoopback(std::string_view address) {
 
 HttpAnswer done() { return answerWith({{"done", true}}); }
 
-/// What arrived, told back; the target of a redirect can be seen to have lost or kept things.
+/// Echoes the request, so that a test sees what a redirect has dropped or kept.
 HttpAnswer echo(const HttpRequest& request) {
   json::array names;
   for (const std::string& name : request.headerNames) names.push_back(json::string(name));

@@ -9,7 +9,7 @@
 
 namespace orlix::sandbox {
 
-/// A device that has opened a session, told apart by its serial.
+/// A device that has opened a session, identified by its serial.
 struct Device {
   std::string serial;
   std::string token{};      ///< Its wallet token; empty when it has none.

@@ -32,7 +32,7 @@ struct Fault {
     emptyBody,
     wrongTypes,
     nullValues,
-    lastAnswer,       ///< Whole; the client must connect anew for its next request.
+    lastAnswer,       ///< Complete; the client must open a new connection for its next request.
     resetConnection,  ///< The next connections, whatever their path, before TLS.
     refuseHandshake,
     holdHandshake,  ///< Left to wait until the fault is cleared.
@@ -80,7 +80,7 @@ class Faults {
   bool has(std::int64_t id) const;
   json::array list() const;
 
-  /// Spoils the answer of a request that was carried out, or stands in for it.
+  /// Spoils the answer of a request that was carried out, or replaces it.
   static void spoil(HttpAnswer& answer, const Fault& fault);
 
  private:

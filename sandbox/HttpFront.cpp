@@ -145,7 +145,7 @@ class HttpFront::Server : public httplib::Server {
     HttpAnswer& answer = *currentAnswer;
     answer = setup_.handler(plain(request));
     const bool silent = answer.delivery == Delivery::hangUp || answer.delivery == Delivery::silence;
-    // Before the answer leaves, so that whoever has the answer finds the line.
+    // Before the answer is sent, so that a client that has the answer finds the line.
     log_.request(request.path, silent ? 0 : answer.status);
     response.status = answer.status;
     for (const auto& [name, value] : answer.headers) response.set_header(name, value);

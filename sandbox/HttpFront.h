@@ -49,7 +49,7 @@ class HttpFront {
 
   ConnectionCounts counts() const;
 
-  /// Closes every connection but the caller's own, so that clients must connect anew.
+  /// Closes every connection but the caller's own, so that clients must reconnect.
   void dropConnections();
 
  private:

@@ -20,7 +20,7 @@ struct Field {
 };
 
 /// The keys that a body must have, may have, and their JSON types. Anything else is a mistake of
-/// the client, which a real server might overlook and this one tells.
+/// the client, which a real server might ignore and this one reports.
 using Shape = std::vector<Field>;
 
 /// The object in `text`, or nothing when it is no JSON object.

@@ -5,7 +5,7 @@
 
 namespace orlix::sandbox {
 
-/// Bytes that nobody can guess. Throws std::runtime_error when the system has none.
+/// Cryptographically secure random bytes. Throws std::runtime_error when the system provides none.
 std::vector<unsigned char> randomBytes(size_t count);
 
 /// `count` random bytes in lower-case hexadecimal.

@@ -102,7 +102,7 @@ class Sandbox::Server {
     state_->origin = fmt::format("https://127.0.0.1:{}", port_);
   }
 
-  /// What becomes of a new connection.
+  /// Decides how to handle a new connection.
   ConnectionFault admit() {
     std::unique_lock lock(state_->mutex);
     const auto fault = state_->faults.takeForConnection();

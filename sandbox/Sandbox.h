@@ -24,7 +24,7 @@ struct Options {
 /// The wallet server for development, whole, in this process.
 ///
 /// Thread: `start` and `stop` on one thread; the rest anywhere after `start`.
-/// Lifetime: the destructor stops it. A temporary folder of its own making goes with it.
+/// Lifetime: the destructor stops it. It removes a temporary folder that it has made.
 class Sandbox {
  public:
   explicit Sandbox(Options options = {});

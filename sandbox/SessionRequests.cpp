@@ -43,7 +43,7 @@ Device deviceOf(State& state, const std::string& serial) {
   return device;
 }
 
-/// What an enrolled device is told at its start; see the table in README.md.
+/// Answer to a session start of an enrolled device; see the table in README.md.
 json::object startAnswer(State& state, const std::string& start, const std::string& wallet) {
   json::object out{{"activated", true}, {"allowConnection", true}, {"message", ""}};
   if (start == "notice") out["message"] = state.sessionMessage;

@@ -1,6 +1,6 @@
 # For the other scripts to source.
 
-# Copies a line of its input every few seconds: enough to see that something gets ahead.
+# Copies a line of its input every few seconds, to show progress.
 progress() {
   local line last=-5
   while IFS= read -r line; do

@@ -1,4 +1,4 @@
-// A host application with an interface of its own, the smallest there is: the terminal.
+// The smallest host application with its own user interface: the terminal.
 //
 // usage: orlix-minimal BASE ANCHOR CODE      pays CODE with the wallet's first card, asks for the
 // PIN

@@ -7,8 +7,8 @@
 
 namespace orlix::shop {
 
-/// A finger without a display: it calls what a touch would call, and refuses what a touch could not
-/// reach.
+/// Drives the screens without a display: calls what a touch would call, and refuses what a touch
+/// could not reach.
 class HeadlessDriver : public ShopDriver {
  public:
   void type(const std::string& outlet, const std::string& text) override;

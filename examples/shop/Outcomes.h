@@ -26,7 +26,7 @@ class Outcomes : public OXOrlixDelegate {
  public:
   explicit Outcomes(EventLines& events) : events_(events) {}
 
-  /// Hears of each outcome as it comes; may be empty.
+  /// Called with each outcome; may be empty.
   std::function<void(const Outcome&)> onOutcome;
 
   /// The earliest outcome that has not been taken yet.

@@ -234,7 +234,8 @@ std::string shownWords(const std::vector<Word>& words, std::size_t secretWord) {
   return shown;
 }
 
-/// Reads a quoted part; `at` stands on the opening quote and is left on the closing one.
+/// Reads a quoted part; `at` is the position of the opening quote, on return that of the closing
+/// one.
 std::string readQuoted(std::string_view line, std::size_t& at) {
   std::string text;
   for (++at; at < line.size(); ++at) {

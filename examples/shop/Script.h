@@ -10,8 +10,8 @@
 
 namespace orlix::shop {
 
-/// Why a script cannot go on. The message says it to the script's author and names no typed text,
-/// since that may be a PIN.
+/// A failure of a script. The message is for the script's author and contains no typed text, since
+/// that may be a PIN.
 class ScriptError : public std::runtime_error {
  public:
   using std::runtime_error::runtime_error;

@@ -12,7 +12,7 @@ namespace {
 
 constexpr std::chrono::seconds kBetweenNotes{5};
 
-/// What a person would see now, for the message of a wait that was in vain.
+/// The visible screen or alert, for the message of a failed wait.
 std::string shownNow() {
   if (const auto alert = ShownScreen::alert()) {
     return fmt::format("the alert \"{}\" is shown: {}", alert->title(), alert->message());

@@ -17,14 +17,14 @@
 
 namespace orlix::shop {
 
-/// What a script runs on. Everything must outlive the runner.
+/// Dependencies of a runner; all must outlive it.
 struct ScriptStage {
   ShopDriver& driver;
   EventLines& events;
   std::shared_ptr<Outcomes> outcomes;
   Waiter& waiter;
   const WorkCount& work;
-  std::ostream& progress;  ///< for whoever watches: each command as it begins, and long waits
+  std::ostream& progress;  ///< progress messages: each command as it begins, and long waits
   std::shared_ptr<ViewController> hostScreen;
   OXSystem system = kTestSystem;
 };
@@ -64,10 +64,10 @@ class ScriptRunner {
   void run(const Dump& command);
   void run(const Snapshot& command);
 
-  /// Lets the main queue come to what it holds already, as it does long before a person touches
-  /// anything, and screens and alerts that are on their way in or out arrive.
+  /// Runs the pending main-queue tasks, as happens before a person can touch anything, and waits
+  /// until transitions of screens and alerts have ended.
   void settle();
-  /// Throws ScriptError when it does not come to hold in time.
+  /// Throws ScriptError when the condition does not hold in time.
   void waitUntil(const std::string& what, const std::function<bool()>& holds);
 
   ScriptStage stage_;

@@ -18,7 +18,7 @@ class LineError : public ScriptError {
       : ScriptError("line " + std::to_string(line) + ": " + reason) {}
 };
 
-/// Where the commands of a script come from, one after the other.
+/// Source of a script's commands.
 class ScriptSource {
  public:
   virtual ~ScriptSource() = default;
@@ -28,8 +28,8 @@ class ScriptSource {
   virtual bool mayBlock() const = 0;
 };
 
-/// A script that is there as a whole. It is read and checked to its end before its first command
-/// runs, so that a misspelt last line costs no payment.
+/// A complete script. It is read and checked to its end before its first command runs, so that a
+/// mistake in the last line is found before any payment.
 class WholeScript : public ScriptSource {
  public:
   /// Throws LineError for the first line that is no command.
@@ -41,7 +41,7 @@ class WholeScript : public ScriptSource {
   std::deque<ScriptLine> lines_;
 };
 
-/// A script that somebody writes while it runs: each line is read when the one before is done.
+/// A script written while it runs: each line is read when the previous command has finished.
 class PipedScript : public ScriptSource {
  public:
   explicit PipedScript(std::unique_ptr<std::istream> text) : text_(std::move(text)) {}

@@ -59,7 +59,7 @@ Shop::Shop(ShopOptions options, const Ports& ports, std::ostream& out, std::ostr
 Shop::~Shop() { Host::uninstall(); }
 
 void Shop::drawnBy(UiObserver* drawing) {
-  // What is drawn stands before it is reported.
+  // Draw before reporting.
   observers_.set(drawing != nullptr ? std::vector<UiObserver*>{drawing, &reporter_}
                                     : std::vector<UiObserver*>{&reporter_});
 }

@@ -20,12 +20,12 @@
 
 namespace orlix::shop {
 
-/// The shop as an application: the library on a host, the shop's own screen, and the script at the
-/// wheel. Whoever brings the ports decides how it runs: without a window, or drawn. Main thread.
+/// The shop application: the library on a host, the shop's own screen, and an optional script. The
+/// given ports determine whether it runs headless or drawn. Main thread.
 class Shop {
  public:
-  /// Puts the library on these ports. `out` gets the event lines, `progress` what is for people;
-  /// both must outlive the shop.
+  /// Installs the library on these ports. `out` receives the event lines, `progress` messages for
+  /// people; both must outlive the shop.
   Shop(ShopOptions options, const Ports& ports, std::ostream& out, std::ostream& progress);
   /// Ends all work.
   ~Shop();

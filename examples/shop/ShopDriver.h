@@ -7,12 +7,12 @@
 
 namespace orlix::shop {
 
-/// The finger of a script: how its taps and keys reach the screens. One implementation calls what a
-/// touch would call; one with a drawn shell sends real events to the drawn items.
+/// Delivers a script's taps and keys to the screens. One implementation calls what a touch would
+/// call; the one for the drawn shell sends real events to the drawn items.
 ///
 /// Main thread only. Nothing is moving on the screen when an operation is called. An operation that
-/// a user could not do throws ScriptError with the reason. What an action throws goes where the
-/// main queue's tasks send theirs.
+/// a user could not do throws ScriptError with the reason. Exceptions of an action are handled like
+/// those of main-queue tasks.
 class ShopDriver {
  public:
   virtual ~ShopDriver() = default;

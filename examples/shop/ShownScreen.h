@@ -23,9 +23,9 @@ class ShownScreen {
   /// The screen whose outlets and actions are in reach: what a container shows, else the screen.
   static std::shared_ptr<ViewController> content();
   static std::string identifier();
-  /// The alert on top of everything; none when there is none or it is on its way out.
+  /// The topmost alert; null when there is none or it is being dismissed.
   static std::shared_ptr<AlertController> alert();
-  /// A screen or an alert is on its way in or out.
+  /// Whether a transition of a screen or an alert is in progress.
   static bool isMoving();
 
   /// Throws when a touch on this outlet or action has no effect now, with the reason.

@@ -60,7 +60,7 @@ void numbers(ByteView input) {
     isNumberOf(suggested.substr(1), digits, "27");
     const bool national = digits.starts_with('0') && !digits.starts_with("00");
     check(!national || suggested.starts_with("+27"), "a national number is given the code");
-    // A number without digits has no form of its own.
+    // A number without digits has no international form.
     check(digits.empty() || suggestedMsisdn(digits) == suggested, "only the digits count");
   }
 

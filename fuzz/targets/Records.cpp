@@ -260,7 +260,7 @@ void records(ByteView input) {
       read(body, answer);
     }
   }
-  // The answer without a content of its own is read by nobody, whatever it holds.
+  // The body of an answer without data is never parsed.
   MTApiResponse bare;
   check(!bare.parseFromData(body).hasStatus, "the bare answer has no status");
 }

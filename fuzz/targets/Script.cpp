@@ -43,7 +43,7 @@ std::optional<std::vector<Word>> wordsOf(std::string_view line) {
   }
 }
 
-/// What a reader is told of the line, be it read or refused.
+/// The messages about the line, whether accepted or refused.
 std::string toldOf(std::string_view line) {
   try {
     const std::optional<ScriptLine> command = shop::parseLine(line, 1);

@@ -7,8 +7,8 @@
 
 namespace orlix {
 
-/// The library's own resources, out of the program itself. What a host falls back on when its
-/// resource folder lacks a file, or when it has no such folder.
+/// The library's resources compiled into the program, used when a host has no resource folder or
+/// its folder lacks a file.
 class CompiledBundle : public Bundle {
  public:
   std::optional<Bytes> resource(const std::string& name, const std::string& type) const override;

@@ -7,14 +7,14 @@
 
 namespace orlix {
 
-/// A file of this folder as it was at the build. All views last as long as the process.
+/// A file of this folder, embedded at build time. All views are valid for the life of the process.
 struct CompiledResource {
   std::string_view name;
   std::string_view type;
   ByteView bytes;
 };
 
-/// All of them; the table is made by the build.
+/// All resources; the build generates the table.
 std::vector<CompiledResource> compiledResources();
 
 }  // namespace orlix

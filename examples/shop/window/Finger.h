@@ -7,8 +7,8 @@
 
 namespace orlix::shop {
 
-/// A finger and a keyboard on a window: real events, sent to the window as the platform would send
-/// them. Main thread.
+/// Simulated touch and keyboard input on a window: real events, sent to the window as the platform
+/// would send them. Main thread.
 class Finger {
  public:
   explicit Finger(QQuickWindow& window) : window_(window) { clock_.start(); }
