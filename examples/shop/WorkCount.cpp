@@ -14,7 +14,7 @@ class CountedTask {
   CountedTask& operator=(const CountedTask&) = delete;
 
   void run() {
-    // Ended also by a task that throws; its queue decides what becomes of that.
+    // Count the end also of a task that throws; its queue handles the exception.
     struct AtEnd {
       CountedTask& task;
       ~AtEnd() { task.end(); }
@@ -105,7 +105,7 @@ void WorkCount::begin(Place place) {
 
 void WorkCount::end(Place place) {
   onMainQueue_ -= place == Place::mainQueue ? 1 : 0;
-  // Whoever waits for the end of all work runs the main queue and is to look again.
+  // Wake a caller that waits for the end of all work: it runs the main queue and checks again.
   if (--underWay_ == 0 && !wake_->isCurrent()) {
     wake_->async([] {});
   }

@@ -23,7 +23,7 @@ std::string withoutZeros(std::string digits) {
 }
 
 /// Only zeros are ever taken from a number, and only `code` is ever put in front: anything else
-/// would be the number of somebody else.
+/// would be another phone's number.
 void isNumberOf(const std::string& result, const std::string& digits, const std::string& code) {
   check(isDigits(result), "a number is digits");
   const std::string significant = withoutZeros(result);

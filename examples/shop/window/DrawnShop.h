@@ -30,8 +30,8 @@ class DrawnShop {
   QQuickWindow& window() { return window_; }
   shell::ScreenPresenter& presenter() { return *presenter_; }
 
-  /// What the toolkit finds in the environment, where nobody has said otherwise: without a display
-  /// it draws all the same, and nobody sees it. To be called before the application object is made.
+  /// Sets defaults for Qt in the environment: without a display it draws offscreen. Call it before
+  /// the application object is made.
   static void prepareEnvironment();
 
  private:

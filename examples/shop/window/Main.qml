@@ -84,7 +84,7 @@ Rectangle {
         }
     }
 
-    // Text messages that the sandbox has sent, so that nobody needs a phone to try it.
+    // Text messages that the sandbox has sent, so that it can be tried without a phone.
     Rectangle {
         id: messages
 
