@@ -20,11 +20,8 @@ QImage ResourceImages::requestImage(const QString& id, QSize* size, const QSize&
     if (size != nullptr) {
       *size = own;
     }
-    if (requestedSize.width() > 0 || requestedSize.height() > 0) {
-      constexpr int kAny = 1 << 14;
-      const QSize most(requestedSize.width() > 0 ? requestedSize.width() : kAny,
-                       requestedSize.height() > 0 ? requestedSize.height() : kAny);
-      reader.setScaledSize(own.scaled(most, Qt::KeepAspectRatio));
+    if (!requestedSize.isEmpty()) {
+      reader.setScaledSize(own.scaled(requestedSize, Qt::KeepAspectRatio));
     }
     const QImage image = reader.read();
     if (image.isNull()) {

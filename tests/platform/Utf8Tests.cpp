@@ -29,6 +29,7 @@ TEST(Utf8, IsWellFormedOrFallsApartIntoBytesThatEachCount) {
       {"beyond it", {"\xF4\x90\x80\x80", false, {"\xF4\x90\x80\x80"}}},
       {"before the surrogates", {"\xED\x9F\xBF", true, {"\xED\x9F\xBF"}}},
       {"a surrogate", {"\xED\xA0\x80", false, {"\xED\xA0\x80"}}},
+      {"the last surrogate", {"\xED\xBF\xBF", false, {"\xED\xBF\xBF"}}},
       {"after the surrogates", {"\xEE\x80\x80", true, {"\xEE\x80\x80"}}},
       {"overlong, two bytes", {"\xC1\xBF", false, {"\xC1\xBF"}}},
       {"overlong, three bytes", {"\xE0\x9F\xBF", false, {"\xE0\x9F\xBF"}}},
