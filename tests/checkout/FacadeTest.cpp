@@ -91,6 +91,10 @@ TEST(Facade, EachSessionAnswerAndEachWalletLeadsToItsFirstScreenOrOutcome) {
       phone.wallet.cards.clear();
     }
     phone.begin(row.entry);
+    if (row.session == notice) {
+      phone.host.runUntilAlert("Warning");
+      EXPECT_EQ(phone.alert(), "Warning: New version");
+    }
     phone.host.runFor(5s);
     EXPECT_EQ(phone.alert().empty() ? phone.screen() : phone.alert(), row.shows);
     EXPECT_EQ(phone.app->heard, row.outcome);
