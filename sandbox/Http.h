@@ -41,6 +41,7 @@ struct HttpAnswer {
   std::chrono::milliseconds delay{0};        ///< Waited before anything is sent.
   std::function<bool()> hold{};              ///< Then waits; false: nothing is to be sent any more.
   std::chrono::milliseconds interval{1000};  ///< Between two bytes of a trickled body.
+  std::string reason{};  ///< Why the request is refused, for the server's own account.
   /// Released before the last byte is sent, or when it is certain that it never will be.
   std::shared_ptr<void> underWay{};
 };
