@@ -11,15 +11,15 @@ namespace orlix::sandbox {
 
 /// One request as the rest of the sandbox sees it; no HTTP library shows through.
 struct HttpRequest {
-  std::string method;
-  std::string path;
-  std::string body;
-  std::string contentType;
-  std::string sessionToken1;
-  std::string sessionToken2;
-  std::string remoteAddress;
-  std::vector<std::string> headerNames;
-  std::vector<std::pair<std::string, std::string>> form;  ///< Decoded fields of a posted form.
+  std::string method{};
+  std::string path{};
+  std::string body{};
+  std::string contentType{};
+  std::string sessionToken1{};
+  std::string sessionToken2{};
+  std::string remoteAddress{};
+  std::vector<std::string> headerNames{};
+  std::vector<std::pair<std::string, std::string>> form{};  ///< Decoded fields of a posted form.
 };
 
 /// How an answer leaves the connection. All but `whole` are faults that a client must survive.
