@@ -88,10 +88,6 @@ json::object SeenRequests::Seen::summary() const {
                    {"path", path},
                    {"status", answer.status},
                    {"underWay", !ended},
-                   {"token1", !token1.empty()},
-                   {"token2", !token2.empty()},
-                   {"contentType", contentType},
-                   {"bytes", bytes},
                    {"time", arrived.time_since_epoch().count()}};
   // The calendar may be set back between the two.
   if (ended) out["milliseconds"] = std::max<std::int64_t>((*ended - arrived).count(), 0);
@@ -102,7 +98,14 @@ json::object SeenRequests::Seen::summary() const {
 
 json::array SeenRequests::list() const {
   json::array out;
-  for (const Seen& seen : seen_) out.push_back(seen.summary());
+  for (const Seen& seen : seen_) {
+    json::object row = seen.summary();
+    row["token1"] = !seen.token1.empty();
+    row["token2"] = !seen.token2.empty();
+    row["contentType"] = seen.contentType;
+    row["bytes"] = seen.bytes;
+    out.push_back(std::move(row));
+  }
   return out;
 }
 
@@ -120,6 +123,8 @@ std::optional<json::object> SeenRequests::whole(std::int64_t number) const {
   json::object out = seen->summary();
   out["token1"] = seen->token1;
   out["token2"] = seen->token2;
+  out["contentType"] = seen->contentType;
+  out["bytes"] = seen->bytes;
   out["asked"] = described(seen->asked);
   out["answered"] = described(seen->answer.body);
   out["bodiesDropped"] = seen->bodiesDropped;
