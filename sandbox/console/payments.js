@@ -30,7 +30,7 @@ function drawn(payment) {
       make("small", { textContent: payment.polls === undefined ? "not paid" : `transaction ${payment.transactionId}` })),
     make("div", {},
       make("span", { className: "chip", "data-kind": kind, textContent: words }),
-      make("small", { textContent: payment.polls === undefined ? "" : `${payment.polls} polls` })),
+      make("small", { textContent: payment.polls === undefined ? "" : `${payment.polls} ${payment.polls === 1 ? "poll" : "polls"}` })),
     make("div", { className: "buttons" }, ...(undecided ? [decide(payment, "SUCCESS", "Let succeed"), decide(payment, "FAILED", "Let fail")] : [])));
 }
 

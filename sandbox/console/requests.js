@@ -101,7 +101,8 @@ function fill(element, row, index) {
   element.setAttribute("aria-posinset", index + 1);
   element.setAttribute("aria-setsize", shown.length);
   const [time, operation, status, took, device] = element.children;
-  time.textContent = clock(row.time);
+  const at = clock(row.time);
+  time.replaceChildren(at.slice(0, 8), make("i", { textContent: at.slice(8) }));
   operation.replaceChildren(row.operation, ...(row.reason ? [make("small", { textContent: row.reason })] : []));
   operation.title = `${row.method} ${row.path}${row.reason ? `\n${row.reason}` : ""}`;
   operation.dataset.fault = row.faults ?? "";
