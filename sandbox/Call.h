@@ -50,6 +50,9 @@ HttpAnswer answerWith(const json::object& object);
 /// Another status than 200, with the reason.
 HttpAnswer refusal(int status, std::string_view reason);
 
+/// {"done":true}
+HttpAnswer done();
+
 /// The client has broken the protocol: 400 with the reason.
 HttpAnswer mistake(std::string_view reason);
 

@@ -7,6 +7,7 @@
 #include <vector>
 
 #include <fmt/format.h>
+#include <openssl/pem.h>
 #include <openssl/rand.h>
 #include <openssl/x509v3.h>
 
@@ -49,15 +50,28 @@ void prepare(X509* certificate, EVP_PKEY* key, const std::string& name, long fro
           "name");
 }
 
+void writeFile(const std::filesystem::path& file, const void* bytes, size_t size) {
+  std::ofstream out(file, std::ios::binary | std::ios::trunc);
+  out.write(static_cast<const char*>(bytes), static_cast<std::streamsize>(size));
+  out.close();
+  if (!out) throw std::runtime_error(fmt::format("cannot write {}", file.string()));
+}
+
 void writeDer(X509* certificate, const std::filesystem::path& file) {
   unsigned char* bytes = nullptr;
   const int size = i2d_X509(certificate, &bytes);
   require(size > 0, "DER form");
-  std::ofstream out(file, std::ios::binary | std::ios::trunc);
-  out.write(reinterpret_cast<const char*>(bytes), size);
-  OPENSSL_free(bytes);
-  out.close();
-  if (!out) throw std::runtime_error(fmt::format("cannot write {}", file.string()));
+  const std::unique_ptr<unsigned char, void (*)(unsigned char*)> owner(
+      bytes, [](unsigned char* used) { OPENSSL_free(used); });
+  writeFile(file, bytes, static_cast<size_t>(size));
+}
+
+void writePem(X509* certificate, const std::filesystem::path& file) {
+  const std::unique_ptr<BIO, int (*)(BIO*)> memory(BIO_new(BIO_s_mem()), &BIO_free);
+  require(memory != nullptr && PEM_write_bio_X509(memory.get(), certificate) == 1, "PEM form");
+  char* bytes = nullptr;
+  const long size = BIO_get_mem_data(memory.get(), &bytes);
+  writeFile(file, bytes, static_cast<size_t>(size));
 }
 
 }  // namespace
@@ -116,6 +130,7 @@ Certificates::Certificate Certificates::makeServer(EVP_PKEY* key, X509* issuer, 
 
 void Certificates::write(const std::filesystem::path& folder) const {
   writeDer(anchor_.get(), folder / "certificateroot.cer");
+  writePem(anchor_.get(), folder / anchorAsText);
   writeDer(server_.get(), folder / "server.cer");
 }
 

@@ -21,8 +21,10 @@ class Certificates {
   X509* server() const { return server_.get(); }
   EVP_PKEY* serverKey() const { return serverKey_.get(); }
 
-  /// Writes certificateroot.cer and server.cer (DER) into `folder`, which must exist.
-  /// Throws std::runtime_error with the path when a file cannot be written.
+  static constexpr const char* anchorAsText = "certificateroot.pem";
+
+  /// Writes certificateroot.cer and server.cer (DER), and the root as PEM too, into `folder`, which
+  /// must exist. Throws std::runtime_error with the path when a file cannot be written.
   void write(const std::filesystem::path& folder) const;
 
  private:

@@ -4,6 +4,7 @@
 
 #include "sandbox/Call.h"
 #include "sandbox/Formats.h"
+#include "sandbox/Pages.h"
 #include "sandbox/PinBlock.h"
 
 namespace orlix::sandbox {
@@ -41,7 +42,7 @@ HttpAnswer lookUp(Call& call) {
   if (textOf(call.body, "method") != "inapp") return mistake("\"method\" is not inapp");
   const std::string wallet = call.session->wallet;
   const std::string serial = call.session->deviceSerial;
-  const auto code = findCode(textOf(call.body, "qrValue"));
+  const auto code = call.state.codes.find(textOf(call.body, "qrValue"));
   if (code && code->forgetsSession) call.session->forgetAtNextRequest = true;
   awaitTerms(call, wallet);  // The session may be gone afterwards.
   if (call.shutdown.begun()) return {.delivery = Delivery::hangUp};
@@ -144,7 +145,9 @@ MaybeRefusal checkCard(Call& call, const Card& card, bool forPurchase) {
 }
 
 HttpAnswer refused(const Refusal& refusal) {
-  return answerWith({{"status", refusal.status}, {"errorMessage", refusal.reason}});
+  HttpAnswer answer = answerWith({{"status", refusal.status}, {"errorMessage", refusal.reason}});
+  answer.reason = refusal.reason;
+  return answer;
 }
 
 /// The answer to a completed payment may still be spoilt, so that its client cannot know of it.
@@ -155,10 +158,16 @@ HttpAnswer spoiltBy(PurchaseFault fault, HttpAnswer answer) {
   return answer;
 }
 
+std::string currencyOf(const Code& code) {
+  const std::string currency = textOf(code.info, "currency");
+  return currency.empty() ? "R" : currency;
+}
+
 HttpAnswer pay(Call& call, const Code& code, const std::string& amount) {
   State& state = call.state;
   const std::int64_t id = state.purchases.pay({.wallet = call.session->wallet,
                                                .amount = amount,
+                                               .currency = currencyOf(code),
                                                .merchant = textOf(code.info, "merchantName"),
                                                .receipt = code.receipt},
                                               code.bigReference);
@@ -168,7 +177,7 @@ HttpAnswer pay(Call& call, const Code& code, const std::string& amount) {
 HttpAnswer purchase(Call& call) {
   if (const auto wrong = complaintAboutPurchase(call.body)) return mistake(*wrong);
   const std::string name = textOf(call.body, "code");
-  const auto code = findCode(name);
+  const auto code = call.state.codes.find(name);
   // An alias refers to another code; a purchase names that one.
   if (!code || textOf(code->info, "code") != name) return refused(declined("no such code"));
   const auto card = call.state.wallets.card(call.session->wallet, integerOf(call.body, "cardId"));
@@ -179,7 +188,7 @@ HttpAnswer purchase(Call& call) {
       call.state.purchases.countTry(call.session->wallet, name) % 2 == 1) {
     fault = code->purchaseFault;
   }
-  if (fault == PurchaseFault::serverError) return {.status = 500, .body = R"({"error":"down"})"};
+  if (fault == PurchaseFault::serverError) return refusal(500, "down");
   if (const auto no = checkAmount(call.body, *code)) return refused(*no);
   if (const auto no = checkCard(call, *card, true)) return refused(*no);
   if (card->kind.purchase != "SUCCESS" || code->purchaseStatus == "ERROR") {
@@ -190,7 +199,7 @@ HttpAnswer purchase(Call& call) {
 
 HttpAnswer authenticateCard(Call& call) {
   if (const auto wrong = complaintAboutPurchase(call.body)) return mistake(*wrong);
-  const auto code = findCode(textOf(call.body, "code"));
+  const auto code = call.state.codes.find(textOf(call.body, "code"));
   if (!code) return refused(declined("no such code"));
   const auto card = call.state.wallets.card(call.session->wallet, integerOf(call.body, "cardId"));
   if (!card) return refused(declined("no such card"));
@@ -206,16 +215,16 @@ HttpAnswer pollReceipt(Call& call) {
   }
   ++payment->polls;
   const ReceiptPlan& plan = payment->receipt;
-  if (plan.pollsBefore < 0 || payment->polls <= plan.pollsBefore) {
+  if (!payment->hasReceipt()) {
     return plan.emptyBody ? HttpAnswer{} : answerWith({{"preview1", "The payment is being made"}});
   }
-  return answerWith(
-      {{"receiptId", payment->id},
-       {"preview1", payment->merchant},
-       {"preview2", fmt::format("R {}", payment->amount)},
-       {"htmlContent", fmt::format("<p>{}: R {}</p>", payment->merchant, payment->amount)},
-       {"status", plan.status},
-       {"amount", payment->amount}});
+  return answerWith({{"receiptId", payment->id},
+                     {"preview1", payment->merchant},
+                     {"preview2", fmt::format("{} {}", payment->currency, payment->amount)},
+                     {"htmlContent", fmt::format("<p>{}: {} {}</p>", escaped(payment->merchant),
+                                                 escaped(payment->currency), payment->amount)},
+                     {"status", plan.status},
+                     {"amount", payment->amount}});
 }
 
 Shape purchaseShape(std::vector<Field> more) {

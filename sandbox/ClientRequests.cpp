@@ -7,8 +7,21 @@
 #include <vector>
 
 #include "sandbox/Formats.h"
+#include "sandbox/Judgement.h"
 
 namespace orlix::sandbox {
+
+namespace {
+
+std::string namesOf(const std::vector<Fault>& faults) {
+  std::string names;
+  for (const Fault& fault : faults) {
+    names += (names.empty() ? "" : ", ") + std::string(Faults::nameOf(fault.kind));
+  }
+  return names;
+}
+
+}  // namespace
 
 /// A request, noted before it is carried out.
 struct ClientRequests::Arrival {
@@ -39,9 +52,14 @@ HttpAnswer ClientRequests::answer(const HttpRequest& request) {
   }
   answer.underWay = arrival.underWay;
 
+  MaskedBody masked = maskAnswer(answer);
   const std::lock_guard lock(state_.mutex);
   if (arrival.purchase) state_.purchases.decided(*arrival.purchase, answer.status, told);
-  state_.seen.decided(arrival.number, answer.status);
+  state_.seen.decided(arrival.number, {.status = answer.status,
+                                       .reason = answer.reason,
+                                       .faults = namesOf(faults),
+                                       .body = std::move(masked)});
+  state_.touch();
   return answer;
 }
 
@@ -50,16 +68,20 @@ ClientRequests::Arrival ClientRequests::note(const HttpRequest& request) {
   const bool isPurchase = Vello::isPurchase(request);
   const std::lock_guard lock(state_.mutex);
   const Origin origin = originOf(request);
-  arrival.number = state_.seen.arrived(request, origin);
+  const Moment at = now();
+  arrival.number = state_.seen.arrived(request, origin, maskRequest(state_, request), at);
+  state_.touch();
   if (isPurchase) {
     arrival.purchase = state_.purchases.received({.request = arrival.number,
+                                                  .arrived = at,
                                                   .origin = origin,
                                                   .path = request.path,
                                                   .body = withoutSecrets(request.body)});
   }
   arrival.underWay = {nullptr, [this, number = arrival.number, origin, isPurchase](void*) {
                         const std::lock_guard held(state_.mutex);
-                        state_.seen.ended(number);
+                        state_.seen.ended(number, now());
+                        state_.touch();
                         if (isPurchase) state_.purchases.ended(origin.device);
                       }};
   arrival.faults = state_.faults.take(request.path);

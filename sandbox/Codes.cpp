@@ -1,8 +1,13 @@
 #include "sandbox/Codes.h"
 
+#include <algorithm>
+#include <array>
 #include <functional>
-#include <map>
 #include <utility>
+
+#include <fmt/format.h>
+
+#include "sandbox/Formats.h"
 
 namespace orlix::sandbox {
 
@@ -101,57 +106,197 @@ Code withNextStart(std::string_view name, std::string_view start) {
   return but(fixed(name), [&](Code& code) { code.nextStart = start; });
 }
 
-std::map<std::string, Code, std::less<>> makeAll() {
-  std::map<std::string, Code, std::less<>> all{
-      {"FIXED-25", fixed("FIXED-25")},
-      {"FIXED-999", fixed("FIXED-999", "999.99")},
-      {"ALIAS-25", fixed("FIXED-25")},
-      {"OPEN", open("OPEN")},
-      {"OPEN-10", with(open("OPEN-10"), "amount", "10.00")},
-      {"RANGE", range()},
-      {"NO-CURRENCY", but(fixed("NO-CURRENCY"), [](Code& c) { c.info.erase("currency"); })},
-      {"NO-CARDS", but(fixed("NO-CARDS"), [](Code& c) { c.withoutCards = true; })},
-      {"RICH", rich()},
-      {"EXTRA-REF", with(fixed("EXTRA-REF"), "extraReferenceName", "Customer number")},
-      {"CONTACT", with(fixed("CONTACT"), "requestContact", true)},
-      {"TIP", tip()},
-      {"BILLING", with(fixed("BILLING"), "requestBilling", true)},
-      {"SHIPPING", with(fixed("SHIPPING"), "requestShipping", true)},
-      {"PARTIAL", with(fixed("PARTIAL"), "requestPartialPayment", true)},
-      {"ORLIX-DATA", with(fixed("ORLIX-DATA"), "orlixData", true)},
-      {"DECLINED", but(fixed("DECLINED"), [](Code& c) { c.purchaseStatus = "ERROR"; })},
-      {"LOWER-CASE", but(fixed("LOWER-CASE"), [](Code& c) { c.purchaseStatus = "success"; })},
-      {"BIG-REFERENCE", but(fixed("BIG-REFERENCE"), [](Code& c) { c.bigReference = true; })},
-      {"RECEIPT-FAILED", withReceipt("RECEIPT-FAILED", {.status = "FAILED"})},
-      {"SLOW-RECEIPT", withReceipt("SLOW-RECEIPT", {.pollsBefore = 3})},
-      {"EMPTY-POLLS", withReceipt("EMPTY-POLLS", {.pollsBefore = 3, .emptyBody = true})},
-      {"NO-RECEIPT", withReceipt("NO-RECEIPT", {.pollsBefore = -1})},
-      {"SERVER-ERROR", withFault("SERVER-ERROR", PurchaseFault::serverError)},
-      {"HANG-UP", withFault("HANG-UP", PurchaseFault::hangUp)},
-      {"SILENCE", withFault("SILENCE", PurchaseFault::headerThenSilence)},
-      {"EMPTY-ANSWER", withFault("EMPTY-ANSWER", PurchaseFault::emptyBody)},
-      {"FORGET", but(fixed("FORGET"), [](Code& c) { c.forgetsSession = true; })},
-      {"FORBIDDEN", but(fixed("FORBIDDEN"), [](Code& c) { c.forbidsPurchases = true; })},
-      {"SLOW-LOOKUP", but(fixed("SLOW-LOOKUP"), [](Code& c) { c.lookupDelayMs = 3000; })},
+struct NamedCode {
+  std::string name;
+  Code code;
+  std::string behaviour;
+};
+
+/// In the order in which the README tells them.
+const std::vector<NamedCode>& documentedCodes() {
+  static const std::vector<NamedCode> all{
+      {"FIXED-25", fixed("FIXED-25"), "Fixed amount; the purchase must carry exactly that."},
+      {"FIXED-999", fixed("FIXED-999", "999.99"),
+       "Fixed amount of 999.99; the purchase must carry exactly that."},
+      {"ALIAS-25", fixed("FIXED-25"),
+       "Names the code FIXED-25; a purchase under ALIAS-25 itself is refused."},
+      {"OPEN", open("OPEN"), "The user gives the amount."},
+      {"OPEN-10", with(open("OPEN-10"), "amount", "10.00"),
+       "The user gives the amount; 10.00 is suggested."},
+      {"RANGE", range(),
+       "Amount from 10.00 to 100.00, with discounts; outside of it the purchase is refused."},
+      {"NO-CURRENCY", but(fixed("NO-CURRENCY"), [](Code& c) { c.info.erase("currency"); }),
+       "The lookup names no currency."},
+      {"NO-CARDS", but(fixed("NO-CARDS"), [](Code& c) { c.withoutCards = true; }),
+       "The lookup's card list is empty."},
+      {"RICH", rich(),
+       "Every optional key, with two bill accounts and texts under keys of other types."},
+      {"EXTRA-REF", with(fixed("EXTRA-REF"), "extraReferenceName", "Customer number"),
+       "Names an extra reference; a checkout goes on."},
+      {"CONTACT", with(fixed("CONTACT"), "requestContact", true),
+       "Asks for contact data; a checkout goes on."},
+      {"TIP", tip(), "Asks for a tip; an in-app checkout does not offer it."},
+      {"BILLING", with(fixed("BILLING"), "requestBilling", true),
+       "Asks for a billing address; an in-app checkout does not offer it."},
+      {"SHIPPING", with(fixed("SHIPPING"), "requestShipping", true),
+       "Asks for a shipping address; an in-app checkout does not offer it."},
+      {"PARTIAL", with(fixed("PARTIAL"), "requestPartialPayment", true),
+       "Asks for a partial payment; an in-app checkout does not offer it."},
+      {"ORLIX-DATA", with(fixed("ORLIX-DATA"), "orlixData", true),
+       "Asks for more data; an in-app checkout does not offer it."},
+      {"DECLINED", but(fixed("DECLINED"), [](Code& c) { c.purchaseStatus = "ERROR"; }),
+       "The purchase is answered ERROR."},
+      {"LOWER-CASE", but(fixed("LOWER-CASE"), [](Code& c) { c.purchaseStatus = "success"; }),
+       "The purchase is answered \"success\" in lower case."},
+      {"BIG-REFERENCE", but(fixed("BIG-REFERENCE"), [](Code& c) { c.bigReference = true; }),
+       "Transaction identifiers from 2^53 + 1 upwards, which a reader that uses doubles gets "
+       "wrong."},
+      {"RECEIPT-FAILED", withReceipt("RECEIPT-FAILED", {.status = "FAILED"}),
+       "The receipt says FAILED."},
+      {"SLOW-RECEIPT", withReceipt("SLOW-RECEIPT", {.pollsBefore = 3}),
+       "Three polls find an object without status, the fourth the receipt."},
+      {"EMPTY-POLLS", withReceipt("EMPTY-POLLS", {.pollsBefore = 3, .emptyBody = true}),
+       "Three polls find an empty body, the fourth the receipt."},
+      {"NO-RECEIPT", withReceipt("NO-RECEIPT", {.pollsBefore = -1}), "The receipt never comes."},
+      {"SERVER-ERROR", withFault("SERVER-ERROR", PurchaseFault::serverError),
+       "Every other purchase, the first too, is answered 500 and not made."},
+      {"HANG-UP", withFault("HANG-UP", PurchaseFault::hangUp),
+       "Every other purchase, the first too, is made and the connection closed without an answer."},
+      {"SILENCE", withFault("SILENCE", PurchaseFault::headerThenSilence),
+       "Every other purchase, the first too, is made; its answer has a header and never a body."},
+      {"EMPTY-ANSWER", withFault("EMPTY-ANSWER", PurchaseFault::emptyBody),
+       "Every other purchase, the first too, is made and answered by an empty body."},
+      {"FORGET", but(fixed("FORGET"), [](Code& c) { c.forgetsSession = true; }),
+       "The session is forgotten at the next request after the lookup (403); a new session heals "
+       "it."},
+      {"FORBIDDEN", but(fixed("FORBIDDEN"), [](Code& c) { c.forbidsPurchases = true; }),
+       "Every purchase is answered 403 until the faults are cleared."},
+      {"SLOW-LOOKUP", but(fixed("SLOW-LOOKUP"), [](Code& c) { c.lookupDelayMs = 3000; }),
+       "The lookup's answer is held back for 3 seconds."},
+      {"NEXT-NOTICE", withNextStart("NEXT-NOTICE", "notice"),
+       "The device's next session start carries a notice: out of date, may go on."},
+      {"NEXT-REFUSED", withNextStart("NEXT-REFUSED", "refused"),
+       "The device's next session start is refused as out of date, with a message."},
+      {"NEXT-REFUSED-EMPTY", withNextStart("NEXT-REFUSED-EMPTY", "refusedEmpty"),
+       "The device's next session start is refused as out of date, with an empty message."},
+      {"NEXT-REFUSED-ABSENT", withNextStart("NEXT-REFUSED-ABSENT", "refusedAbsent"),
+       "The device's next session start is refused as out of date, without a message."},
+      {"NEXT-TERMS", withNextStart("NEXT-TERMS", "terms"),
+       "The device's next session start asks for new terms, as do later ones until they are "
+       "accepted."},
+      {"NEXT-ENROL", withNextStart("NEXT-ENROL", "enrol"),
+       "The device's next session start no longer knows its token."},
   };
-  for (const auto& [name, start] : {std::pair{"NEXT-NOTICE", "notice"},
-                                    {"NEXT-REFUSED", "refused"},
-                                    {"NEXT-REFUSED-EMPTY", "refusedEmpty"},
-                                    {"NEXT-REFUSED-ABSENT", "refusedAbsent"},
-                                    {"NEXT-TERMS", "terms"},
-                                    {"NEXT-ENROL", "enrol"}}) {
-    all.emplace(name, withNextStart(name, start));
-  }
   return all;
+}
+
+constexpr size_t longestText = 200;
+constexpr size_t longestAmount = 12;
+
+constexpr std::array<std::string_view, 6> flags{"requestTip",      "requestBilling",
+                                                "requestShipping", "requestPartialPayment",
+                                                "requestContact",  "orlixData"};
+
+std::optional<std::string> complaintAboutWish(const json::object& wish) {
+  Shape shape{{"merchant"},
+              {"code", Kind::text, false},
+              {"description", Kind::text, false},
+              {"amount", Kind::text, false},
+              {"currency", Kind::text, false}};
+  for (const std::string_view flag : flags) shape.push_back({flag, Kind::boolean, false});
+  if (auto wrong = complaint(wish, shape)) return wrong;
+  for (const char* name : {"merchant", "code", "description", "currency"}) {
+    if (textOf(wish, name).size() > longestText) {
+      return fmt::format("\"{}\" is longer than {} bytes", name, longestText);
+    }
+  }
+  if (textOf(wish, "merchant").empty()) return "\"merchant\" is empty";
+  const std::string amount = textOf(wish, "amount");
+  if (amount.empty()) return std::nullopt;
+  const size_t point = amount.find('.');
+  const bool cents = point == std::string::npos || amount.size() - point == 3;
+  if (!isDecimalNumber(amount) || !cents || amount.size() > longestAmount ||
+      amount.find_first_not_of("0.") == std::string::npos) {
+    return "\"amount\" is no amount above 0 such as 25 or 25.00";
+  }
+  return std::nullopt;
+}
+
+Code codeOf(const json::object& wish, std::string_view name) {
+  Code code = named(name, textOf(wish, "merchant"), textOf(wish, "description"));
+  code.amount = textOf(wish, "amount");
+  if (!code.amount.empty() && code.amount.find('.') == std::string::npos) code.amount += ".00";
+  code.info["amountString"] = code.amount;
+  if (!code.amount.empty()) code.info["amount"] = code.amount;
+  if (const auto currency = textOf(wish, "currency"); !currency.empty()) {
+    code.info["currency"] = currency;
+  }
+  for (const std::string_view flag : flags) {
+    code.info[{flag.data(), flag.size()}] = booleanOf(wish, flag);
+  }
+  code.behaviour = code.amount.empty() ? "Made here; the user gives the amount."
+                                       : "Made here; the purchase must carry exactly its amount.";
+  return code;
+}
+
+json::object described(std::string_view name, const Code& code, std::string_view behaviour,
+                       bool made) {
+  json::array asked;
+  for (const std::string_view flag : flags) {
+    if (booleanOf(code.info, flag)) asked.push_back(json::string(flag));
+  }
+  return {{"code", name},
+          {"behaviour", behaviour},
+          {"made", made},
+          {"merchant", textOf(code.info, "merchantName")},
+          {"description", textOf(code.info, "shortDescription")},
+          {"amount", code.amount},
+          {"currency", textOf(code.info, "currency")},
+          {"flags", std::move(asked)}};
+}
+
+const NamedCode* documentedCode(std::string_view name) {
+  const auto& all = documentedCodes();
+  const auto found = std::find_if(all.begin(), all.end(),
+                                  [&](const NamedCode& entry) { return entry.name == name; });
+  return found == all.end() ? nullptr : &*found;
 }
 
 }  // namespace
 
-std::optional<Code> findCode(std::string_view name) {
-  static const std::map<std::string, Code, std::less<>> all = makeAll();
-  const auto found = all.find(name);
-  if (found == all.end()) return std::nullopt;
+std::optional<Code> Codes::find(std::string_view name) const {
+  if (const NamedCode* documented = documentedCode(name)) return documented->code;
+  const auto found = made_.find(name);
+  if (found == made_.end()) return std::nullopt;
   return found->second;
+}
+
+std::optional<std::string> Codes::make(const json::object& wish, std::string& name) {
+  if (auto wrong = complaintAboutWish(wish)) return wrong;
+  name = textOf(wish, "code");
+  if (documentedCode(name) != nullptr) return fmt::format("the code {} is documented", name);
+  if (made_.size() >= kept && !made_.contains(name)) {
+    return fmt::format("{} codes have been made; remove some first", kept);
+  }
+  const bool unnamed = name.empty();
+  while (name.empty() || (unnamed && made_.contains(name))) {
+    name = fmt::format("MADE-{}", ++lastNumber_);
+  }
+  made_.insert_or_assign(name, codeOf(wish, name));
+  return std::nullopt;
+}
+
+bool Codes::remove(const std::string& name) { return made_.erase(name) != 0; }
+
+json::array Codes::list() const {
+  json::array out;
+  for (const auto& [name, code] : made_) {
+    out.push_back(described(name, code, code.behaviour, true));
+  }
+  for (const NamedCode& entry : documentedCodes()) {
+    out.push_back(described(entry.name, entry.code, entry.behaviour, false));
+  }
+  return out;
 }
 
 }  // namespace orlix::sandbox

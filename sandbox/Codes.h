@@ -1,5 +1,7 @@
 #pragma once
 
+#include <cstdint>
+#include <map>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -34,9 +36,32 @@ struct Code {
   std::string nextStart;          ///< What the device's next session start is answered with.
   bool forgetsSession = false;    ///< The session is forgotten at the request after the lookup.
   bool forbidsPurchases = false;  ///< Every purchase is answered 403 until faults are cleared.
+  std::string behaviour{};        ///< What it makes the server do, in words.
 };
 
-/// The documented code of this name, or nothing: the server then answers without "codeInfo".
-std::optional<Code> findCode(std::string_view name);
+/// The documented codes, and those that were made while the server runs.
+/// Thread: the caller locks.
+class Codes {
+ public:
+  /// The code of this name, or nothing: the server then answers without "codeInfo".
+  std::optional<Code> find(std::string_view name) const;
+
+  /// Makes a code, or replaces one that was made: "merchant", and as one likes "code" (its name),
+  /// "description", "amount" (none: the user gives it), "currency" and the flags of "codeInfo".
+  /// Its name goes to `name`. What is wrong with the wish in words, or nothing.
+  std::optional<std::string> make(const json::object& wish, std::string& name);
+
+  /// Removes a code that was made; false when there is no such code.
+  bool remove(const std::string& name);
+
+  /// Every code with its name and what it does, those that were made first.
+  json::array list() const;
+
+ private:
+  static constexpr size_t kept = 1000;  ///< Codes that were made; no more can be.
+
+  std::map<std::string, Code, std::less<>> made_;
+  std::int64_t lastNumber_ = 0;
+};
 
 }  // namespace orlix::sandbox

@@ -1,6 +1,6 @@
 #include "sandbox/Control.h"
 
-#include <array>
+#include <charconv>
 #include <utility>
 
 #include "sandbox/Call.h"
@@ -12,8 +12,6 @@ namespace {
 bool isLoopback(std::string_view address) {
   return address.substr(0, 4) == "127." || address == "::1";
 }
-
-HttpAnswer done() { return answerWith({{"done", true}}); }
 
 /// Echoes the request, so that a test sees what a redirect has dropped or kept.
 HttpAnswer echo(const HttpRequest& request) {
@@ -49,6 +47,17 @@ const std::vector<Control::Entry>& Control::entries() {
       {"POST", "/control/cards", &Control::putCardKind},
       {"GET", "/control/purchases", &Control::listPurchases},
       {"DELETE", "/control/purchases", &Control::clearPurchases},
+      {"GET", "/control/codes", &Control::listCodes},
+      {"POST", "/control/codes", &Control::makeCode},
+      {"DELETE", "/control/codes", &Control::removeCode},
+      {"GET", "/control/payments", &Control::listPayments},
+      {"POST", "/control/payments", &Control::setPayments},
+      {"GET", "/control/messages", &Control::listMessages},
+      {"GET", "/control/wallets", &Control::listWallets},
+      {"POST", "/control/wallets/cards", &Control::addCard},
+      {"PATCH", "/control/wallets/cards", &Control::changeCard},
+      {"DELETE", "/control/wallets/cards", &Control::removeCard},
+      {"POST", "/control/devices", &Control::setDevice},
       {"GET", "/control/requests", &Control::listRequests},
       {"DELETE", "/control/requests", &Control::clearRequests},
   };
@@ -68,6 +77,7 @@ HttpAnswer Control::answer(const HttpRequest& request) {
     const auto wish = request.body.empty() ? json::object{} : parseObject(request.body);
     if (!wish) return mistake("the body is no JSON object");
     const std::lock_guard lock(state_.mutex);
+    if (entry.method != "GET") state_.touch();
     return (this->*entry.answer)(*wish);
   }
   return refusal(404, "there is no such switch");
@@ -107,16 +117,18 @@ HttpAnswer Control::setSessions(const json::object& wish) {
 }
 
 HttpAnswer Control::setSessionStart(const json::object& wish) {
-  constexpr std::array<std::string_view, 7> starts{
-      "normal", "notice", "refused", "refusedEmpty", "refusedAbsent", "terms", "enrol"};
-  if (auto wrong = complaint(wish, {{"answer"}, {"message", Kind::text, false}})) {
+  if (auto wrong = complaint(
+          wish, {{"answer"}, {"message", Kind::text, false}, {"once", Kind::boolean, false}})) {
     return mistake(*wrong);
   }
   const std::string start = textOf(wish, "answer");
-  if (std::find(starts.begin(), starts.end(), start) == starts.end()) {
-    return mistake("there is no such session start");
+  if (!isSessionStart(start)) return mistake("there is no such session start");
+  if (booleanOf(wish, "once")) {
+    state_.nextSessionStart = start;
+  } else {
+    state_.sessionStart = start;
+    state_.nextSessionStart.clear();
   }
-  state_.sessionStart = start;
   if (wish.contains("message")) state_.sessionMessage = textOf(wish, "message");
   return done();
 }
@@ -168,6 +180,56 @@ HttpAnswer Control::listPurchases(const json::object& /*wish*/) {
 HttpAnswer Control::clearPurchases(const json::object& /*wish*/) {
   state_.purchases.clearAccount();
   return done();
+}
+
+HttpAnswer Control::listCodes(const json::object& /*wish*/) {
+  return answerWith({{"codes", state_.codes.list()}});
+}
+
+HttpAnswer Control::makeCode(const json::object& wish) {
+  std::string name;
+  if (const auto wrong = state_.codes.make(wish, name)) return mistake(*wrong);
+  return answerWith({{"code", name}});
+}
+
+HttpAnswer Control::removeCode(const json::object& wish) {
+  if (auto wrong = complaint(wish, {{"code"}})) return mistake(*wrong);
+  if (!state_.codes.remove(textOf(wish, "code"))) return mistake("no such code has been made");
+  return done();
+}
+
+HttpAnswer Control::listPayments(const json::object& /*wish*/) {
+  return answerWith(
+      {{"holds", state_.purchases.holds()}, {"payments", state_.purchases.payments()}});
+}
+
+HttpAnswer Control::setPayments(const json::object& wish) {
+  // A text, because a page's script cannot tell every 64-bit number.
+  const Shape shape{{"hold", Kind::boolean, false},
+                    {"transactionId", Kind::text, false},
+                    {"receipt", Kind::text, false}};
+  if (auto wrong = complaint(wish, shape)) return mistake(*wrong);
+  if (wish.contains("transactionId") != wish.contains("receipt")) {
+    return mistake("\"transactionId\" and \"receipt\" go together");
+  }
+  if (wish.contains("hold")) state_.purchases.hold(booleanOf(wish, "hold"));
+  if (!wish.contains("receipt")) return done();
+  const std::string receipt = textOf(wish, "receipt");
+  if (receipt != "SUCCESS" && receipt != "FAILED") {
+    return mistake("\"receipt\" is neither SUCCESS nor FAILED");
+  }
+  const std::string id = textOf(wish, "transactionId");
+  std::int64_t number = 0;
+  const auto [end, error] = std::from_chars(id.data(), id.data() + id.size(), number);
+  if (error != std::errc() || end != id.data() + id.size() ||
+      !state_.purchases.settle(number, receipt)) {
+    return mistake("there is no such payment");
+  }
+  return done();
+}
+
+HttpAnswer Control::listMessages(const json::object& /*wish*/) {
+  return answerWith({{"messages", state_.messages.list()}});
 }
 
 HttpAnswer Control::listRequests(const json::object& /*wish*/) {

@@ -42,6 +42,17 @@ class Control {
   HttpAnswer counts(const json::object& wish);
   HttpAnswer listPurchases(const json::object& wish);
   HttpAnswer clearPurchases(const json::object& wish);
+  HttpAnswer listCodes(const json::object& wish);
+  HttpAnswer makeCode(const json::object& wish);
+  HttpAnswer removeCode(const json::object& wish);
+  HttpAnswer listPayments(const json::object& wish);
+  HttpAnswer setPayments(const json::object& wish);
+  HttpAnswer listMessages(const json::object& wish);
+  HttpAnswer listWallets(const json::object& wish);
+  HttpAnswer addCard(const json::object& wish);
+  HttpAnswer changeCard(const json::object& wish);
+  HttpAnswer removeCard(const json::object& wish);
+  HttpAnswer setDevice(const json::object& wish);
   HttpAnswer listRequests(const json::object& wish);
   HttpAnswer clearRequests(const json::object& wish);
 

@@ -21,6 +21,16 @@ std::optional<Device> Devices::find(const std::string& serial) const {
   return Device{row.text(0), row.text(1), row.text(2), row.text(3)};
 }
 
+std::vector<Device> Devices::list(std::int64_t most) const {
+  std::vector<Device> out;
+  for (const auto& row : database_.ask(
+           "SELECT serial, token, wallet, next_start FROM devices ORDER BY rowid DESC LIMIT ?",
+           {most})) {
+    out.push_back({row.text(0), row.text(1), row.text(2), row.text(3)});
+  }
+  return out;
+}
+
 void Devices::put(const Device& device) {
   database_.run("INSERT OR REPLACE INTO devices VALUES (?, ?, ?, ?)",
                 {device.serial, device.token, device.wallet, device.nextStart});

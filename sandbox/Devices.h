@@ -4,6 +4,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "sandbox/Database.h"
 
@@ -31,6 +32,8 @@ class Devices {
 
   std::optional<Device> find(const std::string& serial) const;
   void put(const Device& device);
+  /// The latest devices, at most `most` of them.
+  std::vector<Device> list(std::int64_t most) const;
 
   std::optional<PendingSms> pendingSms(const std::string& serial) const;
   void putSms(const std::string& serial, const PendingSms& sms);

@@ -10,13 +10,20 @@ namespace json = boost::json;
 
 EventLog::EventLog(Sink sink) : sink_(std::move(sink)) {}
 
-void EventLog::ready(std::string_view base, std::string_view anchor, std::string_view terms) {
-  write(json::serialize(
-      json::object{{"event", "ready"}, {"base", base}, {"anchor", anchor}, {"terms", terms}}));
+void EventLog::ready(std::string_view base, std::string_view anchor, std::string_view terms,
+                     std::string_view console) {
+  json::object line{{"event", "ready"}, {"base", base}, {"anchor", anchor}, {"terms", terms}};
+  if (!console.empty()) line["console"] = console;
+  write(json::serialize(line));
 }
 
-void EventLog::request(std::string_view path, int status) {
-  write(json::serialize(json::object{{"event", "request"}, {"path", path}, {"status", status}}));
+void EventLog::request(const Request& request) {
+  json::object line{
+      {"event", "request"},       {"path", request.path},
+      {"status", request.status}, {"time", request.arrived.time_since_epoch().count()},
+      {"method", request.method}, {"milliseconds", request.duration.count()}};
+  if (!request.reason.empty()) line["reason"] = request.reason;
+  write(json::serialize(line));
 }
 
 void EventLog::sms(std::string_view msisdn, std::string_view code) {

@@ -4,6 +4,8 @@
 #include <mutex>
 #include <string_view>
 
+#include "sandbox/Moment.h"
+
 namespace orlix::sandbox {
 
 /// The sandbox's account of what happens, one JSON object a line, for scripts to read.
@@ -16,10 +18,20 @@ class EventLog {
   /// `sink` gets each line without its line end. It must not call the log.
   explicit EventLog(Sink sink);
 
-  void ready(std::string_view base, std::string_view anchor, std::string_view terms);
+  /// `console` is empty when there is none.
+  void ready(std::string_view base, std::string_view anchor, std::string_view terms,
+             std::string_view console);
 
-  /// `status` is 0 when the client was left without an answer on purpose.
-  void request(std::string_view path, int status);
+  struct Request {
+    std::string_view method;
+    std::string_view path;
+    int status = 0;             ///< 0 when the client was left without an answer on purpose.
+    std::string_view reason{};  ///< Why it was refused; empty when it was not.
+    Moment arrived{};
+    std::chrono::milliseconds duration{};  ///< Until the answer was ready.
+  };
+
+  void request(const Request& request);
 
   void sms(std::string_view msisdn, std::string_view code);
 

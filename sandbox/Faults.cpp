@@ -34,12 +34,6 @@ constexpr std::array<std::pair<std::string_view, Fault::Kind>, 21> kindNames{{
     {"hold-handshake", Fault::Kind::holdHandshake},
 }};
 
-std::string_view nameOf(Fault::Kind kind) {
-  const auto* found = std::find_if(kindNames.begin(), kindNames.end(),
-                                   [&](const auto& entry) { return entry.second == kind; });
-  return found->first;
-}
-
 bool meetsConnections(const Fault& fault) {
   return fault.kind == Fault::Kind::resetConnection || fault.kind == Fault::Kind::refuseHandshake ||
          fault.kind == Fault::Kind::holdHandshake;
@@ -105,14 +99,28 @@ std::string hugeBody(std::int64_t bytes) {
 
 }  // namespace
 
+std::string_view Faults::nameOf(Fault::Kind kind) {
+  const auto* found = std::find_if(kindNames.begin(), kindNames.end(),
+                                   [&](const auto& entry) { return entry.second == kind; });
+  return found->first;
+}
+
 bool Fault::carriesOut() const {
   if (carriedOut) return *carriedOut;
   return kind != Kind::status && kind != Kind::redirect;
 }
 
 json::object Fault::toJson() const {
-  return {{"id", id},     {"kind", nameOf(kind)}, {"path", path},
-          {"skip", skip}, {"count", count},       {"hits", hits}};
+  json::object out{{"id", id},
+                   {"kind", Faults::nameOf(kind)},
+                   {"path", path},
+                   {"skip", skip},
+                   {"count", count},
+                   {"hits", hits},
+                   {"carriedOut", carriesOut()}};
+  if (kind == Kind::status || kind == Kind::redirect) out["status"] = status;
+  if (kind == Kind::delay || kind == Kind::trickle) out["milliseconds"] = milliseconds;
+  return out;
 }
 
 std::optional<std::string> Faults::add(const json::object& wish) {

@@ -66,6 +66,9 @@ class Faults {
   std::optional<std::string> add(const json::object& wish);
   std::int64_t add(Fault fault);
 
+  /// The kind as the control endpoint names it.
+  static std::string_view nameOf(Fault::Kind kind);
+
   /// The faults that meet this request: at most one that holds its answer back and one of the
   /// others, of each the one switched on first that is not spent.
   std::vector<Fault> take(std::string_view path);

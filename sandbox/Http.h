@@ -11,15 +11,15 @@ namespace orlix::sandbox {
 
 /// One request as the rest of the sandbox sees it; no HTTP library shows through.
 struct HttpRequest {
-  std::string method;
-  std::string path;
-  std::string body;
-  std::string contentType;
-  std::string sessionToken1;
-  std::string sessionToken2;
-  std::string remoteAddress;
-  std::vector<std::string> headerNames;
-  std::vector<std::pair<std::string, std::string>> form;  ///< Decoded fields of a posted form.
+  std::string method{};
+  std::string path{};
+  std::string body{};
+  std::string contentType{};
+  std::string sessionToken1{};
+  std::string sessionToken2{};
+  std::string remoteAddress{};
+  std::vector<std::string> headerNames{};
+  std::vector<std::pair<std::string, std::string>> form{};  ///< Decoded fields of a posted form.
 };
 
 /// How an answer leaves the connection. All but `whole` are faults that a client must survive.
@@ -41,6 +41,7 @@ struct HttpAnswer {
   std::chrono::milliseconds delay{0};        ///< Waited before anything is sent.
   std::function<bool()> hold{};              ///< Then waits; false: nothing is to be sent any more.
   std::chrono::milliseconds interval{1000};  ///< Between two bytes of a trickled body.
+  std::string reason{};  ///< Why the request is refused, for the server's own account.
   /// Released before the last byte is sent, or when it is certain that it never will be.
   std::shared_ptr<void> underWay{};
 };

@@ -143,10 +143,16 @@ class HttpFront::Server : public httplib::Server {
 
   void fill(httplib::Response& response, const httplib::Request& request) {
     HttpAnswer& answer = *currentAnswer;
+    const Moment arrived = now();
     answer = setup_.handler(plain(request));
     const bool silent = answer.delivery == Delivery::hangUp || answer.delivery == Delivery::silence;
     // Before the answer is sent, so that a client that has the answer finds the line.
-    log_.request(request.path, silent ? 0 : answer.status);
+    log_.request({.method = request.method,
+                  .path = request.path,
+                  .status = silent ? 0 : answer.status,
+                  .reason = answer.reason,
+                  .arrived = arrived,
+                  .duration = now() - arrived});
     response.status = answer.status;
     for (const auto& [name, value] : answer.headers) response.set_header(name, value);
     response.set_content(answer.body, answer.contentType);

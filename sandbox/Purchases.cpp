@@ -91,6 +91,7 @@ json::object Purchases::account() const {
 }
 
 std::int64_t Purchases::pay(Payment payment, bool bigReference) {
+  payment.held = holds_;
   payment.id = bigReference ? nextBigId_ : nextId_;
   // Odd steps, so that rounding a big identifier to a double always shows.
   (bigReference ? nextBigId_ : nextId_) += bigReference ? 2 : 1;
@@ -104,6 +105,51 @@ std::int64_t Purchases::pay(Payment payment, bool bigReference) {
 Payment* Purchases::find(std::int64_t id) {
   const auto found = payments_.find(id);
   return found == payments_.end() ? nullptr : &found->second;
+}
+
+bool Purchases::settle(std::int64_t id, const std::string& status) {
+  Payment* payment = find(id);
+  if (payment == nullptr) return false;
+  payment->held = false;
+  payment->receipt = {.status = status};
+  return true;
+}
+
+std::int64_t Purchases::heldCount() const {
+  return std::count_if(payments_.begin(), payments_.end(),
+                       [](const auto& entry) { return entry.second.held; });
+}
+
+json::array Purchases::payments() const {
+  json::array list;
+  for (auto entry = received_.rbegin(); entry != received_.rend() && list.size() < listed;
+       ++entry) {
+    json::object row{{"request", entry->request},
+                     {"time", entry->arrived.time_since_epoch().count()},
+                     {"device", entry->origin.device},
+                     {"path", entry->path},
+                     {"status", entry->status},
+                     {"outcome", entry->outcome},
+                     {"transactionId", std::to_string(entry->transactionId)}};
+    if (const json::object* body = entry->body.if_object()) {
+      row["code"] = textOf(*body, "code");
+      row["amount"] = textOf(*body, "amount");
+    }
+    const auto payment = payments_.find(entry->transactionId);
+    if (payment != payments_.end()) {
+      const Payment& paid = payment->second;
+      row["merchant"] = paid.merchant;
+      row["amount"] = paid.amount;
+      row["currency"] = paid.currency;
+      row["wallet"] = paid.wallet;
+      row["polls"] = paid.polls;
+      row["held"] = paid.held;
+      row["receipt"] = paid.hasReceipt() ? paid.receipt.status : "";
+      row["receiptPlan"] = paid.receipt.pollsBefore < 0 ? "" : paid.receipt.status;
+    }
+    list.push_back(std::move(row));
+  }
+  return list;
 }
 
 int Purchases::countTry(const std::string& wallet, const std::string& code) {

@@ -9,6 +9,7 @@
 
 #include "sandbox/Codes.h"
 #include "sandbox/Json.h"
+#include "sandbox/Moment.h"
 #include "sandbox/SeenRequests.h"
 
 namespace orlix::sandbox {
@@ -18,15 +19,23 @@ struct Payment {
   std::int64_t id = 0;
   std::string wallet;
   std::string amount;
+  std::string currency = "R";
   std::string merchant;
   ReceiptPlan receipt;
   int polls = 0;
+  bool held = false;  ///< Polls find no status until it is settled.
+
+  /// Whether a poll finds the receipt now.
+  bool hasReceipt() const {
+    return !held && receipt.pollsBefore >= 0 && polls > receipt.pollsBefore;
+  }
 };
 
 /// Every purchase body that reached the server, whatever became of it. What is secret in it is
 /// replaced by "***" before it is kept.
 struct ReceivedPurchase {
   std::int64_t request = 0;  ///< Number among the requests seen.
+  Moment arrived{};
   Origin origin{};
   std::string path{};
   json::value body{};
@@ -52,11 +61,22 @@ class Purchases {
   Payment* find(std::int64_t id);
   std::int64_t paymentCount() const { return paymentCount_; }
 
+  /// Whether payments that are made from now on wait until they are settled. Those that wait
+  /// already go on waiting.
+  void hold(bool held) { holds_ = held; }
+  bool holds() const { return holds_; }
+  /// The next poll finds a receipt of this status; false when the payment is not known.
+  bool settle(std::int64_t id, const std::string& status);
+  /// The latest purchases with their payments and receipts, the latest first.
+  json::array payments() const;
+  std::int64_t heldCount() const;
+
   /// How often this wallet has bought by this code, this time included.
   int countTry(const std::string& wallet, const std::string& code);
 
  private:
   static constexpr size_t kept = 10'000;  ///< Of each; the oldest are dropped.
+  static constexpr size_t listed = 500;   ///< By `payments`, at most.
 
   struct DeviceCount {
     std::int64_t received = 0;
@@ -69,6 +89,7 @@ class Purchases {
   size_t dropped_ = 0;  ///< Entries that are gone; places count on from there.
   std::int64_t receivedCount_ = 0;
   std::int64_t paymentCount_ = 0;
+  bool holds_ = false;
   std::map<std::int64_t, Payment> payments_;
   std::map<std::pair<std::string, std::string>, int> tries_;
   std::int64_t nextId_ = 7'000'000'001;

@@ -12,6 +12,7 @@
 #include "sandbox/ClientRequests.h"
 #include "sandbox/Control.h"
 #include "sandbox/HttpFront.h"
+#include "sandbox/console/ConsoleServer.h"
 
 namespace orlix::sandbox {
 
@@ -65,6 +66,13 @@ class Sandbox::Server {
         .gate = [this] { return admit(); }};
     front_ = std::make_unique<HttpFront>(certificates, std::move(setup), log_, shutdown_);
     serve();
+    if (options_.console) {
+      console_ = std::make_unique<ConsoleServer>(
+          *state_, *control_, shutdown_,
+          ConsoleServer::Place{.base = state_->origin + "/vello",
+                               .anchor = (folder_ / Certificates::anchorAsText).string()});
+      consoleAddress_ = console_->start();
+    }
   }
 
   void stop() {
@@ -73,6 +81,7 @@ class Sandbox::Server {
       const std::lock_guard lock(state_->mutex);
       state_->changed.notify_all();
     }
+    if (console_) console_->stop();
     if (front_) front_->stop();
     if (temporary_) {
       std::error_code ignored;
@@ -82,6 +91,7 @@ class Sandbox::Server {
   }
 
   int port() const { return port_; }
+  const std::string& consoleAddress() const { return consoleAddress_; }
   const fs::path& folder() const { return folder_; }
   EventLog& log() { return log_; }
 
@@ -106,6 +116,7 @@ class Sandbox::Server {
   ConnectionFault admit() {
     std::unique_lock lock(state_->mutex);
     const auto fault = state_->faults.takeForConnection();
+    if (fault) state_->touch();
     if (!fault) return ConnectionFault::none;
     if (fault->kind == Fault::Kind::refuseHandshake) return ConnectionFault::refuseHandshake;
     const bool goesOn = fault->kind == Fault::Kind::holdHandshake &&
@@ -128,7 +139,10 @@ class Sandbox::Server {
   std::unique_ptr<State> state_;
   std::unique_ptr<ClientRequests> clients_;
   std::unique_ptr<Control> control_;
-  std::unique_ptr<HttpFront> front_;  // Last: its threads use all of the above.
+  std::string consoleAddress_;
+  // Last: their threads use all of the above.
+  std::unique_ptr<HttpFront> front_;
+  std::unique_ptr<ConsoleServer> console_;
 };
 
 Sandbox::Sandbox(Options options) : server_(std::make_unique<Server>(std::move(options))) {}
@@ -137,7 +151,7 @@ Sandbox::~Sandbox() = default;
 
 void Sandbox::start() {
   server_->start();
-  server_->log().ready(base(), anchorPath(), terms());
+  server_->log().ready(base(), anchorPath(), terms(), console());
 }
 
 void Sandbox::stop() { server_->stop(); }
@@ -147,6 +161,8 @@ int Sandbox::port() const { return server_->port(); }
 std::string Sandbox::base() const {
   return fmt::format("https://127.0.0.1:{}/vello", server_->port());
 }
+
+std::string Sandbox::console() const { return server_->consoleAddress(); }
 
 std::string Sandbox::terms() const {
   return fmt::format("https://127.0.0.1:{}/terms/tavlo.html", server_->port());

@@ -14,6 +14,7 @@ struct Options {
   std::string database{};   ///< SQLite file; empty: in memory.
   std::string folder{};     ///< Where the certificates are written; empty: a new temporary folder.
   bool enrolled = false;    ///< Every device counts as enrolled, with a wallet of every card.
+  bool console = false;     ///< Serve the web console too.
   bool oneSession = false;  ///< A device's session start ends its former sessions.
   EventLog::Sink
       onEvent{};  ///< Gets each JSON line; called on the server's threads, one at a time.
@@ -42,6 +43,7 @@ class Sandbox {
   int port() const;
   std::string base() const;                   ///< "https://127.0.0.1:PORT/vello"
   std::string terms() const;                  ///< The address of the terms page.
+  std::string console() const;                ///< The console's address; empty when there is none.
   std::string anchorPath() const;             ///< The root certificate, DER.
   std::string serverCertificatePath() const;  ///< The server's own certificate, DER.
 

@@ -53,7 +53,7 @@ HttpAnswer begin(Call& call, const Card& card, bool forPurchase) {
 HttpAnswer pageForPurchase(Call& call) {
   const auto card = call.state.wallets.card(call.session->wallet, integerOf(call.body, "cardId"));
   if (!card) return error("The card is not in your wallet.");
-  if (!findCode(textOf(call.body, "code"))) return error("This code is not known.");
+  if (!call.state.codes.find(textOf(call.body, "code"))) return error("This code is not known.");
   return begin(call, *card, true);
 }
 

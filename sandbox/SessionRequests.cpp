@@ -1,5 +1,9 @@
 // Opening a session, enrolling the device by SMS, accepting the terms.
 
+#include <algorithm>
+#include <array>
+#include <utility>
+
 #include <fmt/format.h>
 
 #include "sandbox/Call.h"
@@ -63,6 +67,9 @@ HttpAnswer newSession(Call& call) {
   bool enrolled = !device.wallet.empty() &&
                   (state.everyDeviceEnrolled || (!token.empty() && token == device.token));
   std::string start = state.sessionStart;
+  if (enrolled && device.nextStart.empty() && !state.nextSessionStart.empty()) {
+    start = std::exchange(state.nextSessionStart, {});
+  }
   if (enrolled && !device.nextStart.empty()) {
     start = device.nextStart;
     device.nextStart.clear();
@@ -96,6 +103,10 @@ HttpAnswer sendSms(Call& call) {
   if (msisdn == refusedNumber) return answerWith({{"status", "REFUSED"}});
   const PendingSms sms{.msisdn = msisdn, .code = randomDigits(5)};
   call.state.devices.putSms(call.session->deviceSerial, sms);
+  call.state.messages.add({.msisdn = sms.msisdn,
+                           .code = sms.code,
+                           .device = call.session->deviceSerial,
+                           .sent = now()});
   call.log.sms(sms.msisdn, sms.code);
   return answerWith({{"status", "SUCCESS"}});
 }
@@ -140,6 +151,12 @@ HttpAnswer acceptTerms(Call& call) {
 }
 
 }  // namespace
+
+bool isSessionStart(std::string_view start) {
+  constexpr std::array<std::string_view, 7> starts{
+      "normal", "notice", "refused", "refusedEmpty", "refusedAbsent", "terms", "enrol"};
+  return std::find(starts.begin(), starts.end(), start) != starts.end();
+}
 
 const std::vector<Route>& sessionRoutes() {
   static const std::vector<Route> routes{

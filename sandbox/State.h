@@ -4,12 +4,15 @@
 #include <cstdint>
 #include <mutex>
 #include <string>
+#include <string_view>
 
 #include "sandbox/Authentications.h"
 #include "sandbox/CardKinds.h"
+#include "sandbox/Codes.h"
 #include "sandbox/Database.h"
 #include "sandbox/Devices.h"
 #include "sandbox/Faults.h"
+#include "sandbox/Messages.h"
 #include "sandbox/Purchases.h"
 #include "sandbox/SeenRequests.h"
 #include "sandbox/Sessions.h"
@@ -30,6 +33,12 @@ struct State {
     return !shutdown.begun();
   }
 
+  /// Tells those who watch that something has changed. `mutex` is locked.
+  void touch() {
+    ++changes;
+    watchers.notify_all();
+  }
+
   std::mutex mutex;
   /// Signalled when terms are accepted, a fault is cleared, or the server ends: what an answer may
   /// be waiting for.
@@ -45,12 +54,21 @@ struct State {
   Authentications authentications;
   Faults faults;
   SeenRequests seen;
+  Messages messages;
+  Codes codes;
+
+  std::int64_t changes = 0;  ///< Counts the calls of `touch`.
+  std::condition_variable watchers;
 
   std::string origin;  ///< "https://127.0.0.1:PORT"
   bool everyDeviceEnrolled = false;
   std::string sessionStart = "normal";  ///< What every session start is answered with; see Codes.
+  std::string nextSessionStart;  ///< What the next one is answered with, once; empty: as ever.
   std::string sessionMessage = "A newer version is available.";
   std::int64_t termsWaitMs = 10'000;  ///< How long a lookup waits for changed terms to be accepted.
 };
+
+/// Whether a session start can be answered in this way.
+bool isSessionStart(std::string_view start);
 
 }  // namespace orlix::sandbox

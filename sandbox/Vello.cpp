@@ -33,8 +33,11 @@ HttpAnswer answerWith(const json::object& object) { return {.body = json::serial
 HttpAnswer refusal(int status, std::string_view reason) {
   HttpAnswer answer = answerWith({{"error", reason}});
   answer.status = status;
+  answer.reason = reason;
   return answer;
 }
+
+HttpAnswer done() { return answerWith({{"done", true}}); }
 
 HttpAnswer mistake(std::string_view reason) { return refusal(400, reason); }
 

@@ -46,7 +46,7 @@ Wallets::Wallets(Database& database, CardKinds& kinds) : database_(database), ki
 }
 
 void Wallets::ensure(const std::string& wallet, bool filled) {
-  if (!database_.ask("SELECT 1 FROM wallets WHERE wallet = ?", {wallet}).empty()) return;
+  if (has(wallet)) return;
   Database::Transaction filling(database_);
   database_.run("INSERT INTO wallets VALUES (?, ?)", {wallet, termsVersion()});
   if (filled) {
@@ -96,12 +96,26 @@ void Wallets::remove(const std::string& wallet, std::int64_t id) {
   database_.run("DELETE FROM cards WHERE wallet = ? AND id = ?", {wallet, id});
 }
 
-void Wallets::setValidated(std::int64_t id) {
-  database_.run("UPDATE cards SET validated = 1 WHERE id = ?", {id});
+void Wallets::setValidated(std::int64_t id, bool validated) {
+  database_.run("UPDATE cards SET validated = ? WHERE id = ?", {std::int64_t{validated}, id});
 }
 
-void Wallets::setAuthenticated(std::int64_t id) {
-  database_.run("UPDATE cards SET authenticated = 1 WHERE id = ?", {id});
+void Wallets::setAuthenticated(std::int64_t id, bool authenticated) {
+  database_.run("UPDATE cards SET authenticated = ? WHERE id = ?",
+                {std::int64_t{authenticated}, id});
+}
+
+std::vector<std::string> Wallets::list(std::int64_t most) const {
+  std::vector<std::string> out;
+  for (const auto& row :
+       database_.ask("SELECT wallet FROM wallets ORDER BY rowid DESC LIMIT ?", {most})) {
+    out.push_back(row.text(0));
+  }
+  return out;
+}
+
+bool Wallets::has(const std::string& wallet) const {
+  return !database_.ask("SELECT 1 FROM wallets WHERE wallet = ?", {wallet}).empty();
 }
 
 std::int64_t Wallets::termsVersion() const {

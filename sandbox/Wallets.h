@@ -45,8 +45,11 @@ class Wallets {
   /// may be repeated.
   void add(const std::string& wallet, const CardKind& kind, const std::string& number);
   void remove(const std::string& wallet, std::int64_t id);
-  void setValidated(std::int64_t id);
-  void setAuthenticated(std::int64_t id);
+  void setValidated(std::int64_t id, bool validated = true);
+  void setAuthenticated(std::int64_t id, bool authenticated = true);
+  /// The latest wallets, at most `most` of them.
+  std::vector<std::string> list(std::int64_t most) const;
+  bool has(const std::string& wallet) const;
 
   std::int64_t termsVersion() const;
   void setTermsVersion(std::int64_t version);

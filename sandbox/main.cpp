@@ -20,6 +20,7 @@ void printLine(std::string_view line) {
 
 int serve(orlix::sandbox::Options options, const sigset_t& endings) {
   options.onEvent = &printLine;
+  options.console = true;
   orlix::sandbox::Sandbox sandbox(std::move(options));
   sandbox.start();
   int signal = 0;

@@ -29,6 +29,7 @@ TEST(Program, SaysWhereItIsAndEndsCleanlyWhenAsked) {
   EXPECT_EQ(textOf(*ready, "event"), "ready");
   EXPECT_EQ(textOf(*ready, "anchor"), folder.path() / "certificateroot.cer");
   EXPECT_TRUE(std::filesystem::exists(textOf(*ready, "anchor")));
+  EXPECT_EQ(textOf(*ready, "console").rfind("http://127.0.0.1:", 0), 0U);
   kill(id, SIGTERM);
   EXPECT_EQ(pclose(pipe), 0);
   EXPECT_TRUE(std::filesystem::exists(folder.path())) << "a folder that was given stays";

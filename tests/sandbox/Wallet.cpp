@@ -124,13 +124,15 @@ json::object Wallet::purchase(std::string_view code, std::string_view hint, std:
 }
 
 Bench::Bench(bool enrolled, const std::string& database)
-    : sandbox_(
-          {.database = database, .enrolled = enrolled, .onEvent = [this](std::string_view line) {
-             const json::object event = parseObject(line).value();
-             const std::lock_guard lock(mutex_);
-             if (textOf(event, "event") == "sms")
-               codes_[textOf(event, "msisdn")] = event.at("code");
-           }}) {
+    : sandbox_({.database = database,
+                .enrolled = enrolled,
+                .console = true,
+                .onEvent = [this](std::string_view line) {
+                  const json::object event = parseObject(line).value();
+                  const std::lock_guard lock(mutex_);
+                  if (textOf(event, "event") == "sms")
+                    codes_[textOf(event, "msisdn")] = event.at("code");
+                }}) {
   sandbox_.start();
   wallet_.emplace(sandbox_);
   EXPECT_EQ(wallet_->start().status, 200);
