@@ -161,6 +161,11 @@ std::optional<std::string> Faults::add(const json::object& wish) {
 }
 
 std::int64_t Faults::add(Fault fault) {
+  if (faults_.size() == kept) {
+    const auto spent = std::find_if(faults_.begin(), faults_.end(),
+                                    [](const Fault& old) { return old.hits == old.count; });
+    faults_.erase(spent == faults_.end() ? faults_.begin() : spent);
+  }
   fault.id = nextId_++;
   faults_.push_back(std::move(fault));
   return faults_.back().id;

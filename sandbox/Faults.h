@@ -42,13 +42,13 @@ struct Fault {
   Kind kind = Kind::status;
   /// A whole path, a prefix with "*" behind it, or "*" for every path below /vello.
   std::string path = "*";
-  std::int64_t skip = 0;           ///< Requests let through first.
-  std::int64_t count = 1;          ///< Requests spoilt after those; -1: until taken away.
-  std::int64_t hits = 0;           ///< Requests spoilt so far.
-  std::optional<bool> carriedOut;  ///< Overrides whether the request is carried out.
+  std::int64_t skip = 0;             ///< Requests let through first.
+  std::int64_t count = 1;            ///< Requests spoilt after those; -1: until taken away.
+  std::int64_t hits = 0;             ///< Requests spoilt so far.
+  std::optional<bool> carriedOut{};  ///< Overrides whether the request is carried out.
   int status = 500;
-  std::string body;
-  std::string location;
+  std::string body{};
+  std::string location{};
   std::int64_t milliseconds = 1000;
   std::int64_t bytes = 50'000'000;
 
@@ -87,6 +87,8 @@ class Faults {
   static void spoil(HttpAnswer& answer, const Fault& fault);
 
  private:
+  static constexpr size_t kept = 1000;  ///< The oldest are dropped, those that are spent first.
+
   std::optional<Fault> takeIf(bool (*fits)(const Fault&, std::string_view), std::string_view path);
 
   std::list<Fault> faults_;

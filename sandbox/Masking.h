@@ -25,7 +25,7 @@ using Explain = std::function<std::string(std::string_view key, const json::valu
 /// Replaces tokens, keys, PIN blocks, CVVs, card numbers, PaRes and the like, wherever they are in
 /// the body and however their key is capitalised. A text that looks like a card number is taken
 /// for one under any key that is not known to hold something else. Of what is no JSON object only
-/// the kind and size are told: nobody can tell the secrets in it.
+/// the kind and size are kept, because the secrets in it cannot be found.
 MaskedBody maskBody(std::string_view body, std::string_view contentType, const Explain& explain);
 
 /// "3fa2... (32 characters)": enough to tell two tokens apart, too little to use one.

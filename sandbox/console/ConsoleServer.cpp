@@ -123,7 +123,7 @@ class ConsoleServer::Server {
                [this](const Request& request, Response& response) { wish(request, response); });
   }
 
-  /// Whoever does not know the secret learns from every path the same.
+  /// Without the secret every path gives the same answer.
   bool admits(const Request& request, Response& response) const {
     const RequestSource source{.host = request.get_header_value("Host"),
                                .origin = header(request, "Origin"),
@@ -179,10 +179,10 @@ class ConsoleServer::Server {
       return answer(response, mistake(*wrong));
     }
     if (textOf(*wish, "method") == "GET") return answer(response, mistake("ask by GET"));
-    HttpAnswer told =
+    HttpAnswer answered =
         ask(textOf(*wish, "method"), textOf(*wish, "path"), json::serialize(wish->at("body")));
-    told.body = maskBody(told.body, told.contentType, {}).text;
-    answer(response, told);
+    answered.body = maskBody(answered.body, answered.contentType, {}).text;
+    answer(response, answered);
   }
 
   HttpAnswer whole(std::string_view number) {

@@ -8,10 +8,10 @@
 
 namespace orlix::sandbox {
 
-/// What one open page is told, as server-sent events: "requests" with the requests that have
+/// The news of one open page, as server-sent events: "requests" with the requests that have
 /// changed (the identifier of the event says up to which revision), and "status" with the rest of
-/// what every view of the page shows. An event of another kind means that the page should look for
-/// itself. Thread: one; the state is locked inside. Lifetime: the arguments outlive it.
+/// what every view of the page shows. Thread: one; the state is locked inside. Lifetime: the
+/// arguments outlive it.
 class ConsoleStream {
  public:
   /// `seen`: the revision that the page knows; 0: none.

@@ -39,7 +39,7 @@ export function follow(handlers) {
     }
   };
 
-  // A browser has six connections for one address: consoles that nobody sees leave them to others.
+  // A browser opens six connections to one address: consoles in hidden tabs leave them to others.
   document.addEventListener("visibilitychange", () => {
     if (document.hidden) {
       close();

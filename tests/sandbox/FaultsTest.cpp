@@ -1,6 +1,7 @@
 #include <atomic>
 #include <thread>
 
+#include "sandbox/Faults.h"
 #include "tests/sandbox/Wallet.h"
 
 namespace orlix::sandbox::test {
@@ -108,6 +109,20 @@ TEST_F(FaultsOnDemand, AnswersOfSeveralPathsAreHeldSideBySideAndTheirRequestsCar
   sandbox_.stop();
   threads[2].join();
   EXPECT_EQ(late.status, 0) << "the end does not wait for a delay";
+}
+
+TEST(Faults, AreBoundedAndDropTheOldestSpentOneFirst) {
+  Faults faults;
+  const std::int64_t first = faults.add(Fault{.kind = Fault::Kind::silence, .path = "/never"});
+  const std::int64_t spent = faults.add(Fault{.kind = Fault::Kind::silence, .path = "/once"});
+  EXPECT_EQ(faults.take("/once").size(), 1U);
+  while (faults.list().size() < 1000) faults.add(Fault{});
+  faults.add(Fault{});
+  EXPECT_EQ(faults.list().size(), 1000U);
+  EXPECT_FALSE(faults.has(spent));
+  EXPECT_TRUE(faults.has(first));
+  faults.add(Fault{});
+  EXPECT_FALSE(faults.has(first));
 }
 
 TEST_F(FaultsOnDemand, AHandshakeIsHeldUntilItIsClearedAndHoldsUpNoOther) {

@@ -11,7 +11,7 @@ TEST(Masking, ReplacesEverySecretByWordsWhereverItIs) {
   struct Row {
     const char* body;
     const char* secret;  ///< What must be gone.
-    const char* words;   ///< What stands there instead.
+    const char* words;   ///< What replaces it.
     const char* pointer;
   };
   for (const Row& row : std::vector<Row>{

@@ -80,7 +80,7 @@ PAYS = ("type pinField 1234", "tap proceedAction",
 
 
 class Cable:
-    """Stands between the browser and a server, and can be cut."""
+    """A connection between the browser and a server that can be cut."""
 
     def __init__(self, address):
         self.server = urllib.parse.urlparse(address)
