@@ -177,8 +177,6 @@ const JsonValue* AnswerReader::find(std::string_view key) const {
   return nullptr;
 }
 
-bool AnswerReader::has(std::string_view key) const { return find(key) != nullptr; }
-
 std::optional<std::string> AnswerReader::text(std::string_view key) const {
   std::optional<std::string> result;
   if (const JsonValue* found = find(key)) {

@@ -47,8 +47,6 @@ class AnswerReader {
   explicit AnswerReader(const JsonObject& answer) : AnswerReader(answer.dictionary()) {}
   explicit AnswerReader(JsonObject&&) = delete;
 
-  /// Whether the key exists; null counts as existing.
-  bool has(std::string_view key) const;
   std::optional<std::string> text(std::string_view key) const;
   bool boolean(std::string_view key) const;
   std::int64_t integer(std::string_view key) const;

@@ -1,4 +1,5 @@
 #include "orlixkit/checkout/AlertWindow.h"
+#include "orlixkit/checkout/OXPresentationController.h"
 #include "orlixkit/checkout/OXUtil.h"
 #include "tests/phone/Phone.h"
 
@@ -53,6 +54,51 @@ TEST(Look, IsTheSameOnEveryScreen) {
     // The payment screen is the one that keeps the fonts of its storyboard.
     expectLook(*screen->view(), screen->identifier() != "Product");
   }
+}
+
+TEST(Look, AScreenIsACardOverTheDimmedHost) {
+  Phone phone;
+  phone.showPaymentScreen();
+  const auto card = std::dynamic_pointer_cast<OXPresentationController>(
+      phone.host.topController()->presentationController());
+  ASSERT_TRUE(card);
+  const auto dimming = card->dimmingView();
+  const Size whole = phone.host.application().mainScreenSize();
+  EXPECT_EQ(dimming->backgroundColor(), (Color{0, 0, 0, 0.4}));
+  EXPECT_EQ(dimming->frame(), (Rect{0, 0, whole.width, whole.height}));
+  EXPECT_EQ(dimming->alpha(), 1);
+  phone.act("cancelAction");
+  phone.host.runUntilIdle();
+  EXPECT_EQ(dimming->alpha(), 0);
+}
+
+TEST(Look, AnAlertIsInTheColoursAndFontsOfTheBrand) {
+  Phone phone;
+  OXUtil::showAlertWithTitle("Warning", "text");
+  phone.host.runUntilAlert("Warning");
+  const auto alert = std::dynamic_pointer_cast<AlertController>(phone.host.topController());
+  const View& view = *alert->view();
+  const Color dark{0.439, 0.443, 0.455, 1};
+  EXPECT_EQ(view.backgroundColor(), (Color{0.106, 0.118, 0.149, 1}));
+  EXPECT_TRUE(view.cornerRadius() == 5 && view.borderWidth() == 1 && view.borderColor() == dark);
+  EXPECT_TRUE(view.tintColor() == kWhite && alert->textColor == dark);
+  EXPECT_EQ(alert->titleFont, (Font{"Inter-Bold", 17}));
+  EXPECT_EQ(alert->messageFont, (Font{"Inter-Regular", 15}));
+}
+
+TEST(Look, TheBrandsFontsAreRegisteredWithTheLibraryAndABrokenOneIsNamed) {
+  Phone phone({.adapt = [](Ports& ports) {
+    const auto bundle = std::make_shared<MemoryBundle>();
+    bundle->add("Inter-Regular", "otf", toBytes("OTTO"));
+    bundle->add("Inter-Bold", "otf", toBytes("true"));
+    bundle->add("Inter-Light", "otf", toBytes("text"));
+    ports.bundle = bundle;
+  }});
+  EXPECT_TRUE(phone.host.log().contains("The resource Inter-Light.otf is no OpenType font."));
+  OXOrlix::printFonts();
+  EXPECT_TRUE(phone.host.log().contains("  Inter-Regular"));
+  EXPECT_TRUE(phone.host.log().contains("  Inter-Bold"));
+  EXPECT_FALSE(phone.host.log().contains("  Inter-Light"));
 }
 
 TEST(Plumbing, AnAlertFindsTheApplicationsActiveWindow) {
