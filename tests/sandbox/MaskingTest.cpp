@@ -54,7 +54,7 @@ TEST(Masking, LeavesTheRestAndTellsOfWhatCannotBeReadItsSizeOnly) {
   EXPECT_TRUE(large.cut);
 }
 
-struct Account {
+struct SeenByConsole {
   SeenRequests seen;
   std::int64_t add(size_t bytes = 0) {
     const MaskedBody body{.text = std::string(bytes, 'x')};
@@ -65,7 +65,7 @@ struct Account {
 };
 
 TEST(SeenRequests, AreBoundedInNumberAndTheirBodiesInBytes) {
-  Account account;
+  SeenByConsole account;
   constexpr size_t count = SeenRequests::kept + 5;
   for (size_t i = 0; i < count; ++i) account.add();
   EXPECT_EQ(account.seen.count(), SeenRequests::kept);
@@ -86,7 +86,7 @@ TEST(SeenRequests, AreBoundedInNumberAndTheirBodiesInBytes) {
 }
 
 TEST(SeenRequests, TellWhatHasChangedSinceARevisionAndHowLongEachTook) {
-  Account account;
+  SeenByConsole account;
   account.add();
   const std::int64_t second = account.add();
   const std::int64_t revision = account.seen.revision();
