@@ -1,3 +1,7 @@
+#include <future>
+#include <thread>
+#include <utility>
+
 #include <fmt/format.h>
 
 #include "sandbox/console/ConsoleStream.h"
@@ -56,6 +60,53 @@ TEST_F(Console, ExplainsTheSecretsOfARequestAndHoldsNoneOfThem) {
   const std::string started = latest().text;
   EXPECT_EQ(started.find(wallet_->token1), std::string::npos);
   EXPECT_NE(started.find("PIN key, 24 characters"), std::string::npos) << started;
+}
+
+TEST_F(Console, ExplainsAPaResAndKeepsNoneNeitherInAFormNorInAPage) {
+  json::object payment = wallet_->purchase("FIXED-25", "0301", "25.00", "");
+  const Reply page =
+      wallet_->post("card/scUrl/TALU",
+                    {{"cardId", payment.at("cardId")}, {"code", "FIXED-25"}, {"amount", "25.00"}});
+  const std::string paReq = textOf(page.body, "payload");
+  EXPECT_EQ(latest().text.find(paReq), std::string::npos);
+  const Reply back = replyOf(wallet_->http.Post(
+      "/issuer/otp", httplib::Params{{"PaReq", paReq},
+                                     {"TermUrl", "https://127.0.0.1/vello/secure_code.jsp"},
+                                     {"otp", "123456"}}));
+  const std::string before = "name='PaRes' value='";
+  const size_t at = back.text.find(before) + before.size();
+  const std::string paRes = back.text.substr(at, back.text.find('\'', at) - at);
+  ASSERT_FALSE(paRes.empty());
+  const std::string form = latest().text;
+  for (const std::string& secret : {paReq, paRes, std::string("123456")}) {
+    EXPECT_EQ(form.find(secret), std::string::npos) << form;
+  }
+  EXPECT_NE(form.find("with the fields PaReq"), std::string::npos) << form;
+  for (const auto& [word, explained] :
+       std::vector<std::pair<std::string, std::string>>{{paRes + "x", "PaRes, not the issuer's"},
+                                                        {paRes, "the authentication passed"},
+                                                        {paRes, "used before"}}) {
+    payment["secureCodeData"] = {{"PaRes", word}, {"secureCodeId", page.body.at("secureCodeId")}};
+    wallet_->post("purchase/TALU", payment);
+    const std::string seen = latest().text;
+    EXPECT_NE(seen.find(explained), std::string::npos) << seen;
+    EXPECT_EQ(seen.find(paRes), std::string::npos);
+  }
+}
+
+TEST_F(Console, TheEndOfTheSandboxEndsOpenPages) {
+  std::promise<void> open;
+  std::thread page([&] {
+    bool first = true;
+    http_->Get((root_ + "events").c_str(), [&](const char*, size_t) {
+      if (std::exchange(first, false)) open.set_value();
+      return true;
+    });
+  });
+  open.get_future().wait();
+  sandbox_.stop();
+  page.join();
+  EXPECT_FALSE(http_->Get(root_.c_str())) << "nothing listens any more";
 }
 
 TEST_F(Console, EveryAnswerForbidsWhatThePageDoesNotNeed) {

@@ -106,5 +106,26 @@ TEST_F(Server, AFaultMeetsItsPathAfterTheSkippedForItsCountAndSaysWhetherItIsCar
   EXPECT_EQ(counted("purchasesReceived"), 4);
 }
 
+TEST(EventLines, TellOfARequestItsTimeMethodDurationAndWhyItIsRefused) {
+  std::vector<json::object> requests;
+  Sandbox sandbox({.onEvent = [&](std::string_view line) {
+    const json::object event = parseObject(line).value();
+    if (textOf(event, "event") == "request") requests.push_back(event);
+  }});
+  sandbox.start();
+  Wallet wallet(sandbox);
+  const std::int64_t before = now().time_since_epoch().count();
+  wallet.start();
+  wallet.post("card/list/TALU");
+  sandbox.stop();
+  ASSERT_EQ(requests.size(), 2U);
+  EXPECT_GE(integerOf(requests[0], "time"), before);
+  EXPECT_EQ(textOf(requests[0], "method"), "POST");
+  EXPECT_GE(integerOf(requests[0], "milliseconds", -1), 0);
+  EXPECT_FALSE(requests[0].contains("reason"));
+  EXPECT_EQ(integerOf(requests[1], "status"), 401);
+  EXPECT_EQ(textOf(requests[1], "reason"), "the device is not enrolled");
+}
+
 }  // namespace
 }  // namespace orlix::sandbox::test
