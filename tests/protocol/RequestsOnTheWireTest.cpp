@@ -14,7 +14,7 @@ PurchaseRequest fullPurchase() {
   request.location = Location{-26.5, 28.25, {}, {}, {}, {}};
   request.amount = "12.50";
   request.tipAmount = "1.00";
-  request.extraRefValue = "a \"b\" \\ \n \x01 / é";
+  request.extraRefValue = "a \"b\" \\ \n\r\t\b\f \x01 / é";
   request.billingListId = -7;
   request.shippingListId = 8;
   return request;
@@ -43,7 +43,7 @@ const std::string kFull = R"(  "cvv" : "321",
   "locationInfo" : "[G:-26.5,28.25]",
   "amount" : "12.50",
   "tipAmount" : "1.00",
-  "extraRefValue" : "a \"b\" \\ \n \u0001 \/ é",
+  "extraRefValue" : "a \"b\" \\ \n\r\t\b\f \u0001 \/ é",
   "cardId" : 9007199254740993,
   "billingListId" : -7,
   "shippingListId" : 8,
