@@ -63,7 +63,7 @@ TEST(OverTls, APinCheckoutTakesOneHandshakeAndLeavesNoTraceOfThePin) {
   EXPECT_THAT(phone.state.everyByte(), Not(HasSubstr(pin)));
 }
 
-TEST(OverTls, TheHostsEndTakesNoTenthOfASecondWhateverIsInFlight) {
+TEST(OverTls, TheHostsEndWaitsForNothingThatIsInFlight) {
   struct Case {
     std::string name, code, path;
     int times;
@@ -80,7 +80,8 @@ TEST(OverTls, TheHostsEndTakesNoTenthOfASecondWhateverIsInFlight) {
     const auto begun = std::chrono::steady_clock::now();
     Host::current().shutdown();
     const std::chrono::duration<double> took = std::chrono::steady_clock::now() - begun;
-    EXPECT_LT(took.count(), 0.1);
+    // Less than the shortest wait that it could be caught in, a pause of two seconds between polls.
+    EXPECT_LT(took.count(), 1.5);
     EXPECT_TRUE(phone.app->heard.empty());
   }
 }
