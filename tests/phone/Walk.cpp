@@ -330,6 +330,13 @@ void Walk::answer(const WalletServer::Request& request, const std::string& wante
   server_->answer(request, how);
 }
 
+/// Of several requests that fail at once the payment's is offered first.
+void Walk::noteFailure(const std::string& kind) {
+  const bool isPayment = kind == "purchase" || kind == "authenticate" || kind == "receipt";
+  cause_ = isPayment || !paymentIsLost_ ? kind : cause_;
+  paymentIsLost_ = paymentIsLost_ || isPayment;
+}
+
 void Walk::noteAnswer(const HeldRequest& request, const std::string& how) {
   Flow& flow = current();
   const std::string& kind = request.kind;
@@ -341,16 +348,13 @@ void Walk::noteAnswer(const HeldRequest& request, const std::string& how) {
     flow.refusedKind = cause_ = kind;
     flow.lookupsAreMixed = flow.lookupsAreMixed || kind == "lookup";
   } else if (how == "lost" && kind != "session") {
-    // Of several that fail at once the payment's is offered first.
-    const bool isPayment = kind == "purchase" || kind == "authenticate" || kind == "receipt";
-    cause_ = isPayment || !paymentIsLost_ ? kind : cause_;
-    paymentIsLost_ = paymentIsLost_ || isPayment;
+    noteFailure(kind);
   }
   if (kind == "session") {
     // A request that was refused with 403 fails with the session that was to replace its own.
     const std::string refused = std::exchange(flow.refusedKind, "");
     if (how != "ok") {
-      cause_ = refused.empty() ? kind : refused;
+      noteFailure(refused.empty() ? kind : refused);
       flow.startsAllowed += how == "lost" ? 1 : 0;
       flow.silent = flow.silent || (how == "refused" && refused.empty());
     }

@@ -145,6 +145,7 @@ class Walk : private UiObserver {
   void offerHost();
   void offerTrouble();
   void answer(const WalletServer::Request& request, const std::string& how);
+  void noteFailure(const std::string& kind);
   void noteAnswer(const HeldRequest& request, const std::string& how);
   void touch(const Controller& screen, const std::string& action, bool stray);
   void fill(ViewController& screen) const;
