@@ -18,7 +18,7 @@ namespace orlix::fuzz {
 
 namespace {
 
-constexpr const char* kPatterns[] = {"XX/XX", "XX/XX/XXXX", "(XXX) - X€X.", "", "X"};
+constexpr const char* kPatterns[] = {"XX/XX", "XX/XX/XXXX", "(XX) - X€X.", "", "X"};
 
 /// Of a card number, or with one of the patterns.
 std::shared_ptr<SeparatedTextField> makeField(std::size_t number) {
