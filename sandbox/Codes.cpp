@@ -112,7 +112,7 @@ struct NamedCode {
   std::string behaviour;
 };
 
-/// In the order in which the README tells them.
+/// In the order of the README.
 const std::vector<NamedCode>& documentedCodes() {
   static const std::vector<NamedCode> all{
       {"FIXED-25", fixed("FIXED-25"), "Fixed amount; the purchase must carry exactly that."},

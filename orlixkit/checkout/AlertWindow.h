@@ -10,8 +10,9 @@ namespace orlix {
 /// Shows alerts over whatever is on top, finding the application's active window by itself.
 class AlertWindow {
  public:
-  /// Any thread. The alert waits while what is on top is on its way out; one that was withdrawn
-  /// before is not shown. Without a window it is dropped with a log line and counts as lost.
+  /// Any thread. The alert waits while the top controller is being dismissed; one that was
+  /// withdrawn before is not shown. Without a window it is dropped with a log line and counts as
+  /// lost.
   static void show(const std::shared_ptr<AlertController>& alert, bool animated = true);
 
   /// Main thread. None when nothing is on screen.

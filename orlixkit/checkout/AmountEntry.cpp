@@ -37,7 +37,7 @@ struct Cursor {
   }
 };
 
-/// The exponent behind "e"; 0 when no complete one stands there.
+/// The exponent after "e"; 0 without a complete one.
 std::int64_t readExponent(Cursor text) {
   if (!text.takeIf('e') && !text.takeIf('E')) {
     return 0;

@@ -4,8 +4,8 @@
 
 namespace orlix {
 
-/// What the host application hears: exactly one of these for each flow that ends by a return to the
-/// host, on the main thread, after every screen of the library is gone.
+/// Callbacks to the host application: exactly one of these for each flow that ends by a return to
+/// the host, on the main thread, after every screen of the library is gone.
 class OXOrlixDelegate {
  public:
   virtual ~OXOrlixDelegate() = default;

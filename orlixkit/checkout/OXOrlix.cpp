@@ -235,7 +235,7 @@ void OXOrlix::velloNotActivated() {
   if (const Controller presenter = waitingController_->presentingViewController()) {
     presenter->dismiss(true, goOn);
   } else {
-    // A waiting screen that is kept from an earlier flow and no longer stands on the screen.
+    // A waiting screen kept from an earlier flow and no longer presented.
     goOn();
   }
 }

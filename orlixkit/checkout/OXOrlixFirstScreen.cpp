@@ -1,4 +1,4 @@
-// Which screen comes first once the session stands.
+// Chooses the first screen once the session is established.
 
 #include <cstdint>
 #include <functional>
@@ -31,7 +31,7 @@ struct Lookup {
   std::uint64_t screenChanges;
   bool dataOnly;
 
-  /// Asked for the data alone, or the user has gone to another screen meanwhile.
+  /// Asked for the data alone, or the user is on another screen by now.
   bool isLate(const OXSession& session) const {
     return dataOnly || screenChanges != session.screenChanges();
   }
@@ -69,7 +69,7 @@ void refreshData(OXSession& session, MTCodeResponse response) {
     takeData(session, std::move(response));
     session.dataChanged();
   } else {
-    // The purchase will be told; the user's present screen is none of this lookup's business.
+    // The purchase will be refused with the reason; a late lookup does not change the screen.
     log("OrlixKit: A lookup that came late found the code not usable.");
   }
 }
@@ -102,7 +102,7 @@ void lookUpCode(bool hasWaitingScreen, bool dataOnly) {
         return connection.getCodeInfoV2(code, "inapp");
       },
       [session, lookup, hasWaitingScreen](MTCodeResponse answer) {
-        // Shared, since whoever waits for the end of a payment copies what it holds.
+        // Shared: a task that waits for the end of a payment is copied with its captures.
         const auto response = std::make_shared<MTCodeResponse>(std::move(answer));
         lookup.take(*session, [hasWaitingScreen, response](OXSession& current, bool late) {
           if (late) {

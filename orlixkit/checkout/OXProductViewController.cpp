@@ -244,7 +244,7 @@ void OXProductViewController::proceedAction() {
     return;
   }
   // Before the method is looked at: a card on which nothing can be done counts as chosen as well,
-  // and 0 stands for no card.
+  // and 0 means no card.
   OXUtil::setLastUsedCardId(selectedCard_ ? selectedCard_->cardId : 0);
   switch (paymentMethod_) {
     case CardOptionMethod::secureCode:

@@ -270,7 +270,7 @@ void OXSession::leaveAtOnce() {
     return;
   }
   presentingController->dismiss(false, [self = shared_from_this()] {
-    // Only now: a screen on its way in is told that it has appeared before it is dismissed.
+    // Only now: a screen that is being presented receives `viewDidAppear` before its dismissal.
     OXUtil::indicator().dismiss();
     self->deliverPendingCallback();
   });

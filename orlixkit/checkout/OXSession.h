@@ -71,13 +71,13 @@ class OXSession : public std::enable_shared_from_this<OXSession> {
   void dataChanged();
   /// One of the screens at hand shows them.
   bool isDataShown() const;
-  /// A screen of the library is shown, if only on its way out.
+  /// A screen of the library is shown, also while it is being dismissed.
   bool hasScreens() const;
 
   void returnUserDidCancel();
   void returnUserRegistered();
   void returnUserDoneWithWallet();
-  /// Not an end: the flow goes on with whoever asked for the authentication.
+  /// Not an end: the screen that asked for the authentication goes on with the flow.
   void returnAuth3DsValidated();
   void returnPaymentSucceededWithTransactionReference(const std::string& reference);
   void returnError(int errorCode);
@@ -133,7 +133,7 @@ class OXSession : public std::enable_shared_from_this<OXSession> {
   std::uint64_t lookupTaken = 0;
 
  private:
-  /// How the flow ends: the operation that ends it, for the log, and what the host hears.
+  /// How the flow ends: the operation that ends it, for the log, and the host's callback.
   struct Ending {
     std::string operation;
     std::function<void(OXOrlixDelegate&)> tell;

@@ -27,7 +27,7 @@ class SessionScreen : public ViewController {
   /// These have been replaced while this screen is shown.
   virtual void sessionDataChanged() {}
 
-  /// No longer presented, or on its way out.
+  /// No longer presented, or being dismissed.
   bool wasLeft() const { return !presentingViewController() || isBeingDismissed(); }
 
  protected:
@@ -69,7 +69,7 @@ class SessionScreen : public ViewController {
     std::function<void(Answer)> answered;
     Task failed;
     /// Runs in the place of `answered` once the screen has been left. It may bring the session's
-    /// data up to date; the screens are no longer its business.
+    /// data up to date; it must not change the screens.
     Task answeredLate = {};
     /// The answer is dropped when one of the same kind that was asked for later has been taken: a
     /// lookup, say. Requests that change something count each for itself.

@@ -23,7 +23,7 @@ void runInBackground(RequestQueue queue, Task work, const Task& then);
 /// Writes why a request failed, unless the protocol client has done so.
 void logFailureOfRequest(const std::exception& failure);
 
-/// One request of a flow, on its way from the main thread to the background and back.
+/// One request of a flow, passed from the main thread to the background and back.
 template <class Answer>
 struct WalletRequest {
   std::shared_ptr<OXSession> session;

@@ -9,7 +9,7 @@ namespace orlix {
 
 namespace {
 
-/// Shared with the page and the alarm, which may come when nobody waits any more.
+/// Shared with the page and the alarm; either may report after the reading has ended.
 struct Reading {
   std::optional<ScriptResult> result;
   bool late = false;

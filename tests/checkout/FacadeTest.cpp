@@ -138,9 +138,9 @@ TEST(Facade, OneThatHasShownTheWaitingScreenShowsItOnlyOnce) {
   phone.checkout();
   phone.host.runFor(1s);
   EXPECT_EQ(phone.screen(), "");
-  // The waiting screen is kept, but stands nowhere: nothing is to be dismissed first.
+  // The waiting screen is kept but not presented: nothing is to be dismissed first.
   phone.host.runUntilScreen("Activation");
-  // On that path it is let go, so that the next call shows one again.
+  // On that path it is released, so that the next call shows one again.
   phone.checkout();
   phone.host.runUntilScreen("Waiting");
   EXPECT_EQ(phone.app->heard, Heard{"cancelled"});

@@ -158,7 +158,7 @@ class Scene {
   }
   void runUntilConnectionIsHeld() {
     phone_->runUntil([&] {
-      phone_->look();  // for nobody tells of connections
+      phone_->look();  // connections cause no notification
       const boost::json::object account = asked("/control/faults");
       const auto& faults = account.at("faults").as_array();
       return faults.back().at("hits").to_number<int>() == 1;
@@ -204,7 +204,7 @@ class Scene {
   boost::json::object asked(const std::string& path) {
     return boost::json::parse(server_.control("GET", path)).as_object();
   }
-  /// On the server's threads: whoever runs the phone looks again.
+  /// On the server's threads: makes the phone's run loop check its condition again.
   void heard(std::string_view line) {
     const auto event = boost::json::parse({line.data(), line.size()}).as_object();
     const std::lock_guard held(lock_);
@@ -238,7 +238,7 @@ class Scene {
 /// How far a purchase has come when its flow ends.
 enum class Purchase {
   connecting,       ///< Its connection is not open yet.
-  answered,         ///< It has been refused, and the answer is on its way.
+  answered,         ///< It has been refused, and the answer is being sent.
   awaitingSession,  ///< It has been refused, and waits for the session that another request opens.
 };
 

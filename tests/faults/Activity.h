@@ -10,7 +10,7 @@
 
 namespace orlix::test {
 
-/// Knows whether the library has anything to do, by what stands on its queues, what of it waits on
+/// Knows whether the library has anything to do, by the tasks in its queues, what of it waits on
 /// the clock, and which exchanges are under way: so that a test need not tell by the time that
 /// passes. When nothing is left to do, the main queue gets an empty task, so that who runs it
 /// looks.

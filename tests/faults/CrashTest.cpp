@@ -97,7 +97,7 @@ class Killer {
   bool round(bool paying) {
     const TemporaryFolder folder;
     if (paying) {
-      run("enrol", folder.path());  // anew: a device's latest token is the one that counts
+      run("enrol", folder.path());  // again: a device's latest token is the valid one
     }
     const std::string purpose = paying ? "pay" : "enrol";
     const auto limit = std::chrono::nanoseconds(
@@ -162,7 +162,7 @@ int main(int count, char** values) {
   sigset_t childEnds;
   sigemptyset(&childEnds);
   sigaddset(&childEnds, SIGCHLD);
-  pthread_sigmask(SIG_BLOCK, &childEnds, nullptr);  // so that sigtimedwait hears it
+  pthread_sigmask(SIG_BLOCK, &childEnds, nullptr);  // for sigtimedwait
   Killer killer(count > 2 ? std::strtoull(values[2], nullptr, 10) : std::random_device()());
   killer.childEnds_ = childEnds;
   return killer.rounds(count > 1 ? std::atoi(values[1]) : 10);

@@ -65,11 +65,11 @@ const std::vector<FaultKind> kFaults{
 
 /// What came of a journey.
 struct Outcome {
-  std::string shown;        ///< what the user was told on the way
+  std::string shown;        ///< what the user saw on the way
   Heard heard;              ///< by the host application
-  std::int64_t sent = 0;    ///< purchases that arrived before the user was told
+  std::int64_t sent = 0;    ///< purchases that arrived before the user saw an answer
   bool kept = false;        ///< the device's token is on disk
-  bool keptBefore = false;  ///< and was when the user was told
+  bool keptBefore = false;  ///< and was when the user saw it
   std::vector<std::string> requests;
   std::int64_t sentInAll = 0;
 };
@@ -186,7 +186,7 @@ class Customer {
     // an accepted connection may still be overtaken by the next.
     const bool lookedUp = kind_ == nullptr || !kind_->connects || counted("handshakes") >= 2;
     if (!lookedUp) {
-      phone_->look();  // until it has come, of which nobody tells
+      phone_->look();  // until it has come, which causes no notification
     }
     return lookedUp;
   }
@@ -321,7 +321,7 @@ Expected expected(const Journey& journey, const std::string& request, const std:
   const bool carriedOut = !forgotten && !unnoticed && fault != "500" && fault != "redirect loop" &&
                           fault.rfind("refused", 0) != 0;
   if (request == "session/new" && forgotten) {
-    return {"retry", usual};  // there is no session to open anew
+    return {"retry", usual};  // there is no session to open again
   }
   if (request.rfind("sms/", 0) == 0) {
     // Asked twice before the user is; a new session cannot help a device that is not enrolled.

@@ -11,7 +11,7 @@ namespace orlix::test {
 /// static data. What it looks for it keeps masked, so that it never finds itself.
 class MemoryScan {
  public:
-  /// A sequence to look for, told unit by unit so that it need never stand together in memory.
+  /// A sequence to look for, given unit by unit so that it is never complete in memory.
   struct Needle {
     std::string name;
     std::vector<std::uint8_t> masked;

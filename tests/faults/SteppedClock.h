@@ -12,7 +12,7 @@
 
 namespace orlix::test {
 
-/// The real clock, on which a test can let time go by at once: whoever waits past that point finds
+/// The real clock, which a test can advance at once: a wait that ends before that point finds
 /// his deadline passed. The calendar can be set apart from it, as a user sets it.
 ///
 /// Thread: any. Conditions must be gone before the clock.

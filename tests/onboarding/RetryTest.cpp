@@ -70,7 +70,7 @@ const std::vector<Step>& steps() {
   const std::string noCards = R"({"cards":[]})";
   static const std::vector<Step> kSteps{
       {"session", "/session/new/", 1, kSession, "Product", "", checkout},
-      // Cancel leaves the user before the waiting screen and tells nobody.
+      // Cancel leaves the user on the waiting screen, without a callback.
       {"code", "/lookup/", 1, code, "Product", "Waiting", checkout},
       {"cards", "/card/list/", 1, noCards, "AddCard", "Waiting",
        [](Phone& phone) { phone.begin(Entry::preRegister); }},

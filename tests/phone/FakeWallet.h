@@ -45,7 +45,7 @@ class FakeWallet {
   explicit FakeWallet(ScriptedHttpClient& network);
 
   std::string session = answers::kSession;
-  /// JSON object of what the code stands for; empty for a code that stands for nothing.
+  /// "codeInfo" of the code's lookup; empty for an unknown code.
   std::string codeInfo = R"({"code":"C-1","merchantName":"Corner Shop","amountString":"R 25.00",)"
                          R"("amount":"25.00","currency":"R"})";
   std::vector<std::string> cards{cardJson(5, "4242", R"(,"method":"AMT")")};

@@ -11,11 +11,11 @@ namespace orlix::test {
 
 using Heard = std::vector<std::string>;
 
-/// The host application: writes down what it hears.
+/// The host application: records its callbacks.
 class HostApp : public OXOrlixDelegate, public OX3DSecureOrlixDelegate {
  public:
   Heard heard;
-  /// What the application does when it hears something.
+  /// Runs at each callback.
   std::function<void()> onOutcome;
 
   void orlixPaymentSucceededWithTransactionReference(const std::string& reference) override {

@@ -58,7 +58,7 @@ struct Phone {
   /// A touch, or an alert's button, and all that comes of it.
   void tap(const std::string& name);
   void press(const std::string& button);
-  /// An action of the top screen, whether or not a finger could reach it.
+  /// Performs an action of the top screen, whether or not a user could touch it.
   void act(const std::string& name) { host.topController()->performAction(name); }
   void runUntilOutcome() {
     host.runUntil([this] { return !app->heard.empty(); });

@@ -28,7 +28,7 @@ struct Flow {
   std::shared_ptr<HostApp> app = std::make_shared<HostApp>();
   std::shared_ptr<ViewController> controller;
   bool ended = false;     ///< by a return operation
-  bool replaced = false;  ///< before it had ended, or never begun: its host hears nothing
+  bool replaced = false;  ///< before it had ended, or never begun: no callback
   bool silent = false;    ///< has reached one of the ends without a callback
   bool sawProduct = false;
   bool fixesAmount = false;  ///< so that a code with an amount of its own cannot be paid
@@ -109,7 +109,7 @@ class Walk : private UiObserver {
   };
 
   // What is there. The chain of a controller: itself and all that is presented on it, from below;
-  // what is on its way out is left out.
+  // what is being dismissed is left out.
   static std::vector<Controller> chain(const Controller& root);
   static Controller top(const Controller& root) { return chain(root).back(); }
   std::vector<Controller> roots() const { return {host_->root(), otherRoot_}; }

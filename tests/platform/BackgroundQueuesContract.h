@@ -12,10 +12,10 @@
 
 namespace orlix {
 
-/// Rules that every implementation of the background queues keeps. `Platform` is made anew for each
+/// Rules that every implementation of the background queues keeps. `Platform` is made for each
 /// test, on the test's thread, which is its main thread. It offers
 ///   MainQueue& mainQueue();  BackgroundQueues& backgroundQueues();  Clock& clock();
-/// all of one host: closing the background queues is the shutdown that the clock hears of.
+/// all of one host: closing the background queues is the shutdown that ends the clock's waits.
 template <class Platform>
 class BackgroundQueuesContract : public testing::Test {
  protected:

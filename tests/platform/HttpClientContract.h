@@ -54,7 +54,7 @@ struct SeenRequest {
   }
 };
 
-/// Writes down what it is told. Trusts whatever chain it is shown.
+/// Records its calls. Trusts every chain.
 class RecordingDelegate : public HttpDelegate {
  public:
   using Answer = std::function<bool()>;
@@ -97,7 +97,7 @@ inline void perform(HttpClient& client, const HttpRequest& request, RecordingDel
   delegate.error = result.error;
 }
 
-/// Rules that every HTTP client keeps. `Platform` is made anew for each test, on the test's thread,
+/// Rules that every HTTP client keeps. `Platform` is made for each test, on the test's thread,
 /// which is its main thread. It offers
 ///   MainQueue& mainQueue();  BackgroundQueues& backgroundQueues();  Clock& clock();
 ///   HttpClient& httpClient();

@@ -9,7 +9,7 @@
 
 namespace orlix {
 
-/// Rules that every position source keeps. `Platform` is made anew for each test:
+/// Rules that every position source keeps. `Platform` is made for each test:
 ///   LocationManager& locationManager();
 ///   void bringFix();  // lets the fix of the last start come, if updates are on, and waits for it
 template <class Platform>

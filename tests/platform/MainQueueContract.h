@@ -12,7 +12,7 @@
 
 namespace orlix {
 
-/// Rules that every main queue keeps. `Platform` is made anew for each test, on the test's thread,
+/// Rules that every main queue keeps. `Platform` is made for each test, on the test's thread,
 /// which is its main thread. It offers
 ///   MainQueue& mainQueue();  BackgroundQueues& backgroundQueues();
 ///   std::vector<std::string> logged();   // lines of the log so far

@@ -10,10 +10,10 @@
 
 namespace orlix::test {
 
-/// What the controllers of a test were told, one line each.
+/// Callbacks of a test's controllers, one line each.
 using Diary = std::vector<std::string>;
 
-/// A screen that writes down what it is told.
+/// A screen that records its callbacks.
 class DiaryScreen : public ViewController {
  public:
   DiaryScreen(const std::string& name, Diary& entries) : diary(entries) { setIdentifier(name); }

@@ -1,4 +1,4 @@
-// Alerts: each is shown, and tells once how it ended.
+// Alerts: each is shown, and reports its end once.
 
 #include <gtest/gtest.h>
 

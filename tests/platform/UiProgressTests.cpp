@@ -1,4 +1,4 @@
-// The progress indicator: who showed it, how long it stays, and who is told of its end.
+// The progress indicator: its owner, how long it stays, and the completions of its dismissals.
 
 #include <utility>
 
@@ -112,7 +112,7 @@ TEST_F(Progress, ShownByAScreenThatIsTakenAwayOnItsWayInGoesWithIt) {
   root().dismiss(true);
   host.runUntilIdle();
   EXPECT_FALSE(indicator().visible());
-  // Even when it is shown for a screen that has been told already.
+  // Even when it is shown for a screen that has received `viewWillDisappear` already.
   a->whenAppeared = nullptr;
   a->whenDisappearing = [&] { show("Late", a); };
   root().present(a, false);

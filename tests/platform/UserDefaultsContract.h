@@ -12,7 +12,7 @@
 
 namespace orlix {
 
-/// Rules that every key/value store keeps. `Platform` is made anew for each test and offers an
+/// Rules that every key/value store keeps. `Platform` is made for each test and offers an
 /// empty store: UserDefaults& userDefaults();
 template <class Platform>
 class UserDefaultsContract : public testing::Test {

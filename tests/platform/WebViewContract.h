@@ -14,7 +14,7 @@ namespace orlix {
 
 inline const std::string kMarkup = "document.documentElement.outerHTML";
 
-/// What a page told the library.
+/// Records a view's callbacks.
 struct PageReader : WebViewDelegate {
   void didFinishNavigation() override {
     heard.emplace_back("finished");
@@ -56,9 +56,9 @@ class WebViewUser {
   std::shared_ptr<PageReader> reader = std::make_shared<PageReader>();
 };
 
-/// Rules that every web view keeps. `Platform`, made anew for each test on its main thread, is a
+/// Rules that every web view keeps. `Platform`, made for each test on its main thread, is a
 /// WebViewUser that offers
-///   std::shared_ptr<WebView> newView();              // it tells `reader`
+///   std::shared_ptr<WebView> newView();              // its delegate is `reader`
 ///   std::string address(const std::string& path);    // a page of its site, which says the path
 ///   std::string deadAddress();                       // nobody answers there
 ///   std::string endlessScript(WebView& view);

@@ -22,7 +22,7 @@ inline const std::string firstKey = "ASNFZ4mrze/+3LqYdlQyEA==";  // 0123456789AB
 inline const std::string secondKey =
     "ABEiM0RVZneImaq7zN3u/w==";  // 00112233445566778899AABBCCDDEEFF
 
-/// An answer that opens a session; `number` tells the sessions apart.
+/// An answer that opens a session; `number` distinguishes the sessions.
 inline std::string openedSession(int number = 1, const std::string& pinKey = firstKey) {
   return R"({"sessionId":"one-)" + std::to_string(number) + R"(","sessionId2":"two-)" +
          std::to_string(number) + R"(","pinKey":")" + pinKey +

@@ -11,8 +11,8 @@ inline const std::string kTerminationPage =
     R"(<html><script>Vello.handle("PARES")</script></html>)";
 inline const std::string kBought = R"({"status":"SUCCESS","transactionId":4711})";
 
-/// A checkout that stands before an issuer's page, with a wallet server that answers well unless
-/// told otherwise.
+/// A checkout at an issuer's page, with a wallet server whose answers are good unless a test
+/// changes them.
 struct Issuer : Phone {
   explicit Issuer(MemoryHostSettings settings = {}) : Phone(std::move(settings)) {
     for (const char* path : {"/card/scUrl", "/card/get3dsValidateUrl"}) {

@@ -1,4 +1,4 @@
-// Every story of the shop, told by real touches and keys on the drawn screens: it ends as it says,
+// Every story of the shop, by real touches and keys on the drawn screens: it ends as it says,
 // in the same lines as without a window.
 
 #include "examples/shop/window/DrawnShop.h"

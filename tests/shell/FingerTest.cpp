@@ -1,4 +1,4 @@
-// What a script's finger can reach, and what it cannot.
+// What a script can touch, and what it cannot.
 
 #include <QQmlComponent>
 #include <QQmlEngine>

@@ -14,7 +14,7 @@ inline std::string nameOf(const QQuickItem* item) {
   return item != nullptr ? item->objectName().toStdString() : "";
 }
 
-/// Name of what the keyboard stands on in the window.
+/// Name of the window's item with the keyboard focus.
 inline std::string focusIn(const QQuickWindow& window) { return nameOf(window.activeFocusItem()); }
 
 }  // namespace orlix::shell

@@ -82,7 +82,7 @@ class Look {
     }
   }
 
-  /// The field in focus stands above an on-screen keyboard of any height.
+  /// The field in focus is above an on-screen keyboard of any height.
   void fields() {
     QQuickItem& content = *phone_.content();
     for (QQuickItem* item : items_) {

@@ -1,4 +1,4 @@
-// The shop's own window: a buyer without a mouse, and what the shop tells at the end.
+// The shop's own window: use without a mouse, and the message at the end.
 
 #include "examples/shop/window/DrawnShop.h"
 #include "examples/shop/window/Finger.h"
@@ -25,7 +25,7 @@ class Buyer {
              top->controller()->hasAppeared();
     });
   }
-  /// The keyboard goes on until it stands on the item of this name.
+  /// Presses Tab until the item of this name has the focus.
   void tabTo(const std::string& name) {
     for (int step = 0; step < 30 && shell::focusIn(shop.window()) != name; ++step) {
       finger.press(Qt::Key_Tab, "\t");

@@ -329,7 +329,7 @@ TEST(QtWebView, ShowsAPageOfAnySizeThatItCanAndSaysWhenItCannot) {
                                      " bytes is too large to be shown.");
   }
   Site site([&](const SeenRequest&) { return html(large + large + large, "", 500); });
-  for (int i = 0; i < 2; ++i) {  // the same address is asked for anew
+  for (int i = 0; i < 2; ++i) {  // the same address again
     view->loadRequest(site.address("/"));
     EXPECT_EQ(stage.heardNext(), "finished") << "a server's own account of an error is a page";
     EXPECT_GT(stage.ask(*view, kMarkup).size(), 3 * large.size());

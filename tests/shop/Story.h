@@ -82,7 +82,7 @@ inline std::vector<std::filesystem::path> stories(const std::string& folder) {
   return found;
 }
 
-/// What an application that tells the story is started with.
+/// Arguments of the application that runs the story.
 inline ShopOptions optionsOf(const std::filesystem::path& story, Server& server,
                              const std::filesystem::path& state) {
   return {.server = server.sandbox().base(),

@@ -18,7 +18,7 @@ void type(TextField& field, std::string_view keys) {
   }
 }
 
-/// The text with a bar where the caret stands.
+/// The text with a bar at the caret.
 std::string shown(const TextField& field) {
   std::string text = field.text();
   std::size_t offset = 0;

@@ -11,8 +11,8 @@
 
 namespace orlix::shop {
 
-/// A script's finger on the drawn shell: it touches the drawn items and presses keys. It finds an
-/// outlet's item by the outlet's name, and refuses what a user's finger could not reach.
+/// A script's input to the drawn shell: touches on the drawn items and key presses. It finds an
+/// outlet's item by the outlet's name, and refuses what a user could not touch.
 class QtDriver : public ShopDriver {
  public:
   /// `presenter` must outlive the driver; `snapshots` is where pictures go, made when it is

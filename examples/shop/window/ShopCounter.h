@@ -36,7 +36,7 @@ class ShopCounter : public QObject {
   QStringList messages() const { return messages_; }
   void addMessage(const QString& text);
 
-  /// The wallet has gone from the screen, and whoever was to hear of it has. A few flows end
+  /// The wallet is no longer on the screen and its callbacks have been made. A few flows end
   /// without an outcome.
   void leftAlone();
 

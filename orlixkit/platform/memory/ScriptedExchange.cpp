@@ -44,7 +44,7 @@ ScriptedExchange::ScriptedExchange(ScriptedHttpClient& network, const HttpReques
       deadline_(request.deadline) {}
 
 HttpResult ScriptedExchange::run() {
-  // What the server still does after the end reaches nobody.
+  // What the server does after the end has no effect.
   const std::shared_ptr<void> end(nullptr, [this](void*) { over_ = true; });
   if (const std::string refusal = reasonToRefuse(); !refusal.empty()) {
     return failure(refusal);

@@ -20,7 +20,7 @@ struct RecordedRequest {
   std::vector<std::pair<std::string, std::string>> headers;
   std::optional<std::string> body;
 
-  /// What stands behind the host's name and port, from the "/" on.
+  /// The part of the address after host and port, from the "/" on.
   std::string path() const;
   std::optional<std::string> header(const std::string& name) const;
 };

@@ -26,7 +26,7 @@ class WorkerPool {
 
  private:
   struct Worker;
-  // Shared with whoever calls the worker, who wakes it when the lock is free again.
+  // Shared with the worker's caller, which wakes it after releasing the lock.
   using WorkerPointer = std::shared_ptr<Worker>;
 
   void start(Task task);

@@ -13,7 +13,7 @@ class Window;
 /// on the screen. Main thread.
 std::shared_ptr<Window> activeWindow(const Application& application);
 
-/// Follows what is presented, as far as it is not on its way out, and what containers show, up to
+/// Follows what is presented, except what is being dismissed, and what containers show, up to
 /// the controller on top. None for none.
 std::shared_ptr<ViewController> topViewControllerFrom(
     const std::shared_ptr<ViewController>& controller);

@@ -41,7 +41,7 @@ enum class Transition { presentation, dismissal, progress };
 class UiObserver {
  public:
   virtual ~UiObserver() = default;
-  /// A controller (screen or alert) has appeared / has gone.
+  /// A controller (screen or alert) has appeared / has been dismissed.
   virtual void didPresent(const std::shared_ptr<ViewController>&) {}
   virtual void didDismiss(const std::shared_ptr<ViewController>&) {}
   /// It has been shown, perhaps in the place of another one or of one that was fading out, or it

@@ -7,7 +7,7 @@
 
 namespace orlix {
 
-/// Where and how a presented controller stands over the one that presents it.
+/// Frame and appearance of a presented controller over its presenter.
 class PresentationController {
  public:
   PresentationController(const std::shared_ptr<ViewController>& presented,

@@ -24,19 +24,19 @@ enum class ProgressStyle { activity, information };
 /// another `show` ends the fade. What a completion throws is logged. Main thread only.
 class ProgressIndicator {
  public:
-  /// Takes the place of what is shown. `owner` is not held; none leaves it to whoever dismisses it.
+  /// Replaces what is shown. `owner` is not held; without one it stays until it is dismissed.
   void show(std::string status, ProgressMask mask = ProgressMask::none,
             ProgressStyle style = ProgressStyle::activity,
             const std::shared_ptr<ViewController>& owner = nullptr);
 
-  /// Fades it out, whoever showed it; `completion` runs when it is gone, at once when it was not
-  /// shown.
+  /// Fades it out, whichever owner it has; `completion` runs when it is gone, at once when it was
+  /// not shown.
   void dismiss(Task completion = {});
   /// The same if `owner` showed it last, otherwise `completion` runs at once.
   void dismissFor(const ViewController& owner, Task completion = {});
 
   bool visible() const { return state_ != State::hidden; }
-  /// True while it is shown for this controller and not on its way out.
+  /// True while it is shown for this controller and not fading out.
   bool isShownFor(const ViewController& owner) const;
   const std::string& status() const { return status_; }
   ProgressStyle style() const { return style_; }

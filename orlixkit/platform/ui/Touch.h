@@ -17,7 +17,7 @@ class ViewController;
 /// Why a touch has no effect now.
 enum class TouchRefusal {
   none,
-  covered,   ///< the screen is on its way in or out, or presents another one
+  covered,   ///< the screen is being presented or dismissed, or presents another one
   masked,    ///< the progress indicator holds touches back
   hidden,    ///< the outlet cannot be seen
   disabled,  ///< the button or field

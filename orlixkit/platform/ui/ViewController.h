@@ -21,7 +21,7 @@ class ViewController;
 
 enum class ModalPresentationStyle { fullScreen, custom };
 
-/// Where a controller is on its way over the one that presents it. `idle`: not presented.
+/// State of a controller's presentation over its presenter. `idle`: not presented.
 /// `waiting`: an alert or screen whose place is still taken.
 enum class PresentationState { idle, waiting, presenting, presented, dismissing };
 
@@ -90,20 +90,20 @@ class ViewController : public std::enable_shared_from_this<ViewController> {
 
   /// Shows `controller` over this one, now or when its place is free.
   ///
-  /// It waits while what this one presents is on its way out, and while that is an alert. An alert
+  /// It waits while the presented controller is being dismissed or is an alert. An alert
   /// is shown on what is on top of this one, after another alert; when this one leaves before, it
   /// is shown on top of the active window (`Application::showAlert`).
   ///
   /// Refused with a log line, `completion` then does not run: a controller that is shown or waits
-  /// already; a screen, when this one presents another screen or is on its way out, also when
+  /// already; a screen, when this one presents another screen or is being dismissed, also when
   /// either happens while it waits.
   void present(const std::shared_ptr<ViewController>& controller, bool animated,
                Task completion = {});
 
-  /// Takes away what this controller presents, with all that is on it; each is told, from the top
-  /// down. Without anything presented `completion` runs at once; while a dismissal is under way it
-  /// joins that one, and one that is not animated ends it at once. What waits to be presented here
-  /// comes after the completions.
+  /// Dismisses the presented controller and everything presented above it. Each receives
+  /// `viewWillDisappear`, topmost first. Without anything presented `completion` runs at once;
+  /// while a dismissal is under way it joins that one, and one that is not animated ends it at
+  /// once. What waits to be presented here comes after the completions.
   void dismiss(bool animated, Task completion = {});
 
   /// Makes the segue's destination from the storyboard and presents it, animated.
@@ -131,7 +131,7 @@ class ViewController : public std::enable_shared_from_this<ViewController> {
   void keepReachableUnderMask(std::set<std::string> names) { underMask_ = std::move(names); }
 
   virtual bool mayBePresented() const { return true; }
-  /// It has gone from the screen, or from where it waited, and everyone has been told.
+  /// Called after its dismissal, or the removal from a queue, and all callbacks of that.
   virtual void hasGone() {}
   /// Takes this controller away at once, or from where it waits; what is on it stays.
   void leaveAlone();
