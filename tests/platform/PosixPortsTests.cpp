@@ -76,6 +76,16 @@ TEST(PosixSystemLog, AMessageIsOneLineThatDrivesNoTerminal) {
   }
 }
 
+PosixOptions optionsIn(const std::filesystem::path& folder) {
+  PosixOptions options;
+  options.applicationName = "test";
+  options.stateDirectory = folder / "state";
+  options.resourceDirectories = {folder / "resources"};
+  options.logTarget = LogTarget::stderrOnly;
+  options.location = {{59.91, 10.75}};
+  return options;
+}
+
 /// The ports of a Linux host whose folders hold what the contracts ask for.
 class PosixHostPorts {
  public:
@@ -108,18 +118,8 @@ class PosixHostPorts {
   }
 
  private:
-  PosixOptions options() const {
-    PosixOptions options;
-    options.applicationName = "test";
-    options.stateDirectory = folder_.path() / "state";
-    options.resourceDirectories = {folder_.path() / "resources"};
-    options.logTarget = LogTarget::stderrOnly;
-    options.location = {{59.91, 10.75}};
-    return options;
-  }
-
   const TemporaryFolder folder_;
-  const Ports ports_ = makePosixPorts(options());
+  const Ports ports_ = makePosixPorts(optionsIn(folder_.path()));
   bool captures_ = false;
 };
 
@@ -131,12 +131,7 @@ INSTANTIATE_TYPED_TEST_SUITE_P(Posix, SystemLogContract, PosixHostPorts);
 TEST(PosixPorts, MakeAHostThatShutsDownPromptlyWhileWorkIsUnderWay) {
   const TemporaryFolder folder;
   write(folder.path() / "resources" / "a.plist", "list");
-  PosixOptions options;
-  options.applicationName = "test";
-  options.stateDirectory = folder.path() / "state";
-  options.resourceDirectories = {folder.path() / "resources"};
-  options.logTarget = LogTarget::stderrOnly;
-  options.location = {{59.91, 10.75}};
+  PosixOptions options = optionsIn(folder.path());
   Host host(makePosixPorts(options), {});
   const Ports& ports = host.ports();
   EXPECT_EQ(ports.bundle->resource("a", "plist"), toBytes("list"));
