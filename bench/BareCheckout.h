@@ -4,7 +4,7 @@
 #include <string>
 
 #include "bench/BareClient.h"
-#include "orlixkit/platform/Secret.h"
+#include "orlixkit/ports/Secret.h"
 
 namespace orlix::bench {
 

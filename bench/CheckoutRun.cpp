@@ -2,8 +2,8 @@
 
 #include <stdexcept>
 
-#include "orlixkit/platform/posix/PosixPorts.h"
-#include "orlixkit/platform/ui/TextField.h"
+#include "orlixkit/posix/PosixPorts.h"
+#include "orlixkit/ui/TextField.h"
 
 namespace orlix::bench {
 

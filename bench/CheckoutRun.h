@@ -4,7 +4,7 @@
 #include <string>
 
 #include "orlixkit/OrlixKit.h"
-#include "orlixkit/platform/ui/Application.h"
+#include "orlixkit/ui/Application.h"
 
 namespace orlix::bench {
 

@@ -8,7 +8,7 @@
 
 #include "bench/BareStore.h"
 #include "bench/Rows.h"
-#include "orlixkit/platform/posix/SqliteUserDefaults.h"
+#include "orlixkit/posix/SqliteUserDefaults.h"
 #include "orlixkit/records/MTCardList.h"
 #include "orlixkit/security/DataStore.h"
 #include "orlixkit/security/PinBlock.h"

@@ -13,8 +13,8 @@
 
 #include <fmt/format.h>
 
-#include "orlixkit/platform/MainQueue.h"
-#include "orlixkit/platform/ui/TextField.h"
+#include "orlixkit/ports/MainQueue.h"
+#include "orlixkit/ui/TextField.h"
 #include "sandbox/Sandbox.h"
 #include "shell/FrameWatch.h"
 #include "shell/OrlixShell.h"

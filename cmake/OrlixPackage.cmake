@@ -51,19 +51,20 @@ function(orlix_public_headers component below)
 endfunction()
 
 orlix_package(orlixkit Core core.map core OBJECTS
-  orlix_platform orlix_security orlix_records orlix_protocol orlix_widgets orlix_checkout
+  orlix_ports orlix_ui orlix_host orlix_security orlix_records orlix_protocol orlix_widgets orlix_checkout
   orlix_securecode orlix_onboarding orlix_posix orlix_resources orlix_core)
 target_link_libraries(orlixkit PRIVATE Threads::Threads
   CURL::libcurl OpenSSL::SSL OpenSSL::Crypto SQLite::SQLite3 Boost::json fmt::fmt)
 
 file(GLOB ports RELATIVE ${PROJECT_SOURCE_DIR} CONFIGURE_DEPENDS
-  ${PROJECT_SOURCE_DIR}/orlixkit/platform/*.h ${PROJECT_SOURCE_DIR}/orlixkit/platform/ui/*.h)
+  ${PROJECT_SOURCE_DIR}/orlixkit/ports/*.h ${PROJECT_SOURCE_DIR}/orlixkit/ui/*.h
+  ${PROJECT_SOURCE_DIR}/orlixkit/host/*.h)
 orlix_public_headers(core ${CMAKE_INSTALL_INCLUDEDIR} ${ports}
   orlixkit/OrlixKit.h
   orlixkit/checkout/OXDelegates.h
   orlixkit/checkout/OXOrlix.h
-  orlixkit/platform/posix/PosixPorts.h
-  orlixkit/platform/posix/PosixSystemLog.h
+  orlixkit/posix/PosixPorts.h
+  orlixkit/posix/PosixSystemLog.h
   orlixkit/protocol/OMVelloDelegate.h)
 
 if(TARGET orlix_shell)

@@ -12,7 +12,7 @@
 
 #include <openssl/ssl.h>
 
-#include "tests/platform/TestCertificates.h"
+#include "tests/posix/TestCertificates.h"
 
 namespace orlix::fuzz {
 

@@ -3,7 +3,7 @@
 #include <memory>
 
 #include "orlixkit/checkout/OXOrlix.h"
-#include "orlixkit/platform/Host.h"
+#include "orlixkit/host/Host.h"
 
 namespace orlix {
 

@@ -1,6 +1,7 @@
 #include "shell/AlertAdapter.h"
 
-#include "orlixkit/platform/Host.h"
+#include "orlixkit/host/Host.h"
+#include "orlixkit/host/RunningTasks.h"
 
 namespace orlix::shell {
 

@@ -6,7 +6,7 @@
 #include <QStringList>
 #include <memory>
 
-#include "orlixkit/platform/ui/AlertController.h"
+#include "orlixkit/ui/AlertController.h"
 #include "shell/OutletAdapter.h"
 
 namespace orlix::shell {

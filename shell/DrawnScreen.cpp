@@ -4,7 +4,7 @@
 #include <QtDebug>
 #include <algorithm>
 
-#include "orlixkit/platform/ui/PresentationController.h"
+#include "orlixkit/ui/PresentationController.h"
 
 namespace orlix::shell {
 

@@ -6,7 +6,7 @@
 #include <QVariantAnimation>
 #include <memory>
 
-#include "orlixkit/platform/ui/AlertController.h"
+#include "orlixkit/ui/AlertController.h"
 #include "shell/AlertAdapter.h"
 #include "shell/ScreenAdapter.h"
 

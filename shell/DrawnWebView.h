@@ -1,6 +1,6 @@
 #pragma once
 
-#include "orlixkit/platform/WebView.h"
+#include "orlixkit/ports/WebView.h"
 
 class QQuickItem;
 

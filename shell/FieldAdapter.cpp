@@ -7,7 +7,7 @@
 #include <algorithm>
 #include <utility>
 
-#include "orlixkit/platform/ui/Touch.h"
+#include "orlixkit/ui/Touch.h"
 #include "orlixkit/widgets/CardNumberField.h"
 #include "orlixkit/widgets/DropDownPicker.h"
 #include "shell/WipedText.h"

@@ -3,7 +3,7 @@
 #include <QPointer>
 #include <QQuickItem>
 
-#include "orlixkit/platform/ui/TextField.h"
+#include "orlixkit/ui/TextField.h"
 #include "shell/OutletAdapter.h"
 #include "shell/PickerAdapter.h"
 

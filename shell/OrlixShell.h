@@ -5,7 +5,7 @@
 #include <memory>
 
 #include "orlixkit/OrlixKit.h"
-#include "orlixkit/platform/posix/PosixPorts.h"
+#include "orlixkit/posix/PosixPorts.h"
 
 namespace orlix::shell {
 

@@ -2,9 +2,9 @@
 
 #include <utility>
 
-#include "orlixkit/platform/Host.h"
-#include "orlixkit/platform/MainQueue.h"
-#include "orlixkit/platform/ui/Touch.h"
+#include "orlixkit/host/Host.h"
+#include "orlixkit/host/RunningTasks.h"
+#include "orlixkit/ui/Touch.h"
 
 namespace orlix::shell {
 

@@ -6,8 +6,8 @@
 #include <QUrl>
 #include <memory>
 
-#include "orlixkit/platform/Bytes.h"
-#include "orlixkit/platform/ui/ViewController.h"
+#include "orlixkit/ports/Bytes.h"
+#include "orlixkit/ui/ViewController.h"
 
 namespace orlix::shell {
 

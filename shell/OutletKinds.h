@@ -5,8 +5,8 @@
 #include <memory>
 #include <string>
 
-#include "orlixkit/platform/ui/TableView.h"
-#include "orlixkit/platform/ui/WebPageView.h"
+#include "orlixkit/ui/TableView.h"
+#include "orlixkit/ui/WebPageView.h"
 #include "shell/OutletAdapter.h"
 #include "shell/TableRows.h"
 

@@ -5,8 +5,8 @@
 #include <memory>
 #include <string>
 
-#include "orlixkit/platform/MainQueue.h"
-#include "orlixkit/platform/WebView.h"
+#include "orlixkit/ports/MainQueue.h"
+#include "orlixkit/ports/WebView.h"
 
 namespace orlix::shell {
 

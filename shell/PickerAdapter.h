@@ -5,8 +5,8 @@
 #include <functional>
 #include <memory>
 
-#include "orlixkit/platform/Bytes.h"
-#include "orlixkit/platform/ui/TextField.h"
+#include "orlixkit/ports/Bytes.h"
+#include "orlixkit/ui/TextField.h"
 
 namespace orlix::shell {
 

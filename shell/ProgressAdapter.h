@@ -3,7 +3,7 @@
 #include <QObject>
 #include <QString>
 
-#include "orlixkit/platform/ui/ProgressIndicator.h"
+#include "orlixkit/ui/ProgressIndicator.h"
 
 namespace orlix::shell {
 

@@ -4,7 +4,7 @@
 #include <QObject>
 #include <memory>
 
-#include "orlixkit/platform/LocationManager.h"
+#include "orlixkit/ports/LocationManager.h"
 
 namespace orlix::shell {
 

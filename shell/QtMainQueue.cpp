@@ -7,6 +7,8 @@
 #include <exception>
 #include <utility>
 
+#include "orlixkit/host/RunningTasks.h"
+
 namespace orlix::shell {
 
 namespace {

@@ -7,8 +7,8 @@
 #include <memory>
 #include <mutex>
 
-#include "orlixkit/platform/MainQueue.h"
-#include "orlixkit/platform/SystemLog.h"
+#include "orlixkit/ports/MainQueue.h"
+#include "orlixkit/ports/SystemLog.h"
 
 namespace orlix::shell {
 

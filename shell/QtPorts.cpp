@@ -1,6 +1,6 @@
 #include "shell/QtPorts.h"
 
-#include "orlixkit/platform/posix/FixedLocationManager.h"
+#include "orlixkit/posix/FixedLocationManager.h"
 #include "orlixkit/protocol/OMNetwork.h"
 #include "shell/QtLocationManager.h"
 #include "shell/QtMainQueue.h"

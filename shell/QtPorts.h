@@ -2,8 +2,8 @@
 
 #include <QQmlEngine>
 
-#include "orlixkit/platform/Host.h"
-#include "orlixkit/platform/posix/PosixPorts.h"
+#include "orlixkit/host/Host.h"
+#include "orlixkit/posix/PosixPorts.h"
 
 namespace orlix::shell {
 

@@ -7,8 +7,8 @@
 #include <algorithm>
 #include <utility>
 
-#include "orlixkit/platform/Host.h"
-#include "orlixkit/platform/posix/SystemTrust.h"
+#include "orlixkit/host/Host.h"
+#include "orlixkit/posix/SystemTrust.h"
 #include "shell/QtWebRequestGuard.h"
 #include "shell/QtWebScript.h"
 #include "shell/WipedText.h"

@@ -12,7 +12,7 @@
 #include <string>
 #include <string_view>
 
-#include "orlixkit/platform/MainQueue.h"
+#include "orlixkit/ports/MainQueue.h"
 #include "shell/DrawnWebView.h"
 #include "shell/QtWebViews.h"
 

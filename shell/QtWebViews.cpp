@@ -4,7 +4,7 @@
 #include <QVariantMap>
 #include <utility>
 
-#include "orlixkit/platform/Host.h"
+#include "orlixkit/host/Host.h"
 #include "shell/QtWebPage.h"
 #include "shell/QtWebView.h"
 #include "shell/WebEngineSetUp.h"

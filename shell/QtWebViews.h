@@ -7,9 +7,9 @@
 #include <memory>
 #include <vector>
 
-#include "orlixkit/platform/Bytes.h"
-#include "orlixkit/platform/MainQueue.h"
-#include "orlixkit/platform/WebView.h"
+#include "orlixkit/ports/Bytes.h"
+#include "orlixkit/ports/MainQueue.h"
+#include "orlixkit/ports/WebView.h"
 
 namespace orlix::shell {
 

@@ -3,7 +3,7 @@
 #include <QQuickImageProvider>
 #include <memory>
 
-#include "orlixkit/platform/Bundle.h"
+#include "orlixkit/ports/Bundle.h"
 
 namespace orlix::shell {
 

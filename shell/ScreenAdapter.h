@@ -6,7 +6,7 @@
 #include <memory>
 #include <string>
 
-#include "orlixkit/platform/ui/ViewController.h"
+#include "orlixkit/ui/ViewController.h"
 #include "shell/OutletAdapter.h"
 
 namespace orlix::shell {

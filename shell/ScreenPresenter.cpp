@@ -10,8 +10,8 @@
 #include <utility>
 
 #include "orlixkit/checkout/OXUtil.h"
-#include "orlixkit/platform/Host.h"
-#include "orlixkit/platform/ui/PresentationController.h"
+#include "orlixkit/host/Host.h"
+#include "orlixkit/ui/PresentationController.h"
 #include "shell/FindItem.h"
 #include "shell/ResourceImages.h"
 #include "shell/TouchMask.h"

@@ -11,8 +11,8 @@
 #include <memory>
 #include <vector>
 
-#include "orlixkit/platform/Bundle.h"
-#include "orlixkit/platform/ui/Application.h"
+#include "orlixkit/ports/Bundle.h"
+#include "orlixkit/ui/Application.h"
 #include "shell/DrawnScreen.h"
 #include "shell/ProgressAdapter.h"
 

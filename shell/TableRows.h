@@ -4,7 +4,7 @@
 #include <memory>
 #include <vector>
 
-#include "orlixkit/platform/ui/TableView.h"
+#include "orlixkit/ui/TableView.h"
 
 namespace orlix::shell {
 

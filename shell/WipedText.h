@@ -4,7 +4,7 @@
 #include <QString>
 #include <string_view>
 
-#include "orlixkit/platform/Secret.h"
+#include "orlixkit/ports/Secret.h"
 
 namespace orlix::shell {
 

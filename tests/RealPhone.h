@@ -7,9 +7,9 @@
 
 #include <boost/json.hpp>
 
-#include "orlixkit/platform/Host.h"
-#include "orlixkit/platform/memory/MemoryLog.h"
-#include "orlixkit/platform/posix/PosixPorts.h"
+#include "orlixkit/host/Host.h"
+#include "orlixkit/posix/PosixPorts.h"
+#include "orlixkit/testing/MemoryLog.h"
 #include "sandbox/Sandbox.h"
 #include "tests/TemporaryFolder.h"
 

@@ -9,9 +9,9 @@
 #include <string>
 
 #include "orlixkit/OrlixKit.h"
-#include "orlixkit/platform/posix/PosixPorts.h"
-#include "orlixkit/platform/ui/AlertController.h"
-#include "orlixkit/platform/ui/TextField.h"
+#include "orlixkit/posix/PosixPorts.h"
+#include "orlixkit/ui/AlertController.h"
+#include "orlixkit/ui/TextField.h"
 
 namespace {
 

@@ -8,7 +8,7 @@
 #include <variant>
 #include <vector>
 
-#include "orlixkit/platform/ui/ViewController.h"
+#include "orlixkit/ui/ViewController.h"
 
 namespace orlix::shop {
 

@@ -4,10 +4,10 @@
 #include <memory>
 
 #include "examples/shop/ShownScreen.h"
-#include "orlixkit/platform/Host.h"
-#include "orlixkit/platform/MainQueue.h"
-#include "orlixkit/platform/Utf8.h"
-#include "orlixkit/platform/ui/Touch.h"
+#include "orlixkit/host/Host.h"
+#include "orlixkit/host/RunningTasks.h"
+#include "orlixkit/ports/Utf8.h"
+#include "orlixkit/ui/Touch.h"
 #include "orlixkit/widgets/DropDownPicker.h"
 
 namespace orlix::shop {

@@ -3,7 +3,7 @@
 #include <string>
 
 #include "examples/shop/ShopDriver.h"
-#include "orlixkit/platform/Bytes.h"
+#include "orlixkit/ports/Bytes.h"
 
 namespace orlix::shop {
 

@@ -4,7 +4,7 @@
 #include <string>
 #include <vector>
 
-#include "orlixkit/platform/ui/AlertController.h"
+#include "orlixkit/ui/AlertController.h"
 
 namespace orlix::shop {
 

@@ -3,7 +3,7 @@
 #include <memory>
 
 #include "examples/shop/EventLines.h"
-#include "orlixkit/platform/ui/Application.h"
+#include "orlixkit/ui/Application.h"
 
 namespace orlix::shop {
 

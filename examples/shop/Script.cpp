@@ -5,7 +5,7 @@
 #include <functional>
 #include <map>
 
-#include "orlixkit/platform/Utf8.h"
+#include "orlixkit/ports/Utf8.h"
 
 namespace orlix::shop {
 

@@ -5,7 +5,7 @@
 #include "examples/shop/HeadlessDriver.h"
 #include "examples/shop/ScriptRunner.h"
 #include "orlixkit/OrlixKit.h"
-#include "orlixkit/platform/posix/PosixPorts.h"
+#include "orlixkit/posix/PosixPorts.h"
 #include "orlixkit/resources/CompiledBundle.h"
 
 namespace orlix::shop {

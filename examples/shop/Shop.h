@@ -16,7 +16,7 @@
 #include "examples/shop/UiObservers.h"
 #include "examples/shop/Waiter.h"
 #include "examples/shop/WorkCount.h"
-#include "orlixkit/platform/Host.h"
+#include "orlixkit/host/Host.h"
 
 namespace orlix::shop {
 

@@ -1,7 +1,7 @@
 #include "examples/shop/ShownScreen.h"
 
-#include "orlixkit/platform/Host.h"
-#include "orlixkit/platform/ui/Touch.h"
+#include "orlixkit/host/Host.h"
+#include "orlixkit/ui/Touch.h"
 
 namespace orlix::shop {
 
@@ -13,8 +13,8 @@ Application& application() { return Host::current().application(); }
 std::vector<std::shared_ptr<ViewController>> presented() {
   std::vector<std::shared_ptr<ViewController>> found;
   const std::shared_ptr<Window> window = application().keyWindow;
-  if (window && window->rootViewController) {
-    for (auto next = window->rootViewController->presentedViewController(); next;
+  if (window && window->rootViewController()) {
+    for (auto next = window->rootViewController()->presentedViewController(); next;
          next = next->presentedViewController()) {
       found.push_back(next);
     }

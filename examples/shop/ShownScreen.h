@@ -4,10 +4,10 @@
 #include <string>
 
 #include "examples/shop/Script.h"
-#include "orlixkit/platform/ui/AlertController.h"
-#include "orlixkit/platform/ui/TableView.h"
-#include "orlixkit/platform/ui/TextField.h"
-#include "orlixkit/platform/ui/ViewController.h"
+#include "orlixkit/ui/AlertController.h"
+#include "orlixkit/ui/TableView.h"
+#include "orlixkit/ui/TextField.h"
+#include "orlixkit/ui/ViewController.h"
 
 namespace orlix::shop {
 

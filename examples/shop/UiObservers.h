@@ -5,7 +5,7 @@
 #include <utility>
 #include <vector>
 
-#include "orlixkit/platform/ui/Application.h"
+#include "orlixkit/ui/Application.h"
 
 namespace orlix::shop {
 

@@ -3,7 +3,7 @@
 #include <chrono>
 #include <functional>
 
-#include "orlixkit/platform/Host.h"
+#include "orlixkit/host/Host.h"
 
 namespace orlix::shop {
 

@@ -4,7 +4,7 @@
 #include <cstddef>
 #include <memory>
 
-#include "orlixkit/platform/Host.h"
+#include "orlixkit/host/Host.h"
 
 namespace orlix::shop {
 

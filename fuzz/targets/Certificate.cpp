@@ -8,8 +8,8 @@
 #include <openssl/x509.h>
 
 #include "fuzz/Target.h"
-#include "orlixkit/platform/Utf8.h"
-#include "orlixkit/platform/posix/SystemTrust.h"
+#include "orlixkit/ports/Utf8.h"
+#include "orlixkit/posix/SystemTrust.h"
 
 namespace orlix::fuzz {
 

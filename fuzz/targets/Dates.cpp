@@ -6,7 +6,7 @@
 
 #include "fuzz/Target.h"
 #include "orlixkit/onboarding/CardDates.h"
-#include "orlixkit/platform/Utf8.h"
+#include "orlixkit/ports/Utf8.h"
 
 namespace orlix::fuzz {
 

@@ -12,7 +12,7 @@
 #include <openssl/evp.h>
 
 #include "fuzz/Target.h"
-#include "orlixkit/platform/Utf8.h"
+#include "orlixkit/ports/Utf8.h"
 #include "orlixkit/security/Base64.h"
 #include "orlixkit/security/Cipher.h"
 #include "orlixkit/security/PinBlock.h"

@@ -6,7 +6,7 @@
 #include "fuzz/Target.h"
 #include "orlixkit/checkout/SuggestedMsisdn.h"
 #include "orlixkit/onboarding/Msisdn.h"
-#include "orlixkit/platform/Utf8.h"
+#include "orlixkit/ports/Utf8.h"
 #include "orlixkit/widgets/DecimalDigits.h"
 
 namespace orlix::fuzz {

@@ -7,7 +7,7 @@
 #include <boost/json.hpp>
 
 #include "fuzz/Target.h"
-#include "orlixkit/platform/Utf8.h"
+#include "orlixkit/ports/Utf8.h"
 #include "orlixkit/protocol/RequestBody.h"
 #include "orlixkit/records/KCVelloUtil.h"
 #include "orlixkit/securecode/IssuerPage.h"

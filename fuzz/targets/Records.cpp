@@ -10,7 +10,7 @@
 #include <boost/json.hpp>
 
 #include "fuzz/Target.h"
-#include "orlixkit/platform/Utf8.h"
+#include "orlixkit/ports/Utf8.h"
 #include "orlixkit/records/Failures.h"
 #include "orlixkit/records/JsonText.h"
 #include "orlixkit/records/KCVelloUtil.h"

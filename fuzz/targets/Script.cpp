@@ -12,7 +12,7 @@
 
 #include "examples/shop/ScriptSource.h"
 #include "fuzz/Target.h"
-#include "orlixkit/platform/Utf8.h"
+#include "orlixkit/ports/Utf8.h"
 
 namespace orlix::fuzz {
 

@@ -9,7 +9,7 @@
 #include <vector>
 
 #include "fuzz/Target.h"
-#include "orlixkit/platform/Utf8.h"
+#include "orlixkit/ports/Utf8.h"
 #include "orlixkit/widgets/CardNumberField.h"
 #include "orlixkit/widgets/DecimalDigits.h"
 #include "orlixkit/widgets/FormattedTextField.h"

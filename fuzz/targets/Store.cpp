@@ -4,7 +4,7 @@
 #include <optional>
 
 #include "fuzz/Target.h"
-#include "orlixkit/platform/Utf8.h"
+#include "orlixkit/ports/Utf8.h"
 #include "orlixkit/security/DataStore.h"
 #include "orlixkit/security/PinBlock.h"
 

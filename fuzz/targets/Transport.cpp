@@ -12,7 +12,7 @@
 #include "fuzz/LocalNetwork.h"
 #include "fuzz/RawServer.h"
 #include "fuzz/Target.h"
-#include "orlixkit/platform/posix/PosixPorts.h"
+#include "orlixkit/posix/PosixPorts.h"
 #include "orlixkit/protocol/OMNetwork.h"
 #include "tests/TemporaryFolder.h"
 

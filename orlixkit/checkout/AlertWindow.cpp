@@ -1,7 +1,7 @@
 #include "orlixkit/checkout/AlertWindow.h"
 
-#include "orlixkit/platform/Host.h"
-#include "orlixkit/platform/ui/ActiveWindow.h"
+#include "orlixkit/host/Host.h"
+#include "orlixkit/ui/ActiveWindow.h"
 
 namespace orlix {
 

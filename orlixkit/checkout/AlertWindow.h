@@ -2,8 +2,8 @@
 
 #include <memory>
 
-#include "orlixkit/platform/ui/AlertController.h"
-#include "orlixkit/platform/ui/Application.h"
+#include "orlixkit/ui/AlertController.h"
+#include "orlixkit/ui/Application.h"
 
 namespace orlix {
 

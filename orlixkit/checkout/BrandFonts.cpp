@@ -9,7 +9,7 @@
 
 #include "orlixkit/checkout/OXOrlix.h"
 #include "orlixkit/checkout/OXUtil.h"
-#include "orlixkit/platform/Host.h"
+#include "orlixkit/host/Host.h"
 
 namespace orlix {
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "orlixkit/platform/ui/Storyboard.h"
+#include "orlixkit/ui/Storyboard.h"
 
 namespace orlix {
 

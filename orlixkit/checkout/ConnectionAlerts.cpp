@@ -4,7 +4,7 @@
 #include <utility>
 
 #include "orlixkit/checkout/OXUtil.h"
-#include "orlixkit/platform/MainQueue.h"
+#include "orlixkit/host/RunningTasks.h"
 
 namespace orlix {
 

@@ -5,8 +5,8 @@
 #include <memory>
 #include <string>
 
-#include "orlixkit/platform/Bytes.h"
-#include "orlixkit/platform/ui/AlertController.h"
+#include "orlixkit/ports/Bytes.h"
+#include "orlixkit/ui/AlertController.h"
 
 namespace orlix {
 

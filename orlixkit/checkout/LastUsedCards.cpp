@@ -4,7 +4,7 @@
 #include <exception>
 #include <system_error>
 
-#include "orlixkit/platform/Host.h"
+#include "orlixkit/host/Host.h"
 
 namespace orlix {
 

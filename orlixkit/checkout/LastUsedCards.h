@@ -7,8 +7,8 @@
 #include <mutex>
 #include <string>
 
-#include "orlixkit/platform/BackgroundQueues.h"
-#include "orlixkit/platform/UserDefaults.h"
+#include "orlixkit/ports/BackgroundQueues.h"
+#include "orlixkit/ports/UserDefaults.h"
 
 namespace orlix {
 

@@ -6,8 +6,8 @@
 #include <string>
 
 #include "orlixkit/checkout/OXDelegates.h"
-#include "orlixkit/platform/ui/ViewController.h"
 #include "orlixkit/protocol/OMVelloDelegate.h"
+#include "orlixkit/ui/ViewController.h"
 
 namespace orlix {
 

@@ -2,7 +2,7 @@
 
 #include <memory>
 
-#include "orlixkit/platform/ui/PresentationController.h"
+#include "orlixkit/ui/PresentationController.h"
 
 namespace orlix {
 

@@ -6,7 +6,7 @@
 
 #include "orlixkit/checkout/AmountEntry.h"
 #include "orlixkit/checkout/OXUtil.h"
-#include "orlixkit/platform/Host.h"
+#include "orlixkit/host/Host.h"
 #include "orlixkit/protocol/LocationUtil.h"
 
 namespace orlix {

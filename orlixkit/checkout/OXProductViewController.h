@@ -10,7 +10,7 @@
 #include "orlixkit/checkout/Payment.h"
 #include "orlixkit/checkout/PurchaseInputs.h"
 #include "orlixkit/checkout/SessionScreen.h"
-#include "orlixkit/platform/ui/TextField.h"
+#include "orlixkit/ui/TextField.h"
 
 namespace orlix {
 

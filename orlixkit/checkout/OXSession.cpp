@@ -8,7 +8,8 @@
 #include "orlixkit/checkout/PurchaseInputs.h"
 #include "orlixkit/checkout/ScreenChange.h"
 #include "orlixkit/checkout/SessionScreen.h"
-#include "orlixkit/platform/Host.h"
+#include "orlixkit/host/Host.h"
+#include "orlixkit/host/RunningTasks.h"
 #include "orlixkit/protocol/LocationUtil.h"
 #include "orlixkit/protocol/OMVello.h"
 

@@ -10,13 +10,13 @@
 #include "orlixkit/checkout/ConnectionAlerts.h"
 #include "orlixkit/checkout/OXDelegates.h"
 #include "orlixkit/checkout/OXTransitioningDelegate.h"
-#include "orlixkit/platform/Secret.h"
-#include "orlixkit/platform/ui/ViewController.h"
+#include "orlixkit/ports/Secret.h"
 #include "orlixkit/protocol/Flow.h"
 #include "orlixkit/protocol/KCVelloConnection.h"
 #include "orlixkit/records/CardInfoResponse.h"
 #include "orlixkit/records/CardOption.h"
 #include "orlixkit/records/MTCodeInfo.h"
+#include "orlixkit/ui/ViewController.h"
 
 namespace orlix {
 

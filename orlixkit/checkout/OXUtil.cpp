@@ -8,11 +8,11 @@
 #include "orlixkit/checkout/LastUsedCards.h"
 #include "orlixkit/checkout/OXSession.h"
 #include "orlixkit/checkout/OXTransitioningDelegate.h"
-#include "orlixkit/platform/Host.h"
-#include "orlixkit/platform/ui/ActiveWindow.h"
-#include "orlixkit/platform/ui/Containers.h"
+#include "orlixkit/host/Host.h"
 #include "orlixkit/protocol/LocationUtil.h"
 #include "orlixkit/protocol/OMVello.h"
+#include "orlixkit/ui/ActiveWindow.h"
+#include "orlixkit/ui/Containers.h"
 
 namespace orlix {
 

@@ -6,13 +6,13 @@
 #include <string>
 
 #include "orlixkit/checkout/ConnectionAlerts.h"
-#include "orlixkit/platform/Bytes.h"
-#include "orlixkit/platform/ui/AlertController.h"
-#include "orlixkit/platform/ui/ProgressIndicator.h"
-#include "orlixkit/platform/ui/View.h"
-#include "orlixkit/platform/ui/ViewController.h"
+#include "orlixkit/ports/Bytes.h"
 #include "orlixkit/records/CardOption.h"
 #include "orlixkit/records/Location.h"
+#include "orlixkit/ui/AlertController.h"
+#include "orlixkit/ui/ProgressIndicator.h"
+#include "orlixkit/ui/View.h"
+#include "orlixkit/ui/ViewController.h"
 
 namespace orlix {
 

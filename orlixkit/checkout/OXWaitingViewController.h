@@ -2,7 +2,7 @@
 
 #include <memory>
 
-#include "orlixkit/platform/ui/ViewController.h"
+#include "orlixkit/ui/ViewController.h"
 
 namespace orlix {
 

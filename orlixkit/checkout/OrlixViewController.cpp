@@ -5,8 +5,8 @@
 
 #include "orlixkit/checkout/OXOrlix.h"
 #include "orlixkit/checkout/OXUtil.h"
-#include "orlixkit/platform/Host.h"
-#include "orlixkit/platform/ui/Containers.h"
+#include "orlixkit/host/Host.h"
+#include "orlixkit/ui/Containers.h"
 
 namespace orlix {
 

@@ -4,7 +4,7 @@
 #include <utility>
 
 #include "orlixkit/checkout/OXUtil.h"
-#include "orlixkit/platform/Host.h"
+#include "orlixkit/host/Host.h"
 
 namespace orlix {
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "orlixkit/platform/ui/Containers.h"
+#include "orlixkit/ui/Containers.h"
 
 namespace orlix {
 

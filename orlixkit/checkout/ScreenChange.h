@@ -3,7 +3,7 @@
 #include <memory>
 
 #include "orlixkit/checkout/OXSession.h"
-#include "orlixkit/platform/ui/ViewController.h"
+#include "orlixkit/ui/ViewController.h"
 
 namespace orlix {
 

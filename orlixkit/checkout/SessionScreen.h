@@ -10,8 +10,8 @@
 
 #include "orlixkit/checkout/OXSession.h"
 #include "orlixkit/checkout/WalletRequest.h"
-#include "orlixkit/platform/ui/ProgressIndicator.h"
-#include "orlixkit/platform/ui/ViewController.h"
+#include "orlixkit/ui/ProgressIndicator.h"
+#include "orlixkit/ui/ViewController.h"
 
 namespace orlix {
 

@@ -3,7 +3,8 @@
 #include <stdexcept>
 #include <system_error>
 
-#include "orlixkit/platform/Host.h"
+#include "orlixkit/host/Host.h"
+#include "orlixkit/host/RunningTasks.h"
 
 namespace orlix {
 
@@ -30,7 +31,7 @@ void runInBackground(RequestQueue queue, Task work, const Task& then) {
   try {
     addTo(queue, [work = std::move(work), then] {
       runLoggedInBackground(work);
-      handOver(then);
+      deliverToMainQueue(then);
     });
   } catch (const std::system_error& failure) {
     log(std::string("OrlixKit: no thread for a request: ") + failure.what());

@@ -4,8 +4,8 @@
 #include <charconv>
 #include <vector>
 
-#include "orlixkit/platform/Host.h"
-#include "orlixkit/platform/Utf8.h"
+#include "orlixkit/host/Host.h"
+#include "orlixkit/ports/Utf8.h"
 
 namespace orlix {
 

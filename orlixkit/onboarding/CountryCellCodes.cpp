@@ -2,8 +2,8 @@
 
 #include <stdexcept>
 
+#include "orlixkit/host/Host.h"
 #include "orlixkit/onboarding/PropertyList.h"
-#include "orlixkit/platform/Host.h"
 
 namespace orlix {
 

@@ -1,8 +1,8 @@
 #include "orlixkit/onboarding/OMTermsAndConditionsViewController.h"
 
 #include "orlixkit/checkout/OXUtil.h"
+#include "orlixkit/host/Host.h"
 #include "orlixkit/onboarding/ScreenSetUp.h"
-#include "orlixkit/platform/Host.h"
 
 namespace orlix {
 

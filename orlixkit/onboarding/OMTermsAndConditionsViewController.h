@@ -5,8 +5,8 @@
 #include <string>
 
 #include "orlixkit/checkout/OrlixViewController.h"
-#include "orlixkit/platform/WebView.h"
-#include "orlixkit/platform/ui/WebPageView.h"
+#include "orlixkit/ports/WebView.h"
+#include "orlixkit/ui/WebPageView.h"
 
 namespace orlix {
 

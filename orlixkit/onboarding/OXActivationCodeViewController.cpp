@@ -4,9 +4,9 @@
 
 #include "orlixkit/checkout/OXUtil.h"
 #include "orlixkit/checkout/PurchaseInputs.h"
+#include "orlixkit/host/Host.h"
 #include "orlixkit/onboarding/ScreenSetUp.h"
 #include "orlixkit/onboarding/SecondAttempt.h"
-#include "orlixkit/platform/Host.h"
 #include "orlixkit/protocol/OMVello.h"
 
 namespace orlix {

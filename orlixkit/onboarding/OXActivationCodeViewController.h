@@ -6,7 +6,7 @@
 
 #include "orlixkit/checkout/OXTransitioningDelegate.h"
 #include "orlixkit/checkout/OrlixViewController.h"
-#include "orlixkit/platform/ui/TextField.h"
+#include "orlixkit/ui/TextField.h"
 
 namespace orlix {
 

@@ -1,14 +1,14 @@
 #include "orlixkit/onboarding/OXActivationViewController.h"
 
 #include "orlixkit/checkout/OXUtil.h"
+#include "orlixkit/host/Host.h"
 #include "orlixkit/onboarding/CountryCellCodes.h"
 #include "orlixkit/onboarding/Msisdn.h"
 #include "orlixkit/onboarding/OMCountryCodeViewController.h"
 #include "orlixkit/onboarding/ScreenSetUp.h"
 #include "orlixkit/onboarding/SecondAttempt.h"
-#include "orlixkit/platform/Host.h"
-#include "orlixkit/platform/ui/Containers.h"
 #include "orlixkit/protocol/OMVello.h"
+#include "orlixkit/ui/Containers.h"
 
 namespace orlix {
 

@@ -5,8 +5,8 @@
 
 #include "orlixkit/checkout/OXTransitioningDelegate.h"
 #include "orlixkit/checkout/OrlixViewController.h"
-#include "orlixkit/platform/ui/TextField.h"
 #include "orlixkit/records/MTSmsResponse.h"
+#include "orlixkit/ui/TextField.h"
 
 namespace orlix {
 

@@ -4,7 +4,7 @@
 #include "orlixkit/checkout/OXUtil.h"
 #include "orlixkit/onboarding/CardDates.h"
 #include "orlixkit/onboarding/ScreenSetUp.h"
-#include "orlixkit/platform/Utf8.h"
+#include "orlixkit/ports/Utf8.h"
 
 namespace orlix {
 

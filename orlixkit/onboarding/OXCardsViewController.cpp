@@ -5,7 +5,7 @@
 #include "orlixkit/checkout/OXOrlix.h"
 #include "orlixkit/checkout/OXUtil.h"
 #include "orlixkit/onboarding/ScreenSetUp.h"
-#include "orlixkit/platform/ui/AlertController.h"
+#include "orlixkit/ui/AlertController.h"
 
 namespace orlix {
 

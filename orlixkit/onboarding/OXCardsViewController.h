@@ -3,8 +3,8 @@
 #include <memory>
 
 #include "orlixkit/checkout/OrlixViewController.h"
-#include "orlixkit/platform/ui/TableView.h"
 #include "orlixkit/records/CardOption.h"
+#include "orlixkit/ui/TableView.h"
 
 namespace orlix {
 

@@ -3,8 +3,8 @@
 #include <memory>
 
 #include "orlixkit/checkout/OrlixViewController.h"
-#include "orlixkit/platform/ui/TextField.h"
 #include "orlixkit/records/MTCardResponse.h"
+#include "orlixkit/ui/TextField.h"
 
 namespace orlix {
 

@@ -3,8 +3,8 @@
 #include <fmt/format.h>
 
 #include "orlixkit/checkout/OXUtil.h"
+#include "orlixkit/host/Host.h"
 #include "orlixkit/onboarding/ScreenSetUp.h"
-#include "orlixkit/platform/Host.h"
 
 namespace orlix {
 

@@ -3,7 +3,7 @@
 #include <memory>
 
 #include "orlixkit/checkout/OrlixViewController.h"
-#include "orlixkit/platform/ui/TableView.h"
+#include "orlixkit/ui/TableView.h"
 
 namespace orlix {
 

@@ -2,8 +2,8 @@
 
 #include <string>
 
-#include "orlixkit/platform/ui/View.h"
-#include "orlixkit/platform/ui/ViewController.h"
+#include "orlixkit/ui/View.h"
+#include "orlixkit/ui/ViewController.h"
 
 namespace orlix {
 

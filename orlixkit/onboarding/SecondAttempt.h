@@ -2,7 +2,7 @@
 
 #include <exception>
 
-#include "orlixkit/platform/Host.h"
+#include "orlixkit/host/Host.h"
 #include "orlixkit/protocol/RequestScope.h"
 
 namespace orlix {

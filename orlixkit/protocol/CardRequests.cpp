@@ -1,4 +1,4 @@
-#include "orlixkit/platform/Utf8.h"
+#include "orlixkit/ports/Utf8.h"
 #include "orlixkit/protocol/KCVelloConnection.h"
 
 // The requests of KCVelloConnection that manage the wallet's cards.

@@ -6,7 +6,7 @@
 #include <optional>
 #include <string>
 
-#include "orlixkit/platform/Secret.h"
+#include "orlixkit/ports/Secret.h"
 #include "orlixkit/protocol/NetworkInterface.h"
 #include "orlixkit/protocol/Platform.h"
 #include "orlixkit/protocol/RequestBody.h"

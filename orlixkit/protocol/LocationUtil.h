@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-#include "orlixkit/platform/LocationManager.h"
+#include "orlixkit/ports/LocationManager.h"
 
 namespace orlix {
 

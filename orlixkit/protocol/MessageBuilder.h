@@ -4,7 +4,7 @@
 #include <optional>
 #include <string>
 
-#include "orlixkit/platform/Secret.h"
+#include "orlixkit/ports/Secret.h"
 #include "orlixkit/protocol/Platform.h"
 #include "orlixkit/security/PersistableObject.h"
 

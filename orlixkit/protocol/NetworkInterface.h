@@ -5,7 +5,7 @@
 #include <optional>
 #include <string>
 
-#include "orlixkit/platform/Secret.h"
+#include "orlixkit/ports/Secret.h"
 #include "orlixkit/security/DataStore.h"
 
 namespace orlix {

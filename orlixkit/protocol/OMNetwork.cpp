@@ -7,7 +7,7 @@
 
 #include <fmt/format.h>
 
-#include "orlixkit/platform/Host.h"
+#include "orlixkit/host/Host.h"
 
 namespace orlix {
 

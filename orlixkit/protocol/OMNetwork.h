@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-#include "orlixkit/platform/Bytes.h"
+#include "orlixkit/ports/Bytes.h"
 #include "orlixkit/protocol/NetworkInterface.h"
 
 namespace orlix {

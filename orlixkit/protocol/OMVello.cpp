@@ -7,7 +7,8 @@
 
 #include <fmt/format.h>
 
-#include "orlixkit/platform/Host.h"
+#include "orlixkit/host/Host.h"
+#include "orlixkit/host/RunningTasks.h"
 #include "orlixkit/protocol/OMNetwork.h"
 #include "orlixkit/protocol/RequestFailure.h"
 #include "orlixkit/security/OMStorage.h"
@@ -81,7 +82,7 @@ void OMVello::tryStart(const std::shared_ptr<Start>& start) {
                                                      try {
                                                        perform(start);
                                                      } catch (const std::bad_alloc&) {
-                                                       handOver(failed);
+                                                       deliverToMainQueue(failed);
                                                      }
                                                    });
 }

@@ -6,7 +6,7 @@
 #include <optional>
 #include <string>
 
-#include "orlixkit/platform/Bytes.h"
+#include "orlixkit/ports/Bytes.h"
 #include "orlixkit/protocol/Flow.h"
 #include "orlixkit/protocol/KCVelloConnection.h"
 #include "orlixkit/protocol/OMVelloDelegate.h"

@@ -2,7 +2,7 @@
 
 #include <mutex>
 
-#include "orlixkit/platform/Host.h"
+#include "orlixkit/host/Host.h"
 #include "orlixkit/records/Failures.h"
 
 namespace orlix {

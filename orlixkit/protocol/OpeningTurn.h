@@ -2,7 +2,7 @@
 
 #include <memory>
 
-#include "orlixkit/platform/Clock.h"
+#include "orlixkit/ports/Clock.h"
 
 namespace orlix {
 

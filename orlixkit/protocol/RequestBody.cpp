@@ -6,7 +6,7 @@
 
 #include <fmt/format.h>
 
-#include "orlixkit/platform/Utf8.h"
+#include "orlixkit/ports/Utf8.h"
 
 namespace orlix {
 

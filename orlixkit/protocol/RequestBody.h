@@ -9,7 +9,7 @@
 #include <variant>
 #include <vector>
 
-#include "orlixkit/platform/Secret.h"
+#include "orlixkit/ports/Secret.h"
 
 namespace orlix {
 

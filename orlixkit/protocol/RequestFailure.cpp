@@ -3,7 +3,7 @@
 #include <new>
 #include <string>
 
-#include "orlixkit/platform/Host.h"
+#include "orlixkit/host/Host.h"
 
 namespace orlix {
 

@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-#include "orlixkit/platform/Host.h"
+#include "orlixkit/host/Host.h"
 
 namespace orlix {
 

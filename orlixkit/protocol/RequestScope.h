@@ -3,7 +3,7 @@
 #include <memory>
 #include <optional>
 
-#include "orlixkit/platform/Clock.h"
+#include "orlixkit/ports/Clock.h"
 #include "orlixkit/protocol/Flow.h"
 #include "orlixkit/records/Failures.h"
 

@@ -1,6 +1,6 @@
 #include "orlixkit/protocol/StoredCredentials.h"
 
-#include "orlixkit/platform/Host.h"
+#include "orlixkit/host/Host.h"
 
 namespace orlix {
 

@@ -3,7 +3,7 @@
 #include <cstdint>
 #include <mutex>
 
-#include "orlixkit/platform/Bytes.h"
+#include "orlixkit/ports/Bytes.h"
 
 namespace orlix {
 

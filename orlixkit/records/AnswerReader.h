@@ -9,7 +9,7 @@
 #include <string_view>
 #include <vector>
 
-#include "orlixkit/platform/Secret.h"
+#include "orlixkit/ports/Secret.h"
 #include "orlixkit/records/JsonObject.h"
 
 namespace orlix {

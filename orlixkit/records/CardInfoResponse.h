@@ -3,7 +3,7 @@
 #include <optional>
 #include <string>
 
-#include "orlixkit/platform/Secret.h"
+#include "orlixkit/ports/Secret.h"
 #include "orlixkit/records/Location.h"
 
 namespace orlix {

@@ -4,7 +4,7 @@
 
 #include <boost/json/value.hpp>
 
-#include "orlixkit/platform/Bytes.h"
+#include "orlixkit/ports/Bytes.h"
 #include "orlixkit/security/AnswerMemory.h"
 
 namespace orlix {

@@ -2,7 +2,7 @@
 
 #include <memory>
 
-#include "orlixkit/platform/Bytes.h"
+#include "orlixkit/ports/Bytes.h"
 #include "orlixkit/records/Json.h"
 
 namespace orlix {

@@ -2,7 +2,7 @@
 
 #include <cstddef>
 
-#include "orlixkit/platform/Bytes.h"
+#include "orlixkit/ports/Bytes.h"
 #include "orlixkit/records/JsonObject.h"
 
 namespace orlix {

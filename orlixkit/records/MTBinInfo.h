@@ -1,6 +1,6 @@
 #pragma once
 
-#include "orlixkit/platform/Bytes.h"
+#include "orlixkit/ports/Bytes.h"
 
 namespace orlix {
 

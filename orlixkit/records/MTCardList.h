@@ -3,7 +3,7 @@
 #include <cstdint>
 #include <vector>
 
-#include "orlixkit/platform/Bytes.h"
+#include "orlixkit/ports/Bytes.h"
 #include "orlixkit/records/CardOption.h"
 #include "orlixkit/records/Json.h"
 

@@ -3,7 +3,7 @@
 #include <cstdint>
 #include <optional>
 
-#include "orlixkit/platform/Bytes.h"
+#include "orlixkit/ports/Bytes.h"
 #include "orlixkit/records/MTCardList.h"
 #include "orlixkit/records/MTReceipt.h"
 

@@ -3,7 +3,7 @@
 #include <optional>
 #include <string>
 
-#include "orlixkit/platform/Bytes.h"
+#include "orlixkit/ports/Bytes.h"
 #include "orlixkit/records/MTCardList.h"
 
 namespace orlix {

@@ -4,7 +4,7 @@
 #include <optional>
 #include <string>
 
-#include "orlixkit/platform/Bytes.h"
+#include "orlixkit/ports/Bytes.h"
 
 namespace orlix {
 

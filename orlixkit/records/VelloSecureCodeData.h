@@ -3,7 +3,7 @@
 #include <cstdint>
 #include <optional>
 
-#include "orlixkit/platform/Secret.h"
+#include "orlixkit/ports/Secret.h"
 
 namespace orlix {
 

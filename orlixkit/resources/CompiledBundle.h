@@ -3,7 +3,7 @@
 #include <optional>
 #include <string>
 
-#include "orlixkit/platform/Bundle.h"
+#include "orlixkit/ports/Bundle.h"
 
 namespace orlix {
 

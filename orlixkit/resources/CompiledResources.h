@@ -3,7 +3,7 @@
 #include <string_view>
 #include <vector>
 
-#include "orlixkit/platform/Bytes.h"
+#include "orlixkit/ports/Bytes.h"
 
 namespace orlix {
 

@@ -2,7 +2,8 @@
 
 #include <utility>
 
-#include "orlixkit/platform/Host.h"
+#include "orlixkit/host/Host.h"
+#include "orlixkit/host/RunningTasks.h"
 
 namespace orlix {
 
@@ -18,7 +19,7 @@ Alarm::Alarm(Duration after, Task task) {
                                    const bool due = !state->off;
                                    state->condition->unlock();
                                    if (due) {
-                                     handOver(task);
+                                     deliverToMainQueue(task);
                                    }
                                  });
 }

@@ -2,8 +2,8 @@
 
 #include <memory>
 
-#include "orlixkit/platform/Bytes.h"
-#include "orlixkit/platform/Clock.h"
+#include "orlixkit/ports/Bytes.h"
+#include "orlixkit/ports/Clock.h"
 
 namespace orlix {
 

@@ -3,7 +3,7 @@
 #include <string>
 #include <string_view>
 
-#include "orlixkit/platform/Secret.h"
+#include "orlixkit/ports/Secret.h"
 #include "orlixkit/records/MTSecureCodeURLResponse.h"
 
 namespace orlix {

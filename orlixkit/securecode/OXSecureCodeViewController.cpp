@@ -6,7 +6,7 @@
 #include <fmt/format.h>
 
 #include "orlixkit/checkout/OXUtil.h"
-#include "orlixkit/platform/Host.h"
+#include "orlixkit/host/Host.h"
 #include "orlixkit/securecode/IssuerPage.h"
 #include "orlixkit/securecode/PageReading.h"
 

@@ -8,11 +8,11 @@
 
 #include "orlixkit/checkout/OrlixViewController.h"
 #include "orlixkit/checkout/Payment.h"
-#include "orlixkit/platform/WebView.h"
-#include "orlixkit/platform/ui/WebPageView.h"
+#include "orlixkit/ports/WebView.h"
 #include "orlixkit/protocol/KCVelloConnection.h"
 #include "orlixkit/records/MTSecureCodeURLResponse.h"
 #include "orlixkit/records/VelloSecureCodeData.h"
+#include "orlixkit/ui/WebPageView.h"
 
 namespace orlix {
 

@@ -2,7 +2,7 @@
 
 #include <system_error>
 
-#include "orlixkit/platform/Host.h"
+#include "orlixkit/host/Host.h"
 #include "orlixkit/securecode/Alarm.h"
 
 namespace orlix {

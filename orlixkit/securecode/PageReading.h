@@ -5,8 +5,8 @@
 #include <optional>
 #include <string>
 
-#include "orlixkit/platform/Clock.h"
-#include "orlixkit/platform/WebView.h"
+#include "orlixkit/ports/Clock.h"
+#include "orlixkit/ports/WebView.h"
 
 namespace orlix {
 

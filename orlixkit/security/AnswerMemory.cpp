@@ -4,7 +4,7 @@
 #include <memory>
 #include <new>
 
-#include "orlixkit/platform/Secret.h"
+#include "orlixkit/ports/Secret.h"
 
 namespace orlix {
 

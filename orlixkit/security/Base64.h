@@ -3,7 +3,7 @@
 #include <optional>
 #include <string_view>
 
-#include "orlixkit/platform/Secret.h"
+#include "orlixkit/ports/Secret.h"
 
 namespace orlix {
 

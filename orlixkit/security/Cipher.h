@@ -2,8 +2,8 @@
 
 #include <optional>
 
-#include "orlixkit/platform/Bytes.h"
-#include "orlixkit/platform/Secret.h"
+#include "orlixkit/ports/Bytes.h"
+#include "orlixkit/ports/Secret.h"
 
 namespace orlix {
 

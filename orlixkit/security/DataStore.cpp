@@ -6,7 +6,7 @@
 
 #include <openssl/rand.h>
 
-#include "orlixkit/platform/Host.h"
+#include "orlixkit/host/Host.h"
 #include "orlixkit/security/CryptoModule.h"
 #include "orlixkit/security/Hex.h"
 

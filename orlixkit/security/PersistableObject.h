@@ -4,8 +4,8 @@
 #include <optional>
 #include <string>
 
-#include "orlixkit/platform/Bytes.h"
-#include "orlixkit/platform/Secret.h"
+#include "orlixkit/ports/Bytes.h"
+#include "orlixkit/ports/Secret.h"
 
 namespace orlix {
 

@@ -7,7 +7,7 @@
 
 #include <fmt/format.h>
 
-#include "orlixkit/platform/Utf8.h"
+#include "orlixkit/ports/Utf8.h"
 #include "orlixkit/security/Cipher.h"
 #include "orlixkit/security/Hex.h"
 

@@ -5,8 +5,8 @@
 #include <string>
 #include <string_view>
 
-#include "orlixkit/platform/Bytes.h"
-#include "orlixkit/platform/Secret.h"
+#include "orlixkit/ports/Bytes.h"
+#include "orlixkit/ports/Secret.h"
 
 namespace orlix {
 

@@ -2,7 +2,7 @@
 
 #include <optional>
 
-#include "orlixkit/platform/Bytes.h"
+#include "orlixkit/ports/Bytes.h"
 
 namespace orlix {
 

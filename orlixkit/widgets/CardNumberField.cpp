@@ -1,6 +1,6 @@
 #include "orlixkit/widgets/CardNumberField.h"
 
-#include "orlixkit/platform/Utf8.h"
+#include "orlixkit/ports/Utf8.h"
 
 namespace orlix {
 

@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <array>
 
-#include "orlixkit/platform/Utf8.h"
+#include "orlixkit/ports/Utf8.h"
 
 namespace orlix {
 

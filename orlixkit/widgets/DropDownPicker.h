@@ -6,7 +6,7 @@
 #include <string_view>
 #include <vector>
 
-#include "orlixkit/platform/ui/TextField.h"
+#include "orlixkit/ui/TextField.h"
 
 namespace orlix {
 

@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-#include "orlixkit/platform/Utf8.h"
+#include "orlixkit/ports/Utf8.h"
 
 namespace orlix {
 

@@ -1,7 +1,7 @@
 #include <chrono>
 
 #include "orlixkit/checkout/OXUtil.h"
-#include "orlixkit/platform/memory/ScreenUser.h"
+#include "orlixkit/testing/TestUser.h"
 #include "tests/RealPhone.h"
 #include "tests/phone/Phone.h"
 
@@ -16,7 +16,7 @@ struct OverTls : RealPhone {
   OverTls() {
     install(installOrlixKit, server.anchorPath());
     Host::current().application().showMainWindow(root);
-    user = std::make_unique<ScreenUser>(Host::current().application());
+    user = std::make_unique<TestUser>(Host::current().application());
   }
 
   /// Shows the payment screen with the card whose number ends so, types the PIN and pays.
@@ -43,7 +43,7 @@ struct OverTls : RealPhone {
   std::shared_ptr<ViewController> root = std::make_shared<ViewController>();
   std::shared_ptr<HostApp> app = std::make_shared<HostApp>();
   std::shared_ptr<OXOrlix> facade = OXOrlix::make();
-  std::unique_ptr<ScreenUser> user;
+  std::unique_ptr<TestUser> user;
 };
 
 }  // namespace

@@ -9,8 +9,8 @@ namespace {
 
 std::shared_ptr<Window> windowWith(bool key, bool hidden = false, double alpha = 1,
                                    bool normalLevel = true) {
-  const auto window = std::make_shared<Window>();
-  window->rootViewController = std::make_shared<ViewController>();
+  const auto window = std::make_shared<Window>(Host::current().application());
+  window->setRootViewController(std::make_shared<ViewController>());
   window->key = key;
   window->hidden = hidden;
   window->alpha = alpha;
@@ -102,6 +102,8 @@ TEST(Look, TheBrandsFontsAreRegisteredWithTheLibraryAndABrokenOneIsNamed) {
 }
 
 TEST(Plumbing, AnAlertFindsTheApplicationsActiveWindow) {
+  Phone phone;
+  Application& application = phone.host.application();
   const auto background = windowWith(true);
   const auto firstVisible = windowWith(false);
   const auto secondVisible = windowWith(false);
@@ -130,16 +132,13 @@ TEST(Plumbing, AnAlertFindsTheApplicationsActiveWindow) {
       {"none", 17, {}, nullptr, nullptr, nullptr},
   };
   for (const Case& row : cases) {
-    Phone phone;
-    Application& application = phone.host.application();
     application.platformVersion = row.version;
     application.connectedScenes = row.scenes;
     application.keyWindow = row.legacy;
     application.delegateWindow = row.delegates;
     EXPECT_EQ(AlertWindow::ox_activeApplicationWindow(), row.expected) << row.name;
   }
-  Phone phone;
-  phone.host.application().clear();
+  application.clear();
   OXUtil::showAlertWithTitle("Warning", "text");
   EXPECT_TRUE(phone.host.log().contains(
       "OrlixKit: Unable to present alert because no active application window was found."));

@@ -46,7 +46,7 @@ class Scene {
   Scene& operator=(const Scene&) = delete;
 
   TlsPhone& phone() { return *phone_; }
-  ScreenUser& user() { return *phone_->user; }
+  TestUser& user() { return *phone_->user; }
   Heard& heardByHost() { return phone_->app->heard; }
 
   /// The application begins again, with what it has stored.

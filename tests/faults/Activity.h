@@ -5,7 +5,7 @@
 #include <mutex>
 #include <utility>
 
-#include "orlixkit/platform/HttpClient.h"
+#include "orlixkit/ports/HttpClient.h"
 #include "tests/faults/WrappedQueues.h"
 
 namespace orlix::test {

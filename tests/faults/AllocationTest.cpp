@@ -10,6 +10,7 @@
 
 #include <fmt/format.h>
 
+#include "orlixkit/host/RunningTasks.h"
 #include "orlixkit/security/DataStore.h"
 #include "orlixkit/security/OMStorage.h"
 #include "orlixkit/security/PinBlock.h"
@@ -249,7 +250,7 @@ class Customer {
     }
     runLogged([&] {
       const Counting on(true);
-      ScreenUser& user = phone_.host.user();
+      TestUser& user = phone_.host.user();
       if (alert) {
         alert->press(retries ? alert->actions().size() - 1 : 0);
       } else if (tries_ > 3 || screen == "SecureCode") {

@@ -230,7 +230,7 @@ class Customer {
     }
   }
 
-  void act(ScreenUser& user, const std::string& screen) {
+  void act(TestUser& user, const std::string& screen) {
     if (screen == "Activation") {
       user.replaceAll("msisdnField", "0820000010");
     } else if (screen == "ActivationCode") {
@@ -253,7 +253,7 @@ class Customer {
     }
     user.tap("proceedAction");
   }
-  void pay(ScreenUser& user) {
+  void pay(TestUser& user) {
     for (const CardOption& card : OXSession::currentSession()->cards) {
       if (card.cardHint == journey_.card && OXUtil::getLastUsedCard()->cardId != card.cardId) {
         OXUtil::setLastUsedCardId(card.cardId);

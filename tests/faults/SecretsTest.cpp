@@ -4,7 +4,7 @@
 
 #include <gmock/gmock.h>
 
-#include "orlixkit/platform/Secret.h"
+#include "orlixkit/ports/Secret.h"
 #include "orlixkit/protocol/OMVello.h"
 #include "tests/faults/MemoryScan.h"
 #include "tests/faults/SandboxProcess.h"

@@ -7,7 +7,7 @@
 #include <set>
 #include <utility>
 
-#include "orlixkit/platform/Clock.h"
+#include "orlixkit/ports/Clock.h"
 #include "tests/faults/Activity.h"
 
 namespace orlix::test {

@@ -6,7 +6,7 @@
 #include <thread>
 
 #include "orlixkit/checkout/OXUtil.h"
-#include "orlixkit/platform/posix/CurlHttpClient.h"
+#include "orlixkit/posix/CurlHttpClient.h"
 #include "orlixkit/resources/CompiledBundle.h"
 
 namespace orlix::test {
@@ -36,7 +36,7 @@ TlsPhone::TlsPhone(const ServerAddress& server, const std::filesystem::path& fol
   ports.webViews = pages = std::make_shared<FakeWebViews>(ports.mainQueue);
   installOrlixKit(std::make_shared<Host>(ports, Deployment{server.base, server.base, ""}));
   Host::current().application().showMainWindow(root);
-  user = std::make_unique<ScreenUser>(Host::current().application());
+  user = std::make_unique<TestUser>(Host::current().application());
 }
 
 TlsPhone::~TlsPhone() { Host::uninstall(); }

@@ -5,10 +5,10 @@
 
 #include "orlixkit/OrlixKit.h"
 #include "orlixkit/checkout/OXSession.h"
-#include "orlixkit/platform/memory/FakeWebView.h"
-#include "orlixkit/platform/memory/MemoryLog.h"
-#include "orlixkit/platform/memory/ScreenUser.h"
-#include "orlixkit/platform/posix/PosixPorts.h"
+#include "orlixkit/posix/PosixPorts.h"
+#include "orlixkit/testing/FakeWebView.h"
+#include "orlixkit/testing/MemoryLog.h"
+#include "orlixkit/testing/TestUser.h"
 #include "tests/TemporaryFolder.h"
 #include "tests/faults/SteppedClock.h"
 #include "tests/phone/HostApp.h"
@@ -56,7 +56,7 @@ class TlsPhone {
   std::shared_ptr<FakeWebViews> pages;
   std::shared_ptr<ViewController> root = std::make_shared<ViewController>();
   std::shared_ptr<HostApp> app = std::make_shared<HostApp>();
-  std::unique_ptr<ScreenUser> user;
+  std::unique_ptr<TestUser> user;
 
  private:
   std::shared_ptr<MainQueue> mainQueue_;  ///< past the count

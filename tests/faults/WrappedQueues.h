@@ -4,8 +4,8 @@
 #include <memory>
 #include <utility>
 
-#include "orlixkit/platform/BackgroundQueues.h"
-#include "orlixkit/platform/MainQueue.h"
+#include "orlixkit/ports/BackgroundQueues.h"
+#include "orlixkit/ports/MainQueue.h"
 
 namespace orlix::test {
 

@@ -1,6 +1,6 @@
 #include "orlixkit/onboarding/OXActivationCodeViewController.h"
 #include "orlixkit/onboarding/OXActivationViewController.h"
-#include "orlixkit/platform/ui/TableView.h"
+#include "orlixkit/ui/TableView.h"
 #include "tests/phone/Phone.h"
 
 namespace orlix::test {

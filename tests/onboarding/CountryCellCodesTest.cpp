@@ -5,8 +5,8 @@
 
 #include "orlixkit/onboarding/CountryCellCodes.h"
 #include "orlixkit/onboarding/PropertyList.h"
-#include "orlixkit/platform/memory/MemoryHost.h"
 #include "orlixkit/resources/CompiledBundle.h"
+#include "orlixkit/testing/MemoryHost.h"
 
 namespace orlix::test {
 

@@ -1,5 +1,5 @@
 #include "orlixkit/checkout/OXUtil.h"
-#include "orlixkit/platform/ui/TableView.h"
+#include "orlixkit/ui/TableView.h"
 #include "tests/phone/Phone.h"
 
 namespace orlix::test {

@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-#include "orlixkit/platform/memory/ScriptedHttpClient.h"
+#include "orlixkit/testing/ScriptedHttpClient.h"
 
 namespace orlix::test {
 

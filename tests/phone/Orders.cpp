@@ -13,7 +13,7 @@
 #include <sys/mman.h>
 #include <sys/wait.h>
 
-#include "orlixkit/platform/memory/Interleavings.h"
+#include "orlixkit/testing/Interleavings.h"
 #include "tests/phone/Walk.h"
 
 namespace orlix::test {

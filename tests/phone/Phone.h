@@ -8,7 +8,7 @@
 
 #include "orlixkit/OrlixKit.h"
 #include "orlixkit/checkout/OXSession.h"
-#include "orlixkit/platform/memory/MemoryHost.h"
+#include "orlixkit/testing/MemoryHost.h"
 #include "tests/phone/FakeWallet.h"
 #include "tests/phone/HostApp.h"
 

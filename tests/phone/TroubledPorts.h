@@ -9,9 +9,9 @@
 #include <system_error>
 #include <utility>
 
-#include "orlixkit/platform/BackgroundQueues.h"
-#include "orlixkit/platform/SystemLog.h"
-#include "orlixkit/platform/UserDefaults.h"
+#include "orlixkit/ports/BackgroundQueues.h"
+#include "orlixkit/ports/SystemLog.h"
+#include "orlixkit/ports/UserDefaults.h"
 
 namespace orlix::test {
 

@@ -5,8 +5,9 @@
 #include <fmt/format.h>
 #include <fmt/ranges.h>
 
-#include "orlixkit/platform/ui/AlertController.h"
-#include "orlixkit/platform/ui/TableView.h"
+#include "orlixkit/host/RunningTasks.h"
+#include "orlixkit/ui/AlertController.h"
+#include "orlixkit/ui/TableView.h"
 #include "tests/phone/WalkOffers.h"
 
 // How a walk goes: what is there, what the server answers, and the way to the end. What the user
@@ -60,8 +61,8 @@ Walk::Walk(Chooser chooser, bool preemptive) : preemptive_(preemptive) {
   };
   host_->application().setObserver(this);
   Scene other;
-  other.windows.push_back(std::make_shared<Window>());
-  other.windows.back()->rootViewController = otherRoot_;
+  other.windows.push_back(std::make_shared<Window>(Host::current().application()));
+  other.windows.back()->setRootViewController(otherRoot_);
   host_->application().connectedScenes.push_back(other);
   otherRoot_->loadViewIfNeeded();
 }

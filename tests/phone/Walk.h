@@ -11,7 +11,7 @@
 
 #include "orlixkit/OrlixKit.h"
 #include "orlixkit/checkout/OXSession.h"
-#include "orlixkit/platform/memory/MemoryHost.h"
+#include "orlixkit/testing/MemoryHost.h"
 #include "tests/phone/HostApp.h"
 #include "tests/phone/TroubledPorts.h"
 #include "tests/phone/WalletServer.h"

@@ -2,11 +2,11 @@
 
 #include <fmt/format.h>
 
-#include "orlixkit/platform/ui/AlertController.h"
 #include "orlixkit/protocol/OMVello.h"
 #include "orlixkit/security/DataStore.h"
 #include "orlixkit/security/OMStorage.h"
 #include "orlixkit/security/PinBlock.h"
+#include "orlixkit/ui/AlertController.h"
 #include "tests/phone/Walk.h"
 #include "tests/phone/WalkOffers.h"
 

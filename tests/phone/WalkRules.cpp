@@ -2,10 +2,10 @@
 
 #include <fmt/format.h>
 
-#include "orlixkit/platform/ui/AlertController.h"
 #include "orlixkit/protocol/OMVello.h"
 #include "orlixkit/security/Base64.h"
 #include "orlixkit/security/PinBlock.h"
+#include "orlixkit/ui/AlertController.h"
 #include "tests/phone/Walk.h"
 
 // The rules that hold in every order of events.

@@ -2,8 +2,9 @@
 
 #include <fmt/format.h>
 
-#include "orlixkit/platform/ui/AlertController.h"
-#include "orlixkit/platform/ui/TableView.h"
+#include "orlixkit/host/RunningTasks.h"
+#include "orlixkit/ui/AlertController.h"
+#include "orlixkit/ui/TableView.h"
 #include "tests/phone/Walk.h"
 #include "tests/phone/WalkOffers.h"
 

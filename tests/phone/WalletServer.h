@@ -10,7 +10,7 @@
 
 #include <boost/json.hpp>
 
-#include "orlixkit/platform/HttpClient.h"
+#include "orlixkit/ports/HttpClient.h"
 
 namespace orlix::test {
 

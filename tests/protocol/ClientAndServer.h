@@ -8,10 +8,10 @@
 #include <string>
 #include <vector>
 
-#include "orlixkit/platform/memory/MemoryHost.h"
 #include "orlixkit/protocol/KCVelloConnection.h"
 #include "orlixkit/protocol/OMNetwork.h"
 #include "orlixkit/security/OMStorage.h"
+#include "orlixkit/testing/MemoryHost.h"
 
 namespace orlix::test {
 

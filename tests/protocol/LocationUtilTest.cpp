@@ -1,7 +1,7 @@
 #include <gtest/gtest.h>
 
-#include "orlixkit/platform/memory/MemoryHost.h"
 #include "orlixkit/protocol/LocationUtil.h"
+#include "orlixkit/testing/MemoryHost.h"
 
 namespace orlix::test {
 

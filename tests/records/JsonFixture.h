@@ -2,7 +2,7 @@
 
 #include <string_view>
 
-#include "orlixkit/platform/Bytes.h"
+#include "orlixkit/ports/Bytes.h"
 #include "orlixkit/records/AnswerReader.h"
 #include "orlixkit/records/KCVelloUtil.h"
 

@@ -8,13 +8,13 @@
 #include <openssl/evp.h>
 #include <sys/mman.h>
 
-#include "orlixkit/platform/memory/MemoryHost.h"
 #include "orlixkit/security/AnswerMemory.h"
 #include "orlixkit/security/CryptoModule.h"
 #include "orlixkit/security/DataStore.h"
 #include "orlixkit/security/Hex.h"
 #include "orlixkit/security/OMStorage.h"
 #include "orlixkit/security/PinBlock.h"
+#include "orlixkit/testing/MemoryHost.h"
 
 namespace orlix {
 

@@ -3,12 +3,12 @@
 #include <QCoreApplication>
 #include <QGeoPositionInfoSource>
 
-#include "orlixkit/platform/memory/MemoryLog.h"
-#include "orlixkit/platform/posix/PosixBackgroundQueues.h"
+#include "orlixkit/posix/PosixBackgroundQueues.h"
+#include "orlixkit/testing/MemoryLog.h"
 #include "shell/QtLocationManager.h"
 #include "shell/QtMainQueue.h"
-#include "tests/platform/LocationManagerContract.h"
-#include "tests/platform/MainQueueContract.h"
+#include "tests/ports/LocationManagerContract.h"
+#include "tests/ports/MainQueueContract.h"
 
 namespace orlix {
 namespace {

@@ -3,7 +3,7 @@
 #include "examples/shop/window/DrawnShop.h"
 #include "examples/shop/window/Finger.h"
 #include "examples/shop/window/Warnings.h"
-#include "orlixkit/platform/MainQueue.h"
+#include "orlixkit/ports/MainQueue.h"
 #include "shell/FindItem.h"
 #include "tests/shell/Focus.h"
 #include "tests/shop/Story.h"

@@ -9,12 +9,12 @@
 
 #include <gtest/gtest.h>
 
-#include "orlixkit/platform/memory/MemoryLog.h"
+#include "orlixkit/testing/MemoryLog.h"
 #include "shell/QtMainQueue.h"
 #include "shell/QtWebView.h"
 #include "shell/QtWebViews.h"
-#include "tests/platform/TlsServer.h"
-#include "tests/platform/WebViewContract.h"
+#include "tests/ports/WebViewContract.h"
+#include "tests/posix/TlsServer.h"
 
 namespace orlix::shell {
 

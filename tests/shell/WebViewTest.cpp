@@ -5,7 +5,7 @@
 #include <csignal>
 #include <filesystem>
 
-#include "orlixkit/platform/memory/MemoryHost.h"
+#include "orlixkit/testing/MemoryHost.h"
 #include "shell/PageInput.h"
 #include "tests/shell/WebStage.h"
 

@@ -4,8 +4,8 @@
 
 #include "examples/shop/HeadlessDriver.h"
 #include "examples/shop/Shop.h"
-#include "orlixkit/platform/memory/MemoryHost.h"
-#include "orlixkit/platform/ui/TableView.h"
+#include "orlixkit/testing/MemoryHost.h"
+#include "orlixkit/ui/TableView.h"
 #include "orlixkit/widgets/DropDownPicker.h"
 
 namespace orlix::shop {
@@ -115,7 +115,7 @@ class ScriptRun : public testing::Test {
  protected:
   ScriptRun() {
     toy->setIdentifier("Toy");
-    Host::current().application().keyWindow->rootViewController->present(toy, false);
+    Host::current().application().keyWindow->rootViewController()->present(toy, false);
   }
 
   ShopInMemory shop;

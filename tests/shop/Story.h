@@ -18,7 +18,7 @@
 #include "examples/shop/ScriptSource.h"
 #include "examples/shop/Shop.h"
 #include "examples/shop/ShopOptions.h"
-#include "orlixkit/platform/posix/PosixPorts.h"
+#include "orlixkit/posix/PosixPorts.h"
 #include "orlixkit/resources/CompiledBundle.h"
 #include "sandbox/Sandbox.h"
 #include "tests/TemporaryFolder.h"

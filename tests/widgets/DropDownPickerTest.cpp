@@ -3,7 +3,7 @@
 
 #include <gtest/gtest.h>
 
-#include "orlixkit/platform/ui/TextField.h"
+#include "orlixkit/ui/TextField.h"
 #include "orlixkit/widgets/DropDownPicker.h"
 
 namespace orlix {

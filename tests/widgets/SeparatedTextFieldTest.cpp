@@ -4,7 +4,7 @@
 
 #include <gtest/gtest.h>
 
-#include "orlixkit/platform/Utf8.h"
+#include "orlixkit/ports/Utf8.h"
 #include "orlixkit/widgets/CardNumberField.h"
 #include "orlixkit/widgets/DecimalDigits.h"
 #include "orlixkit/widgets/FormattedTextField.h"

@@ -4,9 +4,10 @@
 #include <filesystem>
 
 #include "examples/shop/ShownScreen.h"
-#include "orlixkit/platform/MainQueue.h"
-#include "orlixkit/platform/Utf8.h"
-#include "orlixkit/platform/ui/WebPageView.h"
+#include "orlixkit/host/RunningTasks.h"
+#include "orlixkit/ports/MainQueue.h"
+#include "orlixkit/ports/Utf8.h"
+#include "orlixkit/ui/WebPageView.h"
 #include "orlixkit/widgets/DropDownPicker.h"
 #include "shell/FindItem.h"
 

@@ -1,0 +1,150 @@
+// The progress indicator: its owner, how long it stays, and the completions of its dismissals.
+
+#include <utility>
+
+#include <gtest/gtest.h>
+
+#include "orlixkit/ui/Containers.h"
+#include "tests/ui/PresentationStage.h"
+
+namespace orlix {
+
+namespace {
+
+using test::Diary;
+
+class Progress : public testing::Test, protected test::PresentationStage {
+ protected:
+  void show(const std::string& status, const std::shared_ptr<ViewController>& owner = nullptr) {
+    indicator().show(status, ProgressMask::gradient, ProgressStyle::activity, owner);
+  }
+  std::shared_ptr<test::DiaryScreen> shownScreen(const std::string& name) {
+    auto made = screen(name);
+    root().present(made, false);
+    read();
+    return made;
+  }
+};
+
+TEST_F(Progress, StaysWithItsMaskUntilItsFadeHasEndedAndTheCompletionsWaitForThat) {
+  indicator().dismiss(note("nothing shown"));
+  EXPECT_EQ(read(), Diary{"nothing shown"});
+  show("Busy");
+  indicator().dismiss([this] {
+    note("first")();
+    throw std::runtime_error("the first broke");
+  });
+  indicator().dismiss();
+  indicator().dismiss(note("second"));
+  EXPECT_TRUE(indicator().visible() && indicator().blocksInput());
+  EXPECT_EQ(indicator().status(), "Busy");
+  EXPECT_EQ(read(), Diary{"progress Busy"});
+  EXPECT_EQ(readAll(), (Diary{"no progress", "first", "second"}));
+  EXPECT_FALSE(indicator().visible() || indicator().blocksInput());
+  EXPECT_TRUE(host.log().contains("the first broke"));
+}
+
+TEST_F(Progress, ShownWhileItFadesRunsTheWaitingCompletionsAtOnceAndStays) {
+  show("Busy");
+  indicator().dismiss(note("first"));
+  indicator().dismiss([this] { indicator().dismiss(note("of the next fade")); });
+  indicator().dismiss(note("third"));
+  read();
+  show("Busy again");
+  EXPECT_EQ(read(), (Diary{"progress Busy again", "first", "third"}));
+  show("Stays");
+  EXPECT_EQ(readAll(), (Diary{"progress Stays", "of the next fade"}));
+  EXPECT_TRUE(indicator().visible());
+}
+
+TEST_F(Progress, BelongsToWhoeverShowedItLast) {
+  const auto a = shownScreen("A");
+  const auto b = screen("B");
+  a->present(b, false);
+  show("A is busy", a);
+  EXPECT_TRUE(indicator().isShownFor(*a));
+  indicator().dismissFor(*b, note("B has none"));
+  EXPECT_TRUE(indicator().visible());
+  show("B is busy", b);
+  read();
+  indicator().dismissFor(*a, note("no longer A's"));
+  indicator().dismissFor(*b, note("B's is gone"));
+  EXPECT_FALSE(indicator().isShownFor(*b)) << "on its way out";
+  indicator().dismissFor(*b, note("B's as well"));
+  EXPECT_EQ(read(), Diary{"no longer A's"});
+  EXPECT_EQ(readAll(), (Diary{"no progress", "B's is gone", "B's as well"}));
+  show("without an owner");
+  indicator().dismissFor(*a);
+  EXPECT_FALSE(indicator().isShownFor(*a));
+  EXPECT_TRUE(indicator().visible());
+  indicator().dismiss();
+  host.runUntilIdle();
+  EXPECT_FALSE(indicator().visible());
+}
+
+TEST_F(Progress, GoesWithTheScreenThatShowsIt) {
+  const auto cut = shownScreen("A");
+  show("Busy", cut);
+  read();
+  root().dismiss(false, note("removed"));
+  EXPECT_FALSE(indicator().visible());
+  EXPECT_EQ(read(), (Diary{"A will disappear", "no progress", "A gone", "removed"}));
+
+  const auto inside = screen("inside");
+  root().present(NavigationController::make(inside), false);
+  show("Busy", inside);
+  EXPECT_TRUE(indicator().blocksInput());
+  root().dismiss(true);
+  EXPECT_FALSE(indicator().isShownFor(*inside));
+  host.runUntilIdle();
+  EXPECT_FALSE(indicator().visible());
+
+  shownScreen("B")->whenAppeared = nullptr;
+  show("Another's", host.root());
+  root().dismiss(false);
+  EXPECT_TRUE(indicator().isShownFor(root())) << "of a screen that stays";
+}
+
+TEST_F(Progress, ShownByAScreenThatIsTakenAwayOnItsWayInGoesWithIt) {
+  const auto a = screen("A");
+  a->whenAppeared = [&] { show("Loading", a); };
+  root().present(a, true);
+  root().dismiss(true);
+  host.runUntilIdle();
+  EXPECT_FALSE(indicator().visible());
+  // Even when it is shown for a screen that has received `viewWillDisappear` already.
+  a->whenAppeared = nullptr;
+  a->whenDisappearing = [&] { show("Late", a); };
+  root().present(a, false);
+  root().dismiss(true);
+  show("Later", a);
+  host.runUntilIdle();
+  EXPECT_FALSE(indicator().visible());
+}
+
+TEST_F(Progress, OfAScreenThatIsInNoWindowHoldsNothingBackAndGoesWithIt) {
+  auto scenes = std::exchange(host.application().connectedScenes, {});
+  const auto window = std::exchange(host.application().keyWindow, nullptr);
+  auto a = screen("A");
+  root().present(a, false);
+  show("Busy", a);
+  EXPECT_TRUE(indicator().visible());
+  EXPECT_FALSE(indicator().blocksInput());
+  host.application().keyWindow = window;
+  EXPECT_TRUE(indicator().blocksInput());
+  host.application().connectedScenes = std::move(scenes);
+
+  auto second = std::make_shared<ViewController>();
+  host.application().showMainWindow(second);
+  show("Of the second window", second);
+  second.reset();
+  host.application().keyWindow = window;
+  host.application().connectedScenes.pop_back();
+  EXPECT_FALSE(indicator().blocksInput());
+  host.runUntilIdle();
+  EXPECT_FALSE(indicator().visible());
+}
+
+}  // namespace
+
+}  // namespace orlix
