@@ -67,6 +67,16 @@ orlix_public_headers(core ${CMAKE_INSTALL_INCLUDEDIR} ${ports}
   orlixkit/posix/PosixSystemLog.h
   orlixkit/protocol/OMVelloDelegate.h)
 
+install(FILES ${PROJECT_BINARY_DIR}/include/orlixkit/Version.h COMPONENT core
+  DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/orlixkit)
+
+# What a host's own tests link beside the library.
+orlix_package(orlixkit-testing Testing testing.map testing OBJECTS orlix_testing)
+target_link_libraries(orlixkit-testing PUBLIC orlixkit PRIVATE
+  CURL::libcurl OpenSSL::Crypto Boost::json fmt::fmt)
+file(GLOB kit RELATIVE ${PROJECT_SOURCE_DIR} CONFIGURE_DEPENDS ${PROJECT_SOURCE_DIR}/orlixkit/testing/*.h)
+orlix_public_headers(testing ${CMAKE_INSTALL_INCLUDEDIR} ${kit} orlixkit/resources/CompiledBundle.h)
+
 if(TARGET orlix_shell)
   # Qt keeps the compiled-in drawings of a static library in targets of their own.
   set(drawings "")
@@ -110,8 +120,10 @@ set(CPACK_DEBIAN_FILE_NAME DEB-DEFAULT)
 set(CPACK_DEBIAN_PACKAGE_SECTION libdevel)
 set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)
 set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS_PRIVATE_DIRS ${CMAKE_CURRENT_BINARY_DIR})
-set(CPACK_COMPONENTS_ALL core)
+set(CPACK_COMPONENTS_ALL core testing)
 set(CPACK_DEBIAN_CORE_PACKAGE_NAME liborlixkit-dev)
+set(CPACK_DEBIAN_TESTING_PACKAGE_NAME liborlixkit-testing-dev)
+set(CPACK_DEBIAN_TESTING_PACKAGE_DEPENDS "liborlixkit-dev (= ${PROJECT_VERSION})")
 if(TARGET orlixkit-shell)
   list(APPEND CPACK_COMPONENTS_ALL shell)
   set(CPACK_DEBIAN_SHELL_PACKAGE_NAME liborlixkit-shell-dev)

@@ -7,6 +7,7 @@
 
 #include <fmt/format.h>
 
+#include "orlixkit/Version.h"
 #include "orlixkit/host/Host.h"
 #include "orlixkit/host/RunningTasks.h"
 #include "orlixkit/protocol/OMNetwork.h"
@@ -125,7 +126,7 @@ std::shared_ptr<KCVelloConnection> OMVello::newConnection(const Start& start) {
   platform.osVersion = device.systemVersion();
   platform.node = callingNode;
   platform.libKey = start.libKey;
-  platform.appVersion = ORLIX_VERSION;
+  platform.appVersion = ORLIXKIT_VERSION;
   platform.device = upper->deviceModel();
   const std::string timeZone = getTimeZone();
   const std::string appVersion = fmt::format("iPhone {} {}", callingNode, *platform.appVersion);

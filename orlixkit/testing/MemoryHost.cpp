@@ -57,7 +57,8 @@ MemoryHost::~MemoryHost() {
 void MemoryHost::runUntilScreen(const std::string& identifier) {
   runUntil([&] {
     const std::shared_ptr<ViewController> top = topController();
-    return top && top->identifier() == identifier && top->hasAppeared();
+    return top && top->identifier() == identifier && top->hasAppeared() &&
+           !top->presentedViewController();
   });
 }
 

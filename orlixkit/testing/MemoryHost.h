@@ -77,7 +77,7 @@ class MemoryHost {
   void runUntil(const std::function<bool()>& done) { world_->runUntil(done); }
   void runUntilIdle() { world_->runUntilIdle(); }
   void runFor(Duration span) { world_->runFor(span); }
-  /// Runs until the top screen has this identifier and its transition has ended.
+  /// Runs until the top screen has this identifier, and nothing moves in or out over it any more.
   void runUntilScreen(const std::string& identifier);
   /// Runs until an alert with this title is on top.
   void runUntilAlert(const std::string& title);

@@ -3,6 +3,7 @@
 #include <cstdint>
 #include <memory>
 #include <string>
+#include <utility>
 #include <variant>
 #include <vector>
 
@@ -15,7 +16,7 @@ namespace orlix {
 ///
 ///     ServerReply::of(200, R"({"status":"SUCCESS"})")
 ///     ServerReply().after(3s).status(200).body("{").after(2s).body("}")
-/// ServerReply().status(200).silence()        // a header, never a body
+///     ServerReply().status(200).silence()        // a header, never a body
 ///     ServerReply().fail("connection reset")     // before the header
 ///
 /// The answer is complete after the last step unless that is `fail` or `silence`.
@@ -43,6 +44,7 @@ class ServerReply {
   using Step = std::variant<Pause, Challenge, Status, Body, Redirect, Failure, Silence>;
 
   static ServerReply of(std::int64_t status, std::string body = {});
+  static ServerReply ok(std::string body) { return of(200, std::move(body)); }
 
   ServerReply& after(Duration span) { return add(Pause{span}); }
   /// The server presents its certificates, as at the beginning of a new connection.

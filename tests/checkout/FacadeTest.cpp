@@ -1,5 +1,6 @@
 #include <limits>
 
+#include "orlixkit/Version.h"
 #include "orlixkit/checkout/OXUtil.h"
 #include "orlixkit/records/Failures.h"
 #include "tests/phone/Phone.h"
@@ -119,7 +120,7 @@ TEST(Facade, AStartSaysWhichDeviceItIsAndARetryStaysTheSameDevice) {
     EXPECT_EQ(phone.screen(), "Product");
     EXPECT_EQ(phone.wallet.sent("/session/new/", "deviceSerial"), serial);
     EXPECT_EQ(phone.wallet.sent("/session/new/", "timeZone"), zone);
-    EXPECT_EQ(phone.wallet.sent("/session/new/", "appVersion"), "iPhone TALU 2.1.0");
+    EXPECT_EQ(phone.wallet.sent("/session/new/", "appVersion"), "iPhone TALU " ORLIXKIT_VERSION);
     EXPECT_EQ(phone.host.requests()[0].url, "https://test.example/vello/session/new/TALU");
     phone.checkout();
     phone.host.runUntilIdle();

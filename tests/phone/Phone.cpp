@@ -1,7 +1,5 @@
 #include "tests/phone/Phone.h"
 
-#include "orlixkit/resources/CompiledBundle.h"
-
 namespace orlix::test {
 
 namespace {
@@ -14,8 +12,6 @@ MemoryHostSettings withLibrary(MemoryHostSettings settings) {
 }  // namespace
 
 Phone::Phone(MemoryHostSettings settings) : host(withLibrary(std::move(settings))) {
-  host.bundle().add("CountryCellCodes", "plist",
-                    CompiledBundle().resource("CountryCellCodes", "plist").value());
   host.world().setOnMainWait([this](const std::string& what) {
     if (!mainMayWait) {
       ADD_FAILURE() << "the main thread " << what;

@@ -9,7 +9,7 @@
 #include "orlixkit/OrlixKit.h"
 #include "orlixkit/checkout/OXSession.h"
 #include "orlixkit/testing/MemoryHost.h"
-#include "tests/phone/FakeWallet.h"
+#include "tests/phone/Answers.h"
 #include "tests/phone/HostApp.h"
 
 namespace orlix::test {
@@ -30,7 +30,7 @@ struct Phone {
   Phone& operator=(const Phone&) = delete;
 
   MemoryHost host;
-  FakeWallet wallet{host.connections()};
+  ScriptedWallet wallet{host.connections()};
   std::shared_ptr<HostApp> app = std::make_shared<HostApp>();
   std::shared_ptr<OXOrlix> facade = OXOrlix::make();
   /// The main thread waits where the terms are accepted, and nowhere else: a test fails otherwise.

@@ -114,11 +114,11 @@ class Look {
 TEST(Layout, EveryScreenIsWholeAndItsFieldsStandAboveAKeyboardOfAnyHeight) {
   for (const QSize window : {QSize(375, 667), QSize(667, 320)}) {
     DrawnPhone drawn(window);
-    test::FakeWallet& wallet = drawn.phone.wallet;
+    ScriptedWallet& wallet = drawn.phone.wallet;
     wallet.codeInfo =
         R"({"code":"C-1","merchantName":"Household Goods and Gardening Supplies","currency":"ZAR",)"
         R"("amountString":"","amount":"1234567890.00"})";
-    wallet.cards = {test::cardJson(5, "4242", R"(,"method":"AMT","needCvv":true)")};
+    wallet.cards = {cardJson(5, "4242", R"(,"method":"AMT","needCvv":true)")};
     drawn.phone.showPaymentScreen();
     drawn.settle();
     ASSERT_NE(drawn.content(), nullptr);

@@ -100,7 +100,7 @@ std::string textsOf(const QQuickItem& item) {
 
 TEST(Presentation, ASecretIsNeitherInTheSceneNorInTheClipboardNorInAPicture) {
   DrawnPhone phone;
-  phone.phone.wallet.cards = {test::cardJson(5, "4242", R"(,"method":"AMT","needCvv":true)")};
+  phone.phone.wallet.cards = {cardJson(5, "4242", R"(,"method":"AMT","needCvv":true)")};
   phone.phone.showPaymentScreen();
   phone.settle();
   for (const char* const field : {"cvvField", "pinField"}) {
@@ -144,7 +144,7 @@ TEST(Presentation, TheMaskHoldsTouchesAndKeysBackButForTheWayOut) {
   phone.touch("cancelAction");
 
   // The terms may be left while their page loads.
-  phone.phone.wallet.session = test::answers::kNotActivated;
+  phone.phone.wallet.session = answers::kNotActivated;
   phone.phone.begin(test::Entry::preRegister, "Activation");
   phone.settle();
   phone.touch("descriptionLabel");

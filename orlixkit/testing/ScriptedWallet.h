@@ -7,9 +7,9 @@
 
 #include "orlixkit/testing/ScriptedHttpClient.h"
 
-namespace orlix::test {
+namespace orlix {
 
-/// Answers of a wallet server.
+/// Bodies of a wallet server's answers.
 namespace answers {
 inline const std::string kSession =
     R"({"sessionId":"s1","sessionId2":"s2","pinKey":"AAECAwQFBgcICQoLDA0ODw==",)"
@@ -28,43 +28,52 @@ inline const std::string kNothingNeeded = R"({"cardSupported":true})";
 inline const std::string kValidated = R"({"message":"Your card has been added"})";
 }  // namespace answers
 
-inline ServerReply ok(const std::string& body) { return ServerReply::of(200, body); }
-inline ServerReply late(Duration after, const std::string& body) {
-  return ServerReply().after(after).status(200).body(body);
-}
-inline ServerReply unreachable() { return ServerReply().fail("no network"); }
-
-/// A card of the wallet as the server writes it, paid for without a PIN unless `more` says so.
+/// A card of the wallet as the server writes it. `more` holds its other fields as JSON, each after
+/// a comma: as given here a payment with it asks for nothing, `"method":"AMT"` asks for the PIN,
+/// `"needCvv":true` for the CVV, and `"method":"SECURE_CODE"` opens the issuer's page.
 std::string cardJson(int cardId, const std::string& hint,
                      const std::string& more = R"(,"method":"CNP")");
 
-/// A wallet server of few words: answers by path what its fields say, and once or always something
-/// else where a test wants it to.
-class FakeWallet {
+/// A wallet server for a test. As made, the device is enrolled, the wallet holds one card that
+/// needs a PIN, the code is known and every payment succeeds. A test changes the fields, which
+/// apply to the answers from then on, or sets what a path is answered. Not checked: PIN, CVV and
+/// session.
+///
+/// Takes over the network's scripts; once it has gone, requests fail. Main thread, between the
+/// world's runs.
+class ScriptedWallet {
  public:
-  explicit FakeWallet(ScriptedHttpClient& network);
+  explicit ScriptedWallet(ScriptedHttpClient& network);
+  ~ScriptedWallet();
+  ScriptedWallet(const ScriptedWallet&) = delete;
+  ScriptedWallet& operator=(const ScriptedWallet&) = delete;
 
-  std::string session = answers::kSession;
+  std::string session = answers::kSession;  ///< answer to the opening of a session
   /// "codeInfo" of the code's lookup; empty for an unknown code.
   std::string codeInfo = R"({"code":"C-1","merchantName":"Corner Shop","amountString":"R 25.00",)"
                          R"("amount":"25.00","currency":"R"})";
-  std::vector<std::string> cards{cardJson(5, "4242", R"(,"method":"AMT")")};
+  std::vector<std::string> cards{// see `cardJson`
+                                 cardJson(5, "4242", R"(,"method":"AMT")")};
   std::string purchase = R"({"status":"SUCCESS","transactionId":9007199254740993})";
   std::string receipt = R"({"status":"SUCCESS"})";
 
-  /// The next request whose path holds `part` is answered so, and the one after it by the next.
+  /// Answers the next request whose path holds `part`, after what `next` has been given before.
   void next(const std::string& part, ServerReply reply, int times = 1);
-  /// From now on every answer to such a path is this one, but for those that are `next`.
+  /// Answers every request to such a path, except those that `next` answers.
   void always(const std::string& part, ServerReply reply) {
     always_.insert_or_assign(part, std::move(reply));
   }
-  void always(const std::string& part, const std::string& body) { always(part, ok(body)); }
+  void always(const std::string& part, const std::string& body) {
+    always(part, ServerReply::ok(body));
+  }
 
+  /// Number of requests to such a path that reached the server.
   std::size_t asked(const std::string& part) const { return network_.requestsTo(part).size(); }
   /// Body of the last such request; empty when there was none.
   std::string lastBody(const std::string& part) const;
   /// The value of that key in it, a string without its quotes; "(none)" when there is none.
   std::string sent(const std::string& part, const std::string& key) const;
+  /// What it answers: for a script of the test's own that answers some requests otherwise.
   ServerReply answer(const RecordedRequest& request);
 
  private:
@@ -73,4 +82,4 @@ class FakeWallet {
   std::map<std::string, ServerReply> always_;
 };
 
-}  // namespace orlix::test
+}  // namespace orlix

@@ -1,15 +1,15 @@
-#include "tests/phone/FakeWallet.h"
+#include "orlixkit/testing/ScriptedWallet.h"
 
 #include <boost/json.hpp>
 #include <fmt/format.h>
 
-namespace orlix::test {
+namespace orlix {
 
 std::string cardJson(int cardId, const std::string& hint, const std::string& more) {
   return fmt::format(R"({{"cardId":{},"cardHint":"{}","cardType":"visa"{}}})", cardId, hint, more);
 }
 
-FakeWallet::FakeWallet(ScriptedHttpClient& network) : network_(network) {
+ScriptedWallet::ScriptedWallet(ScriptedHttpClient& network) : network_(network) {
   always("/sms/send", answers::kSmsSent);
   always("/sms/activateSession", answers::kSmsSent);
   always("/card/link/", answers::kLinked);
@@ -20,17 +20,19 @@ FakeWallet::FakeWallet(ScriptedHttpClient& network) : network_(network) {
   network.on("", [this](const RecordedRequest& request) { return answer(request); });
 }
 
-void FakeWallet::next(const std::string& part, ServerReply reply, int times) {
+ScriptedWallet::~ScriptedWallet() { network_.on("", ServerReply().fail("no wallet server")); }
+
+void ScriptedWallet::next(const std::string& part, ServerReply reply, int times) {
   auto& replies = next_[part];
   replies.insert(replies.end(), static_cast<std::size_t>(times), std::move(reply));
 }
 
-std::string FakeWallet::lastBody(const std::string& part) const {
+std::string ScriptedWallet::lastBody(const std::string& part) const {
   const std::vector<RecordedRequest> all = network_.requestsTo(part);
   return all.empty() ? "" : all.back().body.value_or("");
 }
 
-std::string FakeWallet::sent(const std::string& part, const std::string& key) const {
+std::string ScriptedWallet::sent(const std::string& part, const std::string& key) const {
   const std::string body = lastBody(part);
   const auto value = boost::json::parse(body.empty() ? "{}" : body).as_object();
   const auto* found = value.if_contains(key);
@@ -40,7 +42,7 @@ std::string FakeWallet::sent(const std::string& part, const std::string& key) co
   return found->is_string() ? std::string(found->as_string()) : boost::json::serialize(*found);
 }
 
-ServerReply FakeWallet::answer(const RecordedRequest& request) {
+ServerReply ScriptedWallet::answer(const RecordedRequest& request) {
   const std::string path = request.path();
   const auto holds = [&path](const std::string& part) {
     return path.find(part) != std::string::npos;
@@ -59,22 +61,22 @@ ServerReply FakeWallet::answer(const RecordedRequest& request) {
   }
   const std::string list = fmt::format(R"({{"cards":[{}]}})", fmt::join(cards, ","));
   if (holds("/session/new/")) {
-    return ok(session);
+    return ServerReply::ok(session);
   }
   if (holds("/lookup/query/v2/")) {
-    return ok(fmt::format(R"({{{}"cardList":{}}})",
-                          codeInfo.empty() ? "" : R"("codeInfo":)" + codeInfo + ",", list));
+    return ServerReply::ok(fmt::format(
+        R"({{{}"cardList":{}}})", codeInfo.empty() ? "" : R"("codeInfo":)" + codeInfo + ",", list));
   }
   if (holds("/card/list/")) {
-    return ok(list);
+    return ServerReply::ok(list);
   }
   if (holds("/receipt/poll/")) {
-    return ok(receipt);
+    return ServerReply::ok(receipt);
   }
   if (holds("/purchase/") || holds("/auth3Ds/")) {
-    return ok(purchase);
+    return ServerReply::ok(purchase);
   }
   return ServerReply::of(404);
 }
 
-}  // namespace orlix::test
+}  // namespace orlix
