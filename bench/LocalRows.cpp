@@ -2,14 +2,12 @@
 #include <filesystem>
 #include <stdexcept>
 
-#include <boost/json.hpp>
 #include <fmt/format.h>
 #include <openssl/evp.h>
 
 #include "bench/BareStore.h"
 #include "bench/Rows.h"
 #include "orlixkit/posix/SqliteUserDefaults.h"
-#include "orlixkit/records/MTCardList.h"
 #include "orlixkit/security/DataStore.h"
 #include "orlixkit/security/PinBlock.h"
 
@@ -94,34 +92,6 @@ Row storeRow(const std::string& file) {
         store.save(storage, record);
         if (!store.load(storage)) {
           throw std::runtime_error("the record was not read back");
-        }
-      });
-}
-
-Row cardListRow() {
-  boost::json::array cards;
-  for (int i = 0; i < 10'000; ++i) {
-    cards.push_back({{"cardId", i},
-                     {"cardHint", fmt::format("{:04}", i)},
-                     {"needCvv", i % 2 == 0},
-                     {"cardType", "visa"},
-                     {"method", "AMT"},
-                     {"imageId", i},
-                     {"product", "Gold card of some bank"},
-                     {"validated", true},
-                     {"issuer", "Some bank"}});
-  }
-  const std::string text = boost::json::serialize(boost::json::object{{"cards", std::move(cards)}});
-  const ByteView bytes(reinterpret_cast<const std::uint8_t*>(text.data()), text.size());
-  return compare(
-      "10,000 cards read into records : bare JSON parse", 1 / 0.7, {.samples = 15},
-      [&] {
-        boost::json::monotonic_resource memory;
-        boost::json::parse(text, &memory);
-      },
-      [&] {
-        if (MTCardList().parseFromData(bytes).cardsArray_Count != 10'000) {
-          throw std::runtime_error("the list was not read");
         }
       });
 }

@@ -24,5 +24,8 @@ Row memoryRow(const std::string& base, const std::string& anchor);
 Row pinBlockRow();
 Row storeRow(const std::string& file);
 Row cardListRow();
+/// How time, and memory, grow from ten to 100,000 cards: 1 when they are linear.
+Row cardListGrowthRow();
+Row cardListMemoryRow();
 
 }  // namespace orlix::bench

@@ -52,7 +52,9 @@ std::vector<std::pair<std::string, std::function<Row()>>> knownRows(const std::s
           {"memory", [=] { return memoryRow(base, anchor); }},
           {"pin-block", pinBlockRow},
           {"store", [=] { return storeRow(folder + "/store.db"); }},
-          {"card-list", cardListRow}};
+          {"card-list", cardListRow},
+          {"card-list-growth", cardListGrowthRow},
+          {"card-list-memory", cardListMemoryRow}};
 }
 
 int run(const Wish& wish) {
