@@ -11,13 +11,13 @@ namespace {
 
 /// The address without trailing slashes. It names a host, and says nothing but https.
 std::string httpsAddress(const std::string& option, std::string address) {
-  constexpr std::string_view scheme = "https://";
-  while (address.size() > scheme.size() && address.back() == '/') {
+  constexpr std::string_view kScheme = "https://";
+  while (address.size() > kScheme.size() && address.back() == '/') {
     address.pop_back();
   }
-  const bool hasHost = address.size() > scheme.size() && address[scheme.size()] != '/';
+  const bool hasHost = address.size() > kScheme.size() && address[kScheme.size()] != '/';
   const bool isPlain = address.find_first_of(" \t\r\n\"<>?#") == std::string::npos;
-  if (!address.starts_with(scheme) || !hasHost || !isPlain) {
+  if (!address.starts_with(kScheme) || !hasHost || !isPlain) {
     throw UsageError(option + " needs an address that begins with https://, not \"" + address +
                      "\"");
   }

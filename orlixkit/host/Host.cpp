@@ -123,8 +123,8 @@ void endFlow() noexcept {
     return;
   }
   // The failed step has released its memory, so the first attempt usually succeeds.
-  constexpr int mostAttempts = 10;
-  for (int attempt = 0; attempt < mostAttempts; ++attempt) {
+  constexpr int kMostAttempts = 10;
+  for (int attempt = 0; attempt < kMostAttempts; ++attempt) {
     try {
       installed()->endFlow();
       return;

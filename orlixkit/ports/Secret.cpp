@@ -7,7 +7,7 @@ namespace orlix {
 
 namespace {
 
-constexpr std::size_t wipedDepth = std::size_t{64} << 10U;
+constexpr std::size_t kWipedDepth = std::size_t{64} << 10U;
 
 #ifdef __x86_64__
 
@@ -43,7 +43,7 @@ void clearVectorRegisters() noexcept {}  // not supported by this compiler
 #endif
 
 [[gnu::noinline]] void wipeBelow() noexcept {
-  std::array<std::uint8_t, wipedDepth> room;  // NOLINT: uninitialised on purpose
+  std::array<std::uint8_t, kWipedDepth> room;  // NOLINT: uninitialised on purpose
   wipe(room.data(), room.size());
 }
 

@@ -13,7 +13,7 @@ namespace orlix {
 namespace {
 
 /// Security level 2: keys of at least 112 bits of strength and no SHA-1, as TLS requires.
-constexpr int securityLevel = 2;
+constexpr int kSecurityLevel = 2;
 
 /// Errors of OpenSSL's strict mode, which concern only how a certificate is written.
 bool concernsForm(int error, X509* certificate) {
@@ -70,7 +70,7 @@ class Verification {
  private:
   bool setRules(const X509* leaf) {
     X509_VERIFY_PARAM* rules = X509_STORE_CTX_get0_param(context_.get());
-    X509_VERIFY_PARAM_set_auth_level(rules, securityLevel);
+    X509_VERIFY_PARAM_set_auth_level(rules, kSecurityLevel);
     X509_VERIFY_PARAM_set_flags(rules, X509_V_FLAG_X509_STRICT);
     X509_STORE_CTX_set_verify_cb(context_.get(), &onProblem);
     X509_VERIFY_PARAM_set_hostflags(

@@ -15,7 +15,7 @@ namespace orlix {
 
 namespace {
 
-constexpr int maximumRedirects = 20;
+constexpr int kMaximumRedirects = 20;
 
 void check(CURLMcode result) {
   if (result != CURLM_OK) {
@@ -217,8 +217,8 @@ bool CurlExchange::followsRedirect() const {
 }
 
 RequestTarget CurlExchange::redirectTarget() {
-  if (++redirects_ > maximumRedirects) {
-    throw std::runtime_error(fmt::format("more than {} redirects", maximumRedirects));
+  if (++redirects_ > kMaximumRedirects) {
+    throw std::runtime_error(fmt::format("more than {} redirects", kMaximumRedirects));
   }
   const char* address = nullptr;
   curl_easy_getinfo(easy_.get(), CURLINFO_REDIRECT_URL, &address);

@@ -12,7 +12,7 @@ namespace orlix {
 namespace {
 
 /// As many exchanges as a flow has under way at once, and one more.
-constexpr std::size_t mostIdle = 4;
+constexpr std::size_t kMostIdle = 4;
 
 }  // namespace
 
@@ -97,7 +97,7 @@ void CurlHttpClient::giveBack(Channels::iterator channel) {
   idle_.splice(idle_.end(), busy_, channel);
   if (closed_) {
     dropped.swap(idle_);
-  } else if (idle_.size() > mostIdle) {
+  } else if (idle_.size() > kMostIdle) {
     dropped.splice(dropped.end(), idle_, idle_.begin());
   }
 }

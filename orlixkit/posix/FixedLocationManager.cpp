@@ -4,7 +4,7 @@ namespace orlix {
 
 namespace {
 
-constexpr double accuracyInMetres = 10;
+constexpr double kAccuracyInMetres = 10;
 
 }  // namespace
 
@@ -22,7 +22,7 @@ void FixedLocationManager::start(const LocationOptions& /*options*/,
     return;  // already started
   }
   updates_ = std::make_shared<LocationManagerDelegate*>(&delegate);
-  const LocationFix fix{latitude_, longitude_, accuracyInMetres, clock_->now()};
+  const LocationFix fix{latitude_, longitude_, kAccuracyInMetres, clock_->now()};
   mainQueue_->async([fix, updates = std::weak_ptr(updates_)] {
     if (const auto current = updates.lock()) {
       (*current)->didUpdateLocations({fix});

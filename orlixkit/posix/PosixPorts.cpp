@@ -43,7 +43,8 @@ Ports makePosixPorts(const PosixOptions& options) {
   // Make the device before the store: a store without an identifier is one of an earlier release.
   ports.device = std::make_shared<PosixDevice>(
       IdentifierSources{options.applicationName, options.stateDirectory});
-  ports.userDefaults = std::make_shared<SqliteUserDefaults>(options.stateDirectory / storeFileName);
+  ports.userDefaults =
+      std::make_shared<SqliteUserDefaults>(options.stateDirectory / kStoreFileName);
   ports.bundle = makeBundle(options);
   if (options.location) {
     ports.locationManager = std::make_shared<FixedLocationManager>(

@@ -18,7 +18,7 @@ namespace orlix {
 
 namespace {
 
-constexpr std::chrono::milliseconds busyTimeout{5000};
+constexpr std::chrono::milliseconds kBusyTimeout{5000};
 
 /// Resets a prepared statement for its next use when the scope is left.
 struct ResetOnExit {
@@ -136,7 +136,7 @@ void SqliteUserDefaults::open() {
   if (sqlite3_db_readonly(database_.get(), nullptr) != 0) {
     throwSqliteFailure("write", file_, SQLITE_READONLY, sqlite3_errstr(SQLITE_READONLY));
   }
-  sqlite3_busy_timeout(database_.get(), static_cast<int>(busyTimeout.count()));
+  sqlite3_busy_timeout(database_.get(), static_cast<int>(kBusyTimeout.count()));
 }
 
 void SqliteUserDefaults::useWriteAheadLog() {
@@ -189,7 +189,7 @@ void SqliteUserDefaults::fail(const char* action) const {
 
 void SqliteUserDefaults::untilUnlocked(const char* action,
                                        const std::function<int()>& attempt) const {
-  const auto deadline = std::chrono::steady_clock::now() + busyTimeout;
+  const auto deadline = std::chrono::steady_clock::now() + kBusyTimeout;
   while (true) {
     {
       const std::lock_guard lock(lock_);

@@ -6,8 +6,8 @@
 namespace orlix {
 
 /// Names of the files in an application's state folder.
-inline constexpr std::string_view storeFileName = "defaults.db";
-inline constexpr std::string_view identifierFileName = "vendor-identifier";
+inline constexpr std::string_view kStoreFileName = "defaults.db";
+inline constexpr std::string_view kIdentifierFileName = "vendor-identifier";
 
 /// Ensures that the folder exists and is private: creates it, and missing parents, readable by this
 /// user only. Throws StoreException when it cannot be created, belongs to another user, is writable

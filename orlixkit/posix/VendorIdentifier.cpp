@@ -25,8 +25,8 @@ namespace {
 
 using Uuid = std::array<std::uint8_t, 16>;
 
-constexpr std::string_view uuidForm = "XXXXXXXX-XXXX-XXXX-XXXX-XXXXXXXXXXXX";
-constexpr std::string_view hexDigits = "0123456789ABCDEFabcdef";
+constexpr std::string_view kUuidForm = "XXXXXXXX-XXXX-XXXX-XXXX-XXXXXXXXXXXX";
+constexpr std::string_view kHexDigits = "0123456789ABCDEFabcdef";
 
 /// The text form of RFC 4122, upper-case, with the version and variant bits set.
 std::string uuidText(Uuid bytes, std::uint8_t version) {
@@ -40,9 +40,10 @@ std::string uuidText(Uuid bytes, std::uint8_t version) {
 }
 
 bool isUuidText(std::string_view text) {
-  return std::equal(text.begin(), text.end(), uuidForm.begin(), uuidForm.end(), [](char c, char f) {
-    return f == '-' ? c == '-' : hexDigits.find(c) != std::string_view::npos;
-  });
+  return std::equal(text.begin(), text.end(), kUuidForm.begin(), kUuidForm.end(),
+                    [](char c, char f) {
+                      return f == '-' ? c == '-' : kHexDigits.find(c) != std::string_view::npos;
+                    });
 }
 
 std::string derivedUuid(const std::string& machineId, const std::string& applicationName) {
@@ -74,7 +75,7 @@ std::string machineIdIn(const std::filesystem::path& file) {
 }
 
 std::string newIdentifier(const IdentifierSources& sources) {
-  const std::filesystem::path store = sources.stateDirectory / storeFileName;
+  const std::filesystem::path store = sources.stateDirectory / kStoreFileName;
   if (!existsAndIsPrivate(store)) {
     return randomUuid();
   }
@@ -84,7 +85,7 @@ std::string newIdentifier(const IdentifierSources& sources) {
         "device: there is the store {}, but neither {} beside it nor a machine id in {} to make it "
         "again from. Restore one of the two, or move the store away; the device then has to be "
         "activated again.",
-        store.string(), identifierFileName, sources.machineIdFile.string()));
+        store.string(), kIdentifierFileName, sources.machineIdFile.string()));
   }
   return derivedUuid(machineId, sources.applicationName);
 }
@@ -114,7 +115,7 @@ void writeOnce(const std::filesystem::path& file, const std::string& text) {
 
 std::string read(const std::filesystem::path& file) {
   std::ifstream stream(file, std::ios::binary);
-  std::string text(uuidForm.size() + 2, '\0');  // one more than a valid file has
+  std::string text(kUuidForm.size() + 2, '\0');  // one more than a valid file has
   stream.read(text.data(), static_cast<std::streamsize>(text.size()));
   text.resize(static_cast<std::size_t>(stream.gcount()));
   if (text.ends_with('\n')) {
@@ -125,7 +126,7 @@ std::string read(const std::filesystem::path& file) {
         "device: {} {}. Restore it from a backup, or move it away together with {}; the device "
         "then has to be activated again.",
         file.string(), stream.is_open() ? "does not hold a vendor identifier" : "cannot be read",
-        storeFileName));
+        kStoreFileName));
   }
   return text;
 }
@@ -134,7 +135,7 @@ std::string read(const std::filesystem::path& file) {
 
 std::string vendorIdentifierOf(const IdentifierSources& sources) {
   requirePrivateFolder(sources.stateDirectory);
-  const std::filesystem::path file = sources.stateDirectory / identifierFileName;
+  const std::filesystem::path file = sources.stateDirectory / kIdentifierFileName;
   if (!existsAndIsPrivate(file)) {
     writeOnce(file, newIdentifier(sources) + "\n");
   }

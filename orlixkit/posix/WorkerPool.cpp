@@ -14,7 +14,7 @@ namespace orlix {
 namespace {
 
 /// As many tasks as a checkout has under way at a time, and one more.
-constexpr std::size_t keptIdle = 3;
+constexpr std::size_t kKeptIdle = 3;
 
 }  // namespace
 
@@ -52,7 +52,7 @@ void WorkerPool::run(Task task) {
 void WorkerPool::start(Task task) {
   const auto worker = std::make_shared<Worker>();
   worker->task = std::move(task);
-  idle_.reserve(keptIdle);  // so that a worker's rest needs no memory
+  idle_.reserve(kKeptIdle);  // so that a worker's rest needs no memory
   workers_.push_back(worker);
   try {
     // The new thread waits for the lock before it looks at anything.
@@ -76,7 +76,7 @@ void WorkerPool::work(const WorkerPointer& self) {
     if (closed_) {
       return;
     }
-    if (idle_.size() == keptIdle) {
+    if (idle_.size() == kKeptIdle) {
       ended_.splice(ended_.end(), workers_, std::find(workers_.begin(), workers_.end(), self));
       return;
     }

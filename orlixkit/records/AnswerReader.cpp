@@ -101,7 +101,7 @@ AnswerMemory* memoryOf(const JsonDictionary& dictionary) {
 }
 
 /// A larger object has a hash index, which finds a key faster.
-constexpr std::size_t searchedInTurn = 18;
+constexpr std::size_t kSearchedInTurn = 18;
 
 bool isCalled(const boost::json::key_value_pair& member, std::string_view key) {
   const auto name = member.key();
@@ -130,7 +130,7 @@ bool equalTexts(std::string_view text, std::string_view upperCase, Case letters)
 
 AnswerReader::AnswerReader(const JsonDictionary& dictionary)
     : dictionary_(dictionary), memory_(memoryOf(dictionary)) {
-  if (dictionary.size() <= searchedInTurn) {
+  if (dictionary.size() <= kSearchedInTurn) {
     for (const auto& member : dictionary) {
       names_ |= bitOf(member.key());
     }
@@ -157,7 +157,7 @@ void AnswerReader::readText(const JsonValue& value, std::optional<std::string>& 
 
 const JsonValue* AnswerReader::find(std::string_view key) const {
   const std::size_t count = dictionary_.size();
-  if (count > searchedInTurn) {
+  if (count > kSearchedInTurn) {
     const auto found = dictionary_.find(key);
     return found != dictionary_.end() ? &found->value() : nullptr;
   }
@@ -212,7 +212,7 @@ std::shared_ptr<const JsonValue> AnswerReader::value(std::string_view key) const
     return nullptr;
   }
   const std::size_t limit =
-      memory_ != nullptr ? memory_->leftForRecords() : KCVelloUtil::recordLimit;
+      memory_ != nullptr ? memory_->leftForRecords() : KCVelloUtil::kRecordLimit;
   try {
     const auto copy = std::make_shared<const Copy>(*found, limit);
     countMemory(copy->memory.used());

@@ -38,7 +38,7 @@ enum class Match { missingKey, otherValue, known };
 /// A number is read exactly from its digits, fraction and exponent included.
 ///
 /// "Fails" throws std::invalid_argument; requests convert it to NetworkException. NetworkException
-/// is also thrown when the records of one answer take more memory than KCVelloUtil::recordLimit:
+/// is also thrown when the records of one answer take more memory than KCVelloUtil::kRecordLimit:
 /// all readers of an answer count the lists and texts that they read.
 /// One thread at a time. The answer must outlive the reader.
 class AnswerReader {

@@ -12,16 +12,16 @@ namespace orlix {
 
 namespace {
 
-constexpr std::int64_t largest = std::numeric_limits<std::int64_t>::max();
-constexpr std::int64_t smallest = std::numeric_limits<std::int64_t>::min();
+constexpr std::int64_t kLargest = std::numeric_limits<std::int64_t>::max();
+constexpr std::int64_t kSmallest = std::numeric_limits<std::int64_t>::min();
 
 /// Accumulated as a negative number, since the smallest one has no positive counterpart.
 class NegatedInteger {
  public:
   void append(char digit) {
     const std::int64_t value = digit - '0';
-    full_ = full_ || negated_ < (smallest + value) / 10;
-    negated_ = full_ ? smallest : negated_ * 10 - value;
+    full_ = full_ || negated_ < (kSmallest + value) / 10;
+    negated_ = full_ ? kSmallest : negated_ * 10 - value;
   }
   bool isFull() const { return full_; }
   bool isZero() const { return negated_ == 0; }
@@ -29,7 +29,7 @@ class NegatedInteger {
     if (negative) {
       return negated_;
     }
-    return negated_ == smallest ? largest : -negated_;
+    return negated_ == kSmallest ? kLargest : -negated_;
   }
 
  private:
@@ -76,9 +76,9 @@ std::int64_t integerPart(std::string_view number) {
 std::int64_t integerPart(double number) {
   // The bounds are powers of two, exact as doubles.
   if (number >= 9223372036854775808.0) {
-    return largest;
+    return kLargest;
   }
-  return number <= -9223372036854775808.0 ? smallest : static_cast<std::int64_t>(number);
+  return number <= -9223372036854775808.0 ? kSmallest : static_cast<std::int64_t>(number);
 }
 
 std::variant<double, std::int64_t> keptNumber(std::string_view number) {
@@ -87,8 +87,8 @@ std::variant<double, std::int64_t> keptNumber(std::string_view number) {
   double nearest = 0;
   const auto result = std::from_chars(number.data(), number.data() + number.size(), nearest);
   if (result.ec == std::errc::result_out_of_range && integer != 0) {
-    constexpr double infinity = std::numeric_limits<double>::infinity();
-    return integer > 0 ? infinity : -infinity;
+    constexpr double kInfinity = std::numeric_limits<double>::infinity();
+    return integer > 0 ? kInfinity : -kInfinity;
   }
   if (nearest == 0) {
     return 0.0;

@@ -11,9 +11,9 @@ namespace orlix {
 
 /// Release the value before the memory that holds it.
 struct JsonObject::Decoded {
-  explicit Decoded(ByteView text) : value(decodeJson(text, KCVelloUtil::depthLimit, memory)) {}
+  explicit Decoded(ByteView text) : value(decodeJson(text, KCVelloUtil::kDepthLimit, memory)) {}
 
-  AnswerMemory memory{KCVelloUtil::memoryLimit, KCVelloUtil::recordLimit};
+  AnswerMemory memory{KCVelloUtil::kMemoryLimit, KCVelloUtil::kRecordLimit};
   JsonValue value;
 };
 

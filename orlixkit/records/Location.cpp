@@ -7,10 +7,10 @@ namespace orlix {
 namespace {
 
 /// The text that the server expects for an absent value.
-constexpr const char* absent = "(null)";
+constexpr const char* kAbsent = "(null)";
 
 std::string textOf(const std::optional<double>& number) {
-  return number ? fmt::format("{}", *number) : absent;
+  return number ? fmt::format("{}", *number) : kAbsent;
 }
 
 }  // namespace
@@ -21,8 +21,8 @@ std::string Location::buildLocation() const {
     text += fmt::format("[G:{},{}],", textOf(gpsLatitude), textOf(gpsLongditude));
   }
   if (networkCellId) {
-    text += fmt::format("[N:{},{},{},{}],", networkMCC.value_or(absent),
-                        networkMNC.value_or(absent), *networkCellId, networkLac.value_or(absent));
+    text += fmt::format("[N:{},{},{},{}],", networkMCC.value_or(kAbsent),
+                        networkMNC.value_or(kAbsent), *networkCellId, networkLac.value_or(kAbsent));
   }
   if (!text.empty()) {
     text.pop_back();

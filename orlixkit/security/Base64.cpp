@@ -8,9 +8,9 @@ namespace orlix {
 namespace {
 
 std::optional<std::uint32_t> valueOf(char letter) {
-  static constexpr std::string_view alphabet =
+  static constexpr std::string_view kAlphabet =
       "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789+/";
-  const std::size_t value = alphabet.find(letter);
+  const std::size_t value = kAlphabet.find(letter);
   if (value == std::string_view::npos) {
     return std::nullopt;
   }

@@ -28,10 +28,10 @@ FetchedCipher fetch(const char* name) {
 
 std::optional<SecretBytes> run(const EVP_CIPHER* kind, Cipher::Direction direction, bool padded,
                                const SecretBytes& key, const std::uint8_t* vector, ByteView data) {
-  constexpr auto longest =
+  constexpr auto kLongest =
       static_cast<std::size_t>(std::numeric_limits<int>::max() - EVP_MAX_BLOCK_LENGTH);
   const Context context(EVP_CIPHER_CTX_new(), &EVP_CIPHER_CTX_free);
-  if (kind == nullptr || !context || data.size() > longest) {
+  if (kind == nullptr || !context || data.size() > kLongest) {
     return std::nullopt;
   }
   SecretBytes out(data.size() + EVP_MAX_BLOCK_LENGTH, 0);

@@ -18,12 +18,12 @@ Bytes Hex::convert(std::string_view text) {
 }
 
 std::string Hex::encode(ByteView bytes) {
-  constexpr std::string_view digitOf = "0123456789ABCDEF";
+  constexpr std::string_view kDigitOf = "0123456789ABCDEF";
   std::string text;
   text.reserve(bytes.size() * 2);
   for (const std::uint8_t byte : bytes) {
-    text += digitOf[byte >> 4U];
-    text += digitOf[byte & 0xFU];
+    text += kDigitOf[byte >> 4U];
+    text += kDigitOf[byte & 0xFU];
   }
   return text;
 }

@@ -15,12 +15,12 @@ namespace json = boost::json;
 
 namespace {
 
-constexpr std::string_view rootKey = "root";
-constexpr std::string_view rootClass = "PersistableObject";
-constexpr std::string_view ssTokenKey = "ssToken";
-constexpr std::string_view uidKey = "uid";
+constexpr std::string_view kRootKey = "root";
+constexpr std::string_view kRootClass = "PersistableObject";
+constexpr std::string_view kSsTokenKey = "ssToken";
+constexpr std::string_view kUidKey = "uid";
 /// Far larger than any token, and small enough to bound the memory for a foreign blob.
-constexpr std::size_t memoryLimit = std::size_t{16} * 1024 * 1024;
+constexpr std::size_t kMemoryLimit = std::size_t{16} * 1024 * 1024;
 
 SecretBytes written(const json::value& archive) {
   SecretBytes bytes;
@@ -46,44 +46,44 @@ std::string decodedText(const json::object& archive, std::string_view key) {
 
 std::shared_ptr<PersistableObject> decoded(const json::value& archive) {
   const json::object* root = archive.if_object();
-  const json::value* kind = root != nullptr ? root->if_contains(rootKey) : nullptr;
+  const json::value* kind = root != nullptr ? root->if_contains(kRootKey) : nullptr;
   if (kind == nullptr) {
     throw std::invalid_argument("The data is no archive");
   }
   if (kind->is_null()) {
     return nullptr;
   }
-  if (!kind->is_string() || std::string_view(kind->get_string()) != rootClass) {
+  if (!kind->is_string() || std::string_view(kind->get_string()) != kRootClass) {
     throw std::invalid_argument("The archive's root is no PersistableObject");
   }
   auto record = std::make_shared<PersistableObject>();
-  record->ssToken = decodedText(*root, ssTokenKey);
-  record->uid = decodedText(*root, uidKey);
+  record->ssToken = decodedText(*root, kSsTokenKey);
+  record->uid = decodedText(*root, kUidKey);
   return record;
 }
 
 }  // namespace
 
 SecretBytes PersistableObject::archive(const PersistableObject* root) {
-  AnswerMemory memory(memoryLimit);
+  AnswerMemory memory(kMemoryLimit);
   json::value archive(json::object_kind, &memory);
   json::object& entries = archive.get_object();
   if (root == nullptr) {
-    entries[rootKey] = nullptr;
+    entries[kRootKey] = nullptr;
     return written(archive);
   }
-  entries[rootKey] = rootClass;
+  entries[kRootKey] = kRootClass;
   if (root->ssToken) {
-    entries[ssTokenKey] = *root->ssToken;
+    entries[kSsTokenKey] = *root->ssToken;
   }
   if (root->uid) {
-    entries[uidKey] = *root->uid;
+    entries[kUidKey] = *root->uid;
   }
   return written(archive);
 }
 
 std::shared_ptr<PersistableObject> PersistableObject::unarchive(ByteView archive) {
-  AnswerMemory memory(memoryLimit);
+  AnswerMemory memory(kMemoryLimit);
   json::parser parser{json::storage_ptr(&memory)};
   parser.reset(&memory);
   json::error_code error;

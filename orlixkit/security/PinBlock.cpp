@@ -15,8 +15,8 @@ namespace orlix {
 
 namespace {
 
-constexpr std::uint8_t noDigit = 0xFF;
-constexpr std::size_t serialBytes = 16;
+constexpr std::uint8_t kNoDigit = 0xFF;
+constexpr std::size_t kSerialBytes = 16;
 
 std::uint8_t digitValue(char c) {
   if (c >= '0' && c <= '9') {
@@ -28,7 +28,7 @@ std::uint8_t digitValue(char c) {
   if (c >= 'A' && c <= 'F') {
     return static_cast<std::uint8_t>(c - 'A' + 10);
   }
-  return noDigit;
+  return kNoDigit;
 }
 
 std::uint8_t packed(std::uint8_t high, std::uint8_t low) {
@@ -121,7 +121,7 @@ SecretBytes PinBlock::nibblePackSerial(std::string_view text) {
   std::size_t position = 0;
   const auto nextDigit = [&]() -> std::optional<std::uint8_t> {
     while (position < text.size()) {
-      if (const std::uint8_t value = digitValue(text[position++]); value != noDigit) {
+      if (const std::uint8_t value = digitValue(text[position++]); value != kNoDigit) {
         return value;
       }
     }
@@ -130,13 +130,13 @@ SecretBytes PinBlock::nibblePackSerial(std::string_view text) {
   SecretBytes stored;
   while (position < text.size()) {
     const auto high = nextDigit();
-    const std::uint8_t byte = high ? packed(*high, nextDigit().value_or(0)) : noDigit;
+    const std::uint8_t byte = high ? packed(*high, nextDigit().value_or(0)) : kNoDigit;
     stored.append(std::span(&byte, 1));
   }
-  if (stored.size() > serialBytes) {
-    return SecretBytes(stored.reveal().last(serialBytes));
+  if (stored.size() > kSerialBytes) {
+    return SecretBytes(stored.reveal().last(kSerialBytes));
   }
-  stored.resize(serialBytes);
+  stored.resize(kSerialBytes);
   return stored;
 }
 

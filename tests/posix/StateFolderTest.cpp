@@ -64,7 +64,7 @@ class State : public testing::Test {
 
   test::TemporaryFolder folder;
   const fs::path state = folder.path() / "state";
-  const fs::path identifier = state / identifierFileName;
+  const fs::path identifier = state / kIdentifierFileName;
   const fs::path machineId = folder.path() / "machine-id";
 };
 
@@ -196,7 +196,7 @@ TEST_F(State, WithAnIdentifierThatIsNoneIsRefusedAndLeftAsItIs) {
                       HasSubstr("does not hold a vendor identifier"), HasSubstr("Restore it")))
         << text;
     EXPECT_EQ(toText(readFile(identifier).value()), text);
-    EXPECT_FALSE(fs::exists(state / storeFileName))
+    EXPECT_FALSE(fs::exists(state / kStoreFileName))
         << "a store would look like an earlier release's";
   }
 }

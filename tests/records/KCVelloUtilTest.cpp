@@ -51,12 +51,12 @@ TEST(AnswerBody, ThatIsNoJsonObjectIsRefused) {
                                   "{\"a\":\"\n\"}"s,
                                   R"({"a":01})"s,
                                   R"({"a":Infinity})"s,
-                                  nested(KCVelloUtil::depthLimit),
+                                  nested(KCVelloUtil::kDepthLimit),
                                   std::string(1'000'000, '[')}) {
     EXPECT_TRUE(refused(body)) << body.substr(0, 60);
   }
   for (const std::string& body : {"{}"s, " {} \r\n"s, R"({"a":"\u0000\ud83d\ude00 € \/"})"s,
-                                  R"({"a":1e400})"s, nested(KCVelloUtil::depthLimit - 1)}) {
+                                  R"({"a":1e400})"s, nested(KCVelloUtil::kDepthLimit - 1)}) {
     EXPECT_FALSE(refused(body)) << body.substr(0, 60);
   }
 }
@@ -89,8 +89,8 @@ void readAs(const std::string& body) {
 }
 
 TEST(RecordsOfAnAnswer, TakeTheirLimitOfMemoryTogetherAndNoMore) {
-  const std::size_t cards = KCVelloUtil::recordLimit / sizeof(CardOption);
-  const std::size_t accounts = KCVelloUtil::recordLimit / sizeof(MTVasAccount);
+  const std::size_t cards = KCVelloUtil::kRecordLimit / sizeof(CardOption);
+  const std::size_t accounts = KCVelloUtil::kRecordLimit / sizeof(MTVasAccount);
   EXPECT_EQ(parsed<MTCardList>(listOf("cards", "{}", cards)).cardsArray.size(), cards);
   const struct {
     const char* what;
@@ -105,7 +105,7 @@ TEST(RecordsOfAnAnswer, TakeTheirLimitOfMemoryTogetherAndNoMore) {
            R"(,"codeInfo":{"vasAccountsList":)" + listOf("vasAccounts", "{}", accounts * 2 / 3) +
            "}}"},
       {"a text", readAs<MTReceipt>,
-       R"({"htmlContent":")" + std::string(KCVelloUtil::recordLimit + 1, 'x') + "\"}"},
+       R"({"htmlContent":")" + std::string(KCVelloUtil::kRecordLimit + 1, 'x') + "\"}"},
       {"a text that is longer than its value", readAs<MTReceipt>,
        listOf("htmlContent", "1e15", 4'000'000)},
       {"a value as it stands", readAs<MTCodeResponse>, listOf("URLResponse", "0", 3'000'000)},
