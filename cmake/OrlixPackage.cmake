@@ -80,7 +80,9 @@ orlix_public_headers(core ${CMAKE_INSTALL_INCLUDEDIR} ${ports}
   orlixkit/checkout/OXOrlix.h
   orlixkit/posix/PosixPorts.h
   orlixkit/posix/PosixSystemLog.h
-  orlixkit/protocol/OMVelloDelegate.h)
+  orlixkit/protocol/OMVelloDelegate.h
+  orlixkit/records/Failures.h
+  orlixkit/widgets/DropDownPicker.h)
 
 install(FILES ${PROJECT_BINARY_DIR}/include/orlixkit/Version.h COMPONENT core
   DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/orlixkit)
