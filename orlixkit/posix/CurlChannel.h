@@ -8,11 +8,11 @@
 
 namespace orlix {
 
-/// A multi handle of libcurl with the connections that it keeps, which serves one exchange at a
-/// time. One thread at a time, but for `wake`.
+/// A multi handle of libcurl with the connections that it keeps. Serves one exchange at a time. One
+/// thread at a time, except for `wake`.
 class CurlChannel {
  public:
-  /// `origin` is what the channel's owner finds it by. Throws std::runtime_error when libcurl has
+  /// The channel's owner finds it by `origin`. Throws std::runtime_error when libcurl has
   /// no handle.
   explicit CurlChannel(std::string origin);
   CurlChannel(const CurlChannel&) = delete;
@@ -23,8 +23,8 @@ class CurlChannel {
   /// Ends the wait for the network that is under way, or else the next one. Any thread.
   void wake() const { curl_multi_wakeup(multi_.get()); }
 
-  /// Whether no kept connection has brought anything: between two exchanges there is nothing to
-  /// come but the server's closing words, after which libcurl still takes the connection for alive.
+  /// Whether no kept connection has received anything. Between two exchanges only a closing message
+  /// of the server can arrive, and libcurl would still reuse the connection after it.
   bool isQuiet() const;
 
   curl_socket_t open(const curl_sockaddr& address);

@@ -163,7 +163,7 @@ bool CurlExchange::hasEnded(CURLcode& result) const {
 
 void CurlExchange::waitForNetwork() const {
   using std::chrono::milliseconds;
-  // Rounded up: a moment too early would wake for nothing.
+  // Rounded up: waking a moment too early would be useless.
   const auto left = std::chrono::ceil<milliseconds>(request_.deadline - clock_.steadyNow());
   const auto longest = std::chrono::milliseconds(std::chrono::minutes(1));
   const auto span = std::clamp(left, milliseconds(0), longest);
@@ -229,7 +229,7 @@ RequestTarget CurlExchange::redirectTarget() {
     method_ = "GET";
   }
   RequestTarget next = targetOf(address);
-  // Once another host has had a say in where the request goes, the fields stay out.
+  // Once another host has determined the target, the fields are never sent again.
   ownHost_ = ownHost_ && next.hasOriginOf(target_);
   if (!ownHost_ && carriesBody()) {
     throw std::runtime_error(
@@ -267,7 +267,7 @@ curl_socket_t CurlExchange::onOpenSocket(void* self, curlsocktype, curl_sockaddr
 
 int CurlExchange::onRequest(void* self, char*, char*, int, int) {
   auto& exchange = *static_cast<CurlExchange*>(self);
-  // The former means: again, over another kept connection.
+  // `requestSent`: libcurl would send the request a second time, over another kept connection.
   if (exchange.hop_.requestSent ||
       !exchange.goesOn([&] { return exchange.delegate_.mayBeSent(); }) || exchange.isOver()) {
     return CURL_PREREQFUNC_ABORT;
@@ -302,13 +302,13 @@ std::size_t CurlExchange::onData(char* bytes, std::size_t unit, std::size_t coun
 
 CURLcode CurlExchange::onTlsContext(CURL*, void* context, void* self) {
   auto* tls = static_cast<SSL_CTX*>(context);
-  // libcurl writes the session keys where the variable SSLKEYLOGFILE says; a payment's are nobody
-  // else's, whatever the environment.
+  // libcurl writes session keys to the file that the variable SSLKEYLOGFILE names. No environment
+  // may reveal those of a payment.
   SSL_CTX_set_keylog_callback(tls, nullptr);
   // A further handshake on the same connection would ask an exchange that may be gone.
   SSL_CTX_set_options(tls, SSL_OP_NO_RENEGOTIATION | SSL_OP_CLEANSE_PLAINTEXT);
-  // The connection keeps its buffers: what has been read of them is wiped already, and to wipe all
-  // of them for their release takes as long as everything else that is done here for a request.
+  // The connection keeps its buffers: what has been read from them is wiped already, and wiping all
+  // of them on release would take as long as the rest of the work for a request.
   SSL_CTX_clear_mode(tls, SSL_MODE_RELEASE_BUFFERS);
   SSL_CTX_set_cert_verify_callback(tls, &onCertificates, self);
   return CURLE_OK;

@@ -17,7 +17,7 @@ namespace orlix {
 /// One exchange, with one hop for each redirect. All of it runs on the calling thread.
 class CurlExchange {
  public:
-  /// `closed` says that the client has been closed; who sets it wakes the channel.
+  /// `closed`: the client has been closed. Whoever sets it wakes the channel.
   CurlExchange(const HttpRequest& request, HttpDelegate& delegate, CurlChannel& channel,
                const Clock& clock, const std::atomic<bool>& closed);
 
@@ -57,8 +57,8 @@ class CurlExchange {
 
   bool isLate() const { return clock_.steadyNow() >= request_.deadline; }
   bool isOver() const { return closed_ || isLate(); }
-  /// Whether the exchange goes on, which `ask` asks the delegate. No exception passes through a
-  /// callback of libcurl: one is a no.
+  /// Asks the delegate by `ask` whether the exchange continues. An exception counts as no: none may
+  /// pass through a callback of libcurl.
   template <class Question>
   bool goesOn(const Question& ask);
 
@@ -74,7 +74,7 @@ class CurlExchange {
   CurlChannel& channel_;
   const Clock& clock_;
   const std::atomic<bool>& closed_;
-  // New for each exchange: what libcurl keeps in it of a request is wiped at its end.
+  // New for each exchange, so that what libcurl keeps of a request is wiped at its end.
   const std::unique_ptr<CURL, CleanUpEasy> easy_;
   HeaderList headers_;
   char errorText_[CURL_ERROR_SIZE] = "";

@@ -11,7 +11,7 @@ namespace orlix {
 
 namespace {
 
-/// As many exchanges as a flow has under way at once, and one more.
+/// The number of exchanges that a flow has in progress at a time, plus one.
 constexpr std::size_t kMostIdle = 4;
 
 }  // namespace

@@ -12,12 +12,12 @@
 namespace orlix {
 
 /// HTTPS by libcurl and OpenSSL: HTTP/1.1 over TLS 1.2 or later, driven by the calling thread. Each
-/// exchange has a channel (CurlChannel) to itself; those that are free are kept for the next
-/// exchanges with the same origin, the one used last first.
+/// exchange has a channel (CurlChannel) to itself. Free channels are kept for later exchanges with
+/// the same origin; the most recently used one is taken first.
 ///
-/// A request carries the header fields that it was given, in their order, and beside them only Host
-/// and Content-Length. A connection is judged by the delegate of the exchange that opens it; TLS
-/// sessions are not resumed, since a resumed one shows no certificate to judge.
+/// A request carries the header fields that it was given, in their order, and Host and
+/// Content-Length. The delegate of the exchange that opens a connection verifies it; TLS sessions
+/// are not resumed, since a resumed session presents no certificate.
 class CurlHttpClient : public HttpClient {
  public:
   /// Deadlines are taken on `clock`. Throws std::runtime_error when libcurl cannot be prepared.
@@ -26,7 +26,7 @@ class CurlHttpClient : public HttpClient {
   HttpResult perform(const HttpRequest& request, HttpDelegate& delegate) override;
   void close() override;
 
-  /// Has every exchange look at the clock again, for a clock that can be stepped. Any thread.
+  /// Makes every exchange read the clock again, for a clock that can be stepped. Any thread.
   void wake();
 
  private:

@@ -2,9 +2,9 @@
 
 namespace orlix {
 
-/// Prepares libcurl, once in the process, with an allocator that overwrites what it gives back: the
-/// buffers in which libcurl copies a request's body and an answer's bytes leave no trace. Where the
-/// application has prepared libcurl before, the application's allocator stays.
+/// Initialises libcurl, once per process, with an allocator that overwrites memory on release, so
+/// that its copies of a request's body and an answer's bytes are wiped. If the application has
+/// initialised libcurl before, the application's allocator stays in use.
 /// Throws std::runtime_error when libcurl refuses.
 void initialiseCurl();
 

@@ -14,7 +14,7 @@ struct CleanUpAddress {
   void operator()(CURLU* address) const { curl_url_cleanup(address); }
 };
 
-/// Where a hop of an exchange leads.
+/// The target of one hop of an exchange.
 struct RequestTarget {
   /// With the host's name in ASCII and without a final dot.
   std::unique_ptr<CURLU, CleanUpAddress> address;

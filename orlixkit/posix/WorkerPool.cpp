@@ -13,7 +13,7 @@ namespace orlix {
 
 namespace {
 
-/// As many tasks as a checkout has under way at a time, and one more.
+/// The number of tasks that a checkout runs at a time, plus one.
 constexpr std::size_t kKeptIdle = 3;
 
 }  // namespace

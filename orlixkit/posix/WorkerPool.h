@@ -10,15 +10,16 @@
 
 namespace orlix {
 
-/// Threads that each run one task after another. A task never waits for another one's end: when no
-/// thread is free a new one is made, and of several free ones the last that worked is taken, whose
-/// memory is still at hand. Any thread; `close` from none of its own.
+/// Threads that each run one task after another. A task never waits for another to end: when no
+/// thread is free a new one is created. Of several free threads the most recently used one is
+/// taken, whose memory is still in the cache. Any thread, except that its own threads must not call
+/// `close`.
 class WorkerPool {
  public:
   explicit WorkerPool(std::stop_source shutdown) : shutdown_(std::move(shutdown)) {}
   ~WorkerPool() { close(); }
 
-  /// Throws std::system_error when the system gives no further thread.
+  /// Throws std::system_error when no thread can be created.
   void run(Task task);
   bool isClosed() const { return shutdown_.stop_requested(); }
   /// Drops what has not begun, and joins all threads.
