@@ -4,7 +4,6 @@
 
 #include <QtWebEngineQuick/qtwebenginequickglobal.h>
 
-#include "orlixkit/resources/CompiledBundle.h"
 #include "shell/QtPorts.h"
 #include "shell/ScreenPresenter.h"
 #include "shell/WebEngineSetUp.h"
@@ -23,7 +22,6 @@ void OrlixShell::initialize() {
 
 OrlixShell::OrlixShell(QQmlEngine& engine, QQuickWindow& window, PosixOptions options,
                        Deployment deployment) {
-  options.bundles.push_back(std::make_shared<CompiledBundle>());
   const Ports ports = makeQtPorts(options, engine);
   installOrlixKit(std::make_shared<Host>(ports, std::move(deployment)));
   prepareEngine(engine, ports.bundle);

@@ -6,7 +6,6 @@
 #include "examples/shop/ScriptRunner.h"
 #include "orlixkit/OrlixKit.h"
 #include "orlixkit/posix/PosixPorts.h"
-#include "orlixkit/resources/CompiledBundle.h"
 
 namespace orlix::shop {
 
@@ -22,7 +21,6 @@ Ports headlessPorts(const ShopOptions& options) {
                            .stateDirectory = options.state,
                            .anchorFile = options.anchor,
                            .resourceDirectories = {},
-                           .bundles = {std::make_shared<CompiledBundle>()},
                            .logTarget = LogTarget::syslogAndStderr,
                            .location = options.location});
   } catch (const std::runtime_error& error) {

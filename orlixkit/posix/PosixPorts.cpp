@@ -13,6 +13,7 @@
 #include "orlixkit/posix/PosixRunLoop.h"
 #include "orlixkit/posix/SqliteUserDefaults.h"
 #include "orlixkit/posix/StateFolder.h"
+#include "orlixkit/resources/CompiledBundle.h"
 
 namespace orlix {
 
@@ -31,6 +32,10 @@ std::shared_ptr<Bundle> makeBundle(const PosixOptions& options) {
 }
 
 }  // namespace
+
+std::vector<std::shared_ptr<const Bundle>> compiledInResources() {
+  return {std::make_shared<CompiledBundle>()};
+}
 
 Ports makePosixPorts(const PosixOptions& options) {
   const std::stop_source shutdown;

@@ -12,6 +12,9 @@
 
 namespace orlix {
 
+/// The resources compiled into the library: list of countries, fonts, images.
+std::vector<std::shared_ptr<const Bundle>> compiledInResources();
+
 struct PosixOptions {
   /// Name of the application. Earlier releases derived the vendor identifier from it: keep the
   /// name.
@@ -24,8 +27,8 @@ struct PosixOptions {
   std::optional<std::filesystem::path> anchorFile{};
   /// Searched in this order, after the anchor file.
   std::vector<std::filesystem::path> resourceDirectories{};
-  /// Searched last: the resources compiled into the library.
-  std::vector<std::shared_ptr<const Bundle>> bundles{};
+  /// Searched last.
+  std::vector<std::shared_ptr<const Bundle>> bundles = compiledInResources();
   LogTarget logTarget = LogTarget::syslogAndStderr;
   /// Latitude and longitude in degrees; without them there is no position source.
   std::optional<std::pair<double, double>> location{};

@@ -53,11 +53,13 @@ std::string PosixSystemLog::escaped(std::string_view text) {
 
 void PosixSystemLog::write(std::string_view line) {
   std::string text = escaped(line);
-  if (target_ == LogTarget::syslogAndStderr) {
+  if (target_ != LogTarget::stderrOnly) {
     ::syslog(LOG_USER | LOG_INFO, "%s", text.c_str());
   }
-  text += '\n';
-  writeToStderr(text);
+  if (target_ != LogTarget::syslogOnly) {
+    text += '\n';
+    writeToStderr(text);
+  }
 }
 
 }  // namespace orlix

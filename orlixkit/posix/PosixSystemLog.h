@@ -6,7 +6,7 @@
 
 namespace orlix {
 
-enum class LogTarget { syslogAndStderr, stderrOnly };
+enum class LogTarget { syslogAndStderr, stderrOnly, syslogOnly };
 
 /// The system's log: syslog (facility user, level info, under the program's own name) and standard
 /// error. Each message is one line, whatever it holds: control characters are escaped.

@@ -7,7 +7,6 @@
 
 #include "orlixkit/checkout/OXUtil.h"
 #include "orlixkit/posix/CurlHttpClient.h"
-#include "orlixkit/resources/CompiledBundle.h"
 
 namespace orlix::test {
 
@@ -16,7 +15,6 @@ TlsPhone::TlsPhone(const ServerAddress& server, const std::filesystem::path& fol
   options.applicationName = "orlix-faults";
   options.stateDirectory = folder.empty() ? state.path() : folder;
   options.anchorFile = server.anchor;
-  options.bundles = {std::make_shared<CompiledBundle>()};
   Ports ports = makePosixPorts(options);
   ports.log = log;
   mainQueue_ = ports.mainQueue;

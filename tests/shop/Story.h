@@ -19,7 +19,6 @@
 #include "examples/shop/Shop.h"
 #include "examples/shop/ShopOptions.h"
 #include "orlixkit/posix/PosixPorts.h"
-#include "orlixkit/resources/CompiledBundle.h"
 #include "sandbox/Sandbox.h"
 #include "tests/TemporaryFolder.h"
 
@@ -105,7 +104,6 @@ inline void headless(const ShopOptions& options, ScriptSource& script, std::ostr
                        .stateDirectory = options.state,
                        .anchorFile = options.anchor,
                        .resourceDirectories = {},
-                       .bundles = {std::make_shared<CompiledBundle>()},
                        .logTarget = LogTarget::stderrOnly,
                        .location = options.location}),
        lines, progress)

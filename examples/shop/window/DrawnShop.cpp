@@ -7,7 +7,6 @@
 
 #include "examples/shop/window/QtDriver.h"
 #include "examples/shop/window/Warnings.h"
-#include "orlixkit/resources/CompiledBundle.h"
 #include "shell/OrlixShell.h"
 #include "shell/QtPorts.h"
 
@@ -28,7 +27,6 @@ Ports drawnPorts(const ShopOptions& options, QQmlEngine& engine) {
                                .stateDirectory = options.state,
                                .anchorFile = options.anchor,
                                .resourceDirectories = {},
-                               .bundles = {std::make_shared<CompiledBundle>()},
                                .logTarget = LogTarget::syslogAndStderr,
                                .location = options.location},
                               engine);

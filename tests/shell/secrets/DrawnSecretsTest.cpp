@@ -9,7 +9,6 @@
 
 #include "examples/shop/Shop.h"
 #include "examples/shop/window/QtDriver.h"
-#include "orlixkit/resources/CompiledBundle.h"
 #include "shell/QtPorts.h"
 #include "shell/ScreenPresenter.h"
 #include "shell/WipedText.h"
@@ -107,7 +106,6 @@ class User {
                                    .stateDirectory = options_.state,
                                    .anchorFile = options_.anchor,
                                    .resourceDirectories = {},
-                                   .bundles = {std::make_shared<CompiledBundle>()},
                                    .logTarget = LogTarget::stderrOnly,
                                    .location = {{-33.92, 18.42}}},
                                   engine_)) {
