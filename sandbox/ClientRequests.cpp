@@ -31,8 +31,12 @@ struct ClientRequests::Arrival {
   std::shared_ptr<void> underWay;  ///< Its end is noted when this is released.
 };
 
-ClientRequests::ClientRequests(State& state, EventLog& log, Shutdown& shutdown)
-    : state_(state), shutdown_(shutdown), vello_(state, log, shutdown), issuer_(state) {}
+ClientRequests::ClientRequests(State& state, EventLog& log, Shutdown& shutdown, Recorder* recorder)
+    : state_(state),
+      shutdown_(shutdown),
+      vello_(state, log, shutdown),
+      issuer_(state),
+      recorder_(recorder) {}
 
 HttpAnswer ClientRequests::answer(const HttpRequest& request) {
   const Arrival arrival = note(request);
@@ -51,6 +55,7 @@ HttpAnswer ClientRequests::answer(const HttpRequest& request) {
     };
   }
   answer.underWay = arrival.underWay;
+  if (recorder_ != nullptr) recorder_->note(request, answer, faults);
 
   MaskedBody masked = maskAnswer(answer);
   const std::lock_guard lock(state_.mutex);

@@ -4,6 +4,7 @@
 #include "sandbox/Faults.h"
 #include "sandbox/Http.h"
 #include "sandbox/Issuer.h"
+#include "sandbox/Recorder.h"
 #include "sandbox/Shutdown.h"
 #include "sandbox/State.h"
 #include "sandbox/Vello.h"
@@ -16,7 +17,8 @@ namespace orlix::sandbox {
 /// Thread: any. Lifetime: the arguments outlive it and its answers.
 class ClientRequests {
  public:
-  ClientRequests(State& state, EventLog& log, Shutdown& shutdown);
+  /// `recorder`: none when nothing is recorded.
+  ClientRequests(State& state, EventLog& log, Shutdown& shutdown, Recorder* recorder);
 
   HttpAnswer answer(const HttpRequest& request);
 
@@ -31,6 +33,7 @@ class ClientRequests {
   Shutdown& shutdown_;
   Vello vello_;
   Issuer issuer_;
+  Recorder* recorder_;
 };
 
 }  // namespace orlix::sandbox

@@ -18,12 +18,14 @@ bool readPort(std::string_view text, int& port) {
 
 std::string usage() {
   return "usage: orlix-sandbox [--port N] [--db FILE] [--dir DIR] [--enrolled] [--one-session]\n"
+         "                     [--record FILE]\n"
          "  --port N       listen on 127.0.0.1:N (default: a free port)\n"
          "  --db FILE      keep the state in this SQLite file (default: in memory)\n"
          "  --dir DIR      write the certificates here (default: a new temporary folder)\n"
          "  --enrolled     every device counts as enrolled, with a wallet of every documented "
          "card\n"
-         "  --one-session  a device's session start ends its former sessions\n";
+         "  --one-session  a device's session start ends its former sessions\n"
+         "  --record FILE  append every exchange to this file, without its secrets\n";
 }
 
 std::variant<Options, HelpWanted, UsageError> readCommandLine(
@@ -40,7 +42,7 @@ std::variant<Options, HelpWanted, UsageError> readCommandLine(
       options.oneSession = true;
       continue;
     }
-    if (name != "--port" && name != "--db" && name != "--dir") {
+    if (name != "--port" && name != "--db" && name != "--dir" && name != "--record") {
       return UsageError{fmt::format("unknown argument \"{}\"", name)};
     }
     if (i + 1 == arguments.size() || std::string_view(arguments[i + 1]).empty()) {
@@ -49,6 +51,7 @@ std::variant<Options, HelpWanted, UsageError> readCommandLine(
     const std::string value = arguments[++i];
     if (name == "--db") options.database = value;
     if (name == "--dir") options.folder = value;
+    if (name == "--record") options.record = value;
     if (name == "--port" && !readPort(value, options.port)) {
       return UsageError{fmt::format("\"{}\" is no port: a number from 0 to 65535", value)};
     }

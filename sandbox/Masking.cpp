@@ -134,6 +134,10 @@ class Masker {
 
 }  // namespace
 
+bool isSecret(std::string_view key, const json::value& value) {
+  return !wordsFor(lower(key), value).empty();
+}
+
 std::string shortened(std::string_view token) {
   if (token.empty()) return {};
   // Of a short token four characters would be too much.

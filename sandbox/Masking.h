@@ -28,6 +28,9 @@ using Explain = std::function<std::string(std::string_view key, const json::valu
 /// the kind and size are kept, because the secrets in it cannot be found.
 MaskedBody maskBody(std::string_view body, std::string_view contentType, const Explain& explain);
 
+/// True for a value that must not be kept under this key, however that is capitalised.
+bool isSecret(std::string_view key, const json::value& value);
+
 /// "3fa2... (32 characters)": enough to tell two tokens apart, too little to use one.
 std::string shortened(std::string_view token);
 

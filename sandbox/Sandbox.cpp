@@ -12,6 +12,7 @@
 #include "sandbox/ClientRequests.h"
 #include "sandbox/Control.h"
 #include "sandbox/HttpFront.h"
+#include "sandbox/Recorder.h"
 #include "sandbox/console/ConsoleServer.h"
 
 namespace orlix::sandbox {
@@ -55,7 +56,9 @@ class Sandbox::Server {
     const Certificates certificates(options_.certificateFlaw);
     prepareFolder();
     certificates.write(folder_);
-    clients_ = std::make_unique<ClientRequests>(*state_, log_, shutdown_);
+    if (options_.record.empty()) options_.record = Recorder::fileOfProcess();
+    if (!options_.record.empty()) recorder_ = std::make_unique<Recorder>(options_.record);
+    clients_ = std::make_unique<ClientRequests>(*state_, log_, shutdown_, recorder_.get());
     control_ = std::make_unique<Control>(
         *state_, Control::Connections{.counts = [this] { return front_->counts(); },
                                       .drop = [this] { front_->dropConnections(); }});
@@ -137,6 +140,7 @@ class Sandbox::Server {
   bool temporary_ = false;
   int port_ = 0;
   std::unique_ptr<State> state_;
+  std::unique_ptr<Recorder> recorder_;
   std::unique_ptr<ClientRequests> clients_;
   std::unique_ptr<Control> control_;
   std::string consoleAddress_;

@@ -16,6 +16,8 @@ struct Options {
   bool enrolled = false;    ///< Every device counts as enrolled, with a wallet of every card.
   bool console = false;     ///< Serve the web console too.
   bool oneSession = false;  ///< A device's session start ends its former sessions.
+  /// Append every exchange to this file; empty: as the environment says (Recorder.h).
+  std::string record{};
   EventLog::Sink
       onEvent{};  ///< Gets each JSON line; called on the server's threads, one at a time.
   CertificateFlaw certificateFlaw = CertificateFlaw::none;  ///< For clients that must refuse it.

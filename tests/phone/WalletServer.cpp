@@ -6,6 +6,8 @@
 #include <fmt/format.h>
 #include <fmt/ranges.h>
 
+#include "tests/phone/RequestRecord.h"
+
 namespace orlix::test {
 
 namespace {
@@ -135,6 +137,7 @@ void WalletServer::close() {
 }
 
 void WalletServer::receive(const HttpRequest& sent, Exchange& exchange) {
+  RequestRecord::note(sent);
   const auto request = std::make_shared<HeldRequest>();
   request->number = ++sent_;
   request->kind = kindOf(sent.url);

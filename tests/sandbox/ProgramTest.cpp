@@ -48,7 +48,8 @@ TEST(Program, RefusesBadArgumentsWithTwoAndWhatItCannotUseWithOne) {
                                          {"--port 65536", 2, "65536"},
                                          {"--dir ''", 2, "--dir"},
                                          {"--dir /proc/no/folder", 1, "/proc/no/folder"},
-                                         {"--db /proc/no/file", 1, "/proc/no/file"}}) {
+                                         {"--db /proc/no/file", 1, "/proc/no/file"},
+                                         {"--record /proc/no/file", 1, "/proc/no/file"}}) {
     FILE* pipe = popen((kProgram + " " + row.arguments + " 2>&1").c_str(), "r");
     EXPECT_NE(lineOf(pipe).find(row.names), std::string::npos) << row.names;
     EXPECT_EQ(WEXITSTATUS(pclose(pipe)), row.code) << row.names;
