@@ -125,7 +125,10 @@ class Contract:
 
     @classmethod
     def load(cls, path=DOCUMENT):
-        return cls(yaml.safe_load(pathlib.Path(path).read_text(encoding="utf-8")))
+        try:
+            return cls(yaml.safe_load(pathlib.Path(path).read_text(encoding="utf-8")))
+        except (yaml.YAMLError, KeyError, TypeError, AttributeError) as error:
+            raise Unreadable(f"{path}: no OpenAPI description: {error}") from None
 
     def resolved(self, node):
         while "$ref" in node:
