@@ -84,15 +84,29 @@ def form_of(text):
     return dict(urllib.parse.parse_qsl(text, keep_blank_values=True))
 
 
+class Fault(str):
+    """What is wrong with a field, in words. Two faults of one kind differ in the value only."""
+    kind = ""
+
+
 def words(error):
-    """What jsonschema found, in few words: which field, and what is wrong with it."""
+    """What jsonschema found: which field, and what is wrong with it."""
+    kind = "/".join(map(str, error.absolute_schema_path))
     while error.context:
         error = jsonschema.exceptions.best_match(error.context)
     where = "".join(f"[{step}]" if isinstance(step, int) else f".{step}" for step in error.path)
     what = error.message if len(error.message) < 200 else error.message[:200] + "..."
     if error.validator is None:
         what = "must not be there together with the others"
-    return f"{where.lstrip('.')}: {what}" if where else what
+    fault = Fault(f"{where.lstrip('.')}: {what}" if where else what)
+    fault.kind = re.sub(r"\[\d+\]", "[]", where) + kind
+    return fault
+
+
+def within(place, fault):
+    out = Fault(f"{place}: {fault}")
+    out.kind = getattr(fault, "kind", fault)
+    return out
 
 
 class Operation:
@@ -110,13 +124,31 @@ class Operation:
                            for one in path.get("parameters", []) + item.get("parameters", [])]
 
 
+def references(node):
+    if isinstance(node, dict):
+        yield from [node["$ref"]] if "$ref" in node else []
+        node = list(node.values())
+    for inner in node if isinstance(node, list) else []:
+        yield from references(inner)
+
+
 class Contract:
     """The protocol as the document describes it."""
 
     def __init__(self, document):
         self.document = document
+        for name, schema in document["components"]["schemas"].items():
+            try:
+                jsonschema.Draft202012Validator.check_schema(schema)
+            except jsonschema.SchemaError as error:
+                raise Unreadable(f"components.schemas.{name}: {words(error)}") from None
         self.paths = document["paths"]
         self.resolver = jsonschema.RefResolver("", document)
+        for reference in set(references(document)):
+            try:
+                self.resolver.resolve(reference)
+            except jsonschema.RefResolutionError as error:
+                raise Unreadable(f"$ref {reference}: {error}") from None
         self.known = {}
         self.fields_seen = set()
         self.operations = [Operation(self, template, method, item)
@@ -177,7 +209,7 @@ class Contract:
     def faults_of_request(self, exchange, operation, values):
         for parameter in operation.parameters:
             for fault in self.faults_of(parameter["schema"], values.get(parameter["name"])):
-                yield f"path: {parameter['name']}: {fault}"
+                yield within(f"path: {parameter['name']}", fault)
         yield from self.faults_of_headers(exchange, operation)
         wanted = operation.item.get("requestBody")
         if wanted is None:
@@ -199,7 +231,7 @@ class Contract:
     def faults_of_body(self, schema, value):
         self.fields_seen.update(self.fields_in(schema, value))
         for fault in self.faults_of(schema, value):
-            yield f"body: {fault}"
+            yield within("body", fault)
 
     def faults_of_headers(self, exchange, operation):
         schemes = self.document["components"]["securitySchemes"]
@@ -250,12 +282,7 @@ class Contract:
                                           exchange.answer)
 
     def faults_of_itself(self):
-        """Schemas that are none, and examples that do not fit their schema."""
-        for name, schema in self.document["components"]["schemas"].items():
-            try:
-                jsonschema.Draft202012Validator.check_schema(schema)
-            except jsonschema.SchemaError as error:
-                yield f"components.schemas.{name}: {words(error)}"
+        """Examples that do not fit their schema."""
         for place, content in self.contents():
             examples = {name: one["value"] for name, one in content.get("examples", {}).items()}
             if "example" in content:
@@ -298,12 +325,13 @@ class Check:
         self.spoilt = 0
         self.exempt = collections.Counter()
         self.seen = set()
-        self.complaints = {}
+        self.complaints = {}  # By kind: the words for the first, how many there are, where it was.
 
-    def complain(self, exchange, what):
-        entry = self.complaints.setdefault(f"{exchange.method} {exchange.path}: {what}",
-                                           [0, exchange.place])
-        entry[0] += 1
+    def complain(self, exchange, side, fault):
+        kind = exchange.method, exchange.path, side, getattr(fault, "kind", fault)
+        entry = self.complaints.setdefault(
+            kind, [f"{exchange.method} {exchange.path}: {side}: {fault}", 0, exchange.place])
+        entry[1] += 1
 
     def add(self, exchange, judge_request=True):
         if OTHERS.match(exchange.path):
@@ -316,7 +344,7 @@ class Check:
         if judge_request:
             self.requests += 1
             for fault in faults:
-                self.complain(exchange, f"request: {fault}")
+                self.complain(exchange, "request", fault)
         if exchange.status is not None:
             self.add_answer(exchange, operation)
 
@@ -334,7 +362,7 @@ class Check:
             return
         self.answers += 1
         for fault in faults:
-            self.complain(exchange, f"answer {exchange.status}: {fault}")
+            self.complain(exchange, f"answer {exchange.status}", fault)
 
     def never_seen(self):
         """Operations and fields of the document that did not occur."""

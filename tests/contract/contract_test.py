@@ -57,7 +57,7 @@ def complaints(document, *exchanges):
     check = contract.Check(contract.Contract(document))
     for one in exchanges:
         check.add(one)
-    return sorted(check.complaints)
+    return sorted(words for words, _, _ in check.complaints.values())
 
 
 class Document(unittest.TestCase):
@@ -142,6 +142,15 @@ class BrokenDocument(unittest.TestCase):
                 found = complaints(changed(DOCUMENT, path, new), exchange())
                 self.assertTrue(any(expected in one for one in found), found)
 
+    def test_whose_schema_is_none_is_refused(self):
+        broken = changed(DOCUMENT, ("components", "schemas", "Card", "properties"), ["colour"])
+        with self.assertRaisesRegex(contract.Unreadable, "components.schemas.Card: properties: "):
+            contract.Contract(broken)
+
+    def test_with_a_dead_reference_is_refused(self):
+        with self.assertRaisesRegex(contract.Unreadable, "schemas/CardId"):
+            contract.Contract(changed(DOCUMENT, ("components", "schemas", "CardId"), None))
+
     def test_is_noticed_by_its_own_examples(self):
         broken = changed(DOCUMENT, ("components", "schemas", "Card", "required"), ["colour"])
         self.assertIn("'colour' is a required property",
@@ -183,9 +192,11 @@ class BrokenExchange(unittest.TestCase):
 
     def test_is_counted_once_for_each_kind(self):
         check = contract.Check(contract.Contract(DOCUMENT))
-        for _ in range(3):
-            check.add(exchange(body={**PURCHASE, "pin": "1"}))
-        self.assertEqual([entry for entry in check.complaints.values()], [[3, "here"]])
+        for amount in ("1,5", "2,5", "3,5"):
+            check.add(exchange(body={**PURCHASE, "amount": amount}, place=amount))
+        [(words, times, place)] = check.complaints.values()
+        self.assertIn("body: amount: '1,5' does not match", words)
+        self.assertEqual((times, place), (3, "1,5"))
 
 
 class Answers(unittest.TestCase):

@@ -7,7 +7,7 @@
 
 #include <sys/types.h>
 
-#include "orlixkit/platform/HttpClient.h"
+#include "orlixkit/ports/HttpClient.h"
 
 namespace orlix::test {
 
