@@ -111,7 +111,7 @@ json::object headersOf(const HttpRequest& request) {
 
 /// Why the answer is not what the protocol has the server say; empty when it is. Of a fault that
 /// moves an answer in time, or ends the session first, the answer is as good as any.
-std::string spoiltBy(const HttpAnswer& answer, const std::vector<Fault>& faults) {
+std::string whatHasSpoilt(const HttpAnswer& answer, const std::vector<Fault>& faults) {
   for (const Fault& fault : faults) {
     const bool harmless = fault.holdsBack() || fault.kind == Fault::Kind::forgetSession ||
                           fault.kind == Fault::Kind::lastAnswer;
@@ -140,7 +140,7 @@ void Recorder::note(const HttpRequest& request, const HttpAnswer& answer,
   json::object line{{"method", request.method},      {"path", request.path},
                     {"headers", headersOf(request)}, {"body", bodyOf(request)},
                     {"status", answer.status},       {"contentType", answer.contentType}};
-  const std::string spoilt = spoiltBy(answer, faults);
+  const std::string spoilt = whatHasSpoilt(answer, faults);
   if (!spoilt.empty()) {
     line["spoilt"] = spoilt;
   } else if (answer.body.size() > longestKeptBody) {

@@ -13,6 +13,7 @@ ROOT = pathlib.Path(__file__).resolve().parents[2]
 sys.path.insert(0, str(ROOT / "scripts"))
 
 import contract  # noqa: E402
+import recordings  # noqa: E402
 
 TOKENS = {"content-type": "application/json", "x-session-token1": "a", "x-session-token2": "b"}
 DOCUMENT = contract.Contract.load().document
@@ -32,7 +33,7 @@ def exchange(path="/vello/purchase/TALU", body=None, answer=None, **changes):
               "body": json.dumps(PURCHASE if body is None else body),
               "answer": json.dumps(PAID if answer is None else answer),
               "content_type": "application/json", "place": "here"}
-    return contract.Exchange(**{**values, **changes})
+    return recordings.Exchange(**{**values, **changes})
 
 
 def replaced(**texts):
@@ -144,11 +145,11 @@ class BrokenDocument(unittest.TestCase):
 
     def test_whose_schema_is_none_is_refused(self):
         broken = changed(DOCUMENT, ("components", "schemas", "Card", "properties"), ["colour"])
-        with self.assertRaisesRegex(contract.Unreadable, "components.schemas.Card: properties: "):
+        with self.assertRaisesRegex(recordings.Unreadable, "components.schemas.Card: properties: "):
             contract.Contract(broken)
 
     def test_with_a_dead_reference_is_refused(self):
-        with self.assertRaisesRegex(contract.Unreadable, "schemas/CardId"):
+        with self.assertRaisesRegex(recordings.Unreadable, "schemas/CardId"):
             contract.Contract(changed(DOCUMENT, ("components", "schemas", "CardId"), None))
 
     def test_is_noticed_by_its_own_examples(self):
@@ -220,7 +221,7 @@ class Recordings(unittest.TestCase):
         with tempfile.TemporaryDirectory() as folder:
             path = pathlib.Path(folder) / name
             path.write_text(text, encoding="utf-8")
-            return list(contract.exchanges_of(path))
+            return list(recordings.exchanges_of(path))
 
     def test_of_the_sandbox_and_of_a_proxy_say_the_same(self):
         body, answer = json.dumps(PURCHASE), json.dumps(PAID)
@@ -240,7 +241,7 @@ class Recordings(unittest.TestCase):
         for name, text, expected in [("a.jsonl", "{}\n", "a.jsonl:1: no recorded exchange"),
                                      ("a.jsonl", "hello\n", "is no JSON"),
                                      ("a.har", "{}", "no HTTP archive")]:
-            with self.subTest(text), self.assertRaisesRegex(contract.Unreadable, expected):
+            with self.subTest(text), self.assertRaisesRegex(recordings.Unreadable, expected):
                 self.read(name, text)
 
 
