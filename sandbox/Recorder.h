@@ -26,7 +26,7 @@ class Recorder {
   /// The answer as it is to leave, and the faults that the request met.
   void note(const HttpRequest& request, const HttpAnswer& answer, const std::vector<Fault>& faults);
 
-  /// Where a server records that was not told to: a file for this process in the folder that the
+  /// Where a server without a file of its own records: one for this process in the folder that the
   /// environment variable ORLIX_RECORD names, or nowhere. So the servers of a whole test run can be
   /// recorded.
   static std::string fileOfProcess();

@@ -19,13 +19,13 @@ FORM = "application/x-www-form-urlencoded"
 # answers that a fault has spoilt are exempt. The rows are described in sandbox/README.md.
 EXEMPT = [
     ("code LOWER-CASE: the status in lower case", "/purchase/{node}",
-     lambda asked, told: asked.get("code") == "LOWER-CASE" and told.get("status") == "success"),
+     lambda asked, answered: asked.get("code") == "LOWER-CASE" and answered.get("status") == "success"),
     ("code EMPTY-ANSWER: no body", "/purchase/{node}",
-     lambda asked, told: asked.get("code") == "EMPTY-ANSWER" and told == {}),
+     lambda asked, answered: asked.get("code") == "EMPTY-ANSWER" and answered == {}),
     ("code RICH: texts under a number key and a boolean key", "/lookup/query/v2/{node}",
-     lambda asked, told: asked.get("qrValue") == "RICH"),
+     lambda asked, answered: asked.get("qrValue") == "RICH"),
     ("card 4100011000000111: the status PENDING", "/card/link/{node}",
-     lambda asked, told: str(asked.get("cardNumber")).startswith("410001100")),
+     lambda asked, answered: str(asked.get("cardNumber")).startswith("410001100")),
 ]
 
 # Fields that a server may send or a client may understand, and that neither the library nor orlix-sandbox

@@ -71,15 +71,15 @@ def exchanges_of_har(path):
     try:
         entries = json.loads(path.read_text(encoding="utf-8"))["log"]["entries"]
         for number, entry in enumerate(entries, 1):
-            asked, told = entry["request"], entry["response"]
-            text = told["content"].get("text", "")
-            if told["content"].get("encoding") == "base64":
+            asked, answered = entry["request"], entry["response"]
+            text = answered["content"].get("text", "")
+            if answered["content"].get("encoding") == "base64":
                 raise Unreadable(f"{path.name}: the answer of entry {number} is not saved as text")
             yield Exchange(method=asked["method"], path=urllib.parse.urlsplit(asked["url"]).path,
                            headers={one["name"].lower(): one["value"] for one in asked["headers"]},
                            body=asked.get("postData", {}).get("text", ""),
-                           status=told["status"] or None,
-                           content_type=told["content"].get("mimeType", ""), answer=text,
+                           status=answered["status"] or None,
+                           content_type=answered["content"].get("mimeType", ""), answer=text,
                            place=f"{path.name}: entry {number}")
     except (ValueError, KeyError, TypeError, AttributeError) as error:
         raise Unreadable(f"{path.name}: no HTTP archive: {error}") from None
