@@ -23,7 +23,7 @@ struct PurchaseStatus {
   PurchaseState state = PurchaseState::none;
   /// The server's transaction number of the purchase that `state` speaks of, as in the callbacks;
   /// the newest one when there are several. Absent while the server has not sent one.
-  std::optional<std::string> reference;
+  std::optional<std::string> reference = std::nullopt;
   /// Of the last refusal: the server did not accept the PIN.
   bool pinRefused = false;
 };
