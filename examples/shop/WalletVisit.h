@@ -9,6 +9,7 @@
 #include "examples/shop/Outcomes.h"
 #include "orlixkit/checkout/OXOrlix.h"
 #include "orlixkit/ui/AlertController.h"
+#include "orlixkit/ui/Application.h"
 
 namespace orlix::shop {
 

@@ -8,14 +8,13 @@
 #include <gmock/gmock.h>
 
 #include "examples/shop/Notice.h"
-#include "tests/phone/FakeWallet.h"
+#include "orlixkit/testing/ScriptedWallet.h"
 #include "tests/shop/ShopInMemory.h"
 
 namespace orlix::shop {
 namespace {
 
 using State = PurchaseState;
-using test::ok;
 using Obstacle = VisitEnd::Obstacle;
 using testing::AllOf;
 using testing::HasSubstr;
@@ -23,6 +22,7 @@ using testing::Not;
 
 const std::string kSucceeded = "orlixPaymentSucceededWithTransactionReference";
 const std::string kFailed = "orlixPaymentFailedWithTransactionReference";
+const ServerReply kUnreachable = ServerReply().fail("no network");
 const std::string kNotKnown = "We don't know yet whether the payment went through";
 
 /// Every way in which a visit can end.
@@ -91,14 +91,14 @@ TEST(Notice, SaysWhatHappenedAndWhatToDoNext) {
 TEST(NoticeOfAFlow, FollowsFromTheCallbackTheQueryAndTheAlerts) {
   struct Case {
     std::string name;
-    std::function<void(test::FakeWallet&)> server;
+    std::function<void(ScriptedWallet&)> server;
     std::string script, expected;  ///< part of the notice's line
   };
   const std::string pay = "wait screen Product\ntype pinField 1234\ntap proceedAction\n";
   const std::string failure = "wait alert \"Connection problem\"\nbutton Cancel\n";
   const std::string leave = "tap cancelAction\nwait outcome orlixUserDidCancel\n";
   const auto answer = [](const std::string& path, const ServerReply& reply) {
-    return [path, reply](test::FakeWallet& wallet) { wallet.always(path, reply); };
+    return [path, reply](ScriptedWallet& wallet) { wallet.always(path, reply); };
   };
   const auto silence = ServerReply().silence();
   for (const Case& row : std::vector<Case>{
@@ -106,45 +106,43 @@ TEST(NoticeOfAFlow, FollowsFromTheCallbackTheQueryAndTheAlerts) {
            {"left before paying", {}, "wait screen Product\n" + leave, R"("purchase":"none")"},
            {"left while paying", answer("/purchase/", silence),
             pay + "expect-no-outcome 1\n" + leave, kNotKnown},
-           {"left while the receipt stays away", answer("/receipt/", ok("{}")),
+           {"left while the receipt stays away", answer("/receipt/", ServerReply::ok("{}")),
             pay + "expect-no-outcome 1\n" + leave, "Reference 9007199254740993"},
-           {"left when the receipt has stayed away", answer("/receipt/", ok("{}")),
+           {"left when the receipt has stayed away", answer("/receipt/", ServerReply::ok("{}")),
             pay + failure + leave, "Reference 9007199254740993"},
            {"left after a purchase that failed", answer("/purchase/", ServerReply::of(500)),
             pay + failure + leave, "Code C-1"},
-           {"no session", answer("/session/", test::unreachable()),
+           {"no session", answer("/session/", kUnreachable),
             failure + "wait outcome orlixUserDidCancel\n", "The wallet could not be reached"},
-           {"no session at first",
-            [](auto& wallet) { wallet.next("/session/", test::unreachable()); },
+           {"no session at first", [](auto& wallet) { wallet.next("/session/", kUnreachable); },
             "wait alert \"Connection problem\"\nbutton Retry\nwait screen Product\n" + leave,
             "\"title\":\"Cancelled\""},
-           {"a wrong PIN", answer("/purchase/", ok(R"({"status":"INVALID_PASSWORD"})")),
+           {"a wrong PIN",
+            answer("/purchase/", ServerReply::ok(R"({"status":"INVALID_PASSWORD"})")),
             pay + "wait outcome orlixError 2", "check the PIN"}}) {
     SCOPED_TRACE(row.name);
     ShopInMemory shop;
-    test::FakeWallet wallet(shop.phone().connections());
+    ScriptedWallet wallet(shop.phone().connections());
     if (row.server) {
       row.server(wallet);
     }
     EXPECT_EQ(shop.run("checkout C-1\n" + row.script), "");
     EXPECT_THAT(shop.lines(), HasSubstr("\"event\":\"notice\""));
     EXPECT_THAT(shop.lines(), HasSubstr(row.expected));
-    shop.phone().shutdown();
   }
 }
 
 TEST(NoticeOfAFlow, TheWaitingScreenOfAStoppedVersionGoesWhenItsAlertHasBeenRead) {
   ShopInMemory shop;
-  test::FakeWallet wallet(shop.phone().connections());
+  ScriptedWallet wallet(shop.phone().connections());
   wallet.session = R"({"sessionId":"s","activated":true,"allowConnection":false,"message":"Old"})";
   EXPECT_EQ(shop.run("checkout C-1\nwait alert Error Old\nwait screen Waiting"), "");
   EXPECT_THAT(shop.lines(), Not(HasSubstr("\"event\":\"notice\"")));
   EXPECT_EQ(shop.run("button Ok\nwait idle\nexpect-no-outcome 100\ndump"), "");
   EXPECT_THAT(shop.lines(), HasSubstr("This version can no longer be used"));
   EXPECT_THAT(shop.lines(), HasSubstr(R"({"event":"state","screen":null,)"));
-  wallet.session = test::answers::kSession;
+  wallet.session = answers::kSession;
   EXPECT_EQ(shop.run("checkout C-1\nwait screen Product"), "");
-  shop.phone().shutdown();
 }
 
 }  // namespace orlix::shop
