@@ -92,7 +92,7 @@ TEST(OverTls, WhatTheFacadeSaysOfAPurchaseIsWhatBecameOfItAtTheServer) {
     phone.runUntilOutcomeOrAlert();
     if (phone.app->heard.empty()) {
       phone.user->pressAlert(row.arrived == 0 ? "Ok" : "Cancel");
-      phone.runUntil([&] { return !phone.user->topAlert(); });
+      phone.runUntil([&] { return !phone.user->topController()->presentedViewController(); });
       phone.user->tap("cancelAction");
       phone.runUntil([&] { return !phone.app->heard.empty(); });
     }
