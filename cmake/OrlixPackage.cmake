@@ -78,6 +78,7 @@ orlix_public_headers(core ${CMAKE_INSTALL_INCLUDEDIR} ${ports}
   orlixkit/OrlixKit.h
   orlixkit/checkout/OXDelegates.h
   orlixkit/checkout/OXOrlix.h
+  orlixkit/checkout/PurchaseStatus.h
   orlixkit/posix/PosixPorts.h
   orlixkit/posix/PosixSystemLog.h
   orlixkit/protocol/OMVelloDelegate.h

@@ -12,6 +12,20 @@ void write(std::ostream& out, const json::object& event) {
   out << json::serialize(event) << std::endl;
 }
 
+const char* nameOf(PurchaseState state) {
+  switch (state) {
+    case PurchaseState::none:
+      return "none";
+    case PurchaseState::unknown:
+      return "unknown";
+    case PurchaseState::refused:
+      return "refused";
+    case PurchaseState::paid:
+      break;
+  }
+  return "paid";
+}
+
 }  // namespace
 
 void EventLines::screen(const std::string& identifier) {
@@ -38,6 +52,15 @@ void EventLines::outcome(const std::string& callback, const OutcomeArgument& arg
     shown = *code;
   }
   write(out_, {{"event", "outcome"}, {"callback", callback}, {"argument", shown}});
+}
+
+void EventLines::notice(const std::string& title, const std::string& detail,
+                        const PurchaseStatus& purchase) {
+  write(out_, {{"event", "notice"},
+               {"title", title},
+               {"detail", detail},
+               {"purchase", nameOf(purchase.state)},
+               {"reference", purchase.reference ? json::value(*purchase.reference) : nullptr}});
 }
 
 void EventLines::state(const ViewController* screen, const std::string& identifier) {

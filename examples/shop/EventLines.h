@@ -8,6 +8,7 @@
 #include <variant>
 #include <vector>
 
+#include "orlixkit/checkout/PurchaseStatus.h"
 #include "orlixkit/ui/ViewController.h"
 
 namespace orlix::shop {
@@ -28,6 +29,8 @@ class EventLines {
   /// None: the progress indicator is gone.
   void progress(const std::optional<std::string>& status);
   void outcome(const std::string& callback, const OutcomeArgument& argument);
+  /// What the shop says to its user at the end of a visit, and what it is based on.
+  void notice(const std::string& title, const std::string& detail, const PurchaseStatus& purchase);
   /// `screen` is none when no screen of the library is shown.
   void state(const ViewController* screen, const std::string& identifier);
 

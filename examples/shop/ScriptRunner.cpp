@@ -47,18 +47,18 @@ std::optional<ScriptLine> ScriptRunner::next(ScriptSource& source) {
 }
 
 void ScriptRunner::run(const HostCall& call) {
-  facade_ = OXOrlix::make();
+  const std::shared_ptr<OXOrlix> facade = stage_.visit.begin(call.code);
   const auto customer = call.customer ? std::optional(CustomerId{*call.customer}) : std::nullopt;
   const auto msisdn = call.msisdn ? std::optional(PreMSISDN{*call.msisdn}) : std::nullopt;
   if (call.entry == HostEntry::checkout) {
-    facade_->checkout({.code = call.code,
-                       .amount = call.amount,
-                       .apiKey = "shop-key",
-                       .system = stage_.system,
-                       .controller = stage_.hostScreen,
-                       .delegate = stage_.outcomes,
-                       .preMSISDN = msisdn,
-                       .customerId = customer});
+    facade->checkout({.code = call.code,
+                      .amount = call.amount,
+                      .apiKey = "shop-key",
+                      .system = stage_.system,
+                      .controller = stage_.hostScreen,
+                      .delegate = stage_.outcomes,
+                      .preMSISDN = msisdn,
+                      .customerId = customer});
     return;
   }
   const EntryRequest request{.apiKey = "shop-key",
@@ -68,9 +68,9 @@ void ScriptRunner::run(const HostCall& call) {
                              .preMSISDN = msisdn,
                              .customerId = customer};
   if (call.entry == HostEntry::preregister) {
-    facade_->preRegister(request);
+    facade->preRegister(request);
   } else {
-    facade_->walletManagement(request);
+    facade->walletManagement(request);
   }
 }
 

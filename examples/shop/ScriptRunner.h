@@ -12,8 +12,8 @@
 #include "examples/shop/ScriptSource.h"
 #include "examples/shop/ShopDriver.h"
 #include "examples/shop/Waiter.h"
+#include "examples/shop/WalletVisit.h"
 #include "examples/shop/WorkCount.h"
-#include "orlixkit/checkout/OXOrlix.h"
 
 namespace orlix::shop {
 
@@ -22,6 +22,7 @@ struct ScriptStage {
   ShopDriver& driver;
   EventLines& events;
   std::shared_ptr<Outcomes> outcomes;
+  WalletVisit& visit;
   Waiter& waiter;
   const WorkCount& work;
   std::ostream& progress;  ///< progress messages: each command as it begins, and long waits
@@ -71,7 +72,6 @@ class ScriptRunner {
   void waitUntil(const std::string& what, const std::function<bool()>& holds);
 
   ScriptStage stage_;
-  std::shared_ptr<OXOrlix> facade_;
 };
 
 }  // namespace orlix::shop

@@ -43,8 +43,10 @@ Shop::Shop(ShopOptions options, const Ports& ports, std::ostream& out, std::ostr
       events_(out),
       progress_(progress),
       reporter_(events_),
-      observers_({&reporter_}),
+      visit_(events_, hostScreen_),
+      observers_({&reporter_, &visit_}),
       outcomes_(std::make_shared<Outcomes>(events_)) {
+  outcomes_->onOutcome = [this](const Outcome& outcome) { visit_.ended(outcome); };
   installOrlixKit(std::make_shared<Host>(WorkCount::count(ports, work_),
                                          Deployment{.liveBase = options_.server,
                                                     .testBase = options_.server,
@@ -54,18 +56,22 @@ Shop::Shop(ShopOptions options, const Ports& ports, std::ostream& out, std::ostr
   application.showMainWindow(hostScreen_);
 }
 
-Shop::~Shop() { Host::uninstall(); }
+Shop::~Shop() {
+  outcomes_->onOutcome = {};  // it may outlive this shop
+  Host::uninstall();
+}
 
 void Shop::drawnBy(UiObserver* drawing) {
   // Draw before reporting.
-  observers_.set(drawing != nullptr ? std::vector<UiObserver*>{drawing, &reporter_}
-                                    : std::vector<UiObserver*>{&reporter_});
+  observers_.set(drawing != nullptr ? std::vector<UiObserver*>{drawing, &reporter_, &visit_}
+                                    : std::vector<UiObserver*>{&reporter_, &visit_});
 }
 
 void Shop::run(ScriptSource& script, ShopDriver& driver) {
   ScriptRunner({.driver = driver,
                 .events = events_,
                 .outcomes = outcomes_,
+                .visit = visit_,
                 .waiter = waiter_,
                 .work = *work_,
                 .progress = progress_,

@@ -15,6 +15,7 @@
 #include "examples/shop/ShopOptions.h"
 #include "examples/shop/UiObservers.h"
 #include "examples/shop/Waiter.h"
+#include "examples/shop/WalletVisit.h"
 #include "examples/shop/WorkCount.h"
 #include "orlixkit/host/Host.h"
 
@@ -38,6 +39,7 @@ class Shop {
 
   const std::shared_ptr<ViewController>& hostScreen() const { return hostScreen_; }
   const std::shared_ptr<Outcomes>& outcomes() const { return outcomes_; }
+  WalletVisit& visit() { return visit_; }
 
   /// Runs the script to its end. Throws ScriptError with the line number and the reason.
   void run(ScriptSource& script, ShopDriver& driver);
@@ -48,10 +50,11 @@ class Shop {
   Waiter waiter_;
   EventLines events_;
   std::ostream& progress_;
+  std::shared_ptr<ViewController> hostScreen_ = std::make_shared<ViewController>();
   ScreenReporter reporter_;
+  WalletVisit visit_;
   UiObservers observers_;
   std::shared_ptr<Outcomes> outcomes_;
-  std::shared_ptr<ViewController> hostScreen_ = std::make_shared<ViewController>();
 };
 
 /// Runs the shop in a window, by a script or by its user. Throws UsageError or ScriptError.

@@ -10,6 +10,7 @@
 
 #include "orlixkit/checkout/OXSession.h"
 #include "orlixkit/checkout/OXUtil.h"
+#include "orlixkit/checkout/PurchaseLedger.h"
 #include "orlixkit/checkout/ScreenChange.h"
 #include "orlixkit/checkout/SuggestedMsisdn.h"
 #include "orlixkit/host/Host.h"
@@ -88,6 +89,7 @@ void OXOrlix::start(const Entry& entry) {
   }
   OXSession::reset();
   const std::shared_ptr<OXSession> session = OXSession::currentSession();
+  purchases_ = session->purchases();
   session->presentingController = entry.controller;
   session->system = entry.system;
   session->delegate = entry.delegate;
@@ -163,6 +165,10 @@ void OXOrlix::preRegister(const EntryRequest& request) {
 void OXOrlix::walletManagement(const EntryRequest& request) {
   begin({request.apiKey, request.system, request.controller, request.delegate, request.preMSISDN,
          request.customerId, [](OXSession& session) { session.walletManagement = true; }});
+}
+
+PurchaseStatus OXOrlix::purchaseStatus() const {
+  return purchases_ ? purchases_->status() : PurchaseStatus{};
 }
 
 std::string OXOrlix::getSuggestedMSISDN(const std::string& number) {

@@ -6,12 +6,14 @@
 #include <string>
 
 #include "orlixkit/checkout/OXDelegates.h"
+#include "orlixkit/checkout/PurchaseStatus.h"
 #include "orlixkit/protocol/OMVelloDelegate.h"
 #include "orlixkit/ui/ViewController.h"
 
 namespace orlix {
 
 class OXTransitioningDelegate;
+class PurchaseLedger;
 
 /// 0 selects the live server, any other value (1 by convention) the test server.
 using OXSystem = std::int64_t;
@@ -86,6 +88,13 @@ class OXOrlix : public OMVelloDelegate, public std::enable_shared_from_this<OXOr
   void checkout(const CheckoutRequest& request);
   void preRegister(const EntryRequest& request);
   void walletManagement(const EntryRequest& request);
+
+  /// Whether a purchase was sent in the flow of this facade's last entry call, and what is known of
+  /// it. Ask in the callback or after it, until the next entry call of this facade; also when no
+  /// callback came, because another flow has taken the place of this one or the host has removed
+  /// the screens. `unknown` may later become another state, when an answer arrives after the user
+  /// has left. `none` before the first entry call.
+  PurchaseStatus purchaseStatus() const;
 
   using Controller = std::shared_ptr<ViewController>;
   using Delegate = std::shared_ptr<OXOrlixDelegate>;
@@ -167,6 +176,7 @@ class OXOrlix : public OMVelloDelegate, public std::enable_shared_from_this<OXOr
 
   std::shared_ptr<OXTransitioningDelegate> transitioningDelegate_;
   Controller waitingController_;
+  std::shared_ptr<const PurchaseLedger> purchases_;  ///< of the last entry call's flow
   std::uint64_t hostNumber_ = 0;  ///< of the host that `waitingController_` belongs to
 };
 

@@ -10,6 +10,7 @@
 #include "orlixkit/checkout/ConnectionAlerts.h"
 #include "orlixkit/checkout/OXDelegates.h"
 #include "orlixkit/checkout/OXTransitioningDelegate.h"
+#include "orlixkit/checkout/PurchaseLedger.h"
 #include "orlixkit/ports/Secret.h"
 #include "orlixkit/protocol/Flow.h"
 #include "orlixkit/protocol/KCVelloConnection.h"
@@ -87,6 +88,8 @@ class OXSession : public std::enable_shared_from_this<OXSession> {
   /// Begins a payment. False, and nothing may be sent, while one is in progress.
   bool beginPayment();
   bool isPaying() const { return paying_; }
+  /// What is known of the purchases of this flow. Never null.
+  const std::shared_ptr<PurchaseLedger>& purchases() const { return purchases_; }
   /// The payment was given up without an outcome; what waited for that runs.
   void endPayment();
   /// Runs the task at once, or when the payment in progress has been given up. A later one replaces
@@ -158,6 +161,7 @@ class OXSession : public std::enable_shared_from_this<OXSession> {
   std::shared_ptr<Flow> flow_ = std::make_shared<Flow>();
   Task pendingCallback_;  ///< of the host, until it is made
   bool paying_ = false;
+  const std::shared_ptr<PurchaseLedger> purchases_ = std::make_shared<PurchaseLedger>();
   std::vector<std::pair<std::string, DataTask>> whenNotPaying_;
   std::uint64_t screenChanges_ = 0;
   std::shared_ptr<ConnectionAlerts> connectionAlerts_ = std::make_shared<ConnectionAlerts>();

@@ -15,6 +15,18 @@ using namespace std::chrono_literals;
 constexpr Duration kRound = 60s;
 constexpr Duration kLongestPause = 2s;
 
+/// Asks for the purchase and notes what is known of it, here in the background: the host may have
+/// heard that the user has left before the answer reaches the main queue.
+MTPinResponse noted(PurchaseAttempt& attempt, const KCVelloConnection& connection,
+                    const std::function<MTPinResponse(KCVelloConnection&)>& purchase) {
+  RequestScope scope = connection.scope();
+  scope.departure = attempt.departure();
+  KCVelloConnection client = connection.within(scope);
+  MTPinResponse response = purchase(client);
+  attempt.answered(response);
+  return response;
+}
+
 }  // namespace
 
 void Payment::pay(PurchaseCall purchase, Task again) {
@@ -23,8 +35,12 @@ void Payment::pay(PurchaseCall purchase, Task again) {
   if (!session) {
     return;
   }
+  attempt_ = session->purchases()->begin();
   requestInBackground<MTPinResponse>(
-      queue_, std::move(purchase),
+      queue_,
+      [attempt = attempt_, purchase = std::move(purchase)](KCVelloConnection& connection) {
+        return noted(*attempt, connection, purchase);
+      },
       [self = self()](MTPinResponse response) {
         self->pinResponse_ = std::move(response);
         self->purchaseEnded();
@@ -90,6 +106,7 @@ void Payment::receiptArrived() {
     receiptTimedOut();
     return;
   }
+  noteReceipt();
   if (!screen_.hideProgress()) {
     return;
   }
@@ -98,6 +115,18 @@ void Payment::receiptArrived() {
     succeeded(reference);
   } else {
     screen_.session()->returnPaymentFailedWithTransactionReference(reference);
+  }
+}
+
+/// Before anything that runs the host's code.
+void Payment::noteReceipt() {
+  if (!attempt_) {
+    return;
+  }
+  if (receipt_->status == "SUCCESS") {
+    noteSuccess(*attempt_);
+  } else {
+    attempt_->refusedByReceipt();
   }
 }
 

@@ -6,6 +6,7 @@
 #include <optional>
 #include <string>
 
+#include "orlixkit/checkout/PurchaseLedger.h"
 #include "orlixkit/checkout/SessionScreen.h"
 #include "orlixkit/records/MTPinResponse.h"
 #include "orlixkit/records/MTReceipt.h"
@@ -56,6 +57,8 @@ class Payment {
   virtual void receiptTimedOut() = 0;
   /// The receipt says "SUCCESS". The session is live, the indicator gone.
   virtual void succeeded(const std::string& reference);
+  /// What that means for the purchase that was sent.
+  virtual void noteSuccess(PurchaseAttempt& attempt) const { attempt.succeeded(); }
 
   PurchaseRequest purchaseRequest_;
   MTPinResponse pinResponse_;
@@ -64,11 +67,13 @@ class Payment {
  private:
   void purchaseEnded();
   void receiptArrived();
+  void noteReceipt();
   std::shared_ptr<Payment> self() { return {screen_.shared_from_this(), this}; }
 
   SessionScreen& screen_;
   const std::string status_;
   const RequestQueue queue_;
+  std::shared_ptr<PurchaseAttempt> attempt_;  ///< the purchase that was sent last
 };
 
 }  // namespace orlix

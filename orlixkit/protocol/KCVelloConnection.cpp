@@ -77,6 +77,9 @@ std::optional<SecretBytes> KCVelloConnection::deliver(const std::string& path,
     if (result.responseCode != codeSessionUnknown) {
       return payloadOf(std::move(result));
     }
+    if (scope_.departure) {
+      scope_.departure->turnedAway();
+    }
     scope_.pause(pauseAfter(refusals + 1));
     renewed = session_->renew(session.number, scope_);
   }

@@ -4,6 +4,7 @@
 #include <optional>
 
 #include "orlixkit/ports/Clock.h"
+#include "orlixkit/protocol/Departure.h"
 #include "orlixkit/protocol/Flow.h"
 #include "orlixkit/records/Failures.h"
 
@@ -20,6 +21,8 @@ struct RequestScope {
   std::shared_ptr<const Flow> flow{};
   /// Nothing is sent after it. An exchange in progress keeps the transport's own time limit.
   std::optional<SteadyTime> deadline{};
+  /// Marked by each request of the scope on its way; the opening of a session does not count.
+  std::shared_ptr<Departure> departure{};
 
   bool isOver() const;
   /// Throws RequestEnded when the scope has ended.

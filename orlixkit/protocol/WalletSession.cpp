@@ -70,7 +70,9 @@ NetworkResult WalletSession::post(const Values& values, const std::string& path,
                                   const RequestScope& scope) const {
   scope.check();
   // Check again immediately before sending: the flow may have ended while connecting.
-  const auto mayBeSent = [flow = scope.flow] { return !flow || flow->isLive(); };
+  const auto mayBeSent = [flow = scope.flow, departure = scope.departure] {
+    return departure ? departure->leaves(flow.get()) : !flow || flow->isLive();
+  };
   return settings_.network->post(settings_.url + path, body, values.store, mayBeSent);
 }
 
@@ -81,7 +83,8 @@ void WalletSession::openInTurn(const RequestScope& scope) {
       settings_.appVersion, serialText(), record, settings_.platform, settings_.timeZone);
   std::string request = "/session/new/" + settings_.node;
   const JsonObject object = withNetworkException(request, [&] {
-    const NetworkResult result = post(values(), request, body, scope);
+    const NetworkResult result =
+        post(values(), request, body, {.flow = scope.flow, .deadline = scope.deadline});
     request += fmt::format(" (HTTP {})", result.responseCode);
     if (!result.payload) {
       // No answer. Parsed as an answer without keys it would make an activated device activate

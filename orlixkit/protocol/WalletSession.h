@@ -63,7 +63,8 @@ class WalletSession {
   /// already. True when this call has opened the new one.
   bool renew(std::uint64_t number, const RequestScope& scope);
 
-  /// Posts to a path below the base address with the tokens of `values`.
+  /// Posts to a path below the base address with the tokens of `values`. Marks the scope's
+  /// departure, if any.
   NetworkResult post(const Values& values, const std::string& path,
                      const std::optional<SecretBytes>& body, const RequestScope& scope) const;
 

@@ -13,6 +13,7 @@ class OX3DAuthSecureCodeViewController : public OXSecureCodeViewController {
   PageRequest pageRequest() const override;
   PurchaseCall purchaseCall() const override;
   void succeeded(const std::string& reference) override;
+  void noteSuccess(PurchaseAttempt& attempt) const override { attempt.authenticated(); }
 };
 
 }  // namespace orlix

@@ -63,6 +63,44 @@ TEST(OverTls, APinCheckoutTakesOneHandshakeAndLeavesNoTraceOfThePin) {
   EXPECT_THAT(phone.state.everyByte(), Not(HasSubstr(pin)));
 }
 
+TEST(OverTls, WhatTheFacadeSaysOfAPurchaseIsWhatBecameOfItAtTheServer) {
+  struct Case {
+    std::string code, pin;
+    std::size_t arrived;  ///< purchases, those answered 403 included
+    std::string said;     ///< without the number
+    bool hasNumber;
+  };
+  for (const Case& row : std::vector<Case>{
+           {"FIXED-25", "1234", 1, "paid", true},
+           {"FIXED-25", "9999", 1, "refused, the PIN", false},
+           {"DECLINED", "1234", 1, "refused", false},
+           {"RECEIPT-FAILED", "1234", 1, "refused", true},
+           {"FORGET", "1234", 2, "paid", true},            // sent again in a new session
+           {"SERVER-ERROR", "1234", 1, "unknown", false},  // not made, but 500 does not say so
+           {"HANG-UP", "1234", 1, "unknown", false},       // made
+           {"FIXED-25", "1", 0, "none", false}}) {         // a PIN that is not sent
+    SCOPED_TRACE(row.code + " " + row.pin);
+    OverTls phone;
+    std::string said;
+    phone.app->onOutcome = [&] {
+      PurchaseStatus status = phone.facade->purchaseStatus();
+      EXPECT_EQ(status.reference.has_value(), row.hasNumber);
+      status.reference.reset();
+      said = inWords(status);
+    };
+    phone.pay(row.code, "1111", row.pin);
+    phone.runUntilOutcomeOrAlert();
+    if (phone.app->heard.empty()) {
+      phone.user->pressAlert(row.arrived == 0 ? "Ok" : "Cancel");
+      phone.runUntil([&] { return !phone.user->topController()->presentedViewController(); });
+      phone.user->tap("cancelAction");
+      phone.runUntil([&] { return !phone.app->heard.empty(); });
+    }
+    EXPECT_EQ(said, row.said);
+    EXPECT_EQ(phone.control("/control/purchases").at("purchases").as_array().size(), row.arrived);
+  }
+}
+
 TEST(OverTls, TheHostsEndWaitsForNothingThatIsInFlight) {
   struct Case {
     std::string name, code, path;

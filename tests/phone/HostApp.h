@@ -11,6 +11,13 @@ namespace orlix::test {
 
 using Heard = std::vector<std::string>;
 
+/// "unknown 77", "refused, the PIN", …
+inline std::string inWords(const PurchaseStatus& status) {
+  const std::vector<std::string> states{"none", "unknown", "refused", "paid"};
+  return states[static_cast<std::size_t>(status.state)] +
+         (status.reference ? " " + *status.reference : "") + (status.pinRefused ? ", the PIN" : "");
+}
+
 /// The host application: records its callbacks.
 class HostApp : public OXOrlixDelegate, public OX3DSecureOrlixDelegate {
  public:

@@ -289,7 +289,21 @@ void Walk::answer(const WalletServer::Request& request, const std::string& wante
     }
     noteAnswer(*request, how);
   }
+  notePurchase(*request, how);
   server_->answer(request, how);
+}
+
+/// Also of a flow that is over.
+void Walk::notePurchase(const HeldRequest& request, const std::string& how) {
+  if (request.flow < 0) {
+    return;
+  }
+  auto& purchases = flows_[static_cast<std::size_t>(request.flow)].purchases;
+  if (request.kind == "purchase" || request.kind == "authenticate") {
+    purchases[request.number] = how;
+  } else if (request.kind == "receipt" && !purchases.empty() && (how == "ok" || how == "failed")) {
+    purchases.rbegin()->second = "receipt: " + how;
+  }
 }
 
 /// Of several requests that fail at once the payment's is offered first.

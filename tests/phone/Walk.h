@@ -26,6 +26,7 @@ struct Flow {
   std::string code;
   std::string msisdn;
   std::shared_ptr<HostApp> app = std::make_shared<HostApp>();
+  std::weak_ptr<OXOrlix> facade;
   std::shared_ptr<ViewController> controller;
   bool ended = false;     ///< by a return operation
   bool replaced = false;  ///< before it had ended, or never begun: no callback
@@ -51,6 +52,7 @@ struct Flow {
   std::string shownAmount;
   std::optional<std::string> same;  ///< what a retry has to send
   std::string lastPurchase;
+  std::map<std::size_t, std::string> purchases;  ///< how each that arrived was answered, by number
   std::set<std::string> returnedPages;
 };
 
@@ -147,13 +149,14 @@ class Walk : private UiObserver {
   void answer(const WalletServer::Request& request, const std::string& how);
   void noteFailure(const std::string& kind);
   void noteAnswer(const HeldRequest& request, const std::string& how);
+  void notePurchase(const HeldRequest& request, const std::string& how);
   void touch(const Controller& screen, const std::string& action, bool stray);
   void fill(ViewController& screen) const;
   void notePay(ViewController& screen, bool stray);
   void press(const std::shared_ptr<AlertController>& alert, const std::string& button);
   void returnPage();
   void enter(const std::string& name);
-  void callEntry(const std::string& name, const Flow& flow);
+  void callEntry(const std::string& name, Flow& flow);
   void wipe(const Task& call, bool wipes);
   void enrolBefore();
   void hostRemoves(bool alertOnly);
@@ -169,6 +172,7 @@ class Walk : private UiObserver {
   void checkSession(const HeldRequest& request, Flow& flow);
   void checkPurchase(const HeldRequest& request, Flow& flow);
   void checkStorm(const HeldRequest& request);
+  void checkPurchaseStatus(const Flow& flow);
   void heard(int number);
   void didPresent(const Controller& controller) override;
   void didDismiss(const Controller& controller) override;

@@ -113,11 +113,12 @@ void Walk::enter(const std::string& name) {
   former_.insert(former_.end(), before.begin(), before.end());
 }
 
-void Walk::callEntry(const std::string& name, const Flow& flow) {
+void Walk::callEntry(const std::string& name, Flow& flow) {
   if (!has(name, " again")) {
     facade_ = OXOrlix::make();
   }
   const std::shared_ptr<OXOrlix> facade = facade_;
+  flow.facade = facade;
   const std::string customer = customerOf(name);
   const std::optional<CustomerId> customerId =
       customer.empty() ? std::nullopt : std::optional(CustomerId{customer});
@@ -290,6 +291,9 @@ void Walk::heard(int number) {
     breakRule("(a) the host of a replaced flow is called back");
   }
   flow.ended = true;
+  if (number == current_) {  // else the facade may be another flow's by now
+    checkPurchaseStatus(flow);
+  }
   runHook("outcome");
 }
 

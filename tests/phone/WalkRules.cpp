@@ -99,8 +99,11 @@ std::optional<std::string> Walk::requestSent(HeldRequest& request) {
   } else if (forgetful_) {
     atOnce = request.kind == "session" ? "ok" : "403";
   }
-  if (atOnce && request.flow == current_) {
-    noteAnswer(request, *atOnce);
+  if (atOnce) {
+    if (request.flow == current_) {
+      noteAnswer(request, *atOnce);
+    }
+    notePurchase(request, *atOnce);
   }
   return atOnce;
 }
@@ -149,6 +152,7 @@ void Walk::checkPurchase(const HeldRequest& request, Flow& flow) {
                           request.text("amount"), flow.shownAmount));
   }
   flow.lastPurchase = withoutPin(request.body);
+  flow.purchases[request.number] = "open";
   if (flow.same && *flow.same != flow.lastPurchase) {
     breakRule("(g) Retry sends another purchase: " + flow.lastPurchase);
   }
@@ -166,6 +170,34 @@ void Walk::checkPurchase(const HeldRequest& request, Flow& flow) {
     if (flow.refusals < 2 && data->as_object().at("pinBlock").as_string() != *block) {
       breakRule("(g) a PIN block is sent in a session whose key it was not made with");
     }
+  }
+}
+
+/// At the outcome. What the facade says of the purchases, against what the server has received and
+/// answered.
+void Walk::checkPurchaseStatus(const Flow& flow) {
+  const std::shared_ptr<OXOrlix> facade = flow.facade.lock();
+  if (!facade) {
+    return;  // the host has not kept it
+  }
+  const PurchaseStatus status = facade->purchaseStatus();
+  const auto anyIs = [&flow](const std::set<std::string>& answers) {
+    return std::any_of(flow.purchases.begin(), flow.purchases.end(),
+                       [&](const auto& one) { return answers.contains(one.second); });
+  };
+  const bool arrived = !flow.purchases.empty();
+  const std::string& heard = flow.app->heard.back();
+  const std::string said = inWords(status) + " after " + heard;
+  if (status.state == PurchaseState::none && anyIs({"open", "ok", "lost", "refused", "403"})) {
+    breakRule("(i) a purchase has arrived that the facade knows nothing of: " + said);
+  } else if (status.state == PurchaseState::refused && (!arrived || anyIs({"open", "lost"}))) {
+    breakRule("(i) a purchase counts as refused that nothing has refused: " + said);
+  } else if (status.state == PurchaseState::paid && !anyIs({"receipt: ok"})) {
+    breakRule("(i) a purchase counts as paid without a receipt: " + said);
+  } else if (status.state == PurchaseState::unknown && !arrived && !preemptive_) {
+    breakRule("(i) no purchase has arrived, and the facade speaks of one: " + said);
+  } else if (heard.starts_with("succeeded") && "succeeded" + inWords(status).substr(4) != heard) {
+    breakRule("(i) a success is not what the facade says: " + said);
   }
 }
 

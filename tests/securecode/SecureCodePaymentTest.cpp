@@ -143,6 +143,36 @@ TEST(SecureCode, AReceiptThatNeverComesReportsNothingAndIsLeftByCancel) {
   EXPECT_EQ(phone.app->heard, Heard{"cancelled"});
 }
 
+TEST(SecureCode, BothRoadsSayWhatIsKnownOfThePurchaseWhenTheyEnd) {
+  struct Case {
+    std::string purchase, receipt, paying, authenticating;
+  };
+  const std::string success = R"({"status":"SUCCESS"})";
+  for (const Case& row : std::vector<Case>{
+           {kBought, success, "paid 4711", "none"},  // authenticated: nothing is paid yet
+           {kBought, R"({"status":"FAILED"})", "refused 4711", "refused 4711"},
+           {kBought, "{}", "unknown 4711", "unknown 4711"},
+           {"{}", "", "unknown", "unknown"},
+           {R"({"status":"ERROR"})", "", "refused", "refused"}}) {
+    SCOPED_TRACE(row.purchase + row.receipt);
+    for (const bool paying : {true, false}) {
+      Issuer phone;
+      phone.wallet.purchase = row.purchase;
+      phone.wallet.receipt = row.receipt;
+      std::string known;
+      phone.app->onOutcome = [&] { known = inWords(phone.session->purchases()->status()); };
+      paying ? phone.showPaying() : phone.showAuthenticating();
+      EXPECT_EQ(inWords(phone.session->purchases()->status()), "none");
+      phone.returnFromIssuer();
+      phone.host.runFor(5min);
+      if (phone.app->heard.empty()) {
+        phone.tap("cancelButton");
+      }
+      EXPECT_EQ(known, paying ? row.paying : row.authenticating);
+    }
+  }
+}
+
 TEST(SecureCode, ACardToBeValidatedIsMarkedBeforeTheSuccessIsReported) {
   for (const int status : {200, 500}) {
     Issuer phone;

@@ -79,6 +79,42 @@ TEST(ShopWindow, ABuyerNeedsNoMouseAndReadsHowItEnded) {
   EXPECT_EQ(buyer.warnings.texts().join("\n").toStdString(), "");
 }
 
+TEST(ShopWindow, SaysWhatIsKnownOfAPaymentAndLeavesAStoppedVersionsWaitingScreen) {
+  struct Case {
+    std::string script, title, detail;
+  };
+  const std::string pay = "wait screen Product\ntype pinField 1234\ntap proceedAction\n";
+  for (const Case& row : std::vector<Case>{
+           {"checkout FIXED-25\nwait screen Product\ntype pinField 9999\ntap proceedAction\n"
+            "wait outcome orlixError 2",
+            "This could not be paid",
+            "Your card's bank did not accept the PIN, and nothing was taken. Please check the PIN, "
+            "or use another card."},
+           {"checkout SERVER-ERROR\n" + pay +
+                "wait alert \"Connection problem\"\nbutton Cancel\ntap cancelAction\nwait outcome",
+            "We don't know yet whether the payment went through",
+            "Please ask the shop before you pay again, and give this code.\nCode SERVER-ERROR"},
+           {"checkout NEXT-REFUSED\nwait screen Product\ntap cancelAction\nwait outcome\n"
+            "checkout FIXED-25\nwait alert Error\nbutton Ok\nwait idle",
+            "This version can no longer be used",
+            "The wallet has stopped this version of the app, and nothing was taken. Please update "
+            "the app and try again."}}) {
+    Buyer buyer;
+    std::istringstream text(row.script);
+    WholeScript script(text);
+    buyer.shop.run(script);
+    buyer.finger.bringUpToDate();
+    EXPECT_EQ(buyer.text("outcomeTitle"), row.title);
+    EXPECT_EQ(buyer.text("outcomeDetail"), row.detail);
+    EXPECT_EQ(buyer.shop.presenter().top(), nullptr);
+    buyer.finger.press(Qt::Key_Return);
+    buyer.finger.bringUpToDate();
+    buyer.tabTo("pay0");
+    buyer.finger.press(Qt::Key_Return);
+    buyer.runUntilScreen("Product");
+  }
+}
+
 TEST(ShopWindow, ShowsTheNewestMessage) {
   Buyer buyer;
   const auto shown = [&] {

@@ -57,7 +57,8 @@ DrawnShop::DrawnShop(const ShopOptions& options, std::ostream& out, std::ostream
   window_.setTitle(QStringLiteral("Corner Shop"));
   window_.resize(options.window.first, options.window.second);
   shell::prepareEngine(engine_, ports_.bundle);
-  counter_ = std::make_unique<ShopCounter>(shop_.hostScreen(), shop_.outcomes(), options.system);
+  counter_ = std::make_unique<ShopCounter>(shop_.hostScreen(), shop_.outcomes(), shop_.visit(),
+                                           options.system);
   drawCounter();
   if (options.messages) {
     messages_ = std::make_unique<MessageLines>(

@@ -24,56 +24,25 @@ constexpr std::array kArticles{
     ShopArticle{"Gift card", "You say what it is worth", "Any amount", "OPEN", "gift.svg"},
 };
 
-QVariant told(const QString& title, const QString& detail, const char* tone) {
-  return QVariantMap{{"title", title}, {"detail", detail}, {"tone", QString::fromLatin1(tone)}};
-}
-
-QString reasonOf(const std::string& code) {
-  if (code == "2") {
-    return "Your card's bank did not accept the payment. Nothing was taken. You can try another "
-           "card.";
-  }
-  if (code == "6") {
-    return "This card takes no part in the bank's online check. Please choose another card.";
-  }
-  if (code == "7") {
-    return "The price of this article is fixed in another place. Please tell the shop.";
-  }
-  return "This article cannot be paid for in the app. Please pay at the counter.";
-}
-
-QVariant inWords(const Outcome& outcome) {
-  const std::string argument = outcome.argumentText().value_or("");
-  const QString reference = "Reference " + QString::fromStdString(argument);
-  if (outcome.callback == "orlixPaymentSucceededWithTransactionReference") {
-    return told("Thank you, it is paid", reference, "good");
-  }
-  if (outcome.callback == "orlixPaymentFailedWithTransactionReference") {
-    return told("The payment did not go through",
-                "Nothing was taken. If you ask the shop about it, give this number.\n" + reference,
-                "bad");
-  }
-  if (outcome.callback == "orlixError") {
-    return told("This could not be paid", reasonOf(argument), "bad");
-  }
-  if (outcome.callback == "orlixUserRegistered") {
-    return told("You are registered", "Your wallet is ready for your first purchase.", "good");
-  }
-  if (outcome.callback == "orlixUserCompletedWallet") {
-    return told("Wallet closed", "Your changes are kept.", "neutral");
-  }
-  return told("Cancelled", "Nothing was taken.", "neutral");
+QVariant shown(const Notice& notice) {
+  constexpr std::array kTones{"good", "bad", "neutral"};
+  return QVariantMap{{"title", QString::fromStdString(notice.title)},
+                     {"detail", QString::fromStdString(notice.detail)},
+                     {"tone", kTones.at(static_cast<std::size_t>(notice.tone))}};
 }
 
 }  // namespace
 
 ShopCounter::ShopCounter(std::shared_ptr<ViewController> hostScreen,
-                         std::shared_ptr<Outcomes> outcomes, OXSystem system)
-    : hostScreen_(std::move(hostScreen)), outcomes_(std::move(outcomes)), system_(system) {
-  outcomes_->onOutcome = [this](const Outcome& outcome) { ended(outcome); };
+                         std::shared_ptr<Outcomes> outcomes, WalletVisit& visit, OXSystem system)
+    : hostScreen_(std::move(hostScreen)),
+      outcomes_(std::move(outcomes)),
+      visit_(visit),
+      system_(system) {
+  visit_.onEnd = [this](const Notice& notice) { ended(notice); };
 }
 
-ShopCounter::~ShopCounter() { outcomes_->onOutcome = {}; }
+ShopCounter::~ShopCounter() { visit_.onEnd = {}; }
 
 QVariantList ShopCounter::articles() const {
   QVariantList shown;
@@ -97,14 +66,14 @@ void ShopCounter::addMessage(const QString& text) {
   Q_EMIT changed();
 }
 
-std::shared_ptr<OXOrlix> ShopCounter::begin() {
-  if (facade_) {
+std::shared_ptr<OXOrlix> ShopCounter::begin(const std::string& code) {
+  if (busy_) {
     return nullptr;
   }
-  facade_ = OXOrlix::make();
+  busy_ = true;
   outcome_ = QVariant::fromValue(nullptr);
   Q_EMIT changed();
-  return facade_;
+  return visit_.begin(code);
 }
 
 EntryRequest ShopCounter::request() const {
@@ -117,7 +86,7 @@ void ShopCounter::pay(int article) {
   if (article < 0 || index >= kArticles.size()) {
     return;
   }
-  if (const auto facade = begin()) {
+  if (const auto facade = begin(kArticles[index].code)) {
     facade->checkout({.code = kArticles[index].code,
                       .apiKey = "shop-key",
                       .system = system_,
@@ -143,18 +112,15 @@ void ShopCounter::clearOutcome() {
   Q_EMIT changed();
 }
 
-void ShopCounter::ended(const Outcome& outcome) {
-  facade_.reset();
-  outcome_ = inWords(outcome);
+void ShopCounter::ended(const Notice& notice) {
+  busy_ = false;
+  outcome_ = shown(notice);
   Q_EMIT changed();
 }
 
 void ShopCounter::leftAlone() {
-  if (facade_ && !hostScreen_->presentedViewController()) {
-    facade_.reset();
-    outcome_ =
-        told("The wallet was closed", "Please check your bank before you pay again.", "neutral");
-    Q_EMIT changed();
+  if (busy_ && !hostScreen_->presentedViewController()) {
+    visit_.leftAlone();
   }
 }
 

@@ -6,6 +6,7 @@
 #include <memory>
 
 #include "examples/shop/Outcomes.h"
+#include "examples/shop/WalletVisit.h"
 #include "orlixkit/checkout/OXOrlix.h"
 
 namespace orlix::shop {
@@ -21,15 +22,16 @@ class ShopCounter : public QObject {
   Q_PROPERTY(QStringList messages READ messages NOTIFY changed)
 
  public:
+  /// `visit` must outlive the counter.
   ShopCounter(std::shared_ptr<ViewController> hostScreen, std::shared_ptr<Outcomes> outcomes,
-              OXSystem system);
+              WalletVisit& visit, OXSystem system);
   ~ShopCounter() override;
 
   QVariantList articles() const;
   bool live() const { return system_ == kLiveSystem; }
   void setLive(bool live);
-  /// From an entry call to its outcome.
-  bool busy() const { return facade_ != nullptr; }
+  /// From an entry call to its end.
+  bool busy() const { return busy_; }
   /// {title, detail, tone: "good", "bad" or "neutral"}, or null.
   QVariant outcome() const { return outcome_; }
   /// Text messages that came for the user, the newest first.
@@ -50,14 +52,15 @@ class ShopCounter : public QObject {
 
  private:
   /// None while the shop is busy.
-  std::shared_ptr<OXOrlix> begin();
+  std::shared_ptr<OXOrlix> begin(const std::string& code = "");
   EntryRequest request() const;
-  void ended(const Outcome& outcome);
+  void ended(const Notice& notice);
 
   std::shared_ptr<ViewController> hostScreen_;
   std::shared_ptr<Outcomes> outcomes_;
+  WalletVisit& visit_;
   OXSystem system_;
-  std::shared_ptr<OXOrlix> facade_;
+  bool busy_ = false;
   QVariant outcome_ = QVariant::fromValue(nullptr);
   QStringList messages_;
 };
