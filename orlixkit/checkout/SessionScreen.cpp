@@ -6,7 +6,7 @@ namespace orlix {
 
 void SessionScreen::showProgress(const std::string& status, ProgressMask mask,
                                  ProgressStyle style) {
-  if (session() && !wasLeft()) {
+  if (isInUse()) {
     OXUtil::indicator().show(status, mask, style, shared_from_this());
   }
 }
@@ -20,7 +20,7 @@ void SessionScreen::offerRetry(const std::string& kind, Task retry) {
   const auto self = std::static_pointer_cast<SessionScreen>(shared_from_this());
   ConnectionAlert alert;
   alert.retry = std::move(retry);
-  alert.isWanted = [self] { return !self->wasLeft(); };
+  alert.isWanted = [self] { return self->isInUse(); };
   alert.source = identifier() + "." + kind;
   OXUtil::showConnectionAlert(std::move(alert));
 }

@@ -33,25 +33,26 @@ class SessionScreen : public ViewController {
  protected:
   friend class Payment;  // a part of its screen
 
-  /// The screen's session; none when it has been replaced or has ended. An action registered by
-  /// `action` finds it present.
+  /// The screen's session; none when it has been replaced or has ended. The action of a screen, and
+  /// the retry that it offers, find it present.
   std::shared_ptr<OXSession> session() const {
     const std::shared_ptr<OXSession> held = session_.lock();
     return held && held->isLive() ? held : nullptr;
   }
 
-  /// Registers an action that runs only while the screen's session is live and the screen has not
-  /// been left: a host that removes the screens leaves the flow live, but they ask nothing any
-  /// more.
-  void action(const std::string& name, Task operation) {
+  /// Registers an action that runs only while the screen is in use, and receives its session.
+  void action(const std::string& name, std::function<void(OXSession&)> operation) {
     ViewController::action(name, [this, operation = std::move(operation)] {
-      if (session() && !wasLeft()) {
-        operation();
+      if (isInUse()) {
+        operation(*session());
       }
     });
   }
+  void action(const std::string& name, Task operation) {
+    action(name, [operation = std::move(operation)](OXSession&) { operation(); });
+  }
 
-  /// Does nothing on a screen that was left.
+  /// Does nothing on a screen that is no longer in use.
   void showProgress(const std::string& status, ProgressMask mask = ProgressMask::none,
                     ProgressStyle style = ProgressStyle::activity);
   /// Dismisses the progress indicator if this screen shows it. False when the flow is over
@@ -118,6 +119,9 @@ class SessionScreen : public ViewController {
   }
 
  private:
+  /// Its session is live and it has not been left: a host that removes the screens leaves the flow
+  /// live, but they ask nothing any more.
+  bool isInUse() const { return session() && !wasLeft(); }
   /// False when an answer of this kind that was asked for later has been taken already.
   bool take(const std::string& kind, std::uint64_t number);
 

@@ -19,7 +19,7 @@ OXActivationCodeViewController::OXActivationCodeViewController()
   codeField_->setPlaceholder("Activation code");
   codeField_->setKeyboard(Keyboard::numberPad);
   action("proceedAction", [this] { proceedAction(); });
-  action("cancelAction", [this] { cancelAction(); });
+  action("cancelAction", [](OXSession& current) { current.returnUserDidCancel(); });
   action("DoneClicked", [this] {
     log("Done Clicked.");
     codeField_->endEditing();
@@ -36,9 +36,6 @@ void OXActivationCodeViewController::viewDidLoad() {
 }
 
 void OXActivationCodeViewController::proceedAction() {
-  if (!session()) {
-    return;
-  }
   showProgress("Please wait...", ProgressMask::gradient);
   const auto screen = std::static_pointer_cast<OXActivationCodeViewController>(shared_from_this());
   send<std::int32_t>(
@@ -82,12 +79,6 @@ void OXActivationCodeViewController::prepareForSegue(
   const auto current = session();
   if (inputs && current) {
     inputs->system = current->system;
-  }
-}
-
-void OXActivationCodeViewController::cancelAction() {
-  if (const auto current = session()) {
-    current->returnUserDidCancel();
   }
 }
 

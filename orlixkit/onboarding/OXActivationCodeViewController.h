@@ -21,7 +21,6 @@ class OXActivationCodeViewController : public OrlixViewController {
 
   /// Sends the code as typed. Also called by the network alert's retry.
   void proceedAction();
-  void cancelAction();
   /// Handles the server's answer, an SmsResponseStatus: 1 and 3 are refusals, all others successes.
   void answered(std::int32_t status);
 

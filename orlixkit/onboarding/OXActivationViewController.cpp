@@ -27,9 +27,9 @@ OXActivationViewController::OXActivationViewController()
       cancelButton_(button("cancelButton", "CANCEL", "cancelAction")) {
   msisdnField_->setPlaceholder("Mobile number");
   msisdnField_->setKeyboard(Keyboard::phonePad);
-  action("proceedAction", [this] { proceedAction(); });
-  action("cancelAction", [this] { cancelAction(); });
-  action("descriptionTapped", [this] { descriptionTapped(); });
+  action("proceedAction", [this] { sendMsisdn(); });
+  action("cancelAction", [](OXSession& current) { current.returnUserDidCancel(); });
+  action("descriptionTapped", [this] { performSegue("TermsAndConditions"); });
   action("DoneClicked", [this] {
     log("Done Clicked.");
     msisdnField_->endEditing();
@@ -93,20 +93,9 @@ void OXActivationViewController::getCountryCode(const std::string& number) {
   }
 }
 
-void OXActivationViewController::descriptionTapped() { performSegue("TermsAndConditions"); }
-
-void OXActivationViewController::proceedAction() { sendMsisdn(); }
-
-void OXActivationViewController::cancelAction() {
-  if (const auto current = session()) {
-    current->returnUserDidCancel();
-  }
-}
-
 void OXActivationViewController::sendMsisdn() {
-  const std::shared_ptr<OXSession> current = session();
   const std::string number = normalizedMsisdn(countryCodeField_->text(), msisdnField_->text());
-  if (!current || number.empty()) {
+  if (number.empty()) {
     return;
   }
   if (number.size() < kShortestMsisdn) {
@@ -118,7 +107,7 @@ void OXActivationViewController::sendMsisdn() {
     return;
   }
   log(number);
-  current->activationMsisdn = number;
+  session()->activationMsisdn = number;
   if (!OMVello::sharedOMVello().connection()) {
     // Without a client, show the user the same as for a refused number.
     OXUtil::showAlertWithTitle("Warning", "Invalid mobile number.");

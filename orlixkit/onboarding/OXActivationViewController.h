@@ -29,10 +29,7 @@ class OXActivationViewController : public OrlixViewController, public TextFieldD
   void changeCountryCode(const std::string& code);
   /// Sets the country code to that of an international number; ignores other numbers.
   void getCountryCode(const std::string& number);
-  void descriptionTapped();
-  void proceedAction();
-  void cancelAction();
-  /// Also called by the network alert's retry.
+  /// Proceeds. Also called by the network alert's retry.
   void sendMsisdn();
 
  private:

@@ -37,7 +37,7 @@ OXAddCardViewController::OXAddCardViewController()
   cardAccountLabel_->setText("Account");
   cardAccountField_->setPlaceholder("Select an account");
   action("proceedAction", [this] { proceedAction(); });
-  action("cancelAction", [this] { cancelAction(); });
+  action("cancelAction", cancelAction);
 }
 
 std::shared_ptr<OXAddCardViewController> OXAddCardViewController::self() {
@@ -101,9 +101,6 @@ void OXAddCardViewController::proceedAction() {
 }
 
 void OXAddCardViewController::checkCard() {
-  if (!session()) {
-    return;
-  }
   showProgress("Loading...", ProgressMask::none, ProgressStyle::information);
   send<MTBinInfo>(
       {.kind = "bin",
@@ -188,9 +185,6 @@ bool OXAddCardViewController::takeAccount(CardInfoResponse& card) {
 }
 
 void OXAddCardViewController::linkCard(const std::shared_ptr<CardInfoResponse>& card) {
-  if (!session()) {
-    return;
-  }
   send<MTCardResponse>(
       {.kind = "link",
        .ask = [card](KCVelloConnection& connection) { return connection.linkCard(*card); },
@@ -235,17 +229,13 @@ void OXAddCardViewController::linked(const MTCardResponse& response) {
   }
 }
 
-void OXAddCardViewController::cancelAction() {
-  const std::shared_ptr<OXSession> current = session();
-  if (!current) {
-    return;
-  }
-  if (current->preRegister) {
-    current->returnUserDidCancel();
-  } else if (current->walletManagement) {
-    current->showWalletManagementScreen();
+void OXAddCardViewController::cancelAction(OXSession& current) {
+  if (current.preRegister) {
+    current.returnUserDidCancel();
+  } else if (current.walletManagement) {
+    current.showWalletManagementScreen();
   } else {
-    current->showPurchaseScreen();
+    current.showPurchaseScreen();
   }
 }
 

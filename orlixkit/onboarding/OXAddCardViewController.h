@@ -26,7 +26,8 @@ class OXAddCardViewController : public OrlixViewController {
   void viewDidAppear() override;
 
   void proceedAction();
-  void cancelAction();
+  /// Returns to where the form was opened from.
+  static void cancelAction(OXSession& current);
   /// Looks the card number up and continues as the answer requires. Also called by the network
   /// alert's retry, with the values of the last proceed.
   void checkCard();

@@ -19,7 +19,7 @@ OXCardValidationViewController::OXCardValidationViewController()
   dateOfBirthLabel_->setText("Date of birth");
   dateOfBirthField_->setPlaceholder("DD/MM/YYYY");
   action("proceedAction", [this] { proceedAction(); });
-  action("cancelAction", [this] { cancelAction(); });
+  action("cancelAction", [](OXSession& current) { current.showPurchaseScreen(); });
 }
 
 void OXCardValidationViewController::viewDidLoad() {
@@ -53,9 +53,6 @@ void OXCardValidationViewController::proceedAction() {
 }
 
 void OXCardValidationViewController::unlockCardWithDateOfBirth(const std::string& dateOfBirth) {
-  if (!session()) {
-    return;
-  }
   showProgress("Please wait...");
   const auto screen = std::static_pointer_cast<OXCardValidationViewController>(shared_from_this());
   send<MTCardValidateResponse>(
@@ -89,19 +86,8 @@ void OXCardValidationViewController::answered(const MTCardValidateResponse& resp
   }
   const auto alert = std::make_shared<AlertController>(
       "Warning", "YOUR DATE OF BIRTH WAS NOT CORRECT. YOUR CARD HAS BEEN REMOVED.");
-  const auto screen = std::static_pointer_cast<OXCardValidationViewController>(shared_from_this());
-  alert->addAction({"Cancel", AlertActionStyle::cancel, [screen] {
-                      if (screen->session()) {
-                        OXOrlix::loadCodeInfo(nullptr);
-                      }
-                    }});
+  alert->addAction({"Cancel", AlertActionStyle::cancel, [] { OXOrlix::loadCodeInfo(nullptr); }});
   OXUtil::showAlert(alert);
-}
-
-void OXCardValidationViewController::cancelAction() {
-  if (const auto current = session()) {
-    current->showPurchaseScreen();
-  }
 }
 
 }  // namespace orlix

@@ -19,7 +19,6 @@ class OXCardValidationViewController : public OrlixViewController {
   void viewDidLoad() override;
 
   void proceedAction();
-  void cancelAction();
   /// Sends the validation. Also called by the network alert's retry, with the same text.
   void unlockCardWithDateOfBirth(const std::string& dateOfBirth);
 

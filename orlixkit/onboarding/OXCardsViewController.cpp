@@ -14,8 +14,8 @@ OXCardsViewController::OXCardsViewController()
       addCardButton_(button("addCardButton", "ADD CARD", "addCardAction")),
       cancelButton_(button("cancelButton", "CANCEL", "cancelAction")) {
   tableView_->setDataSource(this);
-  action("addCardAction", [this] { addCardAction(); });
-  action("cancelAction", [this] { showScreen(); });
+  action("addCardAction", [](OXSession& current) { current.showAddCardScreen(); });
+  action("cancelAction", showScreen);
 }
 
 OXCardsViewController::~OXCardsViewController() { tableView_->setDataSource(nullptr); }
@@ -36,11 +36,10 @@ std::size_t OXCardsViewController::numberOfRows() {
 }
 
 TableCell OXCardsViewController::cellForRow(std::size_t row) {
-  const std::shared_ptr<OXSession> current = session();
-  if (!current || row >= current->cards.size()) {
+  if (row >= numberOfRows()) {
     return {};
   }
-  const CardOption& card = current->cards[row];
+  const CardOption& card = session()->cards[row];
   TableCell cell;
   cell.identifier = "CardCell";
   cell.text = fmt::format("xxx-{}", card.cardHint.value_or(""));
@@ -66,26 +65,17 @@ std::shared_ptr<Button> OXCardsViewController::deleteButton(std::size_t row) {
 void OXCardsViewController::didSelectRow(std::size_t row) {
   // The list may have become shorter since the row was drawn.
   if (row < numberOfRows()) {
-    OXUtil::setLastUsedCardId(session()->cards[row].cardId);
-    showScreen();
+    const auto current = session();
+    OXUtil::setLastUsedCardId(current->cards[row].cardId);
+    showScreen(*current);
   }
 }
 
-void OXCardsViewController::showScreen() {
-  const std::shared_ptr<OXSession> current = session();
-  if (!current) {
-    return;
-  }
-  if (current->walletManagement) {
-    current->showWalletManagementScreen();
+void OXCardsViewController::showScreen(OXSession& current) {
+  if (current.walletManagement) {
+    current.showWalletManagementScreen();
   } else {
-    current->showPurchaseScreen();
-  }
-}
-
-void OXCardsViewController::addCardAction() {
-  if (const auto current = session()) {
-    current->showAddCardScreen();
+    current.showPurchaseScreen();
   }
 }
 
@@ -106,9 +96,6 @@ void OXCardsViewController::deleteCardAction(std::size_t row) {
 }
 
 void OXCardsViewController::deleteCard(const CardOption& card) {
-  if (!session()) {
-    return;
-  }
   showProgress("Please wait...");
   send<MTCardResponse>(
       {.kind = "delete",

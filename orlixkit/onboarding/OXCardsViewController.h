@@ -25,8 +25,7 @@ class OXCardsViewController : public OrlixViewController, public TableViewDataSo
   void didSelectRow(std::size_t row) override;
 
   /// Returns to the screen that opened the list.
-  void showScreen();
-  void addCardAction();
+  static void showScreen(OXSession& current);
   /// Asks for confirmation to remove the card of this row.
   void deleteCardAction(std::size_t row);
   /// Removes a card on the server. Also called by the network alert's retry, with the same card.

@@ -15,7 +15,7 @@ OXMsisdnRelinkViewController::OXMsisdnRelinkViewController()
   msisdnField_->setPlaceholder("Mobile number");
   msisdnField_->setKeyboard(Keyboard::phonePad);
   action("proceedAction", [this] { proceedAction(); });
-  action("back", [this] { back(); });
+  action("back", [](OXSession& current) { current.showAddCardScreen(); });
 }
 
 void OXMsisdnRelinkViewController::viewDidLoad() {
@@ -25,9 +25,6 @@ void OXMsisdnRelinkViewController::viewDidLoad() {
 
 void OXMsisdnRelinkViewController::proceedAction() {
   const std::shared_ptr<OXSession> current = session();
-  if (!current) {
-    return;
-  }
   if (!current->cardInfoResponse) {
     current->cardInfoResponse = std::make_shared<CardInfoResponse>();
   }
@@ -78,12 +75,6 @@ void OXMsisdnRelinkViewController::linked(const MTCardResponse& response) {
     current->returnUserRegistered();
   } else {
     OXOrlix::loadCodeInfo(nullptr);
-  }
-}
-
-void OXMsisdnRelinkViewController::back() {
-  if (const auto current = session()) {
-    current->showAddCardScreen();
   }
 }
 

@@ -17,8 +17,6 @@ class OXMsisdnRelinkViewController : public OrlixViewController {
 
   /// Sends the number as typed. Also called by the network alert's retry.
   void proceedAction();
-  /// Returns to the card form.
-  void back();
 
  private:
   void answered(const MTCardResponse& response);

@@ -20,9 +20,9 @@ OXTermsAndConditionsChangeViewController::OXTermsAndConditionsChangeViewControll
     : descriptionLabel_(outlet<Label>("descriptionLabel")),
       proceedButton_(button("proceedButton", "PROCEED", "proceedAction")),
       declineButton_(button("declineButton", "DECLINE", "declineAction")) {
-  action("proceedAction", [this] { proceedAction(); });
-  action("declineAction", [this] { declineAction(); });
-  action("descriptionTapped", [this] { descriptionTapped(); });
+  action("proceedAction", proceedAction);
+  action("declineAction", [](OXSession& current) { current.returnUserDidCancel(); });
+  action("descriptionTapped", [this] { performSegue("TermsAndConditions"); });
   descriptionLabel_->onTap = [this] { performAction("descriptionTapped"); };
 }
 
@@ -32,34 +32,16 @@ void OXTermsAndConditionsChangeViewController::viewDidLoad() {
   showTermsSentence(*descriptionLabel_, kNewTermsSentence);
 }
 
-void OXTermsAndConditionsChangeViewController::descriptionTapped() {
-  performSegue("TermsAndConditions");
-}
-
 void OXTermsAndConditionsChangeViewController::prepareForSegue(
     const std::string&, const std::shared_ptr<ViewController>& destination) {
   transitioningDelegate_ = presentAsCard(*destination);
 }
 
-void OXTermsAndConditionsChangeViewController::proceedAction() {
-  const std::shared_ptr<OXSession> former = session();
-  if (!former) {
-    return;
-  }
-  if (auto connection = former->connection()) {
-    // On this thread, and without reading the answer: the session requests the payment screen in
-    // any case, and the next start shows whether the terms count as accepted.
-    connection->updateTC();
-  }
-  if (const auto current = session()) {
-    current->showPurchaseScreen();
-  }
-}
-
-void OXTermsAndConditionsChangeViewController::declineAction() {
-  if (const auto current = session()) {
-    current->returnUserDidCancel();
-  }
+void OXTermsAndConditionsChangeViewController::proceedAction(OXSession& current) {
+  // On this thread, and without reading the answer: the session requests the payment screen in
+  // any case, and the next start shows whether the terms count as accepted.
+  current.connection().value().updateTC();
+  current.showPurchaseScreen();
 }
 
 }  // namespace orlix

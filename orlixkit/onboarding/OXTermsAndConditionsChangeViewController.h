@@ -16,11 +16,9 @@ class OXTermsAndConditionsChangeViewController : public OrlixViewController {
   void prepareForSegue(const std::string& name,
                        const std::shared_ptr<ViewController>& destination) override;
 
-  void descriptionTapped();
   /// Reports the acceptance to the server, blocking the main thread, then requests the payment
   /// screen. Exceptions of the request propagate to the caller, and the screen stays.
-  void proceedAction();
-  void declineAction();
+  static void proceedAction(OXSession& current);
 
  private:
   std::shared_ptr<Label> descriptionLabel_;

@@ -13,8 +13,8 @@ OXWalletManagementViewController::OXWalletManagementViewController()
       cardImageView_(outlet<ImageView>("cardImageView", cardView_)),
       cardHintView_(outlet<Label>("cardHintView", cardView_)),
       doneButton_(button("doneButton", "DONE", "DoneClicked")) {
-  action("cardAction", [this] { cardAction(); });
-  action("DoneClicked", [this] { DoneClicked(); });
+  action("cardAction", cardAction);
+  action("DoneClicked", [](OXSession& current) { current.returnUserDoneWithWallet(); });
   cardView_->onTap = [this] { performAction("cardAction"); };
 }
 
@@ -45,21 +45,11 @@ void OXWalletManagementViewController::showSelectedCard() {
 
 void OXWalletManagementViewController::sessionDataChanged() { showSelectedCard(); }
 
-void OXWalletManagementViewController::cardAction() {
-  const std::shared_ptr<OXSession> current = session();
-  if (!current) {
-    return;
-  }
-  if (current->cards.empty()) {
-    current->showAddCardScreen();
+void OXWalletManagementViewController::cardAction(OXSession& current) {
+  if (current.cards.empty()) {
+    current.showAddCardScreen();
   } else {
-    current->showCardsScreen();
-  }
-}
-
-void OXWalletManagementViewController::DoneClicked() {
-  if (const auto current = session()) {
-    current->returnUserDoneWithWallet();
+    current.showCardsScreen();
   }
 }
 

@@ -17,8 +17,8 @@ class OXWalletManagementViewController : public OrlixViewController {
   void sessionDataChanged() override;
 
   void showSelectedCard();
-  void cardAction();
-  void DoneClicked();
+  /// Leads to the cards, or to the form for the first one.
+  static void cardAction(OXSession& current);
 
  private:
   std::shared_ptr<View> cardView_;

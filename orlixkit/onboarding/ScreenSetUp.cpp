@@ -17,9 +17,7 @@ void showTermsSentence(Label& label, const std::string& html) {
 }
 
 void closeScreen(ViewController& screen) {
-  const std::shared_ptr<ViewController> container = screen.parent.lock();
-  const auto below = (container ? *container : screen).presentingViewController();
-  if (below) {
+  if (const auto below = screen.presentingViewController()) {
     below->dismiss(true);
   }
 }

@@ -52,16 +52,11 @@ void OMVello::initSessionWithLibKey(const std::string& libKey, std::int64_t syst
   start->libKey = libKey;
   start->system = system;
   start->delegate = std::move(delegate);
-  if (const std::shared_ptr<OMVelloEnvironment> upper = environment()) {
-    start->flow = upper->currentFlow();
-  }
+  start->flow = environment()->currentFlow();
   start->serial.phoneId = Host::current().ports().device->vendorIdentifier();
   std::shared_ptr<Start> former = start;  // released, with its delegate, outside the lock
   {
     const std::lock_guard held(lock_);
-    if (!environment_) {
-      throw std::logic_error("OMVello: setEnvironment has to come before the first start");
-    }
     start_.swap(former);
   }
   tryStart(start);
@@ -116,9 +111,6 @@ void OMVello::perform(const std::shared_ptr<Start>& start) {
 
 std::shared_ptr<KCVelloConnection> OMVello::newConnection(const Start& start) {
   const std::shared_ptr<OMVelloEnvironment> upper = environment();
-  if (!upper) {
-    throw std::logic_error("OMVello: no environment has been set");
-  }
   const std::string url = upper->velloUrl();
   const Device& device = *Host::current().ports().device;
   Platform platform;
@@ -169,11 +161,7 @@ void OMVello::establish(const std::shared_ptr<Start>& start,
     reportEstablished(start);
   } catch (const SMSException&) {
     log("SMSException caught - Need to start activation flow");
-    report(start, [start] {
-      if (start->delegate) {
-        start->delegate->velloNotActivated();
-      }
-    });
+    notify(start, &OMVelloDelegate::velloNotActivated);
   } catch (const RequestEnded&) {
     return;  // the flow that requested the session has ended
   } catch (const NetworkException&) {
@@ -206,12 +194,16 @@ bool OMVello::isPresent(const std::shared_ptr<Start>& start) const {
   return start == presentStart() && (!start->flow || start->flow->isLive());
 }
 
-void OMVello::reportEstablished(const std::shared_ptr<Start>& start) {
-  report(start, [start] {
+void OMVello::notify(const std::shared_ptr<Start>& start, void (OMVelloDelegate::*callback)()) {
+  report(start, [start, callback] {
     if (start->delegate) {
-      start->delegate->velloSessionEstablished();
+      (*start->delegate.*callback)();
     }
   });
+}
+
+void OMVello::reportEstablished(const std::shared_ptr<Start>& start) {
+  notify(start, &OMVelloDelegate::velloSessionEstablished);
 }
 
 void OMVello::showNotice(const std::shared_ptr<Start>& start,
@@ -257,9 +249,7 @@ std::string OMVello::getTimeZone() {
 
 void OMVello::cancel() {
   log("Canceling the process");
-  if (const std::shared_ptr<OMVelloEnvironment> upper = environment()) {
-    upper->returnUserDidCancel();
-  }
+  environment()->returnUserDidCancel();
 }
 
 void OMVello::velloSessionEstablished() { reportEstablished(presentStart()); }
@@ -289,6 +279,9 @@ std::shared_ptr<OMVello::Start> OMVello::presentStart() const {
 
 std::shared_ptr<OMVelloEnvironment> OMVello::environment() const {
   const std::lock_guard held(lock_);
+  if (!environment_) {
+    throw std::logic_error("OMVello: setEnvironment has to come before the first start");
+  }
   return environment_;
 }
 

@@ -90,6 +90,7 @@ class OMVello {
   void establish(const std::shared_ptr<Start>& start,
                  const std::shared_ptr<KCVelloConnection>& client);
   void report(const std::shared_ptr<Start>& start, Task onMain);
+  void notify(const std::shared_ptr<Start>& start, void (OMVelloDelegate::*callback)());
   void reportEstablished(const std::shared_ptr<Start>& start);
   void showNotice(const std::shared_ptr<Start>& start, const std::optional<std::string>& message,
                   bool stopConnection);
@@ -97,6 +98,7 @@ class OMVello {
   void showRetry(const std::shared_ptr<Start>& start);
   bool isPresent(const std::shared_ptr<Start>& start) const;
   std::shared_ptr<Start> presentStart() const;
+  /// Throws std::logic_error when none has been set.
   std::shared_ptr<OMVelloEnvironment> environment() const;
 
   mutable std::mutex lock_;
