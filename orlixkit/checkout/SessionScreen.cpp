@@ -13,7 +13,7 @@ void SessionScreen::showProgress(const std::string& status, ProgressMask mask,
 
 bool SessionScreen::hideProgress() {
   OXUtil::indicator().dismissFor(*this);
-  return session() != nullptr;
+  return isLive();
 }
 
 void SessionScreen::offerRetry(const std::string& kind, Task retry) {
@@ -23,6 +23,12 @@ void SessionScreen::offerRetry(const std::string& kind, Task retry) {
   alert.isWanted = [self] { return self->isInUse(); };
   alert.source = identifier() + "." + kind;
   OXUtil::showConnectionAlert(std::move(alert));
+}
+
+void SessionScreen::failed(const std::string& kind, Task retry) {
+  if (hideProgress()) {
+    offerRetry(kind, std::move(retry));
+  }
 }
 
 bool SessionScreen::take(const std::string& kind, std::uint64_t number) {

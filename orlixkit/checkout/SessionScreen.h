@@ -40,6 +40,11 @@ class SessionScreen : public ViewController {
     return held && held->isLive() ? held : nullptr;
   }
 
+  bool isLive() const { return session() != nullptr; }
+  /// Its flow is live and it has not been left: a host that removes the screens leaves the flow
+  /// live, but they ask nothing any more.
+  bool isInUse() const { return isLive() && !wasLeft(); }
+
   /// Registers an action that runs only while the screen is in use, and receives its session.
   void action(const std::string& name, std::function<void(OXSession&)> operation) {
     ViewController::action(name, [this, operation = std::move(operation)] {
@@ -60,6 +65,8 @@ class SessionScreen : public ViewController {
   [[nodiscard]] bool hideProgress();
   /// The connection alert for a request of this screen that has failed.
   void offerRetry(const std::string& kind, Task retry);
+  /// Dismisses the indicator, then offers the retry.
+  void failed(const std::string& kind, Task retry);
 
   /// A request that only this screen waits for.
   template <class Answer>
@@ -119,9 +126,6 @@ class SessionScreen : public ViewController {
   }
 
  private:
-  /// Its session is live and it has not been left: a host that removes the screens leaves the flow
-  /// live, but they ask nothing any more.
-  bool isInUse() const { return session() && !wasLeft(); }
   /// False when an answer of this kind that was asked for later has been taken already.
   bool take(const std::string& kind, std::uint64_t number);
 

@@ -75,11 +75,7 @@ void OXActivationCodeViewController::answered(std::int32_t status) {
 void OXActivationCodeViewController::prepareForSegue(
     const std::string&, const std::shared_ptr<ViewController>& destination) {
   transitioningDelegate_ = presentAsCard(*destination);
-  const auto inputs = std::dynamic_pointer_cast<PurchaseInputs>(destination);
-  const auto current = session();
-  if (inputs && current) {
-    inputs->system = current->system;
-  }
+  dynamic_cast<PurchaseInputs&>(*destination).system = session()->system;
 }
 
 }  // namespace orlix

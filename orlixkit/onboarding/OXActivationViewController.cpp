@@ -52,19 +52,15 @@ void OXActivationViewController::viewDidLoad() {
   showTermsSentence(*descriptionLabel_, kTermsSentence);
   msisdnField_->setToolbarButton("Done");
   countryCodeField_->setDelegate(this);
-  const std::shared_ptr<OXSession> current = session();
-  const std::string number = current ? current->preMSISDN.value_or("") : "";
+  const std::string number = session()->preMSISDN.value_or("");
   if (!number.empty()) {
     msisdnField_->setText(number);
     getCountryCode(number);
   }
 }
 
-bool OXActivationViewController::textFieldShouldBeginEditing(TextField& field) {
-  if (&field != countryCodeField_.get()) {
-    return true;
-  }
-  if (session()) {
+bool OXActivationViewController::textFieldShouldBeginEditing(TextField&) {
+  if (isInUse()) {
     performSegue("CountryCode");
   }
   return false;
@@ -76,11 +72,9 @@ void OXActivationViewController::prepareForSegue(
   if (name != "CountryCode") {
     return;
   }
-  if (const auto picker =
-          std::dynamic_pointer_cast<OMCountryCodeViewController>(destination->visibleChild())) {
-    picker->currentCountryCode = countryCodeField_->text();
-    picker->authController = self();
-  }
+  auto& picker = dynamic_cast<OMCountryCodeViewController&>(*destination->visibleChild());
+  picker.currentCountryCode = countryCodeField_->text();
+  picker.authController = self();
 }
 
 void OXActivationViewController::changeCountryCode(const std::string& code) {
@@ -126,12 +120,8 @@ void OXActivationViewController::ask(const std::string& msisdn) {
              return askTwice([&] { return connection.sendMsisdn(msisdn); });
            },
        .answered = [screen = self()](const MTSmsResponse& response) { screen->answered(response); },
-       .failed =
-           [screen = self()] {
-             if (screen->hideProgress()) {
-               screen->offerRetry("msisdn", [screen] { screen->sendMsisdn(); });
-             }
-           },
+       .failed = [screen =
+                      self()] { screen->failed("msisdn", [screen] { screen->sendMsisdn(); }); },
        .alone = true});
 }
 

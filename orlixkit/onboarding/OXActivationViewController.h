@@ -22,7 +22,7 @@ class OXActivationViewController : public OrlixViewController, public TextFieldD
   void viewDidLoad() override;
   void prepareForSegue(const std::string& name,
                        const std::shared_ptr<ViewController>& destination) override;
-  /// Opens the list of country codes instead of editing the field.
+  /// Of the country code: opens the list of codes instead.
   bool textFieldShouldBeginEditing(TextField& field) override;
 
   /// Called by the list of countries: digits without "+".

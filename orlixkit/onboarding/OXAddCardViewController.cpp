@@ -3,6 +3,7 @@
 #include "orlixkit/checkout/OXOrlix.h"
 #include "orlixkit/checkout/OXUtil.h"
 #include "orlixkit/onboarding/CardDates.h"
+#include "orlixkit/onboarding/CardLinked.h"
 #include "orlixkit/onboarding/ScreenSetUp.h"
 #include "orlixkit/ports/Utf8.h"
 
@@ -107,12 +108,7 @@ void OXAddCardViewController::checkCard() {
        .ask = [number = cardNumber_](
                   KCVelloConnection& connection) { return connection.getBinInfo(number.text()); },
        .answered = [screen = self()](const MTBinInfo& info) { screen->lookedUp(info); },
-       .failed =
-           [screen = self()] {
-             if (screen->hideProgress()) {
-               screen->offerRetry("bin", [screen] { screen->checkCard(); });
-             }
-           },
+       .failed = [screen = self()] { screen->failed("bin", [screen] { screen->checkCard(); }); },
        .latestCounts = true});
 }
 
@@ -190,12 +186,8 @@ void OXAddCardViewController::linkCard(const std::shared_ptr<CardInfoResponse>& 
        .ask = [card](KCVelloConnection& connection) { return connection.linkCard(*card); },
        .answered = [screen = self(),
                     card](const MTCardResponse& response) { screen->answered(response, card); },
-       .failed =
-           [screen = self(), card] {
-             if (screen->hideProgress()) {
-               screen->offerRetry("link", [screen, card] { screen->linkCard(card); });
-             }
-           },
+       .failed = [screen = self(),
+                  card] { screen->failed("link", [screen, card] { screen->linkCard(card); }); },
        // The wallet may contain the card by now; the stored choice was made without it.
        .answeredLate = [] { OXOrlix::reloadData(); }});
 }
@@ -204,7 +196,8 @@ void OXAddCardViewController::answered(const MTCardResponse& response,
                                        const std::shared_ptr<CardInfoResponse>& card) {
   if (response.status == CardResponseStatus::success) {
     if (hideProgress()) {
-      linked(response);
+      // The first card. (OXMsisdnRelinkViewController uses the last one.)
+      cardLinked(*session(), response, [](const auto& cards) { return cards.front(); });
     }
   } else if (response.status == CardResponseStatus::failed) {
     refuse("There seems to be some problem adding this card");
@@ -216,17 +209,6 @@ void OXAddCardViewController::answered(const MTCardResponse& response,
   }
   // An answer with none of the three statuses leaves the indicator shown: the outcome is unknown,
   // and the user should not add the card again by accident.
-}
-
-void OXAddCardViewController::linked(const MTCardResponse& response) {
-  // The first card. (OXMsisdnRelinkViewController uses the last one.)
-  const bool hasCards = response.cardList && !response.cardList->cardsArray.empty();
-  OXUtil::setLastUsedCardId(hasCards ? response.cardList->cardsArray.front().cardId : 0);
-  if (const auto current = session(); current->preRegister) {
-    current->returnUserRegistered();
-  } else {
-    OXOrlix::loadCodeInfo(nullptr);
-  }
 }
 
 void OXAddCardViewController::cancelAction(OXSession& current) {

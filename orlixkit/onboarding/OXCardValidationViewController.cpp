@@ -65,11 +65,9 @@ void OXCardValidationViewController::unlockCardWithDateOfBirth(const std::string
        .answered = [screen](const MTCardValidateResponse& response) { screen->answered(response); },
        .failed =
            [screen, dateOfBirth] {
-             if (screen->hideProgress()) {
-               screen->offerRetry("validate", [screen, dateOfBirth] {
-                 screen->unlockCardWithDateOfBirth(dateOfBirth);
-               });
-             }
+             screen->failed("validate", [screen, dateOfBirth] {
+               screen->unlockCardWithDateOfBirth(dateOfBirth);
+             });
            },
        .answeredLate = [] { OXOrlix::reloadData(); }});
 }

@@ -36,9 +36,6 @@ std::size_t OXCardsViewController::numberOfRows() {
 }
 
 TableCell OXCardsViewController::cellForRow(std::size_t row) {
-  if (row >= numberOfRows()) {
-    return {};
-  }
   const CardOption& card = session()->cards[row];
   TableCell cell;
   cell.identifier = "CardCell";
@@ -63,12 +60,9 @@ std::shared_ptr<Button> OXCardsViewController::deleteButton(std::size_t row) {
 }
 
 void OXCardsViewController::didSelectRow(std::size_t row) {
-  // The list may have become shorter since the row was drawn.
-  if (row < numberOfRows()) {
-    const auto current = session();
-    OXUtil::setLastUsedCardId(current->cards[row].cardId);
-    showScreen(*current);
-  }
+  const auto current = session();
+  OXUtil::setLastUsedCardId(current->cards[row].cardId);
+  showScreen(*current);
 }
 
 void OXCardsViewController::showScreen(OXSession& current) {

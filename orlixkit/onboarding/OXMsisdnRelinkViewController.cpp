@@ -2,6 +2,7 @@
 
 #include "orlixkit/checkout/OXOrlix.h"
 #include "orlixkit/checkout/OXUtil.h"
+#include "orlixkit/onboarding/CardLinked.h"
 #include "orlixkit/onboarding/ScreenSetUp.h"
 
 namespace orlix {
@@ -38,12 +39,7 @@ void OXMsisdnRelinkViewController::proceedAction() {
        .queue = RequestQueue::globalBackground,
        .ask = [card](KCVelloConnection& connection) mutable { return connection.linkCard(card); },
        .answered = [screen](const MTCardResponse& response) { screen->answered(response); },
-       .failed =
-           [screen] {
-             if (screen->hideProgress()) {
-               screen->offerRetry("link", [screen] { screen->proceedAction(); });
-             }
-           },
+       .failed = [screen] { screen->failed("link", [screen] { screen->proceedAction(); }); },
        // The wallet may contain the card by now; the stored choice was made without it.
        .answeredLate = [] { OXOrlix::reloadData(); }});
 }
@@ -52,29 +48,14 @@ void OXMsisdnRelinkViewController::answered(const MTCardResponse& response) {
   if (!hideProgress()) {
     return;
   }
-  switch (response.status) {
-    case CardResponseStatus::success:
-      linked(response);
-      break;
-    case CardResponseStatus::failed:
-      OXUtil::showAlertWithTitle("Warning", "It seems this mobile number is incorrect");
-      break;
-    case CardResponseStatus::relink:
-      OXUtil::showAlertWithTitle("Warning", "There seems to be some problem adding this card");
-      break;
-    case CardResponseStatus::notSet:
-      break;
-  }
-}
-
-void OXMsisdnRelinkViewController::linked(const MTCardResponse& response) {
-  // The last card: the server appends the confirmed one. (OXAddCardViewController uses the first.)
-  const bool hasCards = response.cardList && !response.cardList->cardsArray.empty();
-  OXUtil::setLastUsedCardId(hasCards ? response.cardList->cardsArray.back().cardId : 0);
-  if (const auto current = session(); current->preRegister) {
-    current->returnUserRegistered();
-  } else {
-    OXOrlix::loadCodeInfo(nullptr);
+  if (response.status == CardResponseStatus::success) {
+    // The last card: the server appends the confirmed one. (OXAddCardViewController uses the
+    // first.)
+    cardLinked(*session(), response, [](const auto& cards) { return cards.back(); });
+  } else if (response.status == CardResponseStatus::failed) {
+    OXUtil::showAlertWithTitle("Warning", "It seems this mobile number is incorrect");
+  } else if (response.status == CardResponseStatus::relink) {
+    OXUtil::showAlertWithTitle("Warning", "There seems to be some problem adding this card");
   }
 }
 

@@ -20,7 +20,6 @@ class OXMsisdnRelinkViewController : public OrlixViewController {
 
  private:
   void answered(const MTCardResponse& response);
-  void linked(const MTCardResponse& response);
 
   std::shared_ptr<Label> infoLabel_;
   std::shared_ptr<TextField> msisdnField_;

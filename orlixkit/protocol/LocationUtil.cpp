@@ -69,9 +69,7 @@ void LocationUtil::didUpdateToLocation(const LocationFix& newLocation,
 void LocationUtil::didFailWithError(const std::string& description) {
   log("Location error: " + description);
   // Keep the last fix and send it with later purchases.
-  if (manager_) {
-    manager_->stop();
-  }
+  manager_->stop();  // which has called this
 }
 
 }  // namespace orlix

@@ -59,7 +59,7 @@ void OMVello::initSessionWithLibKey(const std::string& libKey, std::int64_t syst
     const std::lock_guard held(lock_);
     start_.swap(former);
   }
-  tryStart(start);
+  tryInitSession();
 }
 
 void OMVello::tryInitSession() { tryStart(presentStart()); }

@@ -34,10 +34,8 @@ std::shared_ptr<OXSecureCodeViewController> OXSecureCodeViewController::self() {
 
 void OXSecureCodeViewController::viewDidLoad() {
   OrlixViewController::viewDidLoad();
-  if (const auto current = session()) {
-    takePaymentOf(*current);
-    loadSecureCodeInfo();
-  }
+  takePaymentOf(*session());
+  loadSecureCodeInfo();
 }
 
 void OXSecureCodeViewController::takePaymentOf(OXSession& session) {
@@ -53,7 +51,7 @@ void OXSecureCodeViewController::viewDidAppear() {
   showProgress(kPleaseWait);
   OrlixViewController::viewDidAppear();
   appeared_ = true;
-  if (session()) {
+  if (isLive()) {
     addWebView();
     pageRequestEnded();
   }
@@ -61,16 +59,13 @@ void OXSecureCodeViewController::viewDidAppear() {
 
 void OXSecureCodeViewController::addWebView() {
   const auto& webViews = Host::current().ports().webViews;
-  if (webViews && !secureCodewebView_->page()) {
+  if (webViews) {
     secureCodewebView_->setPage(webViews->newWebView());
     secureCodewebView_->setFrame(view()->frame());
   }
 }
 
 void OXSecureCodeViewController::loadSecureCodeInfo() {
-  if (stage_ == Stage::over || !session()) {
-    return;
-  }
   stage_ = Stage::asking;
   answered_ = false;
   pageShown_ = false;
@@ -81,12 +76,9 @@ void OXSecureCodeViewController::loadSecureCodeInfo() {
   if (appeared_) {
     showProgress(kPleaseWait);
   }
-  if (turn != turn_ || !session()) {
-    return;
-  }
   const auto screen = self();
   const auto ended = [screen, turn](std::optional<MTSecureCodeURLResponse> info) {
-    if (screen->turn_ == turn && screen->stage_ == Stage::asking) {
+    if (screen->turn_ == turn) {
       screen->answered_ = true;
       screen->secureCodeInfo_ = std::move(info);
       screen->pageRequestEnded();
@@ -138,11 +130,7 @@ void OXSecureCodeViewController::endWithWarning(const std::string& message) {
   if (!hideProgress()) {
     return;
   }
-  const Task cancel = [weak = std::weak_ptr(self())] {
-    if (const auto screen = weak.lock()) {
-      screen->cancelTransaction();
-    }
-  };
+  const Task cancel = [screen = self()] { screen->cancelTransaction(); };
   const auto alert = std::make_shared<AlertController>("Warning", message);
   alert->addAction({"Ok", AlertActionStyle::cancel, cancel});
   alert->onLost = cancel;
@@ -160,29 +148,27 @@ void OXSecureCodeViewController::loadPage() {
   page->loadHtmlString(html);
 }
 
-bool OXSecureCodeViewController::isCurrentPage(unsigned turn) const {
-  return stage_ == Stage::showing && turn == turn_ && session();
-}
+bool OXSecureCodeViewController::showsPage() const { return stage_ == Stage::showing && isLive(); }
 
 // Only a page that has been loaded whole is read. A page whose own script leaves it before is never
 // reported, by no web engine, and so would a termination page be that did so: nothing is paid then,
 // and the user leaves by CANCEL. The wallet server's page does no such thing; to read pages half
 // loaded instead could take a PaRes that has been cut short.
 void OXSecureCodeViewController::didFinishNavigation() {
-  const auto current = session();
-  if (stage_ != Stage::showing || !current) {
+  if (!showsPage()) {
     return;
   }
-  const unsigned turn = ++turn_;
-  current->connectionAlerts().dropUnwanted();  // the one of a page that failed before
-  if (!hideProgress() || !isCurrentPage(turn)) {
+  // Another page may have finished, and been read by a call of its own, or the user may have
+  // cancelled or asked for another page.
+  const auto isOvertaken = [this, turn = ++turn_] { return !showsPage() || turn != turn_; };
+  session()->connectionAlerts().dropUnwanted();  // the one of a page that failed before
+  static_cast<void>(hideProgress());
+  if (isOvertaken()) {
     return;
   }
   const ScriptResult read =
       readPage("document.documentElement.outerHTML", secureCodewebView_->page());
-  // Meanwhile another page may have finished, and been read by a call of its own, or the user may
-  // have cancelled or asked for another page.
-  if (!isCurrentPage(turn)) {
+  if (isOvertaken()) {
     return;
   }
   if (!read.value) {
@@ -204,14 +190,14 @@ void OXSecureCodeViewController::terminationPageSeen(std::string_view markup) {
 }
 
 void OXSecureCodeViewController::didFailNavigation(const std::string& description) {
-  if (stage_ == Stage::showing && session()) {
+  if (showsPage()) {
     log("OrlixKit: The issuer's page could not be loaded: " + description);
     offerPageRetry();
   }
 }
 
 void OXSecureCodeViewController::webContentProcessDidTerminate() {
-  if (stage_ == Stage::showing && session()) {
+  if (showsPage()) {
     log("OrlixKit: The process behind the issuer's page has died.");
     stage_ = Stage::asking;  // until the user retries
     pageShown_ = false;
@@ -236,8 +222,10 @@ ConnectionAlert OXSecureCodeViewController::failureAlert() {
                 }
               },
           .lost = [] {},
-          .isWanted = [screen, turn = turn_,
-                       stage = stage_] { return screen->turn_ == turn && screen->stage_ == stage; },
+          .isWanted =
+              [screen, turn = turn_, stage = stage_] {
+                return screen->isLive() && screen->turn_ == turn && screen->stage_ == stage;
+              },
           .source = identifier()};
 }
 
@@ -249,9 +237,9 @@ std::optional<SecretString> OXSecureCodeViewController::stringByEvaluatingJavaSc
 ScriptResult OXSecureCodeViewController::readPage(const std::string& script,
                                                   const std::shared_ptr<WebView>& webView) {
   ScriptResult result = evaluateAndWait(webView, script, kReadingLimit, [this] {
-                          return !session();
+                          return !isLive();
                         }).value_or(ScriptResult{std::nullopt, kNoAnswer});
-  if (!result.value && session()) {
+  if (!result.value && isLive()) {
     log("evaluateJavaScript error : " + result.error);
   }
   return result;

@@ -84,7 +84,8 @@ class OXSecureCodeViewController : public OrlixViewController,
   void terminationPageSeen(std::string_view markup);
   void purchaseAnswered() override;
   void receiptTimedOut() override;
-  bool isCurrentPage(unsigned turn) const;
+  /// The issuer's page is in the web view, and the flow is live.
+  bool showsPage() const;
   std::shared_ptr<OXSecureCodeViewController> self();
 
   std::shared_ptr<WebPageView> secureCodewebView_;

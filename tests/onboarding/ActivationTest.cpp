@@ -25,6 +25,31 @@ TEST(Activation, MarksTheCurrentCountryInTheListAndShowsItEmptyWhenItIsMissing) 
   }
 }
 
+TEST(Activation, TakesTheCountryThatIsChosenWhileItIsThere) {
+  Phone phone;
+  phone.beginActivation(Entry::checkout, "");
+  phone.host.user().outlet<TextField>("countryCodeField")->beginEditing();
+  phone.host.runUntilScreen("CountryCode");
+  const auto list = phone.host.topController();  // held
+  const auto table = phone.host.user().outlet<TableView>("tableView");
+  table->select(0);
+  phone.host.runUntilScreen("Activation");
+  EXPECT_EQ(table->cell(0).text, "Canada (" + phone.shown("countryCodeField") + ")");
+  phone.tap("cancelAction");
+  table->select(1);
+  EXPECT_EQ(phone.app->heard, Heard{"cancelled"});
+  EXPECT_EQ(phone.screen(), "");
+}
+
+TEST(Activation, ASecondScreenThatComesWhenTheFlowIsOverShowsNoNumber) {
+  Phone phone;
+  phone.beginEnrolment(Entry::checkout);
+  const auto screen = phone.host.application().storyboard().make("ActivationCode");
+  phone.tap("cancelAction");
+  screen->loadViewIfNeeded();
+  EXPECT_EQ(screen->outletNamed("infoLabel")->shownText(), "A text message has been sent to ");
+}
+
 TEST(Activation, SendsNumbersOfSevenToFifteenDigitsOnly) {
   struct Case {
     std::string typed, alert, sent;

@@ -37,4 +37,17 @@ TEST(CardValidation, AsksForNothingAndTakesEverySentenceButOneForARemovedCard) {
   }
 }
 
+TEST(CardValidation, SendsADateOfBirthYearFirstOnceItIsComplete) {
+  Validation phone("DOB");
+  phone.host.type("dateOfBirthField", "3112199");
+  phone.tap("proceedButton");
+  EXPECT_EQ(phone.alert(), "Warning: Enter a valid date of birth DD/MM/YYY");
+  phone.press("Ok");
+  phone.host.type("dateOfBirthField", "9");
+  phone.wallet.always("/card/validate/", answers::kValidated);
+  phone.tap("proceedButton");
+  EXPECT_EQ(phone.wallet.sent("/card/validate/", "inputValue"), "1999-12-31");
+  EXPECT_EQ(phone.screen(), "Product");
+}
+
 }  // namespace orlix::test

@@ -38,12 +38,12 @@ TEST(PropertyList, RefusesEverythingElseAsAWhole) {
 TEST(CountryList, LeavesOutAnEntryThatCannotBeReadAndIsEmptyWhenCorrupt) {
   MemoryHost host;
   host.bundle().add("CountryCellCodes", "plist",
-                    toBytes(listOf("<string>B,BB</string><string>C,CC,</string>"
+                    toBytes(listOf("<string>A</string><string>B,BB</string><string>C,CC,</string>"
                                    "<string>D,DD,+4</string><string>E,EE,5,more</string>")));
   const auto rows = loadCountryCellCodes();
   ASSERT_EQ(rows.size(), 1U);
   EXPECT_EQ(rows[0].name + rows[0].isoCode + rows[0].code, "EEE5");
-  EXPECT_EQ(host.log().count("has an entry that cannot be read"), 3U);
+  EXPECT_EQ(host.log().count("has an entry that cannot be read"), 4U);
   host.bundle().add("CountryCellCodes", "plist", toBytes("<plist>"));
   EXPECT_TRUE(loadCountryCellCodes().empty());
   EXPECT_TRUE(host.log().contains("list of countries is corrupt"));

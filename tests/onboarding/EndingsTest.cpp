@@ -1,3 +1,4 @@
+#include "orlixkit/ui/TextField.h"
 #include "tests/phone/Phone.h"
 
 namespace orlix::test {
@@ -76,6 +77,11 @@ TEST(Ending, MakesOneCallbackAfterEveryScreenIsGone) {
     EXPECT_FALSE(phone.busy());
     for (const std::string& action : last->actionNames()) {
       last->performAction(action);
+    }
+    for (const std::string& outlet : last->outletNames()) {
+      if (const auto field = std::dynamic_pointer_cast<TextField>(last->outletNamed(outlet))) {
+        field->beginEditing();
+      }
     }
     phone.host.runFor(100s);
     EXPECT_EQ(phone.app->heard, ending.expected) << "tapped once more";

@@ -1,3 +1,4 @@
+#include "tests/phone/Meddler.h"
 #include "tests/phone/Phone.h"
 
 namespace orlix::test {
@@ -129,6 +130,36 @@ TEST(NetworkAlert, RetryThatFailsAgainAsksAgainAndCancelLeavesTheUserThere) {
     EXPECT_FALSE(phone.busy());
     EXPECT_EQ(phone.wallet.asked(step.path), 2 * step.attempts);
     EXPECT_EQ(phone.app->heard, step.outcomeOfCancel());
+  }
+}
+
+TEST(Step, TheHostMayEndTheFlowWheneverTheIndicatorChanges) {
+  for (const Step& step : steps()) {
+    for (const ServerReply& reply :
+         {ok(step.answer), ok("{}"), ok(answers::kFailed), unreachable()}) {
+      for (int n = 1, left = 0; left <= 0; ++n) {
+        SCOPED_TRACE(step.name + ", change " + std::to_string(n));
+        Phone phone;
+        std::size_t sent = 0;
+        Meddler meddler(n, [&] {
+          OXSession::currentSession()->returnUserDidCancel();
+          sent = phone.host.requests().size();
+        });
+        meddler.counts = [&] {
+          return phone.wallet.asked(step.path) > 0 && OXSession::currentSession()->isLive();
+        };
+        phone.host.application().setObserver(&meddler);
+        phone.wallet.next(step.path, reply, static_cast<int>(step.attempts));
+        step.take(phone);
+        phone.host.runFor(1min);
+        left = meddler.left;
+        if (left <= 0) {
+          EXPECT_EQ(phone.app->heard, Heard{"cancelled"});
+          EXPECT_EQ(phone.host.requests().size(), sent) << "nothing is sent after the outcome";
+        }
+        phone.host.application().setObserver(nullptr);
+      }
+    }
   }
 }
 

@@ -1,3 +1,4 @@
+#include "orlixkit/onboarding/OMTermsAndConditionsViewController.h"
 #include "orlixkit/records/Failures.h"
 #include "tests/phone/Phone.h"
 
@@ -73,6 +74,22 @@ TEST(Terms, PageIsReachedFromBothSentencesAndAFailedOneKeepsTheIndicatorUntilThe
     phone.host.runFor(1s);  // the indicator fades out
     EXPECT_FALSE(phone.busy());
   }
+}
+
+TEST(Terms, WithoutAWebViewThePageIsEmptyAndAnErrorOfAnOlderOneIsShown) {
+  ChangedTerms phone(1000s, {.hasWebViews = false});
+  phone.host.tap("descriptionLabel");
+  phone.host.runUntilScreen("TermsAndConditions");
+  phone.host.runFor(1s);
+  EXPECT_FALSE(phone.busy());
+  EXPECT_TRUE(phone.host.log().contains("Unable to show the terms"));
+  dynamic_cast<OMTermsAndConditionsViewController&>(*phone.host.topController())
+      .didFailLoadWithError("no such host");
+  phone.host.runFor(1s);
+  EXPECT_EQ(phone.alert(), "Error: no such host");
+  phone.press("Ok");
+  phone.tap("backButton");
+  EXPECT_EQ(phone.screen(), "TermsAndConditionChange");
 }
 
 TEST(Terms, TheMaskOfThePageGoesWithThePageHoweverItGoes) {

@@ -26,12 +26,43 @@ TEST(Wallet, ShowsTheCardThatPaysOrOffersToAddOne) {
   phone.wallet.cards = {cardJson(5, "0005", R"(,"validated":false,"validationtype":"3DS")")};
   phone.begin(Entry::wallet, "WalletManagement");
   EXPECT_EQ(phone.shown("cardHintView") + phone.shown("cardImageView"), "xxx-0005visa100");
-  EXPECT_TRUE(phone.host.log().contains("Unsupported card validation type 3DS"));
   phone.beginAddCard(Entry::wallet);
   phone.tap("cancelButton");
   EXPECT_EQ(phone.shown("cardHintView") + phone.shown("cardImageView"), "Add Cardother100");
   phone.tap("cardView");
   EXPECT_EQ(phone.screen(), "AddCard");
+}
+
+TEST(Wallet, LogsAKindOfValidationThatItDoesNotKnow) {
+  for (const std::string card :
+       {R"(,"validated":false,"validationtype":"3DS")",
+        R"(,"validated":true,"validationtype":"3DS")",
+        R"(,"validated":false,"validationtype":"DOB")",
+        R"(,"validated":false,"validationtype":"SIMPLE")", R"(,"validationtype":"3DS")"}) {
+    Phone phone;
+    phone.wallet.cards = {cardJson(5, "0005", card)};
+    phone.begin(Entry::wallet, "WalletManagement");
+    EXPECT_EQ(phone.host.log().contains("Unsupported card validation type 3DS"),
+              card == R"(,"validated":false,"validationtype":"3DS")");
+  }
+}
+
+TEST(Wallet, AListThatIsHeldWhenItsFlowIsOverIsEmptyAndDeletesNothing) {
+  CardList list(Entry::checkout);
+  const auto table = list.table();
+  const auto button = table->cell(0).button;
+  std::weak_ptr<ViewController> screen = list.host.topController();
+  auto held = screen.lock();
+  OXSession::currentSession()->returnUserDidCancel();
+  for (const bool isHeld : {true, false}) {
+    list.host.runUntilIdle();
+    EXPECT_EQ(screen.expired(), !isHeld);
+    EXPECT_EQ(table->rowCount(), 0U);
+    button->onTouchUpInside();
+    EXPECT_EQ(list.alert(), "");
+    held.reset();
+  }
+  EXPECT_EQ(list.app->heard, Heard{"cancelled"});
 }
 
 TEST(Wallet, ChoosingOrCancellingLeadsBackToWhereTheListWasOpenedFrom) {

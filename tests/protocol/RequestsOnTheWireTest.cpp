@@ -214,6 +214,7 @@ TEST(RequestsOnTheWire, ABodyThatCannotBeBuiltFailsAsSuchAndSendsNothing) {
 }
 
 TEST(RequestsOnTheWire, WhatCannotBeWrittenAsJsonIsAnEmptyObject) {
+  EXPECT_EQ(KCVelloConnection::toJSONFrom({{"a", std::string("é")}}), "{\n  \"a\" : \"é\"\n}");
   for (const char* const text :
        {"\xff", "\xc0\x80", "\xed\xa0\x80", "\xf4\x90\x80\x80", "\xe2\x82"}) {
     EXPECT_EQ(KCVelloConnection::toJSONFrom({{"a", std::string(text)}}), "{}");

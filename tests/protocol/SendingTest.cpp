@@ -135,6 +135,21 @@ TEST(Sending, APinPurchaseGetsOneNewBlockAndThenKeepsIt) {
   EXPECT_EQ(test.requestsTo(sessionPath).size(), 3U);
 }
 
+TEST(Sending, APinPurchaseThatCannotBeWrittenIsSentWithoutABodyAndOthersNotAtAll) {
+  PurchaseRequest request;
+  request.code = "\xff";
+  ClientAndServer test;
+  test.run([&](auto& c) {
+    c.establishSession();
+    c.purchaseAMT(request, SecretString("1234"));
+  });
+  ASSERT_EQ(test.requestsTo("/purchase").size(), 1U);
+  EXPECT_FALSE(test.requestsTo("/purchase")[0].body);
+  EXPECT_TRUE(test.host.log().contains("a text of the request is not UTF-8"));
+  EXPECT_TRUE(test.run([&](auto& c) { c.puchaseCNP(request); })->failedWith<NetworkException>());
+  EXPECT_EQ(test.requestsTo("/purchase").size(), 1U);
+}
+
 TEST(Sending, EveryFailureOfARequestIsOnePlainNetworkException) {
   struct Case {
     std::string name;

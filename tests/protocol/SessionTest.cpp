@@ -94,6 +94,16 @@ TEST(Session, TheActivationTokenIsSentUntilTheDeregistration) {
   }
 }
 
+TEST(Session, NeedsAStorageAndATransport) {
+  MemoryHost host;
+  const auto storage = std::make_shared<OMStorage>("live.data");
+  const auto network = std::make_shared<OMNetwork>();
+  EXPECT_THROW(KCVelloConnection("u", "n", {}, nullptr, network, "v", {}, "z"),
+               std::invalid_argument);
+  EXPECT_THROW(KCVelloConnection("u", "n", {}, storage, nullptr, "v", {}, "z"),
+               std::invalid_argument);
+}
+
 TEST(Session, TheMessageFillsAbsentValuesInTheRecordsItself) {
   Platform platform{"o", "v", "n", "a", "d", {}};
   const auto record = std::make_shared<PersistableObject>();

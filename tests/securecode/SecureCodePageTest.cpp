@@ -3,6 +3,8 @@
 
 #include <fmt/format.h>
 
+#include "tests/phone/Meddler.h"
+#include "tests/phone/TroubledPorts.h"
 #include "tests/securecode/Issuer.h"
 
 namespace orlix::test {
@@ -172,6 +174,20 @@ TEST(IssuersPage, IsReadForTenSecondsAtMostAndStays) {
   EXPECT_EQ(phone.app->heard, Heard{"succeeded 4711"});
 }
 
+TEST(IssuersPage, IsReadWithoutATimeLimitWhenThereIsNoThreadToMeasureIt) {
+  std::shared_ptr<TroubledQueues> queues;
+  Issuer phone({.adapt = [&](Ports& ports) {
+    queues = std::make_shared<TroubledQueues>(ports.backgroundQueues);
+    queues->onFailure = [] {};
+    ports.backgroundQueues = queues;
+  }});
+  phone.showPaying();
+  queues->failures = 1;
+  phone.returnFromIssuer();
+  EXPECT_EQ(phone.app->heard, Heard{"succeeded 4711"});
+  EXPECT_TRUE(phone.host.log().contains("A page is read without a time limit"));
+}
+
 TEST(IssuersPage, ARetriedStepShowsThatItIsUnderWay) {
   for (const std::string path : {"/card/scUrl", "/purchase", "/receipt/poll"}) {
     SCOPED_TRACE(path);
@@ -209,22 +225,6 @@ TEST(SecureCode, CancelDuringTheValidationOfTheCardReportsWhatIsCertainByThen) {
     EXPECT_EQ(phone.app->heard, expected);
   }
 }
-
-namespace {
-
-/// The host's code: does something when the indicator changes for the nth time.
-struct Meddler : UiObserver {
-  Meddler(int n, Task task) : left(n), doing(std::move(task)) {}
-  void progressChanged(const ProgressIndicator&) override {
-    if (--left == 0) {
-      doing();
-    }
-  }
-  int left;
-  Task doing;
-};
-
-}  // namespace
 
 TEST(SecureCode, TheHostMayEndTheFlowWheneverTheIndicatorChanges) {
   struct Row {
