@@ -155,16 +155,4 @@ TEST(Activation, TakesOnlyOneAndThreeForARefusal) {
   }
 }
 
-TEST(Activation, ShowsThePaymentScreenAtOnceAsACardWithTheBannerOfTheTestSystem) {
-  Phone phone;
-  phone.beginEnrolment(Entry::checkout);
-  phone.wallet.next("/lookup", late(5s, "{}"));
-  phone.host.type("codeField", "1234");
-  phone.tap("proceedButton");
-  phone.host.runFor(1s);
-  ASSERT_EQ(phone.screen(), "Product");
-  EXPECT_EQ(phone.host.topController()->view()->frame().width, 300);
-  EXPECT_FALSE(phone.hidden("testWarningLabel"));
-}
-
 }  // namespace orlix::test

@@ -149,18 +149,6 @@ TEST(AddCard, ShowsNoProgressWhileTheCheckoutBeginsAgain) {
   EXPECT_FALSE(form.busy());
 }
 
-TEST(AddCard, AnAnswerAfterTheFormWasLeftStillBringsTheCardsUpToDate) {
-  Form form(answers::kNothingNeeded, Entry::checkout);
-  form.wallet.always("/card/link/", late(5s, answers::kLinked));
-  form.proceedWithCard();
-  form.host.runUntil([&] { return form.wallet.asked("/card/link/") == 1; });
-  form.act("cancelAction");
-  const std::size_t before = form.wallet.asked("/lookup/");
-  form.host.runFor(10s);
-  EXPECT_EQ(form.wallet.asked("/lookup/"), before + 1);
-  EXPECT_EQ(form.screen(), "Product");
-}
-
 TEST(AddCard, SaysWhatTheServerAnswered) {
   struct Case {
     std::string answer, alert, alertOfConfirmation;

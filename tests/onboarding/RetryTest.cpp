@@ -88,48 +88,55 @@ const std::vector<Step>& steps() {
   return kSteps;
 }
 
-/// Takes the step, whose request fails `times` times, up to the alert.
-void fail(Phone& phone, const Step& step, std::size_t times) {
-  phone.wallet.always(step.path, step.answer);
-  phone.wallet.next(step.path, unreachable(), static_cast<int>(times));
-  step.take(phone);
-  phone.host.runUntilAlert("Connection problem");
-  EXPECT_EQ(phone.alert(), kConnectionProblem);
-  EXPECT_FALSE(phone.busy());
-  EXPECT_EQ(phone.wallet.asked(step.path), step.attempts);
-  EXPECT_TRUE(phone.app->heard.empty());
-}
-
 }  // namespace
 
-TEST(NetworkAlert, RetryTakesTheSameStepWithTheSameInput) {
+TEST(Step, ThatFailsIsRetriedWithTheSameInputOrCancelledAndLeavesTheUserThere) {
   for (const Step& step : steps()) {
-    SCOPED_TRACE(step.name);
-    Phone phone;
-    fail(phone, step, step.attempts);
-    phone.press("Retry");
-    const auto requests = phone.host.connections().requestsTo(step.path);
-    ASSERT_EQ(requests.size(), step.attempts + 1);
-    EXPECT_EQ(requests.front().body, requests.back().body);
-    EXPECT_EQ(phone.screen(), step.goesOnTo);
-    EXPECT_FALSE(phone.busy());
-    EXPECT_EQ(phone.app->heard, step.outcome());
+    for (const bool failsAgain : {false, true}) {
+      SCOPED_TRACE(step.name + (failsAgain ? ", again" : ""));
+      Phone phone;
+      phone.wallet.always(step.path, step.answer);
+      const std::size_t failures = failsAgain ? 2 * step.attempts : step.attempts;
+      phone.wallet.next(step.path, unreachable(), static_cast<int>(failures));
+      step.take(phone);
+      phone.host.runUntilAlert("Connection problem");
+      EXPECT_EQ(phone.alert(), kConnectionProblem);
+      EXPECT_FALSE(phone.busy());
+      EXPECT_EQ(phone.wallet.asked(step.path), step.attempts);
+      EXPECT_TRUE(phone.app->heard.empty());
+      phone.press("Retry");
+      if (failsAgain) {
+        EXPECT_EQ(phone.alert(), kConnectionProblem);
+        phone.press("Cancel");
+      }
+      const auto requests = phone.host.connections().requestsTo(step.path);
+      ASSERT_EQ(requests.size(), failsAgain ? failures : failures + 1);
+      EXPECT_EQ(requests.front().body, requests.back().body);
+      EXPECT_EQ(phone.screen(), failsAgain ? step.cancelledTo : step.goesOnTo);
+      EXPECT_EQ(phone.app->heard, failsAgain ? step.outcomeOfCancel() : step.outcome());
+      EXPECT_FALSE(phone.busy());
+    }
   }
 }
 
-TEST(NetworkAlert, RetryThatFailsAgainAsksAgainAndCancelLeavesTheUserThere) {
+TEST(Step, ThatChangesTheCardsBringsThemUpToDateAfterItsScreenWasLeft) {
   for (const Step& step : steps()) {
-    SCOPED_TRACE(step.name);
-    Phone phone;
-    fail(phone, step, 2 * step.attempts);
-    phone.press("Retry");
-    EXPECT_EQ(phone.alert(), kConnectionProblem);
-    EXPECT_EQ(phone.wallet.asked(step.path), 2 * step.attempts);
-    phone.press("Cancel");
-    EXPECT_EQ(phone.screen(), step.cancelledTo);
-    EXPECT_FALSE(phone.busy());
-    EXPECT_EQ(phone.wallet.asked(step.path), 2 * step.attempts);
-    EXPECT_EQ(phone.app->heard, step.outcomeOfCancel());
+    if (step.name == "link" || step.name == "relink" || step.name == "validation" ||
+        step.name == "deletion") {
+      SCOPED_TRACE(step.name);
+      Phone phone;
+      phone.wallet.always(step.path, late(5s, answers::kFailed));
+      step.take(phone);
+      phone.host.runUntil([&] { return phone.wallet.asked(step.path) == 1; });
+      OXSession::currentSession()->showWalletManagementScreen();
+      const auto lists = [&] {
+        return phone.wallet.asked("/lookup/") + phone.wallet.asked("/card/list/");
+      };
+      const std::size_t before = lists();
+      phone.host.runFor(10s);
+      EXPECT_EQ(lists(), before + 1);
+      EXPECT_EQ(phone.screen(), "WalletManagement");
+    }
   }
 }
 

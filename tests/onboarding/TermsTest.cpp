@@ -92,47 +92,4 @@ TEST(Terms, WithoutAWebViewThePageIsEmptyAndAnErrorOfAnOlderOneIsShown) {
   EXPECT_EQ(phone.screen(), "TermsAndConditionChange");
 }
 
-TEST(Terms, TheMaskOfThePageGoesWithThePageHoweverItGoes) {
-  struct Row {
-    const char* name;
-    std::function<void(Phone&)> before;
-  };
-  const auto load = [](Phone& phone) { phone.host.runUntilScreen("TermsAndConditions"); };
-  for (const Row& row : std::vector<Row>{
-           {"while it comes", [](Phone&) {}},
-           {"while it loads", load},
-           {"after it has failed",
-            [&](Phone& phone) {
-              load(phone);
-              phone.host.webViews().last()->failNavigation("no such host");
-              phone.host.runUntilIdle();
-            }},
-           {"while it goes",
-            [&](Phone& phone) {
-              load(phone);
-              phone.host.tap("backButton");
-            }},
-       }) {
-    for (const bool replaced : {false, true}) {
-      SCOPED_TRACE(std::string(row.name) + (replaced ? ", by another screen" : ", by the host"));
-      Phone phone;
-      phone.wallet.session = answers::kNewTerms;
-      phone.wallet.always("/lookup/", late(1000s, "{}"));
-      phone.begin(Entry::checkout, "TermsAndConditionChange");
-      const auto below = phone.host.topController();
-      phone.host.tap("descriptionLabel");
-      row.before(phone);
-      if (replaced) {
-        OXSession::currentSession()->showCardsScreen();
-      } else {
-        below->dismiss(false);
-      }
-      phone.host.runUntilIdle();
-      EXPECT_EQ(phone.screen(), replaced ? "Cards" : "TermsAndConditionChange");
-      EXPECT_FALSE(phone.busy());
-      EXPECT_FALSE(phone.indicator().blocksInput());
-    }
-  }
-}
-
 }  // namespace orlix::test
