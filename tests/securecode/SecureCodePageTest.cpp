@@ -21,23 +21,6 @@ const std::string kWarning = "Warning: ";
 
 }  // namespace
 
-TEST(IssuersPage, IsStoppedByARetryAndItsReturnIsNoLongerTaken) {
-  Issuer phone;
-  phone.showPaying();
-  phone.page().failNavigation("no route");
-  phone.host.runUntilAlert("Connection problem");
-  phone.wallet.next("/card/scUrl", late(5s, pageInfo(32)));
-  phone.press("Retry");
-  phone.returnFromIssuer();
-  phone.page().failNavigation("no route");
-  phone.host.runFor(10s);
-  EXPECT_EQ(phone.wallet.asked("/purchase"), 0U) << "the former page has come back";
-  EXPECT_EQ(phone.alert(), "");
-  phone.returnFromIssuer();
-  EXPECT_EQ(phone.app->heard, Heard{"succeeded 4711"});
-  EXPECT_EQ(phone.wallet.sent("/purchase", "secureCodeData"), sentWith(32));
-}
-
 TEST(IssuersPage, IsTheOneAskedForLastAndNoneOnceTheTerminationPageHasBeenSeen) {
   struct Row {
     std::string name;
@@ -165,6 +148,9 @@ TEST(IssuersPage, IsReadForTenSecondsAtMostAndStays) {
   EXPECT_TRUE(phone.host.log().contains("evaluateJavaScript error : no answer within 10 seconds"));
   phone.page().releaseScripts();  // too late
   phone.host.runFor(1s);
+  const auto markup = phone.secureCodeScreen().stringByEvaluatingJavaScriptFromString(
+      "document.documentElement.outerHTML", phone.host.webViews().last());
+  EXPECT_EQ(markup->text(), kTerminationPage);
   EXPECT_EQ(phone.wallet.asked("/purchase"), 0U);
   phone.page().failNavigation("no route");
   phone.host.runUntilAlert("Connection problem");
@@ -186,44 +172,6 @@ TEST(IssuersPage, IsReadWithoutATimeLimitWhenThereIsNoThreadToMeasureIt) {
   phone.returnFromIssuer();
   EXPECT_EQ(phone.app->heard, Heard{"succeeded 4711"});
   EXPECT_TRUE(phone.host.log().contains("A page is read without a time limit"));
-}
-
-TEST(IssuersPage, ARetriedStepShowsThatItIsUnderWay) {
-  for (const std::string path : {"/card/scUrl", "/purchase", "/receipt/poll"}) {
-    SCOPED_TRACE(path);
-    Issuer phone;
-    phone.wallet.next(path, ServerReply::of(500));
-    phone.showPaying();
-    if (path != "/card/scUrl") {
-      phone.returnFromIssuer();
-    }
-    phone.host.runUntilAlert("Connection problem");
-    EXPECT_FALSE(phone.busy());
-    phone.wallet.next(path, late(5s, path == "/card/scUrl" ? pageInfo(31) : kBought));
-    phone.press("Retry");
-    phone.host.runFor(1s);
-    EXPECT_EQ(phone.indicator().status(), "Please wait");
-    EXPECT_TRUE(phone.indicator().isShownFor(phone.secureCodeScreen()));
-  }
-}
-
-TEST(SecureCode, CancelDuringTheValidationOfTheCardReportsWhatIsCertainByThen) {
-  for (const bool paying : {true, false}) {
-    Issuer phone;
-    phone.wallet.always("/card/validate/", late(30s, "{}"));
-    phone.begin();
-    phone.session->mustValidateCard = true;
-    paying ? phone.session->showSecureCodeScreen() : phone.session->show3DAuthSecureCodeScreen();
-    phone.host.runUntilIdle();
-    phone.returnFromIssuer();
-    EXPECT_EQ(phone.wallet.asked("/card/validate"), 1U);
-    EXPECT_TRUE(phone.app->heard.empty());
-    phone.tap("cancelButton");
-    const Heard expected{paying ? "succeeded 4711" : "cancelled"};
-    EXPECT_EQ(phone.app->heard, expected);
-    phone.host.runFor(1min);
-    EXPECT_EQ(phone.app->heard, expected);
-  }
 }
 
 TEST(SecureCode, TheHostMayEndTheFlowWheneverTheIndicatorChanges) {

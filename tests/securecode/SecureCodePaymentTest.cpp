@@ -121,9 +121,17 @@ TEST(SecureCode, EveryFailedStepIsRetriedOrCancelled) {
       }
       phone.host.runUntilAlert("Connection problem");
       EXPECT_TRUE(phone.app->heard.empty());
+      EXPECT_FALSE(phone.busy());
+      phone.host.connections().setLatency(1s);
       phone.press(answer);
+      if (answer == "Retry") {
+        EXPECT_EQ(phone.indicator().status(), "Please wait");
+        EXPECT_TRUE(phone.indicator().isShownFor(phone.secureCodeScreen()));
+        phone.host.runFor(5s);
+      }
       if (answer == "Retry" && phone.app->heard.empty()) {
         phone.returnFromIssuer();
+        phone.host.runFor(5s);
       }
       EXPECT_EQ(phone.app->heard, Heard{answer == "Retry" ? "succeeded 4711" : "cancelled"});
     }
@@ -173,20 +181,33 @@ TEST(SecureCode, BothRoadsSayWhatIsKnownOfThePurchaseWhenTheyEnd) {
   }
 }
 
-TEST(SecureCode, ACardToBeValidatedIsMarkedBeforeTheSuccessIsReported) {
-  for (const int status : {200, 500}) {
+TEST(SecureCode, ACardToBeValidatedIsMarkedFirstAndCancelReportsWhatIsCertainByThen) {
+  struct Case {
+    bool pays;
+    int marking;
+    bool cancels;
+    Heard heard;
+  };
+  for (const Case& row : std::vector<Case>{{true, 200, false, {"succeeded 4711"}},
+                                           {true, 500, false, {"succeeded 4711"}},
+                                           {true, 200, true, {"succeeded 4711"}},
+                                           {false, 200, true, {"cancelled"}}}) {
     Issuer phone;
-    phone.wallet.always("/card/validate/", ServerReply().after(3s).status(status).body("{}"));
+    phone.wallet.always("/card/validate/", ServerReply().after(30s).status(row.marking).body("{}"));
     phone.begin();
     phone.session->mustValidateCard = true;
-    phone.session->showSecureCodeScreen();
+    row.pays ? phone.session->showSecureCodeScreen() : phone.session->show3DAuthSecureCodeScreen();
     phone.host.runUntilIdle();
     phone.returnFromIssuer();
     EXPECT_TRUE(phone.app->heard.empty());
-    phone.host.runFor(10s);
-    EXPECT_EQ(phone.app->heard, Heard{"succeeded 4711"});
+    if (row.cancels) {
+      phone.tap("cancelButton");
+      EXPECT_EQ(phone.app->heard, row.heard) << "at once";
+    }
+    phone.host.runFor(1min);
+    EXPECT_EQ(phone.app->heard, row.heard);
     EXPECT_EQ(phone.wallet.asked("/card/validate"), 1U);
-    EXPECT_EQ(phone.host.log().contains("Ignoring exception on validateCard"), status == 500);
+    EXPECT_EQ(phone.host.log().contains("Ignoring exception on validateCard"), row.marking == 500);
   }
 }
 
