@@ -7,17 +7,27 @@
 
 namespace orlix::test {
 
-/// The host's code: does something when the progress indicator changes for the nth time.
+/// The host's code: does something when the progress indicator comes, begins to go or has gone for
+/// the nth time.
 struct Meddler : UiObserver {
   Meddler(int n, Task task) : left(n), doing(std::move(task)) {}
-  void progressChanged(const ProgressIndicator&) override {
+  void progressChanged(const ProgressIndicator&) override { change(); }
+  bool animate(const std::shared_ptr<ViewController>&, Transition transition,
+               const Task&) override {
+    if (transition == Transition::progress) {
+      change();
+    }
+    return false;
+  }
+  void change() {
     if (counts() && --left == 0) {
       doing();
     }
   }
+
   int left;
   Task doing;
-  /// The changes to count.
+  /// Whether a change counts.
   std::function<bool()> counts = [] { return true; };
 };
 

@@ -139,6 +139,7 @@ TEST(IssuersPage, ThatCannotBeShownIsAnnouncedOnItsScreenAndEndsTheCheckoutOnceT
 
 TEST(IssuersPage, IsReadForTenSecondsAtMostAndStays) {
   Issuer phone;
+  phone.host.webViews().onLoad = {};
   phone.showPaying();
   phone.page().holdScripts();
   phone.page().finishNavigation(kTerminationPage);

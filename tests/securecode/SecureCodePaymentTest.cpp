@@ -13,6 +13,8 @@ TEST(SecureCode, PaysWithThePaResOfTheTerminationPage) {
   phone.wallet.next("/purchase", late(2s, kBought));
   phone.returnFromIssuer();
   phone.returnFromIssuer();  // a page that loads itself once more
+  phone.page().failNavigation("no route");
+  phone.page().killProcess();
   phone.host.runFor(2s);
   EXPECT_EQ(phone.app->heard, Heard{"succeeded 4711"});
   EXPECT_EQ(phone.screen(), "");
@@ -81,6 +83,11 @@ TEST(SecureCode, WhatComesWhileThePageIsReadEndsOnceAtMost) {
             [](Issuer& phone) { phone.page().finishNavigation(kTerminationPage); },
             1,
             {"succeeded 4711"}},
+           {"it navigates on",
+            [](Issuer& phone) { phone.page().finishNavigation(kIssuersPage); },
+            0,
+            {}},
+           {"its process dies", [](Issuer& phone) { phone.page().killProcess(); }, 0, {}},
            {"cancel wins", [](Issuer& phone) { phone.host.tap("cancelButton"); }, 0, {"cancelled"}},
            {"the host's end ends the wait", [](Issuer& phone) { phone.host.shutdown(); }, 0, {}},
        }) {
