@@ -10,7 +10,7 @@ TEST(SecureCode, PaysWithThePaResOfTheTerminationPage) {
     EXPECT_NE(phone.page().html().find(field), std::string::npos) << field;
   }
   EXPECT_EQ(phone.wallet.asked("/purchase"), 0U) << "the issuer's own page is left alone";
-  phone.wallet.next("/purchase", late(2s, kBought));
+  phone.wallet.next("/purchase", late(3s, kBought));
   phone.returnFromIssuer();
   phone.returnFromIssuer();  // a page that loads itself once more
   phone.page().failNavigation("no route");
