@@ -26,9 +26,8 @@ void SessionScreen::offerRetry(const std::string& kind, Task retry) {
 }
 
 void SessionScreen::failed(const std::string& kind, Task retry) {
-  if (hideProgress()) {
-    offerRetry(kind, std::move(retry));
-  }
+  static_cast<void>(hideProgress());
+  offerRetry(kind, std::move(retry));
 }
 
 bool SessionScreen::take(const std::string& kind, std::uint64_t number) {

@@ -1,6 +1,5 @@
 #include "orlixkit/protocol/RequestFailure.h"
 
-#include <new>
 #include <string>
 
 #include "orlixkit/host/Host.h"
@@ -8,11 +7,7 @@
 namespace orlix {
 
 void logRequestFailure(std::string_view request, std::string_view cause) {
-  try {
-    log("OrlixKit: request " + std::string(request) + " failed: " + std::string(cause));
-  } catch (const std::bad_alloc&) {
-    return;  // memory may be exhausted
-  }
+  log("OrlixKit: request " + std::string(request) + " failed: " + std::string(cause));
 }
 
 }  // namespace orlix

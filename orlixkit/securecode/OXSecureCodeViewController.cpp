@@ -222,10 +222,8 @@ ConnectionAlert OXSecureCodeViewController::failureAlert() {
                 }
               },
           .lost = [] {},
-          .isWanted =
-              [screen, turn = turn_, stage = stage_] {
-                return screen->isLive() && screen->turn_ == turn && screen->stage_ == stage;
-              },
+          .isWanted = [screen, turn = turn_,
+                       stage = stage_] { return screen->turn_ == turn && screen->stage_ == stage; },
           .source = identifier()};
 }
 
@@ -294,7 +292,6 @@ void OXSecureCodeViewController::cancelTransaction() {
     current->returnPaymentSucceededWithTransactionReference(*paidReference_);
     return;
   }
-  stage_ = Stage::over;
   purchaseRequest_.cvv.reset();
   if (const auto& page = secureCodewebView_->page()) {
     page->stopLoading();

@@ -83,6 +83,7 @@ TEST(Ending, MakesOneCallbackAfterEveryScreenIsGone) {
         field->beginEditing();
       }
     }
+    EXPECT_EQ(last->presentedViewController(), nullptr);
     phone.host.runFor(100s);
     EXPECT_EQ(phone.app->heard, ending.expected) << "tapped once more";
     EXPECT_EQ(phone.host.topController(), phone.host.root());

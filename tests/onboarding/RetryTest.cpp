@@ -143,7 +143,7 @@ TEST(Step, ThatChangesTheCardsBringsThemUpToDateAfterItsScreenWasLeft) {
 TEST(Step, TheHostMayEndTheFlowWheneverTheIndicatorChanges) {
   for (const Step& step : steps()) {
     for (const ServerReply& reply :
-         {ok(step.answer), ok("{}"), ok(answers::kFailed), unreachable()}) {
+         {ok(step.answer), ok("{}"), ok(answers::kFailed), ok(answers::kLinked), unreachable()}) {
       for (int n = 1, left = 0; left <= 0; ++n) {
         SCOPED_TRACE(step.name + ", change " + std::to_string(n));
         Phone phone;

@@ -76,6 +76,15 @@ TEST(Terms, PageIsReachedFromBothSentencesAndAFailedOneKeepsTheIndicatorUntilThe
   }
 }
 
+TEST(Terms, APageThatIsThereBeforeItsScreenShowsNoProgress) {
+  ChangedTerms phone(1000s);
+  phone.host.webViews().onLoad = [](FakeWebView& page) { page.finishNavigation("<html></html>"); };
+  phone.host.tap("descriptionLabel");
+  phone.host.runUntilScreen("TermsAndConditions");
+  phone.host.runFor(1s);
+  EXPECT_FALSE(phone.busy());
+}
+
 TEST(Terms, WithoutAWebViewThePageIsEmptyAndAnErrorOfAnOlderOneIsShown) {
   ChangedTerms phone(1000s, {.hasWebViews = false});
   phone.host.tap("descriptionLabel");

@@ -14,7 +14,7 @@ struct UpperFloors : OMVelloEnvironment, OMVelloDelegate {
   std::string heard;
   bool isBroken = false;
   std::shared_ptr<Flow> flow = std::make_shared<Flow>();
-  Task retry;
+  Task retry, cancel;
 
   std::string velloUrl() override {
     return isBroken ? throw std::runtime_error("no address") : "https://live.example/vello";
@@ -23,12 +23,13 @@ struct UpperFloors : OMVelloEnvironment, OMVelloDelegate {
   std::string deviceModel() override { return "x86_64"; }
   std::shared_ptr<const Flow> currentFlow() override { return flow; }
   void showAlertWithTitle(const std::string&, const std::optional<std::string>&) override {}
-  void showNetworkErrorRetry(Task again, Task) override {
+  void showNetworkErrorRetry(Task again, Task leave) override {
     heard += "failed ";
     retry = std::move(again);
+    cancel = std::move(leave);
   }
   void showTemsAndConditionChangeScreen() override {}
-  void returnUserDidCancel() override {}
+  void returnUserDidCancel() override { heard += "cancelled "; }
   void velloNotActivated() override { heard += "activate "; }
   void velloSessionEstablished() override { heard += "open "; }
 };
@@ -88,8 +89,11 @@ TEST(SessionStart, OfAnEndedFlowOrWithoutADelegateIsReportedToNoOne) {
   Driver test;
   test.host.connections().on(sessionPath, ServerReply().fail("reset"));
   EXPECT_EQ(test.start(test.upper), "failed ");
+  test.upper->cancel();
+  EXPECT_EQ(test.heard(), "cancelled ");
   test.upper->flow->end();
   test.upper->retry();
+  test.upper->cancel();
   EXPECT_EQ(test.heard(), "");
   EXPECT_EQ(test.requestsTo(sessionPath).size(), 1U);
 }
