@@ -66,8 +66,8 @@ TEST(Ending, MakesOneCallbackAfterEveryScreenIsGone) {
     SCOPED_TRACE(ending.name);
     Phone phone;
     ending.reach(phone);
-    phone.act(ending.lastTap);
     const auto last = phone.host.topController();
+    phone.act(ending.lastTap);
     phone.host.runFor(100s);
     EXPECT_EQ(phone.app->heard, ending.expected);
     if (ending.expected.empty()) {

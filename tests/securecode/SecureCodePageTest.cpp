@@ -49,6 +49,16 @@ TEST(IssuersPage, IsTheOneAskedForLastAndNoneOnceTheTerminationPageHasBeenSeen) 
   }
 }
 
+TEST(IssuersPage, IsStoppedByARetry) {
+  Issuer phone;
+  phone.showPaying();
+  phone.page().failNavigation("no route");
+  phone.host.runUntilAlert("Connection problem");
+  phone.wallet.next("/card/scUrl", late(5s, pageInfo(32)));
+  phone.press("Retry");
+  EXPECT_FALSE(phone.page().isLive());
+}
+
 TEST(IssuersPage, FailsWithOneAlertWhoseCancelKeepsAPageThatWasShown) {
   struct Row {
     std::string name;
