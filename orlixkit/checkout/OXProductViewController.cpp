@@ -25,9 +25,9 @@ void warn(const std::string& message) { OXUtil::showAlertWithTitle("Warning", me
 OXProductViewController::OXProductViewController()
     : Payment(*this, "Making Payment...", RequestQueue::newOperationQueue) {
   giveDefaults();
-  action("proceedAction", [this] { proceedAction(); });
-  action("cancelAction", [this] { cancelAction(); });
-  action("cardAction", [this] { cardAction(); });
+  action("proceedAction", [this](OXSession& current) { proceedAction(current); });
+  action("cancelAction", [](OXSession& current) { current.returnUserDidCancel(); });
+  action("cardAction", [this](OXSession& current) { cardAction(current); });
   proceedButton_->onTouchUpInside = [this] { performAction("proceedAction"); };
   cardView_->onTap = [this] { performAction("cardAction"); };
 }
@@ -173,7 +173,7 @@ void OXProductViewController::showUnvalidatedCard(const CardOption& card) {
 }
 
 bool OXProductViewController::mustValidateSelectedCard() const {
-  return selectedCard_ && selectedCard_->hasValidated && !selectedCard_->validated;
+  return selectedCard_->hasValidated && !selectedCard_->validated;
 }
 
 void OXProductViewController::showCvvFieldIfNeededForCard(const CardOption& card) {
@@ -207,32 +207,24 @@ bool OXProductViewController::textFieldShouldChangeCharacters(TextField& field, 
   return false;
 }
 
-void OXProductViewController::cardAction() {
-  const auto current = session();
-  if (!current || current->isPaying()) {
+void OXProductViewController::cardAction(OXSession& current) {
+  if (current.isPaying()) {
     return;
   }
-  if (current->cards.empty()) {
-    current->showAddCardScreen();
+  if (current.cards.empty()) {
+    current.showAddCardScreen();
     return;
   }
-  current->tempAmountInput = inputAmountField_->text();
-  current->showCardsScreen();
+  current.tempAmountInput = inputAmountField_->text();
+  current.showCardsScreen();
 }
 
-void OXProductViewController::cancelAction() {
-  if (const auto current = session()) {
-    current->returnUserDidCancel();
-  }
-}
-
-void OXProductViewController::proceedAction() {
-  const auto current = session();
-  if (!current || current->isPaying()) {
+void OXProductViewController::proceedAction(OXSession& current) {
+  if (current.isPaying()) {
     return;
   }
   if (needToUnlockCard_) {
-    current->showCardValidationScreen();
+    current.showCardValidationScreen();
     return;
   }
   if (!amountIsAcceptable()) {
@@ -248,13 +240,13 @@ void OXProductViewController::proceedAction() {
   OXUtil::setLastUsedCardId(selectedCard_ ? selectedCard_->cardId : 0);
   switch (paymentMethod_) {
     case CardOptionMethod::secureCode:
-      payBySecureCode(*current);
+      payBySecureCode(current);
       break;
     case CardOptionMethod::amt:
-      payWithPin();
+      payWithPin(current);
       break;
     case CardOptionMethod::cnp:
-      payWithoutPin();
+      payWithoutPin(current);
       break;
     default:
       break;
@@ -285,11 +277,11 @@ void OXProductViewController::payBySecureCode(OXSession& session) {
     return;
   }
   if (!mustValidateSelectedCard()) {
-    initSessionForSecureCodeScreen();
+    initSessionForSecureCodeScreen(session);
     return;
   }
   // The card that is shown. The stored one may be another: a full disk keeps the former choice.
-  session.cardId = selectedCard_ ? selectedCard_->cardId : 0;
+  session.cardId = selectedCard_->cardId;
   session.cvv = cvvField_->secretText();
   session.mustValidateCard = true;
   // The server authenticates the card on an amount of its own; this one is never charged.
@@ -300,53 +292,47 @@ void OXProductViewController::payBySecureCode(OXSession& session) {
 
 void OXProductViewController::auth3DsValidated() {
   const auto screen = self();  // the session may hold the last reference
-  initSessionForSecureCodeScreen();
   if (const auto current = session()) {
+    initSessionForSecureCodeScreen(*current);
     current->delegate3DSecure.reset();
   }
   clearSecrets();
 }
 
-void OXProductViewController::initSessionForSecureCodeScreen() {
-  const auto current = session();
-  if (!current) {
-    return;
-  }
-  current->cardId = selectedCard_ ? selectedCard_->cardId : 0;
-  current->cvv = cvvField_->secretText();
-  current->mustValidateCard = mustValidateSelectedCard();
-  current->amount = amountToPay();
-  current->showSecureCodeScreen();
+void OXProductViewController::initSessionForSecureCodeScreen(OXSession& current) {
+  current.cardId = selectedCard_->cardId;
+  current.cvv = cvvField_->secretText();
+  current.mustValidateCard = mustValidateSelectedCard();
+  current.amount = amountToPay();
+  current.showSecureCodeScreen();
 }
 
 PurchaseRequest OXProductViewController::newPurchaseRequest() const {
   PurchaseRequest request;
-  if (selectedCard_ && selectedCard_->needCvv) {
+  if (selectedCard_->needCvv) {
     request.cvv = cvvField_->secretText();
   }
   request.code = codeInfo ? codeInfo->code : std::nullopt;
   request.amount = amountToPay();
-  request.cardId = selectedCard_ ? selectedCard_->cardId : 0;
+  request.cardId = selectedCard_->cardId;
   request.location = OXUtil::getLocation();
   return request;
 }
 
-void OXProductViewController::payWithPin() {
+void OXProductViewController::payWithPin(OXSession& current) {
   if (pinField_->textLength() < kShortestPin) {
     warn("Enter ATM PIN");
     return;
   }
-  const auto current = session();
-  if (current && current->beginPayment()) {
+  if (current.beginPayment()) {
     purchaseRequest_ = newPurchaseRequest();
     purchaseRequest_.extraRefValue = "";
     makeAmtPayment();
   }
 }
 
-void OXProductViewController::payWithoutPin() {
-  const auto current = session();
-  if (current && current->beginPayment()) {
+void OXProductViewController::payWithoutPin(OXSession& current) {
+  if (current.beginPayment()) {
     purchaseRequest_ = newPurchaseRequest();
     makeCnpPayment();
   }

@@ -37,9 +37,8 @@ class OXProductViewController : public SessionScreen,
   void prepareForSegue(const std::string& name,
                        const std::shared_ptr<ViewController>& destination) override;
 
-  void proceedAction();
-  void cancelAction();
-  void cardAction();
+  void proceedAction(OXSession& current);
+  void cardAction(OXSession& current);
   void auth3DsValidated() override;
   bool showsSessionData() const override { return true; }
   void sessionDataChanged() override;
@@ -66,11 +65,11 @@ class OXProductViewController : public SessionScreen,
   bool amountIsAcceptable() const;
   bool cvvIsAcceptable() const;
   void payBySecureCode(OXSession& session);
-  void payWithPin();
-  void payWithoutPin();
+  void payWithPin(OXSession& current);
+  void payWithoutPin(OXSession& current);
   PurchaseRequest newPurchaseRequest() const;
   std::optional<std::string> amountToPay() const;
-  void initSessionForSecureCodeScreen();
+  void initSessionForSecureCodeScreen(OXSession& current);
   void clearSecrets();
 
   void makeAmtPayment();
