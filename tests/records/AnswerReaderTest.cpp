@@ -1,8 +1,4 @@
 #include <limits>
-#include <stdexcept>
-
-#include <boost/json/serialize.hpp>
-#include <gtest/gtest.h>
 
 #include "tests/records/JsonFixture.h"
 

@@ -1,11 +1,6 @@
 #include <utility>
 #include <vector>
 
-#include <gtest/gtest.h>
-
-#include "orlixkit/records/Failures.h"
-#include "orlixkit/records/MTCodeResponse.h"
-#include "orlixkit/records/MTReceipt.h"
 #include "tests/records/JsonFixture.h"
 
 namespace orlix {
