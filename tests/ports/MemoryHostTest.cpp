@@ -17,8 +17,9 @@ namespace {
 TEST(MemoryHost, AUserIsToldWhatItCannotReach) {
   struct Form : ViewController {
     Form() {
-      outlet<TextField>("pin")->setHidden(true);
+      outlet<TextField>("pin", outlet<View>("group"))->superview()->setHidden(true);
       outlet<TextField>("name")->setEnabled(false);
+      outlet<Button>("pay")->setEnabled(false);
       action("leaveAction", [] {});
     }
   };
@@ -26,6 +27,7 @@ TEST(MemoryHost, AUserIsToldWhatItCannotReach) {
   host.root()->present(std::make_shared<Form>(), false);
   EXPECT_THROW(host.type("pin", "1"), std::logic_error);
   EXPECT_THROW(host.type("name", "1"), std::logic_error);
+  EXPECT_THROW(host.tap("pay"), std::logic_error);
   EXPECT_THROW(host.pressAlert("Ok"), std::logic_error) << "no alert is shown";
   host.tap("leaveAction");
   host.application().progressIndicator().show("Wait", ProgressMask::gradient);

@@ -11,6 +11,15 @@ namespace {
 using test::Diary;
 class Alert : public testing::Test, protected test::PresentationStage {};
 
+TEST_F(Alert, MayBeShownAgain) {
+  const auto problem = alert("Problem");
+  for (int time = 0; time < 2; ++time) {
+    root().present(problem, false);
+    host.pressAlert("Ok");
+    EXPECT_EQ(readAll(), (Diary{"alert Problem presented", "alert Problem gone", "Ok on Problem"}));
+  }
+}
+
 TEST_F(Alert, WaitsForTransitionsAndForOtherAlerts) {
   root().present(screen("A"), false);
   root().dismiss(true);
