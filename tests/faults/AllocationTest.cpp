@@ -158,16 +158,16 @@ struct QuietHost : HostApp {
 };
 
 const std::vector<Flow> kFlows{
-    {"PIN payment", Entry::checkout, [](Phone&) {}},
-    {"activation by SMS", Entry::preRegister,
+    {"PinPayment", Entry::checkout, [](Phone&) {}},
+    {"ActivationBySms", Entry::preRegister,
      [](Phone& phone) {
        phone.host.connections().on("/session/new/", [&phone](const RecordedRequest&) {
          const bool activated = phone.wallet.asked("/sms/activateSession") > 0;
          return ok(activated ? answers::kSession : answers::kNotActivated);
        });
      }},
-    {"new card", Entry::preRegister, [](Phone& phone) { phone.wallet.cards.clear(); }},
-    {"3-D Secure payment", Entry::checkout,
+    {"NewCard", Entry::preRegister, [](Phone& phone) { phone.wallet.cards.clear(); }},
+    {"SecureCodePayment", Entry::checkout,
      [](Phone& phone) {
        phone.wallet.cards = {cardJson(5, "0301", R"(,"method":"SECURE_CODE")")};
        phone.wallet.always("/card/scUrl", R"({"cardSupported":true,"secureCodeId":31,)"
@@ -280,9 +280,8 @@ class Allocation : public testing::TestWithParam<Flow> {};
 TEST_P(Allocation, ThatFailsEndsTheFlowAndNothingElse) {
   const Flow& flow = GetParam();
   for (const long howMany : {1, 3}) {
-    int thrown = 0, errors = 0, succeeded = 0;
-    long from = 1;
-    for (bool reached = true; reached; ++from) {
+    bool reached = true;
+    for (long from = 1; reached; ++from) {
       SCOPED_TRACE(fmt::format("allocation {}, {} in all", from, howMany));
       Customer customer(flow);
       const bool began = customer.walk(from, howMany);
@@ -294,22 +293,11 @@ TEST_P(Allocation, ThatFailsEndsTheFlowAndNothingElse) {
       customer.walk(0, 0);
       ASSERT_EQ(customer.app->succeeded, 1) << "the flow after it\n" << customer.story();
       ASSERT_EQ(first->all(), began ? 1 : 0) << "heard twice";
-      thrown += began ? 0 : 1;
-      errors += first->errors;
-      succeeded += first->succeeded;
     }
-    fmt::print(
-        "{}, {} in turn failing from each of {} allocations: {} entry calls throw, {} flows end "
-        "in an error, {} succeed, {} are left by the user\n",
-        flow.name, howMany, from - 2, thrown, errors, succeeded,
-        from - 1 - thrown - errors - succeeded);
   }
 }
 
-INSTANTIATE_TEST_SUITE_P(Flows, Allocation, testing::ValuesIn(kFlows), [](const auto& of) {
-  std::string name = of.param.name;
-  std::erase_if(name, [](char c) { return c == ' ' || c == '-'; });
-  return name;
-});
+INSTANTIATE_TEST_SUITE_P(Flows, Allocation, testing::ValuesIn(kFlows),
+                         [](const auto& of) { return of.param.name; });
 
 }  // namespace orlix::test

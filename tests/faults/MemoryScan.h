@@ -20,6 +20,15 @@ class MemoryScan {
   static constexpr std::uint8_t kMask = 0xA5;
 
   void lookFor(Needle needle) { needles_.push_back(std::move(needle)); }
+  /// A sequence of which `unitAt` gives each byte.
+  template <class UnitAt>
+  void lookFor(const char* name, std::size_t size, const UnitAt& unitAt) {
+    Needle needle{name, {}};
+    for (std::size_t i = 0; i < size; ++i) {
+      needle.add(static_cast<std::uint8_t>(unitAt(i)));
+    }
+    needles_.push_back(std::move(needle));
+  }
   /// Name and place of whatever is there.
   std::vector<std::string> findings() const;
   /// The findings of this name only.

@@ -20,81 +20,44 @@ constexpr std::array<char, 9> kPinDigits{'9', '8', '7', '6', '5', '4', '3', '2',
 constexpr std::array<char, 16> kPanDigits{'4', '1', '0', '0', '0', '0', '8', '0',
                                           '0', '0', '0', '0', '0', '1', '0', '8'};
 constexpr std::array<int, 4> kCvvLetters{0x93, 0x8B, 0xA1, 0x97};
+constexpr std::size_t kPaResLength = 40;  // letters, which a request writes as they are
 
-std::string cvvKey(int letter) {
-  return "\xF0\x9D\x96" + std::string(1, static_cast<char>(letter));
+int paResLetter(std::size_t index) { return 'A' + static_cast<int>(index * 7 % 26); }
+
+int cvvByte(std::size_t index) {
+  constexpr std::array<int, 3> kLead{0xF0, 0x9D, 0x96};
+  return index % 4 < kLead.size() ? kLead.at(index % 4) : kCvvLetters.at(index / 4);
 }
 
-MemoryScan::Needle named(const std::string& name) { return {name, {}}; }
-
-char paResLetter(std::size_t index) { return static_cast<char>('A' + index * 7 % 26); }
-
-/// Forty letters, which a request writes as they are.
-MemoryScan::Needle paResText() {
-  MemoryScan::Needle needle = named("PaRes");
-  for (std::size_t i = 0; i < 40; ++i) {
-    needle.add(static_cast<std::uint8_t>(paResLetter(i)));
-  }
-  return needle;
-}
-
-/// `grouped`: as the field shows it.
-MemoryScan::Needle panText(bool grouped) {
-  MemoryScan::Needle needle = named(grouped ? "shown PAN" : "PAN");
-  for (std::size_t i = 0; i < kPanDigits.size(); ++i) {
-    if (grouped && i > 0 && i % 4 == 0) {
-      needle.add(static_cast<std::uint8_t>(' '));
-    }
-    needle.add(static_cast<std::uint8_t>(kPanDigits.at(i)));
-  }
-  return needle;
-}
-
-MemoryScan::Needle pinText() {
-  MemoryScan::Needle needle = named("PIN");
-  for (const char digit : kPinDigits) {
-    needle.add(static_cast<std::uint8_t>(digit));
-  }
-  return needle;
-}
-
-/// The digits as a clear PIN block packs them, from the second on.
-MemoryScan::Needle pinNibbles() {
-  MemoryScan::Needle needle = named("packed PIN");
-  for (std::size_t i = 1; i + 1 < kPinDigits.size(); i += 2) {
-    needle.add(
-        static_cast<std::uint8_t>((kPinDigits.at(i) - '0') * 16 + kPinDigits.at(i + 1) - '0'));
-  }
-  return needle;
-}
-
-MemoryScan::Needle cvvText() {
-  MemoryScan::Needle needle = named("CVV");
-  for (const int letter : kCvvLetters) {
-    for (const char unit : cvvKey(letter)) {
-      needle.add(static_cast<std::uint8_t>(unit));
-    }
-  }
-  return needle;
+/// What the user enters and the issuer returns, as text, and the PAN also as its field shows it.
+MemoryScan secretsOfTheUser() {
+  MemoryScan scan;
+  scan.lookFor("PIN", kPinDigits.size(), [](std::size_t i) { return kPinDigits.at(i); });
+  scan.lookFor("packed PIN", 4, [](std::size_t i) {  // as a clear PIN block has it, from its second
+    return (kPinDigits.at(2 * i + 1) - '0') * 16 + kPinDigits.at(2 * i + 2) - '0';
+  });
+  scan.lookFor("CVV", 4 * kCvvLetters.size(), cvvByte);
+  scan.lookFor("PaRes", kPaResLength, paResLetter);
+  scan.lookFor("PAN", kPanDigits.size(), [](std::size_t i) { return kPanDigits.at(i); });
+  scan.lookFor("shown PAN", kPanDigits.size() + 3,
+               [](std::size_t i) { return i % 5 == 4 ? ' ' : kPanDigits.at(i - i / 5); });
+  return scan;
 }
 
 /// The key of the session that is open, as bytes and as the answer's text had it.
-std::vector<MemoryScan::Needle> pinKey() {
-  constexpr std::string_view digits =
+MemoryScan keyOfTheSession() {
+  constexpr std::string_view kDigits =
       "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789+/";
-  MemoryScan::Needle raw = named("PIN key");
-  MemoryScan::Needle text = named("PIN key's text");
-  unsigned bits = 0;
-  int held = 0;
   const DataStore store = OMVello::sharedOMVello().connection()->dataStore();
-  for (const std::uint8_t byte : store.pinKey->reveal()) {
-    raw.add(byte);
-    bits = bits << 8U | byte;
-    for (held += 8; held >= 6; held -= 6) {
-      text.add(static_cast<std::uint8_t>(digits[bits >> static_cast<unsigned>(held - 6) & 0x3FU]));
-    }
-  }
-  return {raw, text};
+  const ByteView key = store.pinKey->reveal();
+  MemoryScan scan;
+  scan.lookFor("PIN key", key.size(), [key](std::size_t i) { return key[i]; });
+  scan.lookFor("PIN key's text", key.size() * 8 / 6, [&](std::size_t i) {
+    const std::size_t at = i * 6 / 8;
+    const unsigned two = key[at] * 256U + (at + 1 < key.size() ? key[at + 1] : 0U);
+    return kDigits[two >> (10 - i * 6 % 8) & 0x3FU];
+  });
+  return scan;
 }
 
 /// Sixteen bytes, the least that a vector register holds.
@@ -138,8 +101,12 @@ struct User : TlsPhone {
     }
   }
   void typeCvv() {
-    for (const int letter : kCvvLetters) {
-      user->type("cvvField", cvvKey(letter));
+    for (std::size_t letter = 0; letter < kCvvLetters.size(); ++letter) {
+      std::string key;
+      for (std::size_t i = 0; i < 4; ++i) {
+        key += static_cast<char>(cvvByte(4 * letter + i));
+      }
+      user->type("cvvField", key);
     }
   }
   void typePan() {
@@ -152,8 +119,8 @@ struct User : TlsPhone {
     pages->onLoad = [](FakeWebView& page) {
       std::string markup = "<script>Vello.handle(\"";
       markup.reserve(100);
-      for (std::size_t i = 0; i < 40; ++i) {
-        markup += paResLetter(i);
+      for (std::size_t i = 0; i < kPaResLength; ++i) {
+        markup += static_cast<char>(paResLetter(i));
       }
       markup += "\")</script>";
       page.finishNavigation(markup);
@@ -255,13 +222,7 @@ TEST(Secrets, NoneOfThemIsInMemoryOnceTheFlowHasEnded) {
   for (const Flow& flow : kFlows) {
     SCOPED_TRACE(flow.name);
     SandboxProcess server("--enrolled");
-    MemoryScan scan;
-    scan.lookFor(pinText());
-    scan.lookFor(pinNibbles());
-    scan.lookFor(cvvText());
-    scan.lookFor(paResText());
-    scan.lookFor(panText(true));
-    scan.lookFor(panText(false));
+    const MemoryScan scan = secretsOfTheUser();
     MemoryScan keys;
     {
       User user(server.address);
@@ -271,9 +232,7 @@ TEST(Secrets, NoneOfThemIsInMemoryOnceTheFlowHasEnded) {
       user.runUntil([&user] { return user.screen().empty(); });
       user.log->clear();  // one of its lines is the PaRes
       EXPECT_THAT(scan.findings(), testing::IsEmpty());
-      for (MemoryScan::Needle& needle : pinKey()) {
-        keys.lookFor(std::move(needle));
-      }
+      keys = keyOfTheSession();
       EXPECT_THAT(keys.findings(), testing::ElementsAre(testing::HasSubstr("PIN key at")))
           << "the session's own, and no other";
     }
@@ -283,12 +242,8 @@ TEST(Secrets, NoneOfThemIsInMemoryOnceTheFlowHasEnded) {
 }
 
 TEST(Secrets, AWipedStackAndItsRegistersHoldNothingOfACopy) {
-  MemoryScan::Needle needle = named("copy");
-  for (std::size_t i = 0; i < 16; ++i) {
-    needle.add(unitOfCopy(i));
-  }
   MemoryScan scan;
-  scan.lookFor(std::move(needle));
+  scan.lookFor("copy", 16, unitOfCopy);
   std::vector<std::uint8_t> registers(std::size_t{256} << 10U);
   for (const bool wiped : {false, true}) {
     leaveCopies();
@@ -308,9 +263,7 @@ TEST(Secrets, AreFoundByTheScanWhileTheyAreTyped) {
   user.showPayment("FIXED-25", "4444");
   user.typeCvv();
   user.typePin();
-  MemoryScan scan;
-  scan.lookFor(pinText());
-  scan.lookFor(cvvText());
+  const MemoryScan scan = secretsOfTheUser();
   EXPECT_EQ(scan.count("PIN"), 1U);
   EXPECT_EQ(scan.count("CVV"), 1U);
 }

@@ -25,13 +25,13 @@ class MainQueueContract : public testing::Test {
 TYPED_TEST_SUITE_P(MainQueueContract);
 
 TYPED_TEST_P(MainQueueContract, KeepsTheOrderOfEachThreadThatCallsAndKnowsItsOwn) {
-  constexpr std::size_t threads = 4;
-  constexpr int calls = 200;
-  std::vector<std::vector<int>> ran(threads);
+  constexpr std::size_t kThreads = 4;
+  constexpr int kCalls = 200;
+  std::vector<std::vector<int>> ran(kThreads);
   std::size_t total = 0;
   int foreign = 0;
   const auto call = [&, this](std::size_t thread) {
-    for (int i = 0; i < calls; ++i) {
+    for (int i = 0; i < kCalls; ++i) {
       const bool current = this->queue.isCurrent();
       this->queue.async([&, thread, i, current] {
         ran[thread].push_back(i);
@@ -42,13 +42,13 @@ TYPED_TEST_P(MainQueueContract, KeepsTheOrderOfEachThreadThatCallsAndKnowsItsOwn
   };
   call(0);
   EXPECT_TRUE(ran[0].empty()) << "not before it is asked";
-  for (std::size_t thread = 1; thread < threads; ++thread) {
+  for (std::size_t thread = 1; thread < kThreads; ++thread) {
     this->platform.backgroundQueues().global(QualityOfService::high, [=] { call(thread); });
   }
-  this->queue.runUntil([&] { return total == threads * calls; });
-  EXPECT_EQ(foreign, 3 * calls);
+  this->queue.runUntil([&] { return total == kThreads * kCalls; });
+  EXPECT_EQ(foreign, 3 * kCalls);
   for (const std::vector<int>& one : ran) {
-    for (int i = 0; i < calls; ++i) {
+    for (int i = 0; i < kCalls; ++i) {
       ASSERT_EQ(one[static_cast<std::size_t>(i)], i);
     }
   }

@@ -19,7 +19,7 @@ namespace {
 using Anchors = std::vector<Bytes>;
 
 /// The name of an issuer's key, for an issuer that does not give its key one.
-const std::map<int, std::string> someKeyId{
+const std::map<int, std::string> kSomeKeyId{
     {NID_authority_key_identifier, "DER:30:06:80:04:01:02:03:04"}};
 
 const Identity& root() {
@@ -30,12 +30,8 @@ const Identity& root() {
 /// Why the chain is refused; empty when it is accepted.
 std::string refusalOf(const Identity& server, const Anchors& anchors,
                       const std::string& host = "localhost") {
-  std::vector<Bytes> chain{server.der()};
-  for (const std::shared_ptr<X509>& certificate : server.intermediates) {
-    chain.push_back(Identity{.certificate = certificate, .key = {}, .intermediates = {}}.der());
-  }
   std::string error;
-  return verifyServerChain(chain, host, anchors, error) ? "" : error;
+  return verifyServerChain(server.chain(), host, anchors, error) ? "" : error;
 }
 
 Identity server(const CertificateDraft& draft, const Identity& issuer = root()) {
@@ -66,14 +62,34 @@ void expectRefusal(const std::string& refusal, const std::string& expected) {
   EXPECT_NE(refusal.find(expected), std::string::npos) << refusal;
 }
 
+struct TrustRow {
+  std::string name;
+  Identity server;
+  std::string refusal;  // a part of it; empty: accepted
+  Anchors anchors = {root().der()};
+};
+
+void check(const std::vector<TrustRow>& rows) {
+  for (const TrustRow& row : rows) {
+    SCOPED_TRACE(row.name);
+    expectRefusal(refusalOf(row.server, row.anchors), row.refusal);
+  }
+}
+
 TEST(CertificateRules, ApplyToWhateverTheServerPresents) {
-  const struct {
-    std::string name;
-    Identity server;
-    std::string refusal;  // a part of it; empty: accepted
-  } rows[] = {
+  Identity cutShort = below({});
+  cutShort.intermediates.clear();
+  const Bytes another = makeIdentity({.commonName = "Another root", .authority = true}).der();
+  check({
       {"a conforming one", server({}), ""},
       {"a conforming chain", below({}), ""},
+      {"rubbish beside the anchor", server({}), "", {Bytes{1, 2, 3}, Bytes{}, root().der()}},
+      {"no anchor", server({}), "the issuer of", {}},
+      {"another root", server({}), "is unknown", {another}},
+      {"the intermediate is missing", cutShort, "the issuer of"},
+      {"expired", server({.commonName = "Too old", .validToHours = -1}), "Too old\" has expired"},
+      {"not valid yet", server({.validFromHours = 1, .validToHours = 2}), "is not valid yet"},
+      {"for clients only", server({.purpose = "clientAuth"}), "is not meant for a server"},
       {"a name in the subject alone", server({.commonName = "localhost", .names = ""}),
        "is not for the host localhost"},
       {"another name than the subject's",
@@ -97,7 +113,7 @@ TEST(CertificateRules, ApplyToWhateverTheServerPresents) {
       {"an authority without a key usage", below({.extensions = {{NID_key_usage, ""}}}),
        "key usage"},
       {"an authority without a key's name",
-       below({.extensions = {{NID_subject_key_identifier, ""}}}, {.extensions = someKeyId}),
+       below({.extensions = {{NID_subject_key_identifier, ""}}}, {.extensions = kSomeKeyId}),
        "Missing Subject Key Identifier"},
       {"an authority for servers", below({.extensions = {{NID_ext_key_usage, "serverAuth"}}}), ""},
       {"an authority for clients", below({.extensions = {{NID_ext_key_usage, "clientAuth"}}}),
@@ -105,11 +121,9 @@ TEST(CertificateRules, ApplyToWhateverTheServerPresents) {
       {"an authority for gated cryptography", below({.extensions = {{NID_ext_key_usage, "msSGC"}}}),
        "is not meant for a server"},
       {"an authority with a DSA key", below({.keyType = "DSA"}), "\"/CN=Between\" has a DSA key"},
-  };
-  for (const auto& row : rows) {
-    SCOPED_TRACE(row.name);
-    expectRefusal(refusalOf(row.server, {root().der()}), row.refusal);
-  }
+  });
+  std::string error;
+  EXPECT_FALSE(verifyServerChain({}, "localhost", {root().der()}, error)) << "nothing presented";
 }
 
 TEST(CertificateRules, TakeWhatIsPinnedAsItIs) {
@@ -124,58 +138,41 @@ TEST(CertificateRules, TakeWhatIsPinnedAsItIs) {
   const Identity byName = madeByRequest("localhost");
   const Identity anonymous = server({.extensions = {{NID_authority_key_identifier, ""}}});
   const Identity unkeyed = below({.extensions = {{NID_key_usage, ""}}});
-  const Bytes between =
-      Identity{.certificate = unkeyed.intermediates[0], .key = {}, .intermediates = {}}.der();
   const Identity plain = server({});
+  const Identity expired = server({.validToHours = -1});
   const test::TemporaryFolder folder;
   std::ofstream(folder.path() / "root.pem") << made.pem();
   const AnchorBundle pem(folder.path() / "root.pem");
-  const struct {
-    std::string name;
-    Identity server;
-    Anchors anchors;
-    std::string refusal;
-  } rows[] = {
-      {"a root made by openssl req", server({}, made), {made.der()}, ""},
-      {"the same in PEM form", server({}, made), {*pem.resource("certificateroot", "cer")}, ""},
+  check({
+      {"a root made by openssl req", server({}, made), "", {made.der()}},
+      {"the same in PEM form", server({}, made), "", {*pem.resource("certificateroot", "cer")}},
       {"a root without the usual form",
-       server({.extensions = someKeyId}, informal),
-       {informal.der()},
-       ""},
-      {"a root of version 1", server({.extensions = someKeyId}, old), {old.der()}, ""},
-      {"the server's own, an authority's", own, {own.der()}, ""},
-      {"the same without being pinned", own, {root().der()}, "is self-signed and not trusted"},
-      {"the server's own, by its subject", byName, {byName.der()}, ""},
-      {"the server's own, for another host", elsewhere, {elsewhere.der()}, "is not for the host"},
-      {"the server's own beside its root", anonymous, {root().der(), anonymous.der()}, ""},
-      {"an authority that the server sends as well", unkeyed, {between}, ""},
-      {"a server's that issues another's", server({}, plain), {plain.der()}, "invalid CA"},
-  };
-  for (const auto& row : rows) {
-    SCOPED_TRACE(row.name);
-    expectRefusal(refusalOf(row.server, row.anchors), row.refusal);
-  }
+       server({.extensions = kSomeKeyId}, informal),
+       "",
+       {informal.der()}},
+      {"a root of version 1", server({.extensions = kSomeKeyId}, old), "", {old.der()}},
+      {"the server's own, an authority's", own, "", {own.der()}},
+      {"the same without being pinned", own, "Own\" is self-signed and not trusted"},
+      {"the server's own, by its subject", byName, "", {byName.der()}},
+      {"the server's own, for another host", elsewhere, "is not for the host", {elsewhere.der()}},
+      {"the server's own, expired", expired, "has expired", {expired.der()}},
+      {"the server's own beside its root", anonymous, "", {root().der(), anonymous.der()}},
+      {"an authority that the server sends as well", unkeyed, "", {unkeyed.chain()[1]}},
+      {"a server's that issues another's", server({}, plain), "invalid CA", {plain.der()}},
+  });
 }
 
 TEST(CertificateRules, TheHostIsANameInAsciiOrAnAddressAndItsFinalDotIsIgnored) {
   const Identity named =
       server({.names = "DNS:xn--bcher-kva.example,DNS:*.wallet.example,DNS:w*.partial.example,"
                        "IP:127.0.0.1,IP:::1"});
-  const std::pair<const char*, bool> rows[] = {{"xn--bcher-kva.example", true},
-                                               {"xn--bcher-kva.example.", true},
-                                               {"www.wallet.example.", true},
-                                               {"WWW.Wallet.example", true},
-                                               {"127.0.0.1", true},
-                                               {"::1", true},
-                                               {"wallet.example", false},
-                                               {"a.b.wallet.example", false},
-                                               {"www.partial.example", false},
-                                               {"www.wallet.example..", false},
-                                               {"127.0.0.2", false},
-                                               {".", false},
-                                               {"", false}};
-  for (const auto& [host, accepted] : rows) {
-    EXPECT_EQ(refusalOf(named, {root().der()}, host).empty(), accepted) << host;
+  for (const char* host : {"xn--bcher-kva.example", "xn--bcher-kva.example.", "127.0.0.1", "::1",
+                           "www.wallet.example.", "WWW.Wallet.example"}) {
+    EXPECT_EQ(refusalOf(named, {root().der()}, host), "") << host;
+  }
+  for (const char* host : {"wallet.example", "a.b.wallet.example", "www.partial.example",
+                           "www.wallet.example..", "127.0.0.2", ".", ""}) {
+    EXPECT_NE(refusalOf(named, {root().der()}, host), "") << host;
   }
 }
 
@@ -197,7 +194,7 @@ TEST(CertificateRules, EveryRootOfTheSystemMayVouchForAServer) {
     const Identity forger{authority, keys.at(EVP_PKEY_get_base_id(X509_get0_pubkey(read))), {}};
     const bool namesKey = X509_get0_subject_key_id(read) != nullptr;
     const Identity forged =
-        namesKey ? server({}, forger) : server({.extensions = someKeyId}, forger);
+        namesKey ? server({}, forger) : server({.extensions = kSomeKeyId}, forger);
     SystemTrust trust(forged.certificate.get(), nullptr, "localhost");
     std::string error;
     EXPECT_FALSE(trust.evaluate({forger.der()}, true, error));

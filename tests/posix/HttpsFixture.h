@@ -1,7 +1,6 @@
 #pragma once
 
 #include <atomic>
-#include <chrono>
 #include <memory>
 #include <string>
 #include <utility>
@@ -44,16 +43,13 @@ class HttpsFixture : public testing::Test {
     static const Identity made = makeIdentity({}, &root());
     return made;
   }
-  static void answerAll(TlsConnection& connection) {
-    while (connection.read() && connection.write(httpAnswer(200, "", "ok"))) {
+  /// Answers every request, and counts it.
+  TlsServer::Serve answerAll = [this](TlsConnection& connection) {
+    while (connection.read()) {
+      ++requests;
+      connection.write(httpAnswer(200, "", "ok"));
     }
-  }
-  static std::chrono::nanoseconds timed(const Task& task) {
-    const auto before = std::chrono::steady_clock::now();
-    task();
-    return std::chrono::steady_clock::now() - before;
-  }
-
+  };
   static HttpRequest post(const std::string& url, const std::string& body = "{}") {
     HttpRequest request;
     request.url = url;
@@ -72,6 +68,7 @@ class HttpsFixture : public testing::Test {
   PosixPlatform platform;
   HttpClient& client = platform.httpClient();
   std::shared_ptr<JudgingDelegate> delegate;
+  std::atomic<int> requests = 0;
 };
 
 }  // namespace orlix

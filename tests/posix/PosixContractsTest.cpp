@@ -1,15 +1,19 @@
-// The Linux ports keep the ports' rules: HTTP client over TLS, queues and clock.
+// The Linux ports keep the ports' rules, as they are put together for a host.
 
 #include <map>
 #include <mutex>
 
-#include <fmt/format.h>
 #include <gtest/gtest.h>
 
 #include "tests/ports/BackgroundQueuesContract.h"
+#include "tests/ports/BundleContract.h"
 #include "tests/ports/ClockContract.h"
+#include "tests/ports/DeviceContract.h"
 #include "tests/ports/HttpClientContract.h"
+#include "tests/ports/LocationManagerContract.h"
 #include "tests/ports/MainQueueContract.h"
+#include "tests/ports/SystemLogContract.h"
+#include "tests/ports/UserDefaultsContract.h"
 #include "tests/posix/PosixPlatform.h"
 #include "tests/posix/TlsServer.h"
 
@@ -59,8 +63,7 @@ class CurlPlatform : public PosixPlatform {
       return connection.write(httpAnswer(answer.status, fields, answer.body));
     }
     if (answer.end == AnswerEnd::insideBody || answer.end == AnswerEnd::silence) {
-      connection.write(fmt::format("HTTP/1.1 {} Status\r\n{}Content-Length: {}\r\n\r\n{}",
-                                   answer.status, fields, answer.body.size() + 100, answer.body));
+      connection.write(httpAnswer(answer.status, fields, answer.body, 100));
     }
     if (answer.end == AnswerEnd::silence || answer.end == AnswerEnd::mute) {
       connection.awaitClose();
@@ -76,9 +79,14 @@ class CurlPlatform : public PosixPlatform {
 
 }  // namespace
 
-INSTANTIATE_TYPED_TEST_SUITE_P(Posix, MainQueueContract, PosixPlatform);
+INSTANTIATE_TYPED_TEST_SUITE_P(Posix, MainQueueContract, LoggedPlatform);
 INSTANTIATE_TYPED_TEST_SUITE_P(Posix, BackgroundQueuesContract, PosixPlatform);
 INSTANTIATE_TYPED_TEST_SUITE_P(Posix, ClockContract, PosixPlatform);
-INSTANTIATE_TYPED_TEST_SUITE_P(Curl, HttpClientContract, CurlPlatform);
+INSTANTIATE_TYPED_TEST_SUITE_P(Posix, UserDefaultsContract, PosixPlatform);
+INSTANTIATE_TYPED_TEST_SUITE_P(Posix, LocationManagerContract, PosixPlatform);
+INSTANTIATE_TYPED_TEST_SUITE_P(Posix, BundleContract, PosixPlatform);
+INSTANTIATE_TYPED_TEST_SUITE_P(Posix, DeviceContract, PosixPlatform);
+INSTANTIATE_TYPED_TEST_SUITE_P(Posix, SystemLogContract, LoggedPlatform);
+INSTANTIATE_TYPED_TEST_SUITE_P(Posix, HttpClientContract, CurlPlatform);
 
 }  // namespace orlix

@@ -1,37 +1,89 @@
 #pragma once
 
-#include <memory>
-#include <stop_token>
+#include <filesystem>
+#include <fstream>
+#include <sstream>
 #include <string>
 #include <vector>
 
-#include "orlixkit/posix/CurlHttpClient.h"
-#include "orlixkit/posix/PosixBackgroundQueues.h"
-#include "orlixkit/posix/PosixClock.h"
-#include "orlixkit/posix/PosixRunLoop.h"
-#include "orlixkit/testing/MemoryLog.h"
+#include <gtest/gtest.h>
+
+#include "orlixkit/posix/PosixPorts.h"
 #include "tests/TemporaryFolder.h"
 
 namespace orlix {
 
 using test::TemporaryFolder;
 
-/// HTTP client, queues and clock of one host.
+inline void write(const std::filesystem::path& file, const std::string& bytes) {
+  std::filesystem::create_directories(file.parent_path());
+  std::ofstream(file, std::ios::binary) << bytes;
+}
+
+inline PosixOptions optionsIn(const std::filesystem::path& folder) {
+  PosixOptions options;
+  options.applicationName = "test";
+  options.stateDirectory = folder / "state";
+  options.resourceDirectories = {folder / "resources"};
+  options.logTarget = LogTarget::stderrOnly;
+  options.location = {{59.91, 10.75}};
+  return options;
+}
+
+/// The ports of a Linux host whose folders hold what the contracts ask for.
 class PosixPlatform {
  public:
-  MainQueue& mainQueue() { return mainQueue_; }
-  BackgroundQueues& backgroundQueues() { return backgroundQueues_; }
-  Clock& clock() { return *clock_; }
-  HttpClient& httpClient() { return httpClient_; }
-  std::vector<std::string> logged() const { return log_->lines(); }
+  PosixPlatform() {
+    write(folder_.path() / "resources" / "a.cer", "one");
+    write(folder_.path() / "resources" / "a.plist", "two");
+    write(folder_.path() / "resources" / "b.cer", "");
+  }
+  ~PosixPlatform() { backgroundQueues().close(); }
+  PosixPlatform(const PosixPlatform&) = delete;
+  PosixPlatform& operator=(const PosixPlatform&) = delete;
+
+  MainQueue& mainQueue() { return *ports_.mainQueue; }
+  BackgroundQueues& backgroundQueues() { return *ports_.backgroundQueues; }
+  Clock& clock() { return *ports_.clock; }
+  HttpClient& httpClient() { return *ports_.httpClient; }
+  UserDefaults& userDefaults() { return *ports_.userDefaults; }
+  Bundle& bundle() { return *ports_.bundle; }
+  Device& device() { return *ports_.device; }
+  SystemLog& log() { return *ports_.log; }
+  LocationManager& locationManager() { return *ports_.locationManager; }
+  void bringFix() {
+    bool done = false;
+    mainQueue().async([&done] { done = true; });
+    mainQueue().runUntil([&done] { return done; });
+  }
 
  private:
-  std::shared_ptr<MemoryLog> log_ = std::make_shared<MemoryLog>();
-  std::stop_source shutdown_;
-  std::shared_ptr<PosixClock> clock_ = std::make_shared<PosixClock>(shutdown_.get_token());
-  CurlHttpClient httpClient_{clock_};
-  PosixRunLoop mainQueue_{log_};
-  PosixBackgroundQueues backgroundQueues_{shutdown_};
+  const TemporaryFolder folder_;
+  const Ports ports_ = makePosixPorts(optionsIn(folder_.path()));
+};
+
+/// The same, with its log caught.
+class LoggedPlatform : public PosixPlatform {
+ public:
+  LoggedPlatform() { testing::internal::CaptureStderr(); }
+  ~LoggedPlatform() { logged(); }
+  LoggedPlatform(const LoggedPlatform&) = delete;
+  LoggedPlatform& operator=(const LoggedPlatform&) = delete;
+
+  std::vector<std::string> logged() {
+    if (caught_) {
+      std::istringstream text(testing::internal::GetCapturedStderr());
+      caught_ = false;
+      for (std::string line; std::getline(text, line);) {
+        lines_.push_back(line);
+      }
+    }
+    return lines_;
+  }
+
+ private:
+  bool caught_ = true;
+  std::vector<std::string> lines_;
 };
 
 }  // namespace orlix

@@ -1,54 +1,48 @@
 #include <atomic>
 #include <csignal>
-#include <fcntl.h>
-#include <fstream>
 #include <latch>
 #include <thread>
 #include <unistd.h>
 
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
 #include <sqlite3.h>
-#include <sys/stat.h>
+#include <sys/mman.h>
 #include <sys/wait.h>
 
-#include "orlixkit/posix/DirectoryBundle.h"
-#include "orlixkit/posix/SqliteUserDefaults.h"
-#include "tests/ports/UserDefaultsContract.h"
 #include "tests/posix/FaultyDisk.h"
-#include "tests/posix/PosixPlatform.h"
+#include "tests/posix/StateFixture.h"
 
 namespace orlix {
 
 namespace {
 
-using testing::AllOf;
-using testing::HasSubstr;
-
-class SqlitePlatform {
+/// Hears each statement of the stores that are opened while it lives. One at a time.
+class StatementListener {
  public:
-  UserDefaults& userDefaults() { return store_; }
+  using Heard = std::function<void(const std::string& sql)>;
+  explicit StatementListener(Heard heard) {
+    heard_ = std::move(heard);
+    sqlite3_auto_extension(extension());
+  }
+  ~StatementListener() { sqlite3_cancel_auto_extension(extension()); }
+  StatementListener(const StatementListener&) = delete;
+  StatementListener& operator=(const StatementListener&) = delete;
 
  private:
-  TemporaryFolder folder_;
-  SqliteUserDefaults store_{folder_.path() / "state" / "defaults.db"};
+  static void (*extension())() {
+    const auto onOpen = [](sqlite3* opened, char**, const sqlite3_api_routines*) {
+      const auto onStatement = [](unsigned, void*, void* statement, void*) {
+        heard_(sqlite3_sql(static_cast<sqlite3_stmt*>(statement)));
+        return 0;
+      };
+      return sqlite3_trace_v2(opened, SQLITE_TRACE_STMT, onStatement, nullptr);
+    };
+    return reinterpret_cast<void (*)()>(+onOpen);
+  }
+  static inline Heard heard_;
 };
 
-class SqliteUserDefaultsTest : public testing::Test {
+class SqliteUserDefaultsTest : public StateFixture {
  protected:
-  unsigned modeOf(const std::filesystem::path& path) const {
-    struct stat status {};
-    return ::stat(path.c_str(), &status) == 0 ? status.st_mode & 0777u : 0u;
-  }
-  std::string failureOf(const Task& task) const {
-    try {
-      task();
-    } catch (const StoreException& error) {
-      return error.what();
-    }
-    return "no failure";
-  }
-
   using Database = std::shared_ptr<sqlite3>;
   Database openedElsewhere() const {
     sqlite3* opened = nullptr;
@@ -59,42 +53,31 @@ class SqliteUserDefaultsTest : public testing::Test {
     EXPECT_EQ(sqlite3_exec(database.get(), sql, nullptr, nullptr, nullptr), SQLITE_OK) << sql;
   }
 
-  TemporaryFolder folder;
-  const std::filesystem::path file = folder.path() / "state" / "defaults.db";
+  const fs::path file = state / "defaults.db";
 };
 
-INSTANTIATE_TYPED_TEST_SUITE_P(Sqlite, UserDefaultsContract, SqlitePlatform);
-
-/// Writes 1, 2, 3... and reports each number once its setters have returned. Never comes back.
-[[noreturn]] void writeUntilKilled(const std::filesystem::path& file, int reports) {
-  SqliteUserDefaults store(file);
-  for (std::int64_t i = 1;; ++i) {
-    store.setValue("count", i);
-    store.setValue("blob", Bytes(5000, static_cast<std::uint8_t>(i)));
-    if (::write(reports, &i, sizeof i) != sizeof i) {
-      ::_exit(1);
-    }
-  }
-}
-
 TEST_F(SqliteUserDefaultsTest, WhatWasReportedWrittenSurvivesASuddenDeath) {
+  void* const shared = ::mmap(nullptr, sizeof(std::atomic<std::int64_t>), PROT_READ | PROT_WRITE,
+                              MAP_SHARED | MAP_ANONYMOUS, -1, 0);
+  ASSERT_NE(shared, MAP_FAILED);
+  auto& reported = *new (shared) std::atomic<std::int64_t>(0);
   for (const int killAfter : {0, 1, 2, 5, 9, 14}) {
-    int reports[2];
-    ASSERT_EQ(::pipe2(reports, O_CLOEXEC), 0);
+    reported = 0;
     const pid_t writer = ::fork();
     ASSERT_GE(writer, 0);
     if (writer == 0) {
-      writeUntilKilled(file, reports[1]);
-    }
-    ::close(reports[1]);
-    std::int64_t reported = 0;
-    do {
-      if (reported >= killAfter) {
-        ::kill(writer, SIGKILL);
+      SqliteUserDefaults store(file);
+      for (std::int64_t i = 1;; ++i) {
+        store.setValue("count", i);
+        store.setValue("blob", Bytes(5000, static_cast<std::uint8_t>(i)));
+        reported = i;
       }
-    } while (::read(reports[0], &reported, sizeof reported) > 0);
+    }
+    while (reported < killAfter) {
+      std::this_thread::yield();
+    }
+    ::kill(writer, SIGKILL);
     ::waitpid(writer, nullptr, 0);
-    ::close(reports[0]);
 
     const SqliteUserDefaults store(file);  // also when not a single write was reported
     if (reported > 0) {
@@ -102,9 +85,10 @@ TEST_F(SqliteUserDefaultsTest, WhatWasReportedWrittenSurvivesASuddenDeath) {
       EXPECT_TRUE(found == reported || found == reported + 1) << found << " of " << reported;
       const Bytes blob = store.dataForKey("blob").value();
       EXPECT_EQ(blob, Bytes(5000, blob.at(0))) << "whole, if not the latest";
-      EXPECT_GE(blob.at(0), static_cast<std::uint8_t>(reported));
+      EXPECT_LE(static_cast<std::uint8_t>(blob.at(0) - reported), 1);
     }
   }
+  ::munmap(shared, sizeof reported);
 }
 
 TEST_F(SqliteUserDefaultsTest, OnlyTheOwnerReadsItsFiles) {
@@ -122,32 +106,20 @@ TEST_F(SqliteUserDefaultsTest, OnlyTheOwnerReadsItsFiles) {
   EXPECT_EQ(again.integerForKey("key"), 1);
 }
 
-TEST_F(SqliteUserDefaultsTest, WhatIsNoStoreIsNamedAndLeftAsItIs) {
-  std::filesystem::create_directories(file.parent_path());
-  const std::string text = "Dear diary, this is not a database, and it is long enough to be one.\n";
-  std::ofstream(file) << text;
-  const std::string failure = failureOf([this] { SqliteUserDefaults store(file); });
-  EXPECT_NE(failure.find(file.string()), std::string::npos) << failure;
-  EXPECT_NE(failure.find("not a database"), std::string::npos) << failure;
-  EXPECT_EQ(toText(readFile(file).value()), text);
-
-  EXPECT_NE(failureOf([this] { SqliteUserDefaults store(folder.path()); }), "no failure");
-  EXPECT_NE(failureOf([this] { SqliteUserDefaults store(file / "below" / "a.db"); }), "no failure");
-}
-
-TEST_F(SqliteUserDefaultsTest, ASetterThatFailsKeepsTheFormerValueAndTheStoreGoesOn) {
-  SqliteUserDefaults store(file);
-  store.setValue("key", "former");
-  const Database other = openedElsewhere();
-  execute(other,
-          "CREATE TRIGGER full BEFORE UPDATE ON defaults "
-          "BEGIN SELECT RAISE(ABORT, 'disk is full'); END");
-  const std::string failure = failureOf([&store] { store.setValue("key", "new"); });
-  EXPECT_NE(failure.find("disk is full"), std::string::npos) << failure;
-  EXPECT_EQ(store.stringForKey("key"), "former");
-  execute(other, "DROP TRIGGER full");
-  store.setValue("key", "new");
-  EXPECT_EQ(store.stringForKey("key"), "new");
+TEST_F(SqliteUserDefaultsTest, WhatIsNoStoreOrADamagedOneIsNamedAndLeftAsItIs) {
+  SqliteUserDefaults(file).setValue("key", Bytes(20'000, 'x'));
+  std::string damaged = textOf(file);
+  damaged.replace(4096, 100, std::string(100, '\x5A'));  // the table's first page
+  const std::string diary = "Dear diary, this is no database, and it is long enough to be one.\n";
+  for (const auto& [bytes, reason] :
+       {std::pair(damaged, "from a backup"), {diary, "not a database"}}) {
+    write(file, bytes);
+    EXPECT_THAT(failureOf([this] { SqliteUserDefaults store(file); }),
+                AllOf(HasSubstr(file.string()), HasSubstr(reason)));
+    EXPECT_EQ(textOf(file), bytes);
+  }
+  EXPECT_NE(failureOf([this] { SqliteUserDefaults store(folder.path()); }), "");
+  EXPECT_NE(failureOf([this] { SqliteUserDefaults store(file / "below" / "a.db"); }), "");
 }
 
 TEST_F(SqliteUserDefaultsTest, AValueIsForcedOntoTheDiskBeforeItsSetterReturns) {
@@ -188,6 +160,8 @@ TEST_F(SqliteUserDefaultsTest, AFailureNamesTheFileTheCauseAndTheRemedy) {
       EXPECT_THAT(failure, AllOf(HasSubstr(file.string()), HasSubstr(cause), HasSubstr(remedy)));
       EXPECT_EQ(store.stringForKey("key"), "former");
     }
+    EXPECT_EQ(failureOf(write), "") << "the store goes on";
+    EXPECT_EQ(store.stringForKey("key"), "new");
   }
   disk.fault = Fault::readOnly;
   EXPECT_THAT(failureOf(reopen), AllOf(HasSubstr(file.string()), HasSubstr("readonly"),
@@ -195,42 +169,18 @@ TEST_F(SqliteUserDefaultsTest, AFailureNamesTheFileTheCauseAndTheRemedy) {
       << "at the start, although nothing would have to be written";
 }
 
-TEST_F(SqliteUserDefaultsTest, ADamagedPageIsFoundAtTheStartAndLeftAsItIs) {
-  {
-    SqliteUserDefaults store(file);
-    store.setValue("key", Bytes(20'000, 'x'));
-  }
-  std::string bytes = toText(readFile(file).value());
-  bytes.replace(4096, 100, std::string(100, '\x5A'));  // the table's first page
-  std::ofstream(file, std::ios::binary) << bytes;
-  EXPECT_THAT(failureOf([&] { SqliteUserDefaults store(file); }),
-              AllOf(HasSubstr(file.string()), HasSubstr("from a backup")));
-  EXPECT_EQ(toText(readFile(file).value()), bytes);
-}
-
 TEST_F(SqliteUserDefaultsTest, AWriteThatWaitsForAnotherProcessDoesNotHoldUpReads) {
-  static std::latch* writing;
-  std::latch begun(1);
-  writing = &begun;
-  const auto watch = [](sqlite3* opened, char**, const sqlite3_api_routines*) {
-    const auto onStatement = [](unsigned, void*, void* statement, void*) {
-      const std::string sql = sqlite3_sql(static_cast<sqlite3_stmt*>(statement));
-      if (sql.starts_with("INSERT") && !writing->try_wait()) {
-        writing->count_down();
-      }
-      return 0;
-    };
-    return sqlite3_trace_v2(opened, SQLITE_TRACE_STMT, onStatement, nullptr);
-  };
-  const auto hook = reinterpret_cast<void (*)()>(+watch);
-  ASSERT_EQ(sqlite3_auto_extension(hook), SQLITE_OK);
+  std::latch writing(1);
+  const StatementListener listener([&writing](const std::string& sql) {
+    if (sql.starts_with("INSERT") && !writing.try_wait()) {
+      writing.count_down();
+    }
+  });
   SqliteUserDefaults store(file);
   const Database other = openedElsewhere();
-  sqlite3_cancel_auto_extension(hook);
   execute(other, "BEGIN IMMEDIATE");
-  std::jthread writer(
-      [&] { EXPECT_EQ(failureOf([&] { store.setValue("key", 1); }), "no failure"); });
-  begun.wait();
+  std::jthread writer([&] { EXPECT_EQ(failureOf([&] { store.setValue("key", 1); }), ""); });
+  writing.wait();
   EXPECT_EQ(store.integerForKey("other key"), 0);
   execute(other, "COMMIT");
   writer.join();
@@ -238,47 +188,30 @@ TEST_F(SqliteUserDefaultsTest, AWriteThatWaitsForAnotherProcessDoesNotHoldUpRead
 }
 
 TEST_F(SqliteUserDefaultsTest, TheSwitchToTheWriteAheadLogIsTriedAgainWhileAnotherHoldsTheFile) {
-  std::filesystem::create_directories(file.parent_path());
-  static Database holder;
-  static int attempts;
-  holder = openedElsewhere();
-  attempts = 0;
+  fs::create_directories(state);
+  const Database holder = openedElsewhere();
   // As another process does in the middle of the switch: SQLite refuses at once, with no time-out.
   execute(holder, "BEGIN IMMEDIATE");
-  const auto watch = [](sqlite3* opened, char**, const sqlite3_api_routines*) {
-    const auto onStatement = [](unsigned, void*, void* statement, void*) {
-      const std::string sql = sqlite3_sql(static_cast<sqlite3_stmt*>(statement));
-      if (sql.find("journal_mode") != std::string::npos && ++attempts == 3) {
-        execute(holder, "COMMIT");
-      }
-      return 0;
-    };
-    return sqlite3_trace_v2(opened, SQLITE_TRACE_STMT, onStatement, nullptr);
-  };
-  const auto hook = reinterpret_cast<void (*)()>(+watch);
-  ASSERT_EQ(sqlite3_auto_extension(hook), SQLITE_OK);
-  EXPECT_EQ(failureOf([this] { SqliteUserDefaults(file).setValue("key", 1); }), "no failure");
-  sqlite3_cancel_auto_extension(hook);
-  holder.reset();
+  int attempts = 0;
+  const StatementListener listener([&](const std::string& sql) {
+    if (sql.find("journal_mode") != std::string::npos && ++attempts == 3) {
+      execute(holder, "COMMIT");
+    }
+  });
+  EXPECT_EQ(failureOf([this] { SqliteUserDefaults(file).setValue("key", 1); }), "");
   EXPECT_EQ(attempts, 3);
   EXPECT_EQ(SqliteUserDefaults(file).integerForKey("key"), 1);
 }
 
 TEST_F(SqliteUserDefaultsTest, SeveralOpenersOfANewFileAtOnceAllGetTheSameStore) {
   for (int round = 0; round < 5; ++round) {
-    const std::filesystem::path fresh = folder.path() / std::to_string(round) / "defaults.db";
-    std::latch together(6);
-    std::vector<std::jthread> openers;
-    for (int opener = 0; opener < 6; ++opener) {
-      openers.emplace_back([&, opener] {
-        together.arrive_and_wait();
-        EXPECT_EQ(failureOf([&] {
-                    SqliteUserDefaults(fresh).setValue(std::to_string(opener), opener + 1);
-                  }),
-                  "no failure");
-      });
-    }
-    openers.clear();
+    const fs::path fresh = folder.path() / std::to_string(round) / "defaults.db";
+    atOnce([&](int opener) {
+      EXPECT_EQ(failureOf([&] {
+                  SqliteUserDefaults(fresh).setValue(std::to_string(opener), opener + 1);
+                }),
+                "");
+    });
     for (int opener = 0; opener < 6; ++opener) {
       EXPECT_EQ(SqliteUserDefaults(fresh).integerForKey(std::to_string(opener)), opener + 1);
     }

@@ -12,6 +12,13 @@ namespace orlix {
 
 namespace {
 
+Bytes derOf(X509* certificate) {
+  Bytes made(static_cast<std::size_t>(i2d_X509(certificate, nullptr)));
+  unsigned char* end = made.data();
+  i2d_X509(certificate, &end);
+  return made;
+}
+
 void addExtension(X509* certificate, X509* issuer, int kind, const std::string& value) {
   X509V3_CTX context;
   X509V3_set_ctx(&context, issuer, certificate, nullptr, nullptr, 0);
@@ -38,11 +45,14 @@ std::map<int, std::string> extensionsOf(const CertificateDraft& draft) {
 
 }  // namespace
 
-Bytes Identity::der() const {
-  Bytes made(static_cast<std::size_t>(i2d_X509(certificate.get(), nullptr)));
-  unsigned char* end = made.data();
-  i2d_X509(certificate.get(), &end);
-  return made;
+Bytes Identity::der() const { return derOf(certificate.get()); }
+
+std::vector<Bytes> Identity::chain() const {
+  std::vector<Bytes> all{der()};
+  for (const std::shared_ptr<X509>& intermediate : intermediates) {
+    all.push_back(derOf(intermediate.get()));
+  }
+  return all;
 }
 
 std::string Identity::pem() const {

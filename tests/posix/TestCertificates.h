@@ -20,6 +20,8 @@ struct Identity {
 
   Bytes der() const;
   std::string pem() const;
+  /// Its own certificate, then the intermediates.
+  std::vector<Bytes> chain() const;
 };
 
 /// What a certificate made for a test says. The default is a server's for this machine, and

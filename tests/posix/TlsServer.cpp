@@ -153,9 +153,10 @@ void TlsServer::handle(int socket) {
   ::close(socket);
 }
 
-std::string httpAnswer(int status, const std::string& fields, const std::string& body) {
+std::string httpAnswer(int status, const std::string& fields, const std::string& body,
+                       std::size_t missing) {
   return fmt::format("HTTP/1.1 {} Status\r\n{}Content-Length: {}\r\n\r\n{}", status, fields,
-                     body.size(), body);
+                     body.size() + missing, body);
 }
 
 }  // namespace orlix

@@ -71,7 +71,9 @@ class TlsServer {
   std::thread acceptor_;
 };
 
-/// "HTTP/1.1 200 OK", the given fields, Content-Length and the body.
-std::string httpAnswer(int status, const std::string& fields, const std::string& body);
+/// Status, the given fields, Content-Length and the body. `missing`: how much longer than that the
+/// body is said to be.
+std::string httpAnswer(int status, const std::string& fields, const std::string& body,
+                       std::size_t missing = 0);
 
 }  // namespace orlix

@@ -1,10 +1,9 @@
 #pragma once
 
-#include <atomic>
-#include <exception>
 #include <functional>
 #include <memory>
 #include <random>
+#include <stdexcept>
 #include <string>
 #include <vector>
 
@@ -17,39 +16,17 @@ namespace orlix::test {
 
 using namespace std::chrono_literals;
 
-inline const std::string sessionPath = "/session/new/";
-inline const std::string firstKey = "ASNFZ4mrze/+3LqYdlQyEA==";  // 0123456789ABCDEFFEDCBA9876543210
-inline const std::string secondKey =
+inline const std::string kSessionPath = "/session/new/";
+inline const std::string kFirstKey =
+    "ASNFZ4mrze/+3LqYdlQyEA==";  // 0123456789ABCDEFFEDCBA9876543210
+inline const std::string kSecondKey =
     "ABEiM0RVZneImaq7zN3u/w==";  // 00112233445566778899AABBCCDDEEFF
 
 /// An answer that opens a session; `number` distinguishes the sessions.
-inline std::string openedSession(int number = 1, const std::string& pinKey = firstKey) {
+inline std::string openedSession(int number = 1, const std::string& pinKey = kFirstKey) {
   return R"({"sessionId":"one-)" + std::to_string(number) + R"(","sessionId2":"two-)" +
          std::to_string(number) + R"(","pinKey":")" + pinKey +
          R"(","activated":true,"allowConnection":true,"requestTCs":false})";
-}
-
-/// The body that asks for a session.
-inline std::string sessionBody(MemoryHost& host, const std::string& device,
-                               const std::string& libKey) {
-  return R"({
-  "deviceSerial" : "[p:)" +
-         host.device().vendor + R"(]",
-  "appVersion" : "iPhone TALU 2.1.0",
-  "hasDoubleSession" : true,
-  "ssToken" : "",
-  "timeZone" : "+02:00",
-  "platform" : {
-    "appVersion" : "2.1.0",
-    "device" : ")" +
-         device + R"(",
-    "node" : "TALU",
-    "os" : "IOS",
-    "libKey" : ")" +
-         libKey + R"(",
-    "osVersion" : "17.4"
-  }
-})";
 }
 
 /// Threads that run in an order of the seed's choice, and overtake one another at every port.
@@ -60,78 +37,56 @@ inline MemoryHostSettings anyOrder(unsigned seed, bool timeCompetes = false) {
           .preemptive = true};
 }
 
-inline std::shared_ptr<KCVelloConnection> clientOf(const std::string& base,
-                                                   const std::string& phoneId,
-                                                   std::shared_ptr<StorageInterface> storage) {
-  Serial serial;
-  serial.phoneId = phoneId;
-  return std::make_shared<KCVelloConnection>(
-      base, "TALU", serial, std::move(storage), std::make_shared<OMNetwork>(), "iPhone TALU 2.1.0",
-      Platform{"IOS", "17.4", "TALU", "2.1.0", "x86_64", "shop-key"}, "+02:00");
-}
-
-/// How a call ended.
-struct Outcome {
-  std::atomic<bool> ended = false;
-  std::exception_ptr failure;  ///< to be read when it has ended
-
-  template <class Failure>
-  bool failedWith() const {
-    try {
-      if (failure) {
-        std::rethrow_exception(failure);
-      }
-    } catch (const Failure&) {
-      return true;
-    } catch (...) {
-    }
-    return false;
-  }
-};
-
 using Call = std::function<void(KCVelloConnection&)>;
 
-/// Begins the call on a background queue.
-inline std::shared_ptr<Outcome> begin(std::shared_ptr<KCVelloConnection> client, Call call) {
-  auto outcome = std::make_shared<Outcome>();
-  const Ports& ports = Host::current().ports();
-  ports.backgroundQueues->global(
-      QualityOfService::high,
-      [client = std::move(client), call = std::move(call), outcome, mainQueue = ports.mainQueue] {
-        try {
-          call(*client);
-        } catch (...) {
-          outcome->failure = std::current_exception();
-        }
-        outcome->ended = true;
-        mainQueue->async([] {});  // so that who waits there looks again
-      });
-  return outcome;
-}
-
-/// Makes the call to its end.
-inline std::shared_ptr<Outcome> run(std::shared_ptr<KCVelloConnection> client, Call call) {
-  auto outcome = begin(std::move(client), std::move(call));
-  Host::current().ports().mainQueue->runUntil([&] { return outcome->ended.load(); });
-  return outcome;
+/// Makes the call; how it ended, as one text.
+inline std::string endOf(const Call& call, KCVelloConnection& client) {
+  try {
+    call(client);
+    return "done";
+  } catch (const SMSException&) {
+    return "SMS";
+  } catch (const AppOutOfDateException& failure) {
+    return (failure.stopConnection ? "stop: " : "notice: ") + failure.message.value_or("(none)");
+  } catch (const TcOutOfDateException& failure) {
+    return "terms: " + failure.message;
+  } catch (const NetworkException& failure) {
+    return failure.name || failure.reason ? "named network failure" : "network failure";
+  } catch (const std::out_of_range&) {
+    return "out of range";
+  } catch (const std::invalid_argument&) {
+    return "invalid argument";
+  }
 }
 
 /// A client, its real transport and a scripted server, in virtual time.
 struct ClientAndServer {
   explicit ClientAndServer(MemoryHostSettings settings = {}) : host(std::move(settings)) {
     host.connections().on("", ServerReply::of(200, "{}"));
-    host.connections().on(sessionPath, ServerReply::of(200, openedSession()));
+    host.connections().on(kSessionPath, ServerReply::of(200, openedSession()));
   }
-  std::shared_ptr<Outcome> begin(Call call) { return test::begin(client, std::move(call)); }
-  std::shared_ptr<Outcome> run(Call call) { return test::run(client, std::move(call)); }
+  /// Begins the call on a background queue. The text says how it ended, once it has.
+  std::shared_ptr<const std::string> begin(Call call) {
+    const auto end = std::make_shared<std::string>();
+    host.backgroundQueues().global(QualityOfService::high, [client = client, call = std::move(call),
+                                                            end] { *end = endOf(call, *client); });
+    return end;
+  }
+  std::string run(Call call) {
+    const auto end = begin(std::move(call));
+    host.runUntil([&end] { return !end->empty(); });
+    return *end;
+  }
   std::vector<RecordedRequest> requestsTo(const std::string& part) {
     return host.connections().requestsTo(part);
   }
 
   MemoryHost host;
   std::shared_ptr<OMStorage> storage = std::make_shared<OMStorage>("live.data");
-  std::shared_ptr<KCVelloConnection> client =
-      clientOf("https://live.example/vello", host.device().vendor, storage);
+  std::shared_ptr<KCVelloConnection> client = std::make_shared<KCVelloConnection>(
+      "https://live.example/vello", "TALU", Serial{{}, {}, {}, {}, host.device().vendor}, storage,
+      std::make_shared<OMNetwork>(), "iPhone TALU 2.1.0",
+      Platform{"IOS", "17.4", "TALU", "2.1.0", "x86_64", "shop-key"}, "+02:00");
 };
 
 }  // namespace orlix::test

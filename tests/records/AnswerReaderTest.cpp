@@ -1,8 +1,4 @@
 #include <limits>
-#include <stdexcept>
-
-#include <boost/json/serialize.hpp>
-#include <gtest/gtest.h>
 
 #include "tests/records/JsonFixture.h"
 
@@ -10,8 +6,8 @@ namespace orlix {
 
 namespace {
 
-constexpr std::int64_t largest = std::numeric_limits<std::int64_t>::max();
-constexpr std::int64_t smallest = std::numeric_limits<std::int64_t>::min();
+constexpr std::int64_t kLargest = std::numeric_limits<std::int64_t>::max();
+constexpr std::int64_t kSmallest = std::numeric_limits<std::int64_t>::min();
 
 /// An answer that holds `value` under "k".
 JsonObject answerWith(const std::string& value) {
@@ -37,11 +33,11 @@ TEST(Readings, OfIntegersCutSaturateAndTakeLeadingDigits) {
       {4503599627370495, {"4503599627370495.99999999"}},
       {999999999999999999, {"999999999999999999.9", "9.99999999999999999e17"}},
       {9223372036854775806, {"9223372036854775806.9", "922337203685477580.6e1"}},
-      {largest,
+      {kLargest,
        {"9223372036854775807", "9223372036854775808", "18446744073709551616", "9.3e18", "1e400",
         "9223372036854775807.9", "9223372036854775808.0", "1e2147483000",
         R"("9223372036854775808")"}},
-      {smallest,
+      {kSmallest,
        {"-9223372036854775808", "-9223372036854775809", "-9.3e18", "-1e400",
         "-9223372036854775807.9e1", R"("-9223372036854775808")", R"("-9223372036854775809")"}},
   };

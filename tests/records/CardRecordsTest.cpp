@@ -1,14 +1,3 @@
-#include <stdexcept>
-
-#include <gtest/gtest.h>
-
-#include "orlixkit/records/Failures.h"
-#include "orlixkit/records/MTApiResponse.h"
-#include "orlixkit/records/MTBinInfo.h"
-#include "orlixkit/records/MTCardResponse.h"
-#include "orlixkit/records/MTCardValidateResponse.h"
-#include "orlixkit/records/MTPinResponse.h"
-#include "orlixkit/records/MTSmsResponse.h"
 #include "tests/records/JsonFixture.h"
 
 namespace orlix {
@@ -39,30 +28,28 @@ TEST(CardOption, TakesEveryFieldFromItsKeyAndKeepsItsIrregularFlags) {
 
 TEST(CardOption, KnowsItsMethodInAnyCase) {
   using enum CardOptionMethod;
-  const std::pair<const char*, CardOptionMethod> rows[] = {
-      {R"("AMT")", amt},       {R"("secure_code")", secureCode},
-      {R"("Wallet")", wallet}, {R"("CNP")", cnp},
-      {R"("CASH")", notSet},   {R"("AMT ")", notSet},
-      {"1", notSet},           {"null", notSet}};
-  for (const auto& [value, method] : rows) {
-    const auto card = parsed<CardOption>(std::string(R"({"method":)") + value + "}");
-    EXPECT_EQ(card.method, method) << value;
-    EXPECT_TRUE(card.hasMethod) << value;
-  }
+  expectEach(&CardOption::method, &CardOption::hasMethod, true,
+             {{R"({"method":"AMT"})", amt},
+              {R"({"method":"secure_code"})", secureCode},
+              {R"({"method":"Wallet"})", wallet},
+              {R"({"method":"CNP"})", cnp},
+              {R"({"method":"CASH"})", notSet},
+              {R"({"method":"AMT "})", notSet},
+              {R"({"method":1})", notSet},
+              {R"({"method":null})", notSet}});
 }
 
 TEST(CardResponse, KnowsItsStatusByTheExactTextOnly) {
   using enum CardResponseStatus;
-  const std::pair<const char*, CardResponseStatus> rows[] = {
-      {R"({"status":"SUCCESS"})", success}, {R"({"status":"FAILED"})", failed},
-      {R"({"status":"RELINK"})", relink},   {R"({"status":"success"})", notSet},
-      {R"({"status":null})", notSet},       {"{}", notSet}};
-  for (const auto& [body, status] : rows) {
-    const auto response = parsed<MTCardResponse>(body);
-    EXPECT_EQ(response.status, status) << body;
-    EXPECT_EQ(response.hasStatus, status != notSet) << body;
-    EXPECT_FALSE(response.hasReceipt || response.hasCardList) << body;
-  }
+  expectEach(&MTCardResponse::status, &MTCardResponse::hasStatus, false,
+             {{R"({"status":"SUCCESS"})", success},
+              {R"({"status":"FAILED"})", failed},
+              {R"({"status":"RELINK"})", relink},
+              {R"({"status":"success"})", notSet},
+              {R"({"status":null})", notSet},
+              {"{}", notSet}});
+  const auto bare = parsed<MTCardResponse>("{}");
+  EXPECT_FALSE(bare.hasReceipt || bare.hasCardList);
   const auto body =
       view(R"({"receipt":{"receiptId":8},"cardList":{"cards":[{"cardId":3},{"cardId":1}]}})");
   MTCardResponse response;
@@ -76,17 +63,12 @@ TEST(CardResponse, KnowsItsStatusByTheExactTextOnly) {
 
 TEST(PinResponse, KnowsItsStatusInAnyCaseAndFlagsTheKey) {
   using enum PinResponseStatus;
-  const std::pair<const char*, PinResponseStatus> rows[] = {
-      {R"({"status":"success"})", success},
-      {R"({"status":"ERROR"})", error},
-      {R"({"status":"Invalid_Password"})", invalidPassword},
-      {R"({"status":"PENDING"})", notSet},
-      {R"({"status":null})", notSet}};
-  for (const auto& [body, status] : rows) {
-    const auto response = parsed<MTPinResponse>(body);
-    EXPECT_EQ(response.status, status) << body;
-    EXPECT_TRUE(response.hasStatus) << body;
-  }
+  expectEach(&MTPinResponse::status, &MTPinResponse::hasStatus, true,
+             {{R"({"status":"success"})", success},
+              {R"({"status":"ERROR"})", error},
+              {R"({"status":"Invalid_Password"})", invalidPassword},
+              {R"({"status":"PENDING"})", notSet},
+              {R"({"status":null})", notSet}});
   const auto response = parsed<MTPinResponse>(R"({"transactionId":"12","errorMessage":"no"})");
   EXPECT_TRUE(!response.hasStatus && response.hasTransactionId && response.hasErrorMessage);
   EXPECT_EQ(response.transactionId, 12);

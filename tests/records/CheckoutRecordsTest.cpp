@@ -1,13 +1,3 @@
-#include <stdexcept>
-
-#include <boost/json/serialize.hpp>
-#include <gtest/gtest.h>
-
-#include "orlixkit/records/Failures.h"
-#include "orlixkit/records/Location.h"
-#include "orlixkit/records/MTCardResponse.h"
-#include "orlixkit/records/MTCodeResponse.h"
-#include "orlixkit/records/MTSecureCodeURLResponse.h"
 #include "tests/records/JsonFixture.h"
 
 namespace orlix {

@@ -1,19 +1,8 @@
 #include <type_traits>
 
 #include <boost/pfr.hpp>
-#include <gtest/gtest.h>
 
-#include "orlixkit/records/CardInfoResponse.h"
-#include "orlixkit/records/MTApiResponse.h"
-#include "orlixkit/records/MTBinInfo.h"
-#include "orlixkit/records/MTCardResponse.h"
-#include "orlixkit/records/MTCardValidateResponse.h"
-#include "orlixkit/records/MTCodeResponse.h"
-#include "orlixkit/records/MTPinResponse.h"
-#include "orlixkit/records/MTSecureCodeURLResponse.h"
-#include "orlixkit/records/MTSmsResponse.h"
-#include "orlixkit/records/PurchaseRequest.h"
-#include "orlixkit/records/VelloSecureCodeData.h"
+#include "tests/records/JsonFixture.h"
 
 namespace orlix {
 

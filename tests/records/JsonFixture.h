@@ -1,10 +1,27 @@
 #pragma once
 
+#include <initializer_list>
+#include <stdexcept>
 #include <string_view>
+#include <utility>
 
-#include "orlixkit/ports/Bytes.h"
+#include <boost/json/serialize.hpp>
+#include <gtest/gtest.h>
+
 #include "orlixkit/records/AnswerReader.h"
+#include "orlixkit/records/CardInfoResponse.h"
+#include "orlixkit/records/Failures.h"
 #include "orlixkit/records/KCVelloUtil.h"
+#include "orlixkit/records/MTApiResponse.h"
+#include "orlixkit/records/MTBinInfo.h"
+#include "orlixkit/records/MTCardResponse.h"
+#include "orlixkit/records/MTCardValidateResponse.h"
+#include "orlixkit/records/MTCodeResponse.h"
+#include "orlixkit/records/MTPinResponse.h"
+#include "orlixkit/records/MTSecureCodeURLResponse.h"
+#include "orlixkit/records/MTSmsResponse.h"
+#include "orlixkit/records/PurchaseRequest.h"
+#include "orlixkit/records/VelloSecureCodeData.h"
 
 namespace orlix {
 
@@ -23,6 +40,17 @@ Record parsed(std::string_view text) {
     record.parseFromData(answer.dictionary());
   }
   return record;
+}
+
+/// Each of these answers has this value in the field; and the flag, if the value is a known one.
+template <class Record, class Value>
+void expectEach(Value Record::*field, bool Record::*flag, bool alsoOfUnknown,
+                std::initializer_list<std::pair<const char*, Value>> rows) {
+  for (const auto& [answer, value] : rows) {
+    const auto record = parsed<Record>(answer);
+    EXPECT_EQ(record.*field, value) << answer;
+    EXPECT_EQ(record.*flag, alsoOfUnknown || value != Value{}) << answer;
+  }
 }
 
 }  // namespace orlix

@@ -165,12 +165,12 @@ TEST(WithoutCiphers, NothingIsEncryptedOrDrawnAndNoErrorIsLeftBehind) {
 TEST_F(StoredRecord, ThatIsTooLargeToEncryptLeavesTheFormerOneInPlace) {
   store.save(storage, PersistableObject{.ssToken = "former", .uid = ""});
   // Address space only: the cipher counts in int, and looks at the size first.
-  constexpr std::size_t size = std::size_t{1} << 31U;
+  constexpr std::size_t kSize = std::size_t{1} << 31U;
   void* const pages =
-      ::mmap(nullptr, size, PROT_READ, MAP_PRIVATE | MAP_ANONYMOUS | MAP_NORESERVE, -1, 0);
+      ::mmap(nullptr, kSize, PROT_READ, MAP_PRIVATE | MAP_ANONYMOUS | MAP_NORESERVE, -1, 0);
   ASSERT_NE(pages, MAP_FAILED);
-  storage.saveData(store._encrypt({static_cast<const std::uint8_t*>(pages), size}));
-  ::munmap(pages, size);
+  storage.saveData(store._encrypt({static_cast<const std::uint8_t*>(pages), kSize}));
+  ::munmap(pages, kSize);
   EXPECT_EQ(store.load(storage)->ssToken, "former");
 }
 

@@ -15,7 +15,7 @@ std::string hex(const SecretBytes& bytes) { return Hex::encode(bytes.reveal()); 
 
 SecretBytes key(std::string_view digits) { return SecretBytes(Hex::convert(digits)); }
 
-constexpr std::string_view someKey = "0123456789ABCDEFFEDCBA9876543210";
+constexpr std::string_view kSomeKey = "0123456789ABCDEFFEDCBA9876543210";
 
 TEST(PinBlock, IsThePinFieldXorTheAccountField) {
   const struct {
@@ -54,7 +54,7 @@ TEST(PinBlock, RefusesReferencesOfThirteenCharacters) {
   for (const std::int64_t reference : references) {
     EXPECT_THROW(PinBlock::generatePinBlock(SecretString("1234"), reference), std::out_of_range)
         << reference;
-    EXPECT_THROW(PinBlock::createPINBlock(key(someKey), SecretString("1234"), reference),
+    EXPECT_THROW(PinBlock::createPINBlock(key(kSomeKey), SecretString("1234"), reference),
                  std::out_of_range)
         << reference;
   }
@@ -64,9 +64,9 @@ TEST(PinBlock, RefusesReferencesOfThirteenCharacters) {
 // The expected texts come from `openssl enc -des-ede -nopad` over the clear blocks above.
 TEST(PinBlock, IsEncryptedWithTwoKeyTripleDes) {
   const SecretString pin("1234");
-  EXPECT_EQ(PinBlock::createPINBlock(key(someKey), pin, 0), "F005B8AE32436B80");
-  EXPECT_EQ(PinBlock::createPINBlock(key(someKey), pin, 765432109876), "F08FBB94F779A954");
-  EXPECT_EQ(PinBlock::createPINBlock(key(std::string(someKey) + "55AA"), pin, 0),
+  EXPECT_EQ(PinBlock::createPINBlock(key(kSomeKey), pin, 0), "F005B8AE32436B80");
+  EXPECT_EQ(PinBlock::createPINBlock(key(kSomeKey), pin, 765432109876), "F08FBB94F779A954");
+  EXPECT_EQ(PinBlock::createPINBlock(key(std::string(kSomeKey) + "55AA"), pin, 0),
             "F005B8AE32436B80")
       << "only 16 bytes of the key count";
   EXPECT_EQ(PinBlock::createPINBlock(key("0123456789"), pin, 0), "26708AF0B41D2DB4")
@@ -76,11 +76,11 @@ TEST(PinBlock, IsEncryptedWithTwoKeyTripleDes) {
 }
 
 TEST(PinBlock, ThatTheCipherRefusesIsNone) {
-  EXPECT_EQ(PinBlock::createPINBlock(key(someKey), SecretString("12345678901234"), 0),
+  EXPECT_EQ(PinBlock::createPINBlock(key(kSomeKey), SecretString("12345678901234"), 0),
             std::nullopt);
   EXPECT_EQ(ERR_peek_error(), 0U) << "a later TLS call would take the left error for its own";
   const std::string longPin(29, '1');
-  const auto two = PinBlock::createPINBlock(key(someKey), SecretString(longPin), 0);
+  const auto two = PinBlock::createPINBlock(key(kSomeKey), SecretString(longPin), 0);
   ASSERT_TRUE(two) << "a field of 32 digits makes two whole blocks";
   EXPECT_EQ(two->size(), 32U);
 }

@@ -15,23 +15,6 @@ using test::Diary;
 class Presentation : public testing::Test, protected test::PresentationStage {};
 using Dismissal = Presentation;
 
-TEST_F(Presentation, AppearsAfterItsPresenterHasReturnedUnlessItIsACut) {
-  root().present(screen("A"), true, note("completed"));
-  EXPECT_EQ(read(), (Diary{"A loaded", "A will appear"}));
-  EXPECT_FALSE(host.topController()->hasAppeared());
-  host.runUntilIdle();
-  EXPECT_EQ(read(), (Diary{"A appeared", "A presented", "completed"}));
-  EXPECT_TRUE(host.topController()->hasAppeared());
-  root().dismiss(false, note("removed"));
-  EXPECT_EQ(read(), (Diary{"A will disappear", "A gone", "removed"}));
-  root().present(screen("A"), false, note("shown"));
-  EXPECT_EQ(read(), (Diary{"A loaded", "A will appear", "A appeared", "A presented", "shown"}));
-  root().dismiss(false);
-  read();
-  root().dismiss(true, note("nothing there"));
-  EXPECT_EQ(read(), (Diary{"nothing there"}));
-}
-
 TEST_F(Dismissal, TakesTheWholeStackFromTheTopDownAndFinishesWhatIsUnderWay) {
   const auto a = screen("A");
   const auto b = screen("B");

@@ -26,7 +26,7 @@ class Progress : public testing::Test, protected test::PresentationStage {
   }
 };
 
-TEST_F(Progress, StaysWithItsMaskUntilItsFadeHasEndedAndTheCompletionsWaitForThat) {
+TEST_F(Progress, StaysUntilItsFadeHasEndedAndTheCompletionsWaitForThatOrForTheNextShow) {
   indicator().dismiss(note("nothing shown"));
   EXPECT_EQ(read(), Diary{"nothing shown"});
   show("Busy");
@@ -34,27 +34,21 @@ TEST_F(Progress, StaysWithItsMaskUntilItsFadeHasEndedAndTheCompletionsWaitForTha
     note("first")();
     throw std::runtime_error("the first broke");
   });
-  indicator().dismiss();
-  indicator().dismiss(note("second"));
+  indicator().dismiss([this] { indicator().dismiss(note("of the next fade")); });
+  indicator().dismiss(note("third"));
   EXPECT_TRUE(indicator().visible() && indicator().blocksInput());
   EXPECT_EQ(indicator().status(), "Busy");
   EXPECT_EQ(read(), Diary{"progress Busy"});
-  EXPECT_EQ(readAll(), (Diary{"no progress", "first", "second"}));
-  EXPECT_FALSE(indicator().visible() || indicator().blocksInput());
-  EXPECT_TRUE(host.log().contains("the first broke"));
-}
-
-TEST_F(Progress, ShownWhileItFadesRunsTheWaitingCompletionsAtOnceAndStays) {
-  show("Busy");
-  indicator().dismiss(note("first"));
-  indicator().dismiss([this] { indicator().dismiss(note("of the next fade")); });
-  indicator().dismiss(note("third"));
-  read();
   show("Busy again");
   EXPECT_EQ(read(), (Diary{"progress Busy again", "first", "third"}));
+  EXPECT_TRUE(host.log().contains("the first broke"));
   show("Stays");
   EXPECT_EQ(readAll(), (Diary{"progress Stays", "of the next fade"}));
   EXPECT_TRUE(indicator().visible());
+  indicator().dismiss();
+  indicator().dismiss(note("last"));
+  EXPECT_EQ(readAll(), (Diary{"no progress", "last"}));
+  EXPECT_FALSE(indicator().visible() || indicator().blocksInput());
 }
 
 TEST_F(Progress, BelongsToWhoeverShowedItLast) {
@@ -87,7 +81,6 @@ TEST_F(Progress, GoesWithTheScreenThatShowsIt) {
   show("Busy", cut);
   read();
   root().dismiss(false, note("removed"));
-  EXPECT_FALSE(indicator().visible());
   EXPECT_EQ(read(), (Diary{"A will disappear", "no progress", "A gone", "removed"}));
 
   const auto inside = screen("inside");
@@ -99,27 +92,24 @@ TEST_F(Progress, GoesWithTheScreenThatShowsIt) {
   host.runUntilIdle();
   EXPECT_FALSE(indicator().visible());
 
-  shownScreen("B")->whenAppeared = nullptr;
+  const auto onItsWayIn = screen("B");
+  onItsWayIn->whenAppeared = [&] { show("Loading", onItsWayIn); };
+  root().present(onItsWayIn, true);
+  root().dismiss(true);
+  host.runUntilIdle();
+  EXPECT_FALSE(indicator().visible());
+
+  const auto late = shownScreen("C");
+  late->whenDisappearing = [&] { show("Late", late); };
+  root().dismiss(true);
+  show("Later", late);
+  host.runUntilIdle();
+  EXPECT_FALSE(indicator().visible()) << "even when it has received `viewWillDisappear` already";
+
+  shownScreen("D");
   show("Another's", host.root());
   root().dismiss(false);
   EXPECT_TRUE(indicator().isShownFor(root())) << "of a screen that stays";
-}
-
-TEST_F(Progress, ShownByAScreenThatIsTakenAwayOnItsWayInGoesWithIt) {
-  const auto a = screen("A");
-  a->whenAppeared = [&] { show("Loading", a); };
-  root().present(a, true);
-  root().dismiss(true);
-  host.runUntilIdle();
-  EXPECT_FALSE(indicator().visible());
-  // Even when it is shown for a screen that has received `viewWillDisappear` already.
-  a->whenAppeared = nullptr;
-  a->whenDisappearing = [&] { show("Late", a); };
-  root().present(a, false);
-  root().dismiss(true);
-  show("Later", a);
-  host.runUntilIdle();
-  EXPECT_FALSE(indicator().visible());
 }
 
 TEST_F(Progress, OfAScreenThatIsInNoWindowHoldsNothingBackAndGoesWithIt) {

@@ -11,18 +11,18 @@ namespace orlix {
 namespace {
 
 TEST(TextField, ReplacesCharactersNotBytesAndStaysDefinedOnAnyRange) {
-  constexpr std::size_t all = static_cast<std::size_t>(-1);
+  constexpr std::size_t kAll = static_cast<std::size_t>(-1);
   const struct {
     std::string before;
     TextRange range;
     std::string replacement, after;
     std::size_t caret;
   } rows[] = {
-      {"12", {2, 0}, "3", "123", 3},   {"æøå", {1, 0}, "é", "æéøå", 2},
-      {"€5", {0, 1}, "", "5", 0},      {"a☃b☃c", {1, 3}, "日本", "a日本c", 3},
-      {"abc", {2, 9}, "X", "abX", 3},  {"abc", {7, 1}, "X", "abcX", 4},
-      {"abc", {1, all}, "X", "aX", 2}, {"abc", {all, all}, "X", "abcX", 4},
-      {"", {0, 0}, "x", "x", 1},       {"\xE2\x98", {0, 1}, "b", "b", 1},
+      {"12", {2, 0}, "3", "123", 3},    {"æøå", {1, 0}, "é", "æéøå", 2},
+      {"€5", {0, 1}, "", "5", 0},       {"a☃b☃c", {1, 3}, "日本", "a日本c", 3},
+      {"abc", {2, 9}, "X", "abX", 3},   {"abc", {7, 1}, "X", "abcX", 4},
+      {"abc", {1, kAll}, "X", "aX", 2}, {"abc", {kAll, kAll}, "X", "abcX", 4},
+      {"", {0, 0}, "x", "x", 1},        {"\xE2\x98", {0, 1}, "b", "b", 1},
   };
   for (const auto& row : rows) {
     TextField field;

@@ -29,7 +29,7 @@ std::string shown(const TextField& field) {
   return text.insert(offset, "|");
 }
 
-constexpr std::size_t beyond = static_cast<std::size_t>(-1);
+constexpr std::size_t kBeyond = static_cast<std::size_t>(-1);
 
 /// The keys typed one by one, then `replacement` put over `range`.
 struct Row {
@@ -40,17 +40,17 @@ struct Row {
   const char* expected;
 };
 
-constexpr TextRange none{beyond, 0};
+constexpr TextRange kNone{kBeyond, 0};
 
 TEST(FormattedTextField, SetsItsSlashesAndKeepsTheCaretWhereTheUserLeftIt) {
   const Row rows[] = {
-      {"no slash before it separates", "31", none, "", "31|"},
-      {"slashes while typing", "31121999", none, "", "31/12/1999|"},
-      {"typed slashes are ours anyway", "31/12/1999", none, "", "31/12/1999|"},
-      {"letters are left out", "3a1-1x2", none, "", "31/12|"},
-      {"a full field takes no more", "311219998", none, "", "31/12/1999|"},
+      {"no slash before it separates", "31", kNone, "", "31|"},
+      {"slashes while typing", "31121999", kNone, "", "31/12/1999|"},
+      {"typed slashes are ours anyway", "31/12/1999", kNone, "", "31/12/1999|"},
+      {"letters are left out", "3a1-1x2", kNone, "", "31/12|"},
+      {"a full field takes no more", "311219998", kNone, "", "31/12/1999|"},
       {"pasted at once", "", {0, 0}, "31.12.1999 and more 7", "31/12/1999|"},
-      {"full-width digits are digits", "３１１２", none, "", "31/12|"},
+      {"full-width digits are digits", "３１１２", kNone, "", "31/12|"},
       {"a digit in the middle moves the rest on", "3112", {1, 0}, "0", "30|/11/2"},
       {"a full field keeps what it has", "31121999", {1, 0}, "0", "3|1/12/1999"},
       {"backspace at the end", "311", {3, 1}, "", "31|"},
@@ -58,9 +58,9 @@ TEST(FormattedTextField, SetsItsSlashesAndKeepsTheCaretWhereTheUserLeftIt) {
       {"a selection over a slash", "31121999", {1, 3}, "", "3|2/19/99"},
       {"a selection is replaced", "31121999", {0, 2}, "05", "05|/12/1999"},
       {"a letter over a selection changes nothing", "3112", {0, 2}, "x", "31/12|"},
-      {"a selection far beyond the text", "3112", {1, beyond}, "", "3|"},
-      {"a place far beyond the text", "31", {beyond, 0}, "1", "31/1|"},
-      {"a selection far beyond the text", "31", {beyond, 1}, "1", "31/1|"},
+      {"a selection far beyond the text", "3112", {1, kBeyond}, "", "3|"},
+      {"a place far beyond the text", "31", {kBeyond, 0}, "1", "31/1|"},
+      {"a selection far beyond the text", "31", {kBeyond, 1}, "1", "31/1|"},
   };
   for (const Row& row : rows) {
     const auto field = std::make_shared<FormattedTextField>();
@@ -93,12 +93,12 @@ TEST(FormattedTextField, LaysItsDigitsOutAnewForAnotherPattern) {
 
 TEST(CardNumberField, GroupsInFoursAndKeepsTheCaretWhereTheUserLeftIt) {
   const Row rows[] = {
-      {"four digits", "4000", none, "", "4000|"},
-      {"the fifth opens a group", "40001", none, "", "4000 1|"},
-      {"nineteen", "4000123412341234567", none, "", "4000 1234 1234 1234 567|"},
-      {"typed blanks are ours anyway", "40 00 12", none, "", "4000 12|"},
-      {"letters are not for the field to judge", "ABCDEF", none, "", "ABCD EF|"},
-      {"characters, not bytes", "éééé４", none, "", "éééé ４|"},
+      {"four digits", "4000", kNone, "", "4000|"},
+      {"the fifth opens a group", "40001", kNone, "", "4000 1|"},
+      {"nineteen", "4000123412341234567", kNone, "", "4000 1234 1234 1234 567|"},
+      {"typed blanks are ours anyway", "40 00 12", kNone, "", "4000 12|"},
+      {"letters are not for the field to judge", "ABCDEF", kNone, "", "ABCD EF|"},
+      {"characters, not bytes", "éééé４", kNone, "", "éééé ４|"},
       {"a digit in the middle", "40001234", {2, 0}, "9", "409|0 0123 4"},
       {"a digit at the end of a group goes behind the blank",
        "40001234",
