@@ -40,7 +40,7 @@ int main(int count, char** values) {
     return 0;
   }
   if (const auto* wrong = std::get_if<UsageError>(&read)) {
-    fmt::print(stderr, "orlix-sandbox: {}\n{}", wrong->message, usage());
+    fmt::print(stderr, "orlix-sandbox: {}\nRun orlix-sandbox --help for more.\n", wrong->message);
     return 2;
   }
   // Blocked before any thread starts, so that every thread inherits it and only sigwait sees them.

@@ -35,6 +35,17 @@ TEST(Program, SaysWhereItIsAndEndsCleanlyWhenAsked) {
   EXPECT_TRUE(std::filesystem::exists(folder.path())) << "a folder that was given stays";
 }
 
+TEST(Program, TellsItsOptionsInGroupsWithExamplesWhenAskedForHelp) {
+  FILE* pipe = popen((kProgram + " --help").c_str(), "r");
+  std::string help;
+  for (std::string line = lineOf(pipe); std::feof(pipe) == 0; line = lineOf(pipe))
+    help += line + "\n";
+  EXPECT_EQ(pclose(pipe), 0);
+  for (const char* told : {"Network:", "State:", "Behaviour:", "  --port N ", "Examples:"}) {
+    EXPECT_NE(help.find(told), std::string::npos) << told << help;
+  }
+}
+
 TEST(Program, RefusesBadArgumentsWithTwoAndWhatItCannotUseWithOne) {
   struct Row {
     std::string arguments;
