@@ -16,11 +16,11 @@ bool isLoopback(std::string_view address) {
 /// Echoes the request, so that a test sees what a redirect has dropped or kept.
 HttpAnswer echo(const HttpRequest& request) {
   json::array names;
-  for (const std::string& name : request.headerNames) names.push_back(json::string(name));
+  for (const auto& [name, value] : request.headers) names.push_back(json::string(name));
   return answerWith({{"method", request.method},
                      {"bytes", request.body.size()},
-                     {"token1", !request.sessionToken1.empty()},
-                     {"token2", !request.sessionToken2.empty()},
+                     {"token1", !request.sessionToken1().empty()},
+                     {"token2", !request.sessionToken2().empty()},
                      {"headers", std::move(names)}});
 }
 

@@ -3,7 +3,7 @@
 #include <functional>
 
 #include "sandbox/Http.h"
-#include "sandbox/HttpFront.h"
+#include "sandbox/HttpServer.h"
 #include "sandbox/State.h"
 
 namespace orlix::sandbox {

@@ -274,7 +274,7 @@ void Faults::spoil(HttpAnswer& answer, const Fault& fault) {
       answer.body = eachValue(answer.body, [](const json::value&) { return json::value(); });
       break;
     case Fault::Kind::lastAnswer:
-      answer.headers.emplace_back("Connection", "close");
+      answer.last = true;
       break;
     case Fault::Kind::hold:  // By the server, which knows when the fault is cleared.
     case Fault::Kind::forgetSession:

@@ -8,10 +8,11 @@
 
 #include <fmt/format.h>
 
+#include "sandbox/Answering.h"
 #include "sandbox/Call.h"
 #include "sandbox/ClientRequests.h"
 #include "sandbox/Control.h"
-#include "sandbox/HttpFront.h"
+#include "sandbox/HttpServer.h"
 #include "sandbox/Recorder.h"
 #include "sandbox/console/ConsoleServer.h"
 
@@ -62,12 +63,14 @@ class Sandbox::Server {
     control_ = std::make_unique<Control>(
         *state_, Control::Connections{.counts = [this] { return front_->counts(); },
                                       .drop = [this] { front_->dropConnections(); }});
-    HttpFront::Setup setup{
-        .port = options_.port,
-        .oldTlsOnly = options_.oldTlsOnly,
-        .handler = [this](const HttpRequest& request) { return answer(request); },
-        .gate = [this] { return admit(); }};
-    front_ = std::make_unique<HttpFront>(certificates, std::move(setup), log_, shutdown_);
+    front_ = std::make_unique<HttpServer>(
+        HttpServer::Setup{
+            .port = options_.port,
+            .tls = tlsOf(certificates),
+            .serve =
+                answering([this](const HttpRequest& request) { return noted(request); }, shutdown_),
+            .gate = [this] { return admit(); }},
+        shutdown_);
     serve();
     if (options_.console) {
       console_ = std::make_unique<ConsoleServer>(
@@ -108,6 +111,30 @@ class Sandbox::Server {
   }
 
  private:
+  TlsSetup tlsOf(const Certificates& certificates) const {
+    TlsSetup tls{.certificate = certificates.server(), .key = certificates.serverKey()};
+    if (options_.oldTlsOnly) {
+      tls.lowestVersion = TLS1_VERSION;
+      tls.highestVersion = TLS1_1_VERSION;
+    }
+    return tls;
+  }
+
+  /// Every exchange over the network, for whoever keeps account of them.
+  HttpAnswer noted(const HttpRequest& request) {
+    const Moment arrived = now();
+    HttpAnswer made = answer(request);
+    const bool silent = made.delivery == Delivery::hangUp || made.delivery == Delivery::silence;
+    // Before the answer is sent, so that a client that has the answer finds the line.
+    log_.request({.method = request.method,
+                  .path = request.path,
+                  .status = silent ? 0 : made.status,
+                  .reason = made.reason,
+                  .arrived = arrived,
+                  .duration = now() - arrived});
+    return made;
+  }
+
   /// The port is known only once it is bound, and nothing is answered before it is known.
   void serve() {
     const std::lock_guard lock(state_->mutex);
@@ -145,7 +172,7 @@ class Sandbox::Server {
   std::unique_ptr<Control> control_;
   std::string consoleAddress_;
   // Last: their threads use all of the above.
-  std::unique_ptr<HttpFront> front_;
+  std::unique_ptr<HttpServer> front_;
   std::unique_ptr<ConsoleServer> console_;
 };
 

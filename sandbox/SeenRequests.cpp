@@ -22,9 +22,9 @@ std::int64_t SeenRequests::arrived(const HttpRequest& request, Origin origin, Ma
                    .origin = std::move(origin),
                    .method = request.method,
                    .path = request.path.substr(0, longestKeptBody),
-                   .token1 = shortened(request.sessionToken1),
-                   .token2 = shortened(request.sessionToken2),
-                   .contentType = request.contentType.substr(0, longestKeptBody),
+                   .token1 = shortened(request.sessionToken1()),
+                   .token2 = shortened(request.sessionToken2()),
+                   .contentType = request.contentType().substr(0, longestKeptBody),
                    .bytes = request.body.size(),
                    .arrived = at,
                    .asked = std::move(body)});
