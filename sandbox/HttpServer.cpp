@@ -211,13 +211,13 @@ class HttpServer::Listener {
   Listener(const Listener&) = delete;
   Listener& operator=(const Listener&) = delete;
 
-  int start() {
+  int start(int port) {
     try {
-      acceptor_ = tcp::acceptor(io_, {asio::ip::make_address_v4(setup_.address),
-                                      static_cast<std::uint16_t>(setup_.port)});
+      acceptor_ = tcp::acceptor(
+          io_, {asio::ip::make_address_v4(setup_.address), static_cast<std::uint16_t>(port)});
     } catch (const boost::system::system_error& failure) {
-      throw std::runtime_error(fmt::format("cannot listen on {} port {}: {}", setup_.address,
-                                           setup_.port, failure.code().message()));
+      throw std::runtime_error(fmt::format("cannot listen on {} port {}: {}", setup_.address, port,
+                                           failure.code().message()));
     }
     ::fcntl(acceptor_.native_handle(), F_SETFD, FD_CLOEXEC);
     accepting_ = std::thread([this] { accept(); });
@@ -322,7 +322,7 @@ HttpServer::HttpServer(Setup setup, Shutdown& shutdown)
 
 HttpServer::~HttpServer() = default;
 
-int HttpServer::start() { return listener_->start(); }
+int HttpServer::start(int port) { return listener_->start(port); }
 
 void HttpServer::stop() { listener_->stop(); }
 

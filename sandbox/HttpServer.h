@@ -68,7 +68,6 @@ class HttpServer {
 
   struct Setup {
     std::string address = "127.0.0.1";  ///< One of this machine's, IPv4.
-    int port = 0;                       ///< 0 takes a free one.
     std::optional<TlsSetup> tls{};      ///< None: plain HTTP.
     Serve serve;
     /// Asked once for each new connection, on its thread; may wait.
@@ -82,8 +81,9 @@ class HttpServer {
   HttpServer(const HttpServer&) = delete;
   HttpServer& operator=(const HttpServer&) = delete;
 
-  /// Binds and serves; returns the port. Throws std::runtime_error when that cannot be had.
-  int start();
+  /// Binds and serves; 0 takes a free port. Returns the port. Throws std::runtime_error when the
+  /// address or the port cannot be had.
+  int start(int port = 0);
 
   /// Begins the shutdown, closes every connection, waits for their threads and frees the port. May
   /// be called again.

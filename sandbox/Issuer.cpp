@@ -40,7 +40,8 @@ HttpAnswer Issuer::answer(const HttpRequest& request) {
   if (request.path == "/terms/tavlo.html") return terms();
   if (request.method != "POST") return badPage("This address takes a posted form.");
   if (request.path == "/vello/secure_code.jsp") return termination(request);
-  if (!isTerminationAddress(request.field("TermUrl")))
+  const std::string termUrl = request.field("TermUrl");
+  if (termUrl != state_.origin + "/vello/secure_code.jsp" && !isTerminationAddress(termUrl))
     return badPage("TermUrl is not the wallet's.");
   return request.path == "/issuer/acs" ? accessControl(request) : oneTimeCode(request);
 }
