@@ -81,6 +81,7 @@ ClientRequests::Arrival ClientRequests::note(const HttpRequest& request) {
                                                   .arrived = at,
                                                   .origin = origin,
                                                   .path = request.path,
+                                                  .bytes = request.body.size(),
                                                   .body = withoutSecrets(request.body)});
   }
   arrival.underWay = {nullptr, [this, number = arrival.number, origin, isPurchase](void*) {

@@ -65,6 +65,10 @@ std::unique_ptr<CLI::App> parserFor(Options& options) {
         "append every exchange to this file, without its secrets")
       ->check(complaintAboutEmpty)
       ->group("State");
+  value("--scenario", options.scenario, "FILE.json",
+        "begin with the codes, cards and PINs of this file")
+      ->check(complaintAboutEmpty)
+      ->group("Behaviour");
   app->add_flag("--enrolled", options.enrolled,
                 "every device counts as enrolled, with a wallet of every documented card")
       ->group("Behaviour");

@@ -28,6 +28,7 @@ class Control {
  private:
   struct Entry;
   static const std::vector<Entry>& entries();
+  static HttpAnswer noSuchSwitch(std::string_view path);
 
   HttpAnswer addFault(const json::object& wish);
   HttpAnswer listFaults(const json::object& wish);
@@ -53,6 +54,7 @@ class Control {
   HttpAnswer changeCard(const json::object& wish);
   HttpAnswer removeCard(const json::object& wish);
   HttpAnswer setDevice(const json::object& wish);
+  HttpAnswer removeDevice(const json::object& wish);
   HttpAnswer listRequests(const json::object& wish);
   HttpAnswer clearRequests(const json::object& wish);
 

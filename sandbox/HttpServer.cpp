@@ -35,6 +35,7 @@ using boost::system::error_code;
 
 constexpr int keptAliveMilliseconds = 5 * 60 * 1000;
 constexpr timeval longestWait{.tv_sec = 30, .tv_usec = 0};
+constexpr size_t mostConnections = 2000;
 constexpr std::uint32_t longestHeader = 256 * 1024;
 
 using Context = std::unique_ptr<SSL_CTX, void (*)(SSL_CTX*)>;
@@ -273,6 +274,7 @@ class HttpServer::Listener {
         if (open.over) open.thread.join();
         return open.over;
       });
+      if (open_.size() == mostConnections) continue;  // It is closed.
       Open& open = open_.emplace_back(Open{.socket = std::move(socket)});
       open.thread = std::thread([this, &open] { handle(open); });
     }

@@ -14,6 +14,7 @@
 #include "sandbox/Control.h"
 #include "sandbox/HttpServer.h"
 #include "sandbox/Recorder.h"
+#include "sandbox/Scenario.h"
 #include "sandbox/console/ConsoleServer.h"
 
 namespace orlix::sandbox {
@@ -53,6 +54,7 @@ class Sandbox::Server {
     if (front_) throw std::runtime_error("the sandbox has been started already");
     state_ = std::make_unique<State>(options_.database);
     state_->everyDeviceEnrolled = options_.enrolled;
+    if (!options_.scenario.empty()) loadScenario(options_.scenario, *state_);
     state_->sessions.keepOnePerDevice(options_.oneSession);
     prepareFolder();
     const Certificates certificates(certificateSetup());

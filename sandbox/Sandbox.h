@@ -14,6 +14,7 @@ struct Options {
   std::string listen{};     ///< An address of this machine to serve wallets at too; empty: none.
   std::string database{};   ///< SQLite file; empty: in memory.
   std::string folder{};     ///< Where the certificates are written; empty: a new temporary folder.
+  std::string scenario{};   ///< JSON file with codes and cards to begin with; empty: none.
   bool keepRoot = false;    ///< Keep the root certificate in `folder`, for the next start.
   bool enrolled = false;    ///< Every device counts as enrolled, with a wallet of every card.
   bool console = false;     ///< Serve the web console too.

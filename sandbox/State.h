@@ -71,4 +71,7 @@ struct State {
 /// Whether a session start can be answered in this way.
 bool isSessionStart(std::string_view start);
 
+/// The complaint about one that is none, with those that there are.
+std::string noSessionStart(std::string_view start);
+
 }  // namespace orlix::sandbox
