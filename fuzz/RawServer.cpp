@@ -21,6 +21,7 @@ void RawServer::prepare(std::vector<std::string> answers) {
 }
 
 std::vector<sandbox::HttpRequest> RawServer::requests() {
+  server_.awaitIdle();
   const std::lock_guard guard(lock_);
   return requests_;
 }

@@ -19,7 +19,8 @@ class RawServer {
   int port() const { return port_; }
   /// Takes the answers to come, and forgets the requests that have been seen.
   void prepare(std::vector<std::string> answers);
-  /// The requests since then. Each is noted before it is answered.
+  /// The requests since then, once the connections that brought them are closed: the client must
+  /// not send the next one over a connection that is about to be.
   std::vector<sandbox::HttpRequest> requests();
 
  private:

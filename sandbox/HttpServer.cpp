@@ -1,7 +1,9 @@
 #include "sandbox/HttpServer.h"
 
+#include <algorithm>
 #include <array>
 #include <atomic>
+#include <condition_variable>
 #include <csignal>
 #include <fcntl.h>
 #include <list>
@@ -240,6 +242,13 @@ class HttpServer::Listener {
     closeIf([](const Open& open) { return open.thread.get_id() != std::this_thread::get_id(); });
   }
 
+  void awaitIdle() {
+    std::unique_lock lock(mutex_);
+    closed_.wait(lock, [this] {
+      return std::all_of(open_.begin(), open_.end(), [](const Open& open) { return open.over; });
+    });
+  }
+
   ConnectionCounts counts() const {
     return {.connections = connections_, .handshakes = handshakes_, .resumed = resumed_};
   }
@@ -286,6 +295,7 @@ class HttpServer::Listener {
     error_code ignored;
     open.socket.close(ignored);
     open.over = true;
+    closed_.notify_all();
   }
 
   void serve(tcp::socket& socket) {
@@ -313,6 +323,7 @@ class HttpServer::Listener {
   tcp::acceptor acceptor_{io_};
   std::thread accepting_;
   std::mutex mutex_;
+  std::condition_variable closed_;
   std::list<Open> open_;
   std::atomic<std::int64_t> connections_{0};
   std::atomic<std::int64_t> handshakes_{0};
@@ -331,6 +342,8 @@ void HttpServer::stop() { listener_->stop(); }
 ConnectionCounts HttpServer::counts() const { return listener_->counts(); }
 
 void HttpServer::dropConnections() { listener_->dropConnections(); }
+
+void HttpServer::awaitIdle() { listener_->awaitIdle(); }
 
 std::string reasonPhrase(int status) {
   return std::string(http::obsolete_reason(http::int_to_status(static_cast<unsigned>(status))));

@@ -94,6 +94,9 @@ class HttpServer {
   /// Closes every connection but the caller's own, so that clients must reconnect.
   void dropConnections();
 
+  /// Waits until no connection is open. Not for the threads of connections.
+  void awaitIdle();
+
  private:
   class Listener;
   std::unique_ptr<Listener> listener_;

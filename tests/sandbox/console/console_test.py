@@ -290,8 +290,8 @@ class Wallets(ConsoleTest):
 
     def test_a_device_is_removed_and_its_session_with_it(self):
         self.assertEqual(self.sandbox.control("GET", "state")["sessions"], 1)
-        self.browser.click(".device button", "Remove device")
-        self.browser.until(lambda: not self.browser.find(".device"), "removed")
+        self.browser.click("#wallets .device button", "Remove device")
+        self.browser.until(lambda: not self.browser.find("#wallets .device"), "removed")
         self.assertEqual(self.sandbox.control("GET", "wallets")["devices"], [])
         self.assertEqual(self.sandbox.control("GET", "state")["sessions"], 0)
         self.assertTrue(self.browser.find("[data-card='1111']"), "the wallet stays")
