@@ -125,9 +125,9 @@ TEST_F(Answers, AHeadRequestGetsTheHeaderAlone) {
 TEST(HttpServer, ServesOneAddressAndSaysWhichItCannotHave) {
   Shutdown shutdown;
   const auto serve = [](Connection& connection) { return connection.write("not HTTP at all"); };
-  HttpServer server({.address = "127.0.0.2", .serve = serve}, shutdown);
+  HttpServer server({.address = "127.0.0.1", .serve = serve}, shutdown);
   const int port = server.start();
-  HttpServer second({.address = "127.0.0.1", .serve = serve}, shutdown);
+  HttpServer second({.address = "127.0.0.2", .serve = serve}, shutdown);
   EXPECT_EQ(second.start(port), port);
   EXPECT_EQ(RawClient(port).readAll(), "not HTTP at all") << "whatever bytes are wished";
   for (const char* address : {"127.0.0.2", "203.0.113.1", "no address"}) {
