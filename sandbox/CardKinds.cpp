@@ -1,9 +1,14 @@
 #include "sandbox/CardKinds.h"
 
+#include <algorithm>
+#include <array>
 #include <stdexcept>
 #include <variant>
 
 #include <fmt/format.h>
+
+#include "sandbox/Bounds.h"
+#include "sandbox/Formats.h"
 
 namespace orlix::sandbox {
 
@@ -174,9 +179,41 @@ std::optional<std::string> CardKind::apply(const json::object& change) {
         if (done) this->*(*flag) = pair.value().get_bool();
       }
     }
-    if (!done) return fmt::format("\"{}\" is no field of a card kind, or of another type", key);
+    if (!done) {
+      std::string names;
+      for (const auto& [name, member] : members()) {
+        const bool isText = std::holds_alternative<std::string CardKind::*>(member);
+        names += fmt::format("{}{} ({})", names.empty() ? "" : ", ", name,
+                             isText ? "string" : "boolean");
+      }
+      return fmt::format("\"{}\" is no field of a card kind, or of another type; the fields are {}",
+                         key, names);
+    }
   }
   if (bin.size() != CardKinds::binLength) return "\"bin\" must have nine characters";
+  return std::nullopt;
+}
+
+std::optional<std::string> CardKind::complaint() const {
+  const auto holds = [](std::string_view text, size_t least, size_t most) {
+    return isDigits(text) && text.size() >= least && text.size() <= most;
+  };
+  if (!holds(bin, CardKinds::binLength, CardKinds::binLength))
+    return "\"bin\" is not of nine digits";
+  if (!holds(pin, 4, 12)) return "\"pin\" is not of 4 to 12 digits";
+  if (!holds(cvv, 3, 4)) return "\"cvv\" is not of 3 or 4 digits";
+  constexpr std::array<std::string_view, 8> pages{"pass",  "notEnrolled",      "error",
+                                                  "html",  "htmlPresentFalse", "neverReturns",
+                                                  "twice", "largePage"};
+  if (std::find(pages.begin(), pages.end(), authentication) == pages.end()) {
+    return fmt::format("\"authentication\" is none of {}", fmt::join(pages, ", "));
+  }
+  for (const auto& [name, member] : members()) {
+    const auto* text = std::get_if<std::string CardKind::*>(&member);
+    if (text != nullptr && (this->*(*text)).size() > longestKeptText) {
+      return fmt::format("\"{}\" is longer than {} bytes", name, longestKeptText);
+    }
+  }
   return std::nullopt;
 }
 

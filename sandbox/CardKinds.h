@@ -43,6 +43,9 @@ struct CardKind {
 
   /// Replaces the fields that `change` names; what is wrong with it in words, or nothing.
   std::optional<std::string> apply(const json::object& change);
+
+  /// What is wrong with the values of the fields; nothing when they make sense.
+  std::optional<std::string> complaint() const;
 };
 
 /// The kinds that the server knows, kept in the database so that added rules survive a restart.
@@ -54,6 +57,7 @@ class CardKinds {
 
   std::optional<CardKind> find(std::string_view numberOrBin) const;
   void put(const CardKind& kind);
+  bool isFull() const { return byBin_.size() >= most; }
 
   /// Those that a demonstration wallet holds, in the wallet's order.
   static std::vector<CardKind> demonstration();
@@ -62,6 +66,7 @@ class CardKinds {
   static std::vector<CardKind> documented();
 
   static constexpr size_t binLength = 9;
+  static constexpr size_t most = 1000;
 
  private:
   Database& database_;

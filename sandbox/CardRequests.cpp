@@ -99,7 +99,9 @@ HttpAnswer linkCard(Call& call) {
     if (!linked.empty())
       status = internationalForm(linked) == numberAtTheBank ? "SUCCESS" : "FAILED";
   }
-  if (status == "SUCCESS") call.state.wallets.add(call.session->wallet, *kind, number);
+  if (status == "SUCCESS" && !call.state.wallets.add(call.session->wallet, *kind, number)) {
+    status = "FAILED";  // The wallet is full.
+  }
   return withCards(call, status);
 }
 

@@ -81,6 +81,7 @@ ClientRequests::Arrival ClientRequests::note(const HttpRequest& request) {
                                                   .arrived = at,
                                                   .origin = origin,
                                                   .path = request.path,
+                                                  .bytes = request.body.size(),
                                                   .body = withoutSecrets(request.body)});
   }
   arrival.underWay = {nullptr, [this, number = arrival.number, origin, isPurchase](void*) {
@@ -91,14 +92,14 @@ ClientRequests::Arrival ClientRequests::note(const HttpRequest& request) {
                       }};
   arrival.faults = state_.faults.take(request.path);
   for (const Fault& fault : arrival.faults) {
-    if (fault.kind == Fault::Kind::forgetSession) state_.sessions.forget(request.sessionToken1);
+    if (fault.kind == Fault::Kind::forgetSession) state_.sessions.forget(request.sessionToken1());
   }
   return arrival;
 }
 
 /// A session start says itself for which device it is.
 Origin ClientRequests::originOf(const HttpRequest& request) const {
-  Origin origin = state_.sessions.originOf(request.sessionToken1, request.sessionToken2);
+  Origin origin = state_.sessions.originOf(request.sessionToken1(), request.sessionToken2());
   if (!Vello::isSessionStart(request)) return origin;
   const auto body = parseObject(request.body);
   const std::string serial = body ? textOf(*body, "deviceSerial") : "";

@@ -18,6 +18,7 @@ struct HelpWanted {};
 std::variant<Options, HelpWanted, UsageError> readCommandLine(
     std::span<const char* const> arguments);
 
+/// What --help prints.
 std::string usage();
 
 }  // namespace orlix::sandbox

@@ -3,6 +3,8 @@
 #include <charconv>
 #include <utility>
 
+#include <fmt/format.h>
+
 #include "sandbox/Call.h"
 
 namespace orlix::sandbox {
@@ -16,11 +18,11 @@ bool isLoopback(std::string_view address) {
 /// Echoes the request, so that a test sees what a redirect has dropped or kept.
 HttpAnswer echo(const HttpRequest& request) {
   json::array names;
-  for (const std::string& name : request.headerNames) names.push_back(json::string(name));
+  for (const auto& [name, value] : request.headers) names.push_back(json::string(name));
   return answerWith({{"method", request.method},
                      {"bytes", request.body.size()},
-                     {"token1", !request.sessionToken1.empty()},
-                     {"token2", !request.sessionToken2.empty()},
+                     {"token1", !request.sessionToken1().empty()},
+                     {"token2", !request.sessionToken2().empty()},
                      {"headers", std::move(names)}});
 }
 
@@ -58,6 +60,7 @@ const std::vector<Control::Entry>& Control::entries() {
       {"PATCH", "/control/wallets/cards", &Control::changeCard},
       {"DELETE", "/control/wallets/cards", &Control::removeCard},
       {"POST", "/control/devices", &Control::setDevice},
+      {"DELETE", "/control/devices", &Control::removeDevice},
       {"GET", "/control/requests", &Control::listRequests},
       {"DELETE", "/control/requests", &Control::clearRequests},
   };
@@ -80,7 +83,20 @@ HttpAnswer Control::answer(const HttpRequest& request) {
     if (entry.method != "GET") state_.touch();
     return (this->*entry.answer)(*wish);
   }
-  return refusal(404, "there is no such switch");
+  return noSuchSwitch(request.path);
+}
+
+/// Names the methods of the path, or all there is when nothing has that path.
+HttpAnswer Control::noSuchSwitch(std::string_view path) {
+  std::string methods;
+  std::string all;
+  for (const Entry& entry : entries()) {
+    if (entry.path == path)
+      methods += fmt::format("{}{}", methods.empty() ? "" : ", ", entry.method);
+    all += fmt::format("{}{} {}", all.empty() ? "" : ", ", entry.method, entry.path);
+  }
+  if (!methods.empty()) return refusal(405, fmt::format("{} takes {}", path, methods));
+  return refusal(404, fmt::format("there is no such switch; there are {}", all));
 }
 
 HttpAnswer Control::addFault(const json::object& wish) {
@@ -122,7 +138,7 @@ HttpAnswer Control::setSessionStart(const json::object& wish) {
     return mistake(*wrong);
   }
   const std::string start = textOf(wish, "answer");
-  if (!isSessionStart(start)) return mistake("there is no such session start");
+  if (!isSessionStart(start)) return mistake(noSessionStart(start));
   if (booleanOf(wish, "once")) {
     state_.nextSessionStart = start;
   } else {
@@ -155,6 +171,10 @@ HttpAnswer Control::setEnrolled(const json::object& wish) {
 HttpAnswer Control::putCardKind(const json::object& wish) {
   CardKind kind = state_.kinds.find(textOf(wish, "bin")).value_or(CardKind{});
   if (const auto wrong = kind.apply(wish)) return mistake(*wrong);
+  if (const auto wrong = kind.complaint()) return mistake(*wrong);
+  if (state_.kinds.isFull() && !state_.kinds.find(kind.bin)) {
+    return mistake(fmt::format("there are {} card rules already", CardKinds::most));
+  }
   state_.kinds.put(kind);
   return answerWith(kind.toJson());
 }

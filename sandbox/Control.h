@@ -3,7 +3,7 @@
 #include <functional>
 
 #include "sandbox/Http.h"
-#include "sandbox/HttpFront.h"
+#include "sandbox/HttpServer.h"
 #include "sandbox/State.h"
 
 namespace orlix::sandbox {
@@ -28,6 +28,7 @@ class Control {
  private:
   struct Entry;
   static const std::vector<Entry>& entries();
+  static HttpAnswer noSuchSwitch(std::string_view path);
 
   HttpAnswer addFault(const json::object& wish);
   HttpAnswer listFaults(const json::object& wish);
@@ -53,6 +54,7 @@ class Control {
   HttpAnswer changeCard(const json::object& wish);
   HttpAnswer removeCard(const json::object& wish);
   HttpAnswer setDevice(const json::object& wish);
+  HttpAnswer removeDevice(const json::object& wish);
   HttpAnswer listRequests(const json::object& wish);
   HttpAnswer clearRequests(const json::object& wish);
 

@@ -76,7 +76,7 @@ HttpAnswer Control::addCard(const json::object& wish) {
   }
   const auto kind = state_.kinds.find(number);
   if (!kind) return mistake("no card rule begins with the first nine digits of this number");
-  state_.wallets.add(wallet, *kind, number);
+  if (!state_.wallets.add(wallet, *kind, number)) return mistake("the wallet is full");
   return done();
 }
 
@@ -108,12 +108,22 @@ HttpAnswer Control::removeCard(const json::object& wish) {
   return done();
 }
 
+/// A removed device has to enrol again; its wallet stays for the other devices of its number.
+HttpAnswer Control::removeDevice(const json::object& wish) {
+  if (auto wrong = complaint(wish, {{"device"}})) return mistake(*wrong);
+  const std::string serial = textOf(wish, "device");
+  if (!state_.devices.find(serial)) return mistake("there is no such device");
+  state_.devices.remove(serial);
+  state_.sessions.forgetDevice(serial);
+  return done();
+}
+
 HttpAnswer Control::setDevice(const json::object& wish) {
   if (auto wrong = complaint(wish, {{"device"}, {"nextStart"}})) return mistake(*wrong);
   auto device = state_.devices.find(textOf(wish, "device"));
   if (!device) return mistake("there is no such device");
   const std::string start = textOf(wish, "nextStart");
-  if (!isSessionStart(start)) return mistake("there is no such session start");
+  if (!isSessionStart(start)) return mistake(noSessionStart(start));
   device->nextStart = start == "normal" ? "" : start;
   state_.devices.put(*device);
   return done();

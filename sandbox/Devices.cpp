@@ -1,5 +1,7 @@
 #include "sandbox/Devices.h"
 
+#include "sandbox/Bounds.h"
+
 namespace orlix::sandbox {
 
 Devices::Devices(Database& database) : database_(database) {
@@ -34,6 +36,17 @@ std::vector<Device> Devices::list(std::int64_t most) const {
 void Devices::put(const Device& device) {
   database_.run("INSERT OR REPLACE INTO devices VALUES (?, ?, ?, ?)",
                 {device.serial, device.token, device.wallet, device.nextStart});
+  // A device that is put again comes last, so these have been away for longest.
+  for (const auto& row :
+       database_.ask("SELECT serial FROM devices ORDER BY rowid DESC LIMIT -1 OFFSET ?",
+                     {std::int64_t{mostKept}})) {
+    remove(row.text(0));
+  }
+}
+
+void Devices::remove(const std::string& serial) {
+  database_.run("DELETE FROM devices WHERE serial = ?", {serial});
+  dropSms(serial);
 }
 
 std::optional<PendingSms> Devices::pendingSms(const std::string& serial) const {

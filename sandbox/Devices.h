@@ -31,7 +31,10 @@ class Devices {
   explicit Devices(Database& database);
 
   std::optional<Device> find(const std::string& serial) const;
+  /// The latest `mostKept` devices are kept.
   void put(const Device& device);
+  /// With its pending SMS code. Its wallet stays.
+  void remove(const std::string& serial);
   /// The latest devices, at most `most` of them.
   std::vector<Device> list(std::int64_t most) const;
 

@@ -10,10 +10,12 @@ namespace json = boost::json;
 
 EventLog::EventLog(Sink sink) : sink_(std::move(sink)) {}
 
-void EventLog::ready(std::string_view base, std::string_view anchor, std::string_view terms,
-                     std::string_view console) {
-  json::object line{{"event", "ready"}, {"base", base}, {"anchor", anchor}, {"terms", terms}};
-  if (!console.empty()) line["console"] = console;
+void EventLog::ready(const Ready& where) {
+  json::object line{
+      {"event", "ready"}, {"base", where.base}, {"anchor", where.anchor}, {"terms", where.terms}};
+  if (!where.console.empty()) line["console"] = where.console;
+  line["anchorPem"] = where.anchorText;
+  line["local"] = where.local;
   write(json::serialize(line));
 }
 

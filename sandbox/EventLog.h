@@ -2,6 +2,7 @@
 
 #include <functional>
 #include <mutex>
+#include <string>
 #include <string_view>
 
 #include "sandbox/Moment.h"
@@ -18,9 +19,16 @@ class EventLog {
   /// `sink` gets each line without its line end. It must not call the log.
   explicit EventLog(Sink sink);
 
-  /// `console` is empty when there is none.
-  void ready(std::string_view base, std::string_view anchor, std::string_view terms,
-             std::string_view console);
+  struct Ready {
+    std::string base;
+    std::string local;       ///< Scheme, host and port by which this machine reaches all of it.
+    std::string anchor;      ///< The root's file, DER.
+    std::string anchorText;  ///< The same as PEM.
+    std::string terms;
+    std::string console;  ///< Empty when there is none.
+  };
+
+  void ready(const Ready& where);
 
   struct Request {
     std::string_view method;

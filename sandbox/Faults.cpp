@@ -6,6 +6,8 @@
 
 #include <fmt/format.h>
 
+#include "sandbox/Bounds.h"
+
 namespace orlix::sandbox {
 
 namespace {
@@ -33,6 +35,14 @@ constexpr std::array<std::pair<std::string_view, Fault::Kind>, 21> kindNames{{
     {"refuse-handshake", Fault::Kind::refuseHandshake},
     {"hold-handshake", Fault::Kind::holdHandshake},
 }};
+
+constexpr std::int64_t mostBytes = 500'000'000;
+
+std::string noSuchKind(std::string_view name) {
+  std::string names;
+  for (const auto& [known, kind] : kindNames) names += fmt::format(", {}", known);
+  return fmt::format("there is no fault \"{}\"; there are {}", name, names.substr(2));
+}
 
 bool meetsConnections(const Fault& fault) {
   return fault.kind == Fault::Kind::resetConnection || fault.kind == Fault::Kind::refuseHandshake ||
@@ -136,10 +146,15 @@ std::optional<std::string> Faults::add(const json::object& wish) {
                                     {"bytes", Kind::integer, false}})) {
     return wrong;
   }
+  for (const char* text : {"path", "body", "location"}) {
+    if (textOf(wish, text).size() > longestKeptBody) {
+      return fmt::format("\"{}\" is longer than {} bytes", text, longestKeptBody);
+    }
+  }
   const std::string name = textOf(wish, "kind");
   const auto* found = std::find_if(kindNames.begin(), kindNames.end(),
                                    [&](const auto& entry) { return entry.first == name; });
-  if (found == kindNames.end()) return fmt::format("there is no fault \"{}\"", name);
+  if (found == kindNames.end()) return noSuchKind(name);
   Fault fault;
   fault.kind = found->second;
   if (wish.contains("path")) fault.path = textOf(wish, "path");
@@ -156,6 +171,9 @@ std::optional<std::string> Faults::add(const json::object& wish) {
   if (redirects && fault.location.empty()) return "a redirect needs a \"location\"";
   fault.milliseconds = integerOf(wish, "milliseconds", fault.milliseconds);
   fault.bytes = integerOf(wish, "bytes", fault.bytes);
+  if (fault.bytes < 0 || fault.bytes > mostBytes) {
+    return fmt::format("\"bytes\" is no number from 0 to {}", mostBytes);
+  }
   add(std::move(fault));
   return std::nullopt;
 }
@@ -274,7 +292,7 @@ void Faults::spoil(HttpAnswer& answer, const Fault& fault) {
       answer.body = eachValue(answer.body, [](const json::value&) { return json::value(); });
       break;
     case Fault::Kind::lastAnswer:
-      answer.headers.emplace_back("Connection", "close");
+      answer.last = true;
       break;
     case Fault::Kind::hold:  // By the server, which knows when the fault is cleared.
     case Fault::Kind::forgetSession:

@@ -27,13 +27,6 @@ HttpAnswer badPage(std::string_view reason) {
   return html(waitingPage("This page cannot be shown", reason), 400);
 }
 
-std::string field(const HttpRequest& request, std::string_view name) {
-  for (const auto& [key, value] : request.form) {
-    if (key == name) return value;
-  }
-  return {};
-}
-
 }  // namespace
 
 bool Issuer::owns(const HttpRequest& request) {
@@ -47,26 +40,27 @@ HttpAnswer Issuer::answer(const HttpRequest& request) {
   if (request.path == "/terms/tavlo.html") return terms();
   if (request.method != "POST") return badPage("This address takes a posted form.");
   if (request.path == "/vello/secure_code.jsp") return termination(request);
-  if (!isTerminationAddress(field(request, "TermUrl")))
+  const std::string termUrl = request.field("TermUrl");
+  if (termUrl != state_.origin + "/vello/secure_code.jsp" && !isTerminationAddress(termUrl))
     return badPage("TermUrl is not the wallet's.");
   return request.path == "/issuer/acs" ? accessControl(request) : oneTimeCode(request);
 }
 
 HttpAnswer Issuer::accessControl(const HttpRequest& request) {
-  const Authentication* found = state_.authentications.findByPaReq(field(request, "PaReq"));
+  const Authentication* found = state_.authentications.findByPaReq(request.field("PaReq"));
   if (found == nullptr) return badPage("The PaReq is not known.");
   return html(issuerPage({.action = "/issuer/otp",
                           .paReq = found->paReq,
-                          .termUrl = field(request, "TermUrl"),
-                          .md = field(request, "MD"),
+                          .termUrl = request.field("TermUrl"),
+                          .md = request.field("MD"),
                           .amount = found->amount}));
 }
 
 HttpAnswer Issuer::oneTimeCode(const HttpRequest& request) {
-  Authentication* found = state_.authentications.findByPaReq(field(request, "PaReq"));
+  Authentication* found = state_.authentications.findByPaReq(request.field("PaReq"));
   if (found == nullptr) return badPage("The PaReq is not known.");
-  const std::string otp = field(request, "otp");
-  const bool cancelled = field(request, "choice") == "cancel";
+  const std::string otp = request.field("otp");
+  const bool cancelled = request.field("choice") == "cancel";
   if (found->behaviour == "neverReturns" && !cancelled) {
     return html(waitingPage("First Sandbox Bank", "Please wait for your bank..."));
   }
@@ -75,17 +69,17 @@ HttpAnswer Issuer::oneTimeCode(const HttpRequest& request) {
   if (mayTryAgain && ++found->wrongCodes < triesForOnePage) {
     return html(issuerPage({.action = "/issuer/otp",
                             .paReq = found->paReq,
-                            .termUrl = field(request, "TermUrl"),
-                            .md = field(request, "MD"),
+                            .termUrl = request.field("TermUrl"),
+                            .md = request.field("MD"),
                             .amount = found->amount,
                             .wrongCodes = found->wrongCodes}));
   }
   if (found->paRes.empty()) state_.authentications.end(*found, passes);
-  return html(returningPage(field(request, "TermUrl"), found->paRes, field(request, "MD")));
+  return html(returningPage(request.field("TermUrl"), found->paRes, request.field("MD")));
 }
 
 HttpAnswer Issuer::termination(const HttpRequest& request) {
-  const std::string paRes = field(request, "PaRes");
+  const std::string paRes = request.field("PaRes");
   Authentication* found = state_.authentications.findByPaRes(paRes);
   if (found == nullptr) return html(terminationPage(paRes, false, 0));
   const bool again = found->behaviour == "twice" && found->terminationViews == 0;

@@ -18,6 +18,8 @@ bool isOfKind(const json::value& value, Kind kind) {
       return value.is_bool();
     case Kind::object:
       return value.is_object();
+    case Kind::array:
+      return value.is_array();
   }
   return false;
 }
@@ -32,6 +34,8 @@ std::string_view nameOf(Kind kind) {
       return "a boolean";
     case Kind::object:
       return "an object";
+    case Kind::array:
+      return "an array";
   }
   return "";
 }
@@ -59,7 +63,12 @@ std::optional<std::string> complaint(const json::object& body, const Shape& shap
     const std::string_view key(pair.key().data(), pair.key().size());
     const bool known = std::any_of(shape.begin(), shape.end(),
                                    [&](const Field& field) { return field.name == key; });
-    if (!known) return fmt::format("{} has the unknown key \"{}\"", where, key);
+    if (!known) {
+      std::string names;
+      for (const Field& field : shape) names += fmt::format(", \"{}\"", field.name);
+      return fmt::format("{} has the unknown key \"{}\"; {}", where, key,
+                         shape.empty() ? "it has none" : "its keys are " + names.substr(2));
+    }
   }
   return std::nullopt;
 }

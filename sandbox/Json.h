@@ -11,7 +11,7 @@ namespace orlix::sandbox {
 
 namespace json = boost::json;
 
-enum class Kind { text, integer, boolean, object };
+enum class Kind { text, integer, boolean, object, array };
 
 struct Field {
   std::string_view name;

@@ -69,8 +69,8 @@ MaskedBody maskRequest(State& state, const HttpRequest& request) {
     return {.text = fmt::format("A form of {} bytes with the fields {}", request.body.size(),
                                 names.substr(0, longestKeptBody))};
   }
-  Judge judge(state, state.sessions.find(request.sessionToken1, request.sessionToken2));
-  return maskBody(request.body, request.contentType,
+  Judge judge(state, state.sessions.find(request.sessionToken1(), request.sessionToken2()));
+  return maskBody(request.body, request.contentType(),
                   [&judge](std::string_view key, const json::value& value,
                            const json::object& body) { return judge.explain(key, value, body); });
 }

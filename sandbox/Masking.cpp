@@ -107,6 +107,8 @@ class Masker {
     }
   }
 
+  size_t bytes() const { return bytes_; }
+
   std::vector<std::string> masked;
 
  private:
@@ -125,11 +127,13 @@ class Masker {
       words = std::move(better);
     }
     value = words;
-    masked.push_back(path);
+    bytes_ += sizeof(std::string) + path.size();
+    if (bytes_ <= longestKeptBody) masked.push_back(path);
   }
 
   const json::object& whole_;
   const Explain& explain_;
+  size_t bytes_ = 0;  ///< Of the pointers to everything that was replaced.
 };
 
 }  // namespace
@@ -143,6 +147,12 @@ std::string shortened(std::string_view token) {
   // Of a short token four characters would be too much.
   const size_t shown = token.size() >= 16 ? 4 : 0;
   return fmt::format("{}... ({} characters)", token.substr(0, shown), token.size());
+}
+
+size_t MaskedBody::bytes() const {
+  size_t sum = text.size();
+  for (const std::string& pointer : masked) sum += sizeof(std::string) + pointer.size();
+  return sum;
 }
 
 MaskedBody maskBody(std::string_view body, std::string_view contentType, const Explain& explain) {
@@ -163,8 +173,8 @@ MaskedBody maskBody(std::string_view body, std::string_view contentType, const E
   out.text = json::serialize(*object);
   out.masked = std::move(masker.masked);
   out.isJson = true;
-  if (out.text.size() > longestKeptBody) {
-    out.text.resize(longestKeptBody);
+  if (out.text.size() > longestKeptBody || masker.bytes() > longestKeptBody) {
+    out.text.resize(std::min(out.text.size(), longestKeptBody));
     out.isJson = false;
     out.cut = true;
   }

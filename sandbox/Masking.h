@@ -5,6 +5,7 @@
 #include <string_view>
 #include <vector>
 
+#include "sandbox/Bounds.h"
 #include "sandbox/Json.h"
 
 namespace orlix::sandbox {
@@ -14,7 +15,9 @@ struct MaskedBody {
   std::string text{};                 ///< JSON when `isJson`; otherwise words about the body.
   std::vector<std::string> masked{};  ///< JSON pointers (RFC 6901) to the values replaced.
   bool isJson = false;
-  bool cut = false;  ///< The text was too long and lacks its end.
+  bool cut = false;  ///< Text or pointers were too long and lack their end.
+
+  size_t bytes() const;
 };
 
 /// Words about a secret that the server can judge ("PIN block, correct PIN"), given its key in
@@ -33,8 +36,5 @@ bool isSecret(std::string_view key, const json::value& value);
 
 /// "3fa2... (32 characters)": enough to tell two tokens apart, too little to use one.
 std::string shortened(std::string_view token);
-
-/// Bytes of a body that are kept.
-constexpr size_t longestKeptBody = size_t{64} * 1024;
 
 }  // namespace orlix::sandbox

@@ -29,17 +29,34 @@ json::value withoutSecrets(std::string_view body) {
 }
 
 size_t Purchases::received(ReceivedPurchase purchase) {
+  if (purchase.bytes > longestKeptBody) {
+    purchase.body = nullptr;
+    purchase.bytes = 0;
+  }
   DeviceCount& device = devices_[purchase.origin.device];
   ++device.received;
   ++device.underWay;
   device.mostUnderWay = std::max(device.mostUnderWay, device.underWay);
+  bytes_ += purchase.bytes;
   received_.push_back(std::move(purchase));
   ++receivedCount_;
-  if (received_.size() > kept) {
+  dropOldest();
+  return dropped_ + received_.size() - 1;
+}
+
+void Purchases::dropOldest() {
+  while (received_.size() > kept || bytes_ > bytesKept) {
+    bytes_ -= received_.front().bytes;
     received_.pop_front();
     ++dropped_;
   }
-  return dropped_ + received_.size() - 1;
+  // Any but those that are to be counted down again.
+  const auto idle = [](const auto& entry) { return entry.second.underWay == 0; };
+  if (devices_.size() > kept) {
+    const auto found = std::find_if(devices_.begin(), devices_.end(), idle);
+    if (found != devices_.end()) devices_.erase(found);
+  }
+  if (tries_.size() > kept) tries_.erase(tries_.begin());
 }
 
 void Purchases::decided(size_t place, int status, std::string_view answer) {
@@ -61,6 +78,7 @@ void Purchases::clearAccount() {
   }
   dropped_ += received_.size();
   received_.clear();
+  bytes_ = 0;
   receivedCount_ = 0;
   paymentCount_ = 0;
 }

@@ -7,6 +7,7 @@
 #include <string_view>
 #include <utility>
 
+#include "sandbox/Bounds.h"
 #include "sandbox/Codes.h"
 #include "sandbox/Json.h"
 #include "sandbox/Moment.h"
@@ -38,7 +39,8 @@ struct ReceivedPurchase {
   Moment arrived{};
   Origin origin{};
   std::string path{};
-  json::value body{};
+  size_t bytes = 0;       ///< Of the body as it came.
+  json::value body{};     ///< Null when it is no JSON object, or too long to be kept.
   int status = 0;         ///< HTTP status of the answer.
   std::string outcome{};  ///< "status" of the answer, when it had one.
   std::int64_t transactionId = 0;
@@ -75,8 +77,11 @@ class Purchases {
   int countTry(const std::string& wallet, const std::string& code);
 
  private:
-  static constexpr size_t kept = 10'000;  ///< Of each; the oldest are dropped.
-  static constexpr size_t listed = 500;   ///< By `payments`, at most.
+  static constexpr size_t kept = mostKept;               ///< Of each; the oldest are dropped.
+  static constexpr size_t bytesKept = size_t{16} << 20;  ///< Of bodies; so are the oldest.
+  static constexpr size_t listed = 500;                  ///< By `payments`, at most.
+
+  void dropOldest();
 
   struct DeviceCount {
     std::int64_t received = 0;
@@ -86,6 +91,7 @@ class Purchases {
 
   std::map<std::string, DeviceCount> devices_;
   std::deque<ReceivedPurchase> received_;
+  size_t bytes_ = 0;    ///< Of their bodies.
   size_t dropped_ = 0;  ///< Entries that are gone; places count on from there.
   std::int64_t receivedCount_ = 0;
   std::int64_t paymentCount_ = 0;

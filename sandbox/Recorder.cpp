@@ -93,19 +93,13 @@ std::string bodyOf(const HttpRequest& request) {
 
 json::object headersOf(const HttpRequest& request) {
   json::object out;
-  for (const std::string& name : request.headerNames) out[name] = "";
-  const auto set = [&](std::string_view name, const std::string& value) {
-    const auto same = std::find_if(out.begin(), out.end(), [&](const json::key_value_pair& pair) {
-      const std::string_view key(pair.key().data(), pair.key().size());
-      return std::equal(
-          key.begin(), key.end(), name.begin(), name.end(),
-          [](unsigned char a, unsigned char b) { return std::tolower(a) == std::tolower(b); });
-    });
-    if (same != out.end()) same->value() = value;
-  };
-  set("Content-Type", request.contentType);
-  set("x-session-token1", ofSameForm(request.sessionToken1));
-  set("x-session-token2", ofSameForm(request.sessionToken2));
+  for (const auto& [name, value] : request.headers) {
+    std::string key = name;
+    std::transform(key.begin(), key.end(), key.begin(),
+                   [](unsigned char c) { return static_cast<char>(std::tolower(c)); });
+    const bool isToken = key == "x-session-token1" || key == "x-session-token2";
+    out[name] = isToken ? ofSameForm(value) : key == "content-type" ? value : "";
+  }
   return out;
 }
 

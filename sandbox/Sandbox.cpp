@@ -8,11 +8,13 @@
 
 #include <fmt/format.h>
 
+#include "sandbox/Answering.h"
 #include "sandbox/Call.h"
 #include "sandbox/ClientRequests.h"
 #include "sandbox/Control.h"
-#include "sandbox/HttpFront.h"
+#include "sandbox/HttpServer.h"
 #include "sandbox/Recorder.h"
+#include "sandbox/Scenario.h"
 #include "sandbox/console/ConsoleServer.h"
 
 namespace orlix::sandbox {
@@ -52,22 +54,21 @@ class Sandbox::Server {
     if (front_) throw std::runtime_error("the sandbox has been started already");
     state_ = std::make_unique<State>(options_.database);
     state_->everyDeviceEnrolled = options_.enrolled;
+    if (!options_.scenario.empty()) loadScenario(options_.scenario, *state_);
     state_->sessions.keepOnePerDevice(options_.oneSession);
-    const Certificates certificates(options_.certificateFlaw);
     prepareFolder();
+    const Certificates certificates(certificateSetup());
     certificates.write(folder_);
     if (options_.record.empty()) options_.record = Recorder::fileOfProcess();
     if (!options_.record.empty()) recorder_ = std::make_unique<Recorder>(options_.record);
     clients_ = std::make_unique<ClientRequests>(*state_, log_, shutdown_, recorder_.get());
     control_ = std::make_unique<Control>(
-        *state_, Control::Connections{.counts = [this] { return front_->counts(); },
-                                      .drop = [this] { front_->dropConnections(); }});
-    HttpFront::Setup setup{
-        .port = options_.port,
-        .oldTlsOnly = options_.oldTlsOnly,
-        .handler = [this](const HttpRequest& request) { return answer(request); },
-        .gate = [this] { return admit(); }};
-    front_ = std::make_unique<HttpFront>(certificates, std::move(setup), log_, shutdown_);
+        *state_, Control::Connections{.counts = [this] { return counts(); },
+                                      .drop = [this] { dropConnections(); }});
+    front_ = makeServer("127.0.0.1", certificates, &Server::answer);
+    if (!options_.listen.empty()) {
+      outside_ = makeServer(options_.listen, certificates, &Server::answerOutside);
+    }
     serve();
     if (options_.console) {
       console_ = std::make_unique<ConsoleServer>(
@@ -85,6 +86,7 @@ class Sandbox::Server {
       state_->changed.notify_all();
     }
     if (console_) console_->stop();
+    if (outside_) outside_->stop();
     if (front_) front_->stop();
     if (temporary_) {
       std::error_code ignored;
@@ -94,6 +96,11 @@ class Sandbox::Server {
   }
 
   int port() const { return port_; }
+  /// "https://127.0.0.1:PORT", or the other address that is listened on.
+  std::string origin() const {
+    return fmt::format("https://{}:{}", options_.listen.empty() ? "127.0.0.1" : options_.listen,
+                       port_);
+  }
   const std::string& consoleAddress() const { return consoleAddress_; }
   const fs::path& folder() const { return folder_; }
   EventLog& log() { return log_; }
@@ -108,11 +115,73 @@ class Sandbox::Server {
   }
 
  private:
+  using Answer = HttpAnswer (Server::*)(const HttpRequest&);
+
+  Certificates::Setup certificateSetup() const {
+    Certificates::Setup setup{.flaw = options_.certificateFlaw};
+    if (!options_.listen.empty()) setup.addresses.push_back(options_.listen);
+    if (options_.keepRoot) setup.keptRoot = folder_ / "certificateroot.key";
+    return setup;
+  }
+
+  std::unique_ptr<HttpServer> makeServer(const std::string& address,
+                                         const Certificates& certificates, Answer how) {
+    TlsSetup tls{.certificate = certificates.server(), .key = certificates.serverKey()};
+    if (options_.oldTlsOnly) {
+      tls.lowestVersion = TLS1_VERSION;
+      tls.highestVersion = TLS1_1_VERSION;
+    }
+    return std::make_unique<HttpServer>(
+        HttpServer::Setup{
+            .address = address,
+            .tls = std::move(tls),
+            .serve = answering(
+                [this, how](const HttpRequest& request) { return noted(request, how); }, shutdown_),
+            .gate = [this] { return admit(); }},
+        shutdown_);
+  }
+
+  /// Of the network only what a wallet on a phone needs.
+  HttpAnswer answerOutside(const HttpRequest& request) {
+    const bool isForWallets = request.path.starts_with("/vello/") || Issuer::owns(request);
+    return isForWallets ? answer(request) : refusal(404, "there is no such page at this address");
+  }
+
+  ConnectionCounts counts() const {
+    ConnectionCounts all = front_->counts();
+    if (!outside_) return all;
+    const ConnectionCounts more = outside_->counts();
+    return {.connections = all.connections + more.connections,
+            .handshakes = all.handshakes + more.handshakes,
+            .resumed = all.resumed + more.resumed};
+  }
+
+  void dropConnections() {
+    front_->dropConnections();
+    if (outside_) outside_->dropConnections();
+  }
+
+  /// Every exchange over the network, for whoever keeps account of them.
+  HttpAnswer noted(const HttpRequest& request, Answer how) {
+    const Moment arrived = now();
+    HttpAnswer made = (this->*how)(request);
+    const bool silent = made.delivery == Delivery::hangUp || made.delivery == Delivery::silence;
+    // Before the answer is sent, so that a client that has the answer finds the line.
+    log_.request({.method = request.method,
+                  .path = request.path,
+                  .status = silent ? 0 : made.status,
+                  .reason = made.reason,
+                  .arrived = arrived,
+                  .duration = now() - arrived});
+    return made;
+  }
+
   /// The port is known only once it is bound, and nothing is answered before it is known.
   void serve() {
     const std::lock_guard lock(state_->mutex);
-    port_ = front_->start();
-    state_->origin = fmt::format("https://127.0.0.1:{}", port_);
+    port_ = front_->start(options_.port);
+    if (outside_) outside_->start(port_);
+    state_->origin = origin();
   }
 
   /// Decides how to handle a new connection.
@@ -145,7 +214,8 @@ class Sandbox::Server {
   std::unique_ptr<Control> control_;
   std::string consoleAddress_;
   // Last: their threads use all of the above.
-  std::unique_ptr<HttpFront> front_;
+  std::unique_ptr<HttpServer> front_;
+  std::unique_ptr<HttpServer> outside_;
   std::unique_ptr<ConsoleServer> console_;
 };
 
@@ -155,22 +225,23 @@ Sandbox::~Sandbox() = default;
 
 void Sandbox::start() {
   server_->start();
-  server_->log().ready(base(), anchorPath(), terms(), console());
+  server_->log().ready({.base = base(),
+                        .local = fmt::format("https://127.0.0.1:{}", port()),
+                        .anchor = anchorPath(),
+                        .anchorText = server_->folder() / Certificates::anchorAsText,
+                        .terms = terms(),
+                        .console = console()});
 }
 
 void Sandbox::stop() { server_->stop(); }
 
 int Sandbox::port() const { return server_->port(); }
 
-std::string Sandbox::base() const {
-  return fmt::format("https://127.0.0.1:{}/vello", server_->port());
-}
+std::string Sandbox::base() const { return server_->origin() + "/vello"; }
 
 std::string Sandbox::console() const { return server_->consoleAddress(); }
 
-std::string Sandbox::terms() const {
-  return fmt::format("https://127.0.0.1:{}/terms/tavlo.html", server_->port());
-}
+std::string Sandbox::terms() const { return server_->origin() + "/terms/tavlo.html"; }
 
 std::string Sandbox::anchorPath() const {
   return (server_->folder() / "certificateroot.cer").string();

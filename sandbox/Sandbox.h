@@ -10,9 +10,12 @@
 namespace orlix::sandbox {
 
 struct Options {
-  int port = 0;             ///< 0 takes a free one.
+  int port = 0;             ///< On 127.0.0.1; 0 takes a free one.
+  std::string listen{};     ///< An address of this machine to serve wallets at too; empty: none.
   std::string database{};   ///< SQLite file; empty: in memory.
   std::string folder{};     ///< Where the certificates are written; empty: a new temporary folder.
+  std::string scenario{};   ///< JSON file with codes and cards to begin with; empty: none.
+  bool keepRoot = false;    ///< Keep the root certificate in `folder`, for the next start.
   bool enrolled = false;    ///< Every device counts as enrolled, with a wallet of every card.
   bool console = false;     ///< Serve the web console too.
   bool oneSession = false;  ///< A device's session start ends its former sessions.
@@ -43,7 +46,7 @@ class Sandbox {
   void stop();
 
   int port() const;
-  std::string base() const;                   ///< "https://127.0.0.1:PORT/vello"
+  std::string base() const;                   ///< "https://127.0.0.1:PORT/vello", or of `listen`.
   std::string terms() const;                  ///< The address of the terms page.
   std::string console() const;                ///< The console's address; empty when there is none.
   std::string anchorPath() const;             ///< The root certificate, DER.

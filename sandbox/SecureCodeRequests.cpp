@@ -3,6 +3,7 @@
 #include <fmt/format.h>
 
 #include "sandbox/Call.h"
+#include "sandbox/Formats.h"
 #include "sandbox/Pages.h"
 
 namespace orlix::sandbox {
@@ -54,6 +55,10 @@ HttpAnswer pageForPurchase(Call& call) {
   const auto card = call.state.wallets.card(call.session->wallet, integerOf(call.body, "cardId"));
   if (!card) return error("The card is not in your wallet.");
   if (!call.state.codes.find(textOf(call.body, "code"))) return error("This code is not known.");
+  const std::string amount = textOf(call.body, "amount");
+  if (!amount.empty() && !isDecimalNumber(amount)) {
+    return mistake("\"amount\" is no decimal number");
+  }
   return begin(call, *card, true);
 }
 

@@ -20,11 +20,11 @@ std::int64_t SeenRequests::arrived(const HttpRequest& request, Origin origin, Ma
                                    Moment at) {
   seen_.push_back({.number = ++lastNumber_,
                    .origin = std::move(origin),
-                   .method = request.method,
-                   .path = request.path.substr(0, longestKeptBody),
-                   .token1 = shortened(request.sessionToken1),
-                   .token2 = shortened(request.sessionToken2),
-                   .contentType = request.contentType.substr(0, longestKeptBody),
+                   .method = clipped(request.method),
+                   .path = clipped(request.path),
+                   .token1 = shortened(request.sessionToken1()),
+                   .token2 = shortened(request.sessionToken2()),
+                   .contentType = clipped(request.contentType()),
                    .bytes = request.body.size(),
                    .arrived = at,
                    .asked = std::move(body)});
@@ -60,6 +60,7 @@ void SeenRequests::decided(std::int64_t number, Decision decision) {
   Seen* seen = find(number);
   if (seen == nullptr) return;
   if (seen->bodiesDropped) decision.body = {};
+  decision.reason = clipped(std::move(decision.reason));
   bodyBytes_ -= seen->bodyBytes();
   seen->answer = std::move(decision);
   bodyBytes_ += seen->bodyBytes();
@@ -96,14 +97,22 @@ json::object SeenRequests::Seen::summary() const {
   return out;
 }
 
+json::object SeenRequests::Seen::whole() const {
+  json::object out = summary();
+  out["contentType"] = contentType;
+  out["bytes"] = bytes;
+  out["asked"] = described(asked);
+  out["answered"] = described(answer.body);
+  out["bodiesDropped"] = bodiesDropped;
+  return out;
+}
+
 json::array SeenRequests::list() const {
   json::array out;
   for (const Seen& seen : seen_) {
-    json::object row = seen.summary();
+    json::object row = seen.whole();
     row["token1"] = !seen.token1.empty();
     row["token2"] = !seen.token2.empty();
-    row["contentType"] = seen.contentType;
-    row["bytes"] = seen.bytes;
     out.push_back(std::move(row));
   }
   return out;
@@ -119,15 +128,10 @@ json::array SeenRequests::changedSince(std::int64_t revision) const {
 
 std::optional<json::object> SeenRequests::whole(std::int64_t number) const {
   if (number < oldest() || number > lastNumber_) return std::nullopt;
-  const Seen* seen = &seen_.at(static_cast<size_t>(number - seen_.front().number));
-  json::object out = seen->summary();
-  out["token1"] = seen->token1;
-  out["token2"] = seen->token2;
-  out["contentType"] = seen->contentType;
-  out["bytes"] = seen->bytes;
-  out["asked"] = described(seen->asked);
-  out["answered"] = described(seen->answer.body);
-  out["bodiesDropped"] = seen->bodiesDropped;
+  const Seen& seen = seen_.at(static_cast<size_t>(number - seen_.front().number));
+  json::object out = seen.whole();
+  out["token1"] = seen.token1;
+  out["token2"] = seen.token2;
   return out;
 }
 

@@ -40,6 +40,7 @@ class SeenRequests {
 
   void clear();
   size_t count() const { return seen_.size(); }
+  /// Each with its bodies.
   json::array list() const;
 
   /// Counts every change of the account.
@@ -51,7 +52,7 @@ class SeenRequests {
   /// One request with its bodies; nothing when it has been dropped.
   std::optional<json::object> whole(std::int64_t number) const;
 
-  static constexpr size_t kept = 10'000;                 ///< The oldest are dropped.
+  static constexpr size_t kept = mostKept;               ///< The oldest are dropped.
   static constexpr size_t bytesKept = size_t{64} << 20;  ///< Of bodies; so are the oldest.
 
  private:
@@ -71,8 +72,9 @@ class SeenRequests {
     std::int64_t changed = 0;
     bool bodiesDropped = false;
 
-    size_t bodyBytes() const { return asked.text.size() + answer.body.text.size(); }
+    size_t bodyBytes() const { return asked.bytes() + answer.body.bytes(); }
     json::object summary() const;
+    json::object whole() const;
   };
 
   /// None when it has been dropped.

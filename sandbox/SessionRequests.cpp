@@ -16,6 +16,9 @@ namespace {
 
 constexpr std::int64_t triesForOneCode = 5;
 
+constexpr std::array<std::string_view, 7> sessionStarts{
+    "normal", "notice", "refused", "refusedEmpty", "refusedAbsent", "terms", "enrol"};
+
 // Mobile numbers that are dealt with in a special way; see README.md.
 constexpr std::string_view refusedNumber = "27820000001";
 constexpr std::string_view deadCodeNumber = "27820000002";
@@ -153,9 +156,12 @@ HttpAnswer acceptTerms(Call& call) {
 }  // namespace
 
 bool isSessionStart(std::string_view start) {
-  constexpr std::array<std::string_view, 7> starts{
-      "normal", "notice", "refused", "refusedEmpty", "refusedAbsent", "terms", "enrol"};
-  return std::find(starts.begin(), starts.end(), start) != starts.end();
+  return std::find(sessionStarts.begin(), sessionStarts.end(), start) != sessionStarts.end();
+}
+
+std::string noSessionStart(std::string_view start) {
+  return fmt::format("there is no session start \"{}\"; there are {}", start,
+                     fmt::join(sessionStarts, ", "));
 }
 
 const std::vector<Route>& sessionRoutes() {

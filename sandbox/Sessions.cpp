@@ -17,9 +17,9 @@ std::string keyOf(std::string_view token1, std::string_view token2) {
 }  // namespace
 
 const Session& Sessions::open(std::string_view deviceSerial, std::string_view wallet) {
-  size_t kept = 1;
+  size_t ofDevice = 1;
   sessions_.remove_if([&](const Session& session) {
-    return session.deviceSerial == deviceSerial && ++kept > keptForEachDevice_;
+    return session.deviceSerial == deviceSerial && ++ofDevice > keptForEachDevice_;
   });
   sessions_.push_front({.token1 = randomHex(16),
                         .token2 = randomHex(16),
@@ -27,6 +27,7 @@ const Session& Sessions::open(std::string_view deviceSerial, std::string_view wa
                         .deviceSerial = std::string(deviceSerial),
                         .wallet = std::string(wallet),
                         .pinKey = randomBytes(16)});
+  if (sessions_.size() > kept) sessions_.pop_back();
   remember(sessions_.front());
   return sessions_.front();
 }
@@ -34,7 +35,7 @@ const Session& Sessions::open(std::string_view deviceSerial, std::string_view wa
 void Sessions::remember(const Session& session) {
   openedTokens_.push_back(keyOf(session.token1, session.token2));
   origins_[openedTokens_.back()] = {.session = session.number, .device = session.deviceSerial};
-  if (openedTokens_.size() > originsKept) {
+  if (openedTokens_.size() > kept) {
     origins_.erase(openedTokens_.front());
     openedTokens_.pop_front();
   }
@@ -54,6 +55,10 @@ Session* Sessions::find(std::string_view token1, std::string_view token2) {
 
 void Sessions::forget(std::string_view token1) {
   sessions_.remove_if([&](const Session& session) { return session.token1 == token1; });
+}
+
+void Sessions::forgetDevice(std::string_view serial) {
+  sessions_.remove_if([&](const Session& session) { return session.deviceSerial == serial; });
 }
 
 void Sessions::forgetAll() { sessions_.clear(); }

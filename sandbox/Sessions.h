@@ -8,6 +8,7 @@
 #include <unordered_map>
 #include <vector>
 
+#include "sandbox/Bounds.h"
 #include "sandbox/SeenRequests.h"
 
 namespace orlix::sandbox {
@@ -43,6 +44,7 @@ class Sessions {
   void keepOnePerDevice(bool one) { keptForEachDevice_ = one ? 1 : severalSessions; }
 
   void forget(std::string_view token1);
+  void forgetDevice(std::string_view serial);
   void forgetAll();
   size_t count() const { return sessions_.size(); }
   /// All that were ever opened.
@@ -52,7 +54,7 @@ class Sessions {
   void remember(const Session& session);
 
   static constexpr size_t severalSessions = 16;
-  static constexpr size_t originsKept = 10'000;
+  static constexpr size_t kept = mostKept;  ///< Of all devices; the oldest are dropped.
 
   std::list<Session> sessions_;  ///< Latest first.
   size_t keptForEachDevice_ = severalSessions;

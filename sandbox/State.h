@@ -60,7 +60,7 @@ struct State {
   std::int64_t changes = 0;  ///< Counts the calls of `touch`.
   std::condition_variable watchers;
 
-  std::string origin;  ///< "https://127.0.0.1:PORT"
+  std::string origin;  ///< Scheme, host and port of the wallets' addresses.
   bool everyDeviceEnrolled = false;
   std::string sessionStart = "normal";  ///< What every session start is answered with; see Codes.
   std::string nextSessionStart;  ///< What the next one is answered with, once; empty: as ever.
@@ -70,5 +70,8 @@ struct State {
 
 /// Whether a session start can be answered in this way.
 bool isSessionStart(std::string_view start);
+
+/// The complaint about one that is none, with those that there are.
+std::string noSessionStart(std::string_view start);
 
 }  // namespace orlix::sandbox

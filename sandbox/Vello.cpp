@@ -18,9 +18,9 @@ const Route* findRoute(std::string_view path) {
 
 /// The session that the request's two tokens name, unless it is to be forgotten now.
 Session* sessionOf(State& state, const HttpRequest& request) {
-  Session* session = state.sessions.find(request.sessionToken1, request.sessionToken2);
+  Session* session = state.sessions.find(request.sessionToken1(), request.sessionToken2());
   if (session != nullptr && session->forgetAtNextRequest) {
-    state.sessions.forget(request.sessionToken1);
+    state.sessions.forget(request.sessionToken1());
     return nullptr;
   }
   return session;
@@ -71,7 +71,7 @@ HttpAnswer Vello::answerRoute(const Route& route, const HttpRequest& request) {
       return refusal(401, "the device is not enrolled");
     }
   }
-  if (request.contentType != "application/json") {
+  if (request.contentType() != "application/json") {
     return mistake("the Content-Type is not application/json");
   }
   const auto body = parseObject(request.body);

@@ -1,5 +1,7 @@
 #include "sandbox/Wallets.h"
 
+#include "sandbox/Bounds.h"
+
 namespace orlix::sandbox {
 
 namespace {
@@ -47,12 +49,18 @@ Wallets::Wallets(Database& database, CardKinds& kinds) : database_(database), ki
 
 void Wallets::ensure(const std::string& wallet, bool filled) {
   if (has(wallet)) return;
-  Database::Transaction filling(database_);
+  Database::Transaction making(database_);
   database_.run("INSERT INTO wallets VALUES (?, ?)", {wallet, termsVersion()});
   if (filled) {
-    for (const CardKind& kind : CardKinds::demonstration()) add(wallet, kind, kind.number);
+    for (const CardKind& kind : filling_) add(wallet, kind, kind.number);
   }
-  filling.commit();
+  for (const auto& row :
+       database_.ask("SELECT wallet FROM wallets ORDER BY rowid DESC LIMIT -1 OFFSET ?",
+                     {std::int64_t{mostKept}})) {
+    database_.run("DELETE FROM cards WHERE wallet = ?", {row.text(0)});
+    database_.run("DELETE FROM wallets WHERE wallet = ?", {row.text(0)});
+  }
+  making.commit();
 }
 
 std::vector<Card> Wallets::cards(const std::string& wallet) const {
@@ -82,14 +90,17 @@ json::object Wallets::cardList(const std::string& wallet) const {
   return {{"cards", std::move(list)}};
 }
 
-void Wallets::add(const std::string& wallet, const CardKind& kind, const std::string& number) {
+bool Wallets::add(const std::string& wallet, const CardKind& kind, const std::string& number) {
   const std::string hint = number.substr(number.size() - std::min(number.size(), hintLength));
   const auto present = database_.ask(
       "SELECT 1 FROM cards WHERE wallet = ? AND bin = ? AND hint = ?", {wallet, kind.bin, hint});
-  if (!present.empty()) return;
+  if (!present.empty()) return true;
+  const auto count = database_.ask("SELECT COUNT(*) FROM cards WHERE wallet = ?", {wallet});
+  if (count.front().number(0) >= mostCards) return false;
   database_.run(
       "INSERT INTO cards (wallet, bin, hint, validated, authenticated) VALUES (?, ?, ?, 0, 0)",
       {wallet, kind.bin, hint});
+  return true;
 }
 
 void Wallets::remove(const std::string& wallet, std::int64_t id) {

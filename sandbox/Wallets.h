@@ -4,6 +4,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 #include "sandbox/CardKinds.h"
@@ -33,8 +34,14 @@ class Wallets {
  public:
   Wallets(Database& database, CardKinds& kinds);
 
-  /// Makes the wallet, with the present terms accepted, unless there is one.
-  /// `filled`: with every card of the demonstration.
+  static constexpr std::int64_t mostCards = 100;  ///< In a wallet.
+
+  /// What the wallets that `ensure` fills hold, in this order; at first the demonstration.
+  void fillWith(std::vector<CardKind> kinds) { filling_ = std::move(kinds); }
+
+  /// Makes the wallet, with the present terms accepted, unless there is one. The latest `mostKept`
+  /// wallets are kept.
+  /// `filled`: with the cards of `fillWith`.
   void ensure(const std::string& wallet, bool filled);
 
   std::vector<Card> cards(const std::string& wallet) const;
@@ -42,8 +49,8 @@ class Wallets {
   json::object cardList(const std::string& wallet) const;
 
   /// Adding a card that is there already leaves the wallet as it is: a link whose answer was lost
-  /// may be repeated.
-  void add(const std::string& wallet, const CardKind& kind, const std::string& number);
+  /// may be repeated. False when the wallet is full.
+  bool add(const std::string& wallet, const CardKind& kind, const std::string& number);
   void remove(const std::string& wallet, std::int64_t id);
   void setValidated(std::int64_t id, bool validated = true);
   void setAuthenticated(std::int64_t id, bool authenticated = true);
@@ -62,6 +69,7 @@ class Wallets {
  private:
   Database& database_;
   CardKinds& kinds_;
+  std::vector<CardKind> filling_ = CardKinds::demonstration();
 };
 
 }  // namespace orlix::sandbox

@@ -18,7 +18,18 @@ void printLine(std::string_view line) {
   std::fflush(stdout);  // A script waits for each line at the other end of a pipe.
 }
 
+/// Unlike fmt::print it does not throw when its reader has gone.
+void say(std::string_view words) {
+  std::fputs(fmt::format("orlix-sandbox: {}\n", words).c_str(), stderr);
+}
+
 int serve(orlix::sandbox::Options options, const sigset_t& endings) {
+  if (!options.listen.empty()) {
+    say(
+        fmt::format("warning: everybody in the network of {} can reach the wallet server; type "
+                    "nothing real",
+                    options.listen));
+  }
   options.onEvent = &printLine;
   options.console = true;
   orlix::sandbox::Sandbox sandbox(std::move(options));
@@ -40,7 +51,7 @@ int main(int count, char** values) {
     return 0;
   }
   if (const auto* wrong = std::get_if<UsageError>(&read)) {
-    fmt::print(stderr, "orlix-sandbox: {}\n{}", wrong->message, usage());
+    say(wrong->message + "\nRun orlix-sandbox --help for more.");
     return 2;
   }
   // Blocked before any thread starts, so that every thread inherits it and only sigwait sees them.
@@ -53,7 +64,7 @@ int main(int count, char** values) {
   try {
     return serve(std::get<Options>(std::move(read)), endings);
   } catch (const std::exception& failure) {
-    fmt::print(stderr, "orlix-sandbox: {}\n", failure.what());
+    say(failure.what());
     return 1;
   }
 }

@@ -97,7 +97,7 @@ int runShop(const std::vector<std::string>& arguments, std::ostream& out, std::o
     }
     return kHeld;
   } catch (const UsageError& error) {
-    err << fmt::format("orlix-shop: {}\n\n{}", error.what(), usage());
+    err << fmt::format("orlix-shop: {}\nRun orlix-shop --help for more.\n", error.what());
     return kWrongUsage;
   } catch (const std::exception& error) {
     err << fmt::format("orlix-shop: {}\n", error.what());

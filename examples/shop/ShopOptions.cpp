@@ -1,9 +1,9 @@
 #include "examples/shop/ShopOptions.h"
 
 #include <charconv>
-#include <functional>
-#include <map>
-#include <set>
+#include <memory>
+
+#include <CLI/CLI.hpp>
 
 namespace orlix::shop {
 
@@ -69,56 +69,96 @@ std::int64_t systemNumber(const std::string& text) {
   return text == "0" ? 0 : 1;
 }
 
-void require(const std::string& option, const std::string& value) {
-  if (value.empty()) {
-    throw UsageError(option + " is missing");
+/// Adds an option whose value `read` checks and keeps.
+template <typename Read>
+CLI::Option* add(CLI::App& app, const char* name, const char* type, const char* what, Read read) {
+  return app
+      .add_option_function<std::string>(
+          name,
+          [name, read](const std::string& value) {
+            if (value.empty()) {
+              throw UsageError(std::string(name) + " needs a value");
+            }
+            read(value);
+          },
+          what)
+      ->type_name(type);
+}
+
+/// What the host itself would decide.
+void addHost(CLI::App& app, ShopOptions& options) {
+  for (CLI::Option* required :
+       {add(app, "--server", "BASE",
+            "base address of the wallet server, such as https://127.0.0.1:8443/vello",
+            [&](auto& value) { options.server = httpsAddress("--server", value); }),
+        add(app, "--anchor", "FILE", "certificate to trust besides the system's roots (PEM or DER)",
+            [&](auto& value) { options.anchor = value; }),
+        add(app, "--state", "DIR",
+            "where the application keeps its stored values; made when it is missing",
+            [&](auto& value) { options.state = value; })}) {
+    required->required()->group("Wallet server and state");
   }
+  for (CLI::Option* optional :
+       {add(app, "--system", "0|1", "0 live, 1 test (default 1); both use BASE",
+            [&](auto& value) { options.system = systemNumber(value); }),
+        add(app, "--terms", "URL", "terms page (default: /terms/tavlo.html on the server's host)",
+            [&](auto& value) { options.terms = httpsAddress("--terms", value); }),
+        add(app, "--location", "LAT,LON", "position of the device in degrees; none by default",
+            [&](auto& value) { options.location = location(value); })}) {
+    optional->group("Wallet server and state");
+  }
+}
+
+/// Who operates the shop, and what is seen of it.
+void addOperation(CLI::App& app, ShopOptions& options) {
+  CLI::Option* const script = add(
+      app, "--script", "FILE", "commands to run, one a line; a pipe is read while the script runs",
+      [&](auto& value) { options.script = value; });
+  script->group("Script");
+  // Without a window nobody could press anything.
+  app.add_flag("--headless", options.headless, "run without a window")
+      ->needs(script)
+      ->group("Script");
+  for (CLI::Option* drawn :
+       {add(app, "--window", "WxH", "size of the window in points (default 375x667)",
+            [&](auto& value) { options.window = windowSize(value); }),
+        add(app, "--snapshots", "DIR", "where the drawn shell saves its pictures",
+            [&](auto& value) { options.snapshots = value; }),
+        add(app, "--messages", "FILE",
+            "lines for the window to show, such as SMS codes; a pipe is read as they come",
+            [&](auto& value) { options.messages = value; })}) {
+    drawn->group("Window");
+  }
+}
+
+std::unique_ptr<CLI::App> parserFor(ShopOptions& options) {
+  auto app = std::make_unique<CLI::App>("A shop that pays with the wallet.", "orlix-shop");
+  addHost(*app, options);
+  addOperation(*app, options);
+  app->footer(
+      "Examples, with the base and anchor of orlix-sandbox's first line:\n"
+      "  orlix-shop --server https://127.0.0.1:8443/vello --anchor root.cer --state shop\n"
+      "      opens the shop's window\n"
+      "  orlix-shop --server https://127.0.0.1:8443/vello --anchor root.cer --state shop \\\n"
+      "             --script pay.shop --headless\n"
+      "      runs a script without a window\n\n"
+      "Exit status: 0 every expectation of the script held, 1 one did not, 2 the command line is "
+      "wrong.");
+  return app;
 }
 
 }  // namespace
 
 ShopOptions parseOptions(const std::vector<std::string>& arguments) {
   ShopOptions options;
-  const std::map<std::string, std::function<void(const std::string&)>> takesValue{
-      {"--server", [&](auto& value) { options.server = httpsAddress("--server", value); }},
-      {"--anchor", [&](auto& value) { options.anchor = value; }},
-      {"--state", [&](auto& value) { options.state = value; }},
-      {"--system", [&](auto& value) { options.system = systemNumber(value); }},
-      {"--location", [&](auto& value) { options.location = location(value); }},
-      {"--terms", [&](auto& value) { options.terms = httpsAddress("--terms", value); }},
-      {"--script", [&](auto& value) { options.script = value; }},
-      {"--window", [&](auto& value) { options.window = windowSize(value); }},
-      {"--messages", [&](auto& value) { options.messages = value; }},
-      {"--snapshots", [&](auto& value) { options.snapshots = value; }},
-  };
-  std::set<std::string> seen;
-  for (std::size_t i = 0; i < arguments.size(); ++i) {
-    const std::string& option = arguments[i];
-    if (option == "--help" || option == "-h") {
-      options.help = true;
-      return options;
-    }
-    if (!seen.insert(option).second) {
-      throw UsageError(option + " is given twice");
-    }
-    if (option == "--headless") {
-      options.headless = true;
-      continue;
-    }
-    const auto found = takesValue.find(option);
-    if (found == takesValue.end()) {
-      throw UsageError("unknown argument \"" + option + "\"");
-    }
-    if (i + 1 == arguments.size() || arguments[i + 1].empty()) {
-      throw UsageError(option + " needs a value");
-    }
-    found->second(arguments[++i]);
-  }
-  require("--server", options.server);
-  require("--anchor", options.anchor);
-  require("--state", options.state);
-  if (options.headless && !options.script) {
-    throw UsageError("--headless needs a --script: there is nobody to press anything");
+  const auto app = parserFor(options);
+  try {
+    app->parse(std::vector<std::string>(arguments.rbegin(), arguments.rend()));
+  } catch (const CLI::CallForHelp&) {
+    options.help = true;
+    return options;
+  } catch (const CLI::ParseError& error) {
+    throw UsageError(error.what());
   }
   if (options.terms.empty()) {
     options.terms = originOf(options.server) + "/terms/tavlo.html";
@@ -127,25 +167,8 @@ ShopOptions parseOptions(const std::vector<std::string>& arguments) {
 }
 
 std::string usage() {
-  return R"(usage: orlix-shop --server BASE --anchor FILE --state DIR
-                  [--system 0|1] [--location LAT,LON] [--terms URL]
-                  [--script FILE] [--headless] [--snapshots DIR] [--window WxH]
-                  [--messages FILE]
-
-  --server BASE       base address of the wallet server, such as https://127.0.0.1:8443/vello
-  --anchor FILE       certificate to trust besides the system's roots (PEM or DER)
-  --state DIR         where the application keeps its stored values; made when it is missing
-  --system 0|1        0 live, 1 test (default 1); both use BASE
-  --location LAT,LON  position of the device in degrees; none by default
-  --terms URL         terms page (default: /terms/tavlo.html on the server's host)
-  --script FILE       commands to run, one a line; a pipe is read while the script runs
-  --headless          run without a window
-  --snapshots DIR     where the drawn shell saves its pictures
-  --window WxH        size of the window in points (default 375x667)
-  --messages FILE     lines for the window to show, such as SMS codes; a pipe is read as they come
-
-Exit status: 0 every expectation of the script held, 1 one did not, 2 the command line is wrong.
-)";
+  ShopOptions unused;
+  return parserFor(unused)->help();
 }
 
 }  // namespace orlix::shop

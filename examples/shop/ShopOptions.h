@@ -34,7 +34,7 @@ struct ShopOptions {
 /// The arguments without the program's name. Throws UsageError.
 ShopOptions parseOptions(const std::vector<std::string>& arguments);
 
-/// The text for --help, and for after a UsageError.
+/// The text for --help.
 std::string usage();
 
 }  // namespace orlix::shop

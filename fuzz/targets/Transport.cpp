@@ -48,7 +48,7 @@ class World {
                                   .location = {}});
     ports.log = std::make_shared<CheckedLog>();
     Host::install(std::make_shared<Host>(std::move(ports), Deployment{base(), base(), base()}));
-    leadEverywhereTo(server_.port());
+    leadEverywhereTo(static_cast<std::uint16_t>(server_.port()));
   }
   ~World() { Host::uninstall(); }
   World(const World&) = delete;
@@ -85,17 +85,17 @@ bool holdsLocation(std::string answer) {
 }
 
 /// A payment is in these requests.
-void isSentOnce(const std::vector<RawRequest>& requests, const std::vector<std::string>& answers,
-                const std::string& origin) {
+void isSentOnce(const std::vector<sandbox::HttpRequest>& requests,
+                const std::vector<std::string>& answers, const std::string& origin) {
   for (std::size_t i = 0; i < requests.size(); ++i) {
-    const RawRequest& request = requests[i];
+    const sandbox::HttpRequest& request = requests[i];
     check(i == 0 || (i <= answers.size() && holdsLocation(answers[i - 1])),
           "only a redirect sends a request again");
-    const bool posted = request.header.starts_with("POST ");
+    const bool posted = request.method == "POST";
     check(i > 0 || posted, "what is sent is a POST");
     check(request.body == (posted ? kSent : ""), "a POST has the body, a GET has none");
-    const bool tokens = request.header.find("\r\nx-session-token1: T1\r\n") != std::string::npos;
-    const bool own = request.header.find("\r\nHost: " + origin + "\r\n") != std::string::npos;
+    const bool tokens = request.sessionToken1() == "T1";
+    const bool own = request.header("Host") == origin;
     check(i > 0 || (own && tokens), "the server is sent the session's tokens");
     check(own || !tokens, "nobody else is sent the session's tokens");
   }
@@ -130,7 +130,7 @@ void transport(ByteView input) {
   store.sessionId = "T1";
   const NetworkResult result =
       OMNetwork().post(world.base() + "/purchase", SecretBytes(toBytes(kSent)), store);
-  const std::vector<RawRequest> requests = world.server().requests();
+  const std::vector<sandbox::HttpRequest> requests = world.server().requests();
   check(!requests.empty(), "the server is reached");
   isSentOnce(requests, answers, world.origin());
   check(result.responseCode >= 0 && result.responseCode <= 999, "a code has three digits");

@@ -4,17 +4,13 @@
 #include <array>
 #include <atomic>
 #include <charconv>
-#include <httplib.h>
-#include <stdexcept>
-#include <thread>
 #include <utility>
 
 #include <fmt/format.h>
 #include <openssl/crypto.h>
-#include <sys/socket.h>
 
+#include "sandbox/Answering.h"
 #include "sandbox/Call.h"
-#include "sandbox/ConnectionThreads.h"
 #include "sandbox/Masking.h"
 #include "sandbox/Random.h"
 #include "sandbox/console/ConsoleFiles.h"
@@ -30,8 +26,8 @@ constexpr int mostStreams = 32;
 constexpr size_t longestWish = size_t{64} * 1024;
 constexpr std::chrono::milliseconds betweenEvents{100};
 
-const httplib::Headers& protectiveHeaders() {
-  static const httplib::Headers headers{
+const HttpFields& protectiveHeaders() {
+  static const HttpFields headers{
       {"Content-Security-Policy",
        "default-src 'none'; script-src 'self'; style-src 'self'; connect-src 'self'; "
        "img-src 'self' data:; base-uri 'none'; form-action 'none'; frame-ancestors 'none'"},
@@ -45,20 +41,10 @@ const httplib::Headers& protectiveHeaders() {
   return headers;
 }
 
-std::optional<std::string> header(const httplib::Request& request, const char* name) {
-  if (!request.has_header(name)) return std::nullopt;
-  return request.get_header_value(name);
-}
-
 std::int64_t numberIn(std::string_view text, std::int64_t otherwise) {
   std::int64_t number = 0;
   const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), number);
   return error == std::errc() && end == text.data() + text.size() ? number : otherwise;
-}
-
-void answer(httplib::Response& response, const HttpAnswer& with) {
-  response.status = with.status;
-  response.set_content(with.body, with.contentType);
 }
 
 /// What the page may look at below /control.
@@ -79,83 +65,57 @@ class ConsoleServer::Server {
   Server& operator=(const Server&) = delete;
 
   std::string start() {
-    configure();
-    port_ = http_.bind_to_any_port("127.0.0.1");
-    if (port_ <= 0) throw std::runtime_error("the console cannot listen on any port");
-    listener_ = std::thread([this] { http_.listen_after_bind(); });
-    while (!http_.is_running()) std::this_thread::yield();
+    port_ = http_.start();
     return fmt::format("http://127.0.0.1:{}{}", port_, root_);
   }
 
   void stop() {
-    if (!listener_.joinable()) return;
     shutdown_.begin();
     {
       const std::lock_guard lock(state_.mutex);
       state_.watchers.notify_all();
     }
     http_.stop();
-    listener_.join();
   }
 
  private:
-  using Request = httplib::Request;
-  using Response = httplib::Response;
-
-  void configure() {
-    http_.new_task_queue = [] { return new ConnectionThreads; };  // cpp-httplib takes ownership.
-    http_.set_tcp_nodelay(true);
-    http_.set_socket_options([](socket_t socket) {
-      const int yes = 1;
-      setsockopt(socket, SOL_SOCKET, SO_REUSEADDR, &yes, sizeof yes);
-    });
-    // A connection that waits for its next request would hold up the end of the server.
-    http_.set_keep_alive_max_count(1);
-    http_.set_keep_alive_timeout(1);
-    http_.set_payload_max_length(longestWish);
-    http_.set_default_headers(protectiveHeaders());
-    http_.set_pre_routing_handler([this](const Request& request, Response& response) {
-      return admits(request, response) ? httplib::Server::HandlerResponse::Unhandled
-                                       : httplib::Server::HandlerResponse::Handled;
-    });
-    http_.Get(".*", [this](const Request& request, Response& response) { get(request, response); });
-    http_.Post(root_ + "control",
-               [this](const Request& request, Response& response) { wish(request, response); });
+  HttpAnswer answer(const HttpRequest& request) {
+    HttpAnswer answer = admitted(request);
+    answer.headers.insert(answer.headers.end(), protectiveHeaders().begin(),
+                          protectiveHeaders().end());
+    return answer;
   }
 
   /// Without the secret every path gives the same answer.
-  bool admits(const Request& request, Response& response) const {
-    const RequestSource source{.host = request.get_header_value("Host"),
-                               .origin = header(request, "Origin"),
-                               .fetchSite = header(request, "Sec-Fetch-Site")};
-    if (const auto why = refusalOf(source, port_)) {
-      answer(response, refusal(403, *why));
-      return false;
-    }
+  HttpAnswer admitted(const HttpRequest& request) {
+    const RequestSource source{.host = request.header("Host").value_or(""),
+                               .origin = request.header("Origin"),
+                               .fetchSite = request.header("Sec-Fetch-Site")};
+    if (const auto why = refusalOf(source, port_)) return refusal(403, *why);
     const bool known = request.path.size() >= root_.size() &&
                        CRYPTO_memcmp(request.path.data(), root_.data(), root_.size()) == 0;
-    if (!known) answer(response, refusal(404, "there is no such page"));
-    return known;
+    if (known && (request.method == "GET" || request.method == "HEAD")) return get(request);
+    if (known && request.method == "POST" && request.path == root_ + "control") {
+      return wish(request);
+    }
+    return refusal(404, "there is no such page");
   }
 
-  void get(const Request& request, Response& response) {
+  HttpAnswer get(const HttpRequest& request) {
     const std::string path = request.path.substr(root_.size());
-    if (path == "events") return stream(request, response);
-    if (path == "qr") return answer(response, qr(request.get_param_value("code")));
-    if (path == "place") {
-      return answer(response, answerWith({{"base", place_.base}, {"anchor", place_.anchor}}));
-    }
-    if (path.rfind("requests/", 0) == 0) return answer(response, whole(path.substr(9)));
+    if (path == "events") return stream(request);
+    if (path == "qr") return qr(request.field("code"));
+    if (path == "place") return answerWith({{"base", place_.base}, {"anchor", place_.anchor}});
+    if (path.rfind("requests/", 0) == 0) return whole(path.substr(9));
     if (path.rfind("data/", 0) == 0 && isShown(path.substr(5))) {
-      return answer(response, ask("GET", "/control/" + path.substr(5), ""));
+      return ask("GET", "/control/" + path.substr(5), "");
     }
     for (const ConsoleFile& file : consoleFiles()) {
       if (file.name != (path.empty() ? "index.html" : path)) continue;
-      response.set_content(file.bytes.data(), file.bytes.size(),
-                           fmt::format("{}; charset=utf-8", file.contentType));
-      return;
+      return {.body = std::string(file.bytes),
+              .contentType = fmt::format("{}; charset=utf-8", file.contentType)};
     }
-    answer(response, refusal(404, "there is no such page"));
+    return refusal(404, "there is no such page");
   }
 
   HttpAnswer ask(const std::string& method, const std::string& path, const std::string& body) {
@@ -168,21 +128,20 @@ class ConsoleServer::Server {
   }
 
   /// {"method":M,"path":P,"body":{...}}: a request to Control. The page learns no PIN or CVV.
-  void wish(const Request& request, Response& response) {
-    const std::string type = request.get_header_value("Content-Type");
-    if (type != "application/json") {
-      return answer(response, refusal(415, "the Content-Type is not application/json"));
+  HttpAnswer wish(const HttpRequest& request) {
+    if (request.contentType() != "application/json") {
+      return refusal(415, "the Content-Type is not application/json");
     }
     const auto wish = parseObject(request.body);
-    if (!wish) return answer(response, mistake("the body is no JSON object"));
+    if (!wish) return mistake("the body is no JSON object");
     if (auto wrong = complaint(*wish, {{"method"}, {"path"}, {"body", Kind::object}})) {
-      return answer(response, mistake(*wrong));
+      return mistake(*wrong);
     }
-    if (textOf(*wish, "method") == "GET") return answer(response, mistake("ask by GET"));
+    if (textOf(*wish, "method") == "GET") return mistake("ask by GET");
     HttpAnswer answered =
         ask(textOf(*wish, "method"), textOf(*wish, "path"), json::serialize(wish->at("body")));
     answered.body = maskBody(answered.body, answered.contentType, {}).text;
-    answer(response, answered);
+    return answered;
   }
 
   HttpAnswer whole(std::string_view number) {
@@ -201,25 +160,21 @@ class ConsoleServer::Server {
     return {.body = std::move(*picture), .contentType = "image/svg+xml"};
   }
 
-  void stream(const Request& request, Response& response) {
+  HttpAnswer stream(const HttpRequest& request) {
     const auto open = std::make_shared<Open>(streams_);
-    if (streams_ > mostStreams) {
-      return answer(response, refusal(503, "too many consoles are open"));
-    }
+    if (streams_ > mostStreams) return refusal(503, "too many consoles are open");
     // A page that lost its connection says what it knows; a new one knows nothing.
-    const std::string known = request.has_header("Last-Event-ID")
-                                  ? request.get_header_value("Last-Event-ID")
-                                  : request.get_param_value("since");
+    const std::string known = request.header("Last-Event-ID").value_or(request.field("since"));
     const auto events = std::make_shared<ConsoleStream>(state_, shutdown_, numberIn(known, 0));
-    response.set_chunked_content_provider(
-        "text/event-stream", [this, open, events](size_t, httplib::DataSink& sink) {
-          const std::string news = events->next();
-          if (shutdown_.begun() || !sink.is_writable()) return false;
-          // A comment now and then shows both sides that the other is there.
-          const std::string& sent = news.empty() ? std::string(":\n\n") : news;
-          if (!sink.write(sent.data(), sent.size())) return false;
-          return news.empty() || shutdown_.pause(betweenEvents);
-        });
+    return {.contentType = "text/event-stream",
+            .stream = [this, open, events, pauses = false]() mutable -> std::string {
+              if (std::exchange(pauses, false) && !shutdown_.pause(betweenEvents)) return {};
+              std::string news = events->next();
+              if (shutdown_.begun()) return {};
+              pauses = !news.empty();
+              // A comment now and then shows both sides that the other is there.
+              return news.empty() ? ":\n\n" : news;
+            }};
   }
 
   /// Counts a stream while it is open.
@@ -238,8 +193,10 @@ class ConsoleServer::Server {
   const std::string root_ = "/" + randomHex(16) + "/";
   int port_ = 0;
   std::atomic<int> streams_{0};
-  httplib::Server http_;
-  std::thread listener_;
+  HttpServer http_{{.serve = answering(
+                        [this](const HttpRequest& request) { return answer(request); }, shutdown_),
+                    .longestBody = longestWish},
+                   shutdown_};
 };
 
 ConsoleServer::ConsoleServer(State& state, Control& control, Shutdown& shutdown, Place place)

@@ -71,7 +71,8 @@ function adder(wallet, kinds) {
 function deviceOf(device) {
   const start = choice("start", starts, device.nextStart || "normal");
   start.addEventListener("change", () => change("POST", "devices", { device: device.device, nextStart: start.value }));
-  return make("li", { className: "device" }, make("code", { textContent: shortDevice(device.device), title: device.device }), make("label", {}, " next session start ", start));
+  return make("li", { className: "device" }, make("code", { textContent: shortDevice(device.device), title: device.device }), make("label", {}, " next session start ", start),
+    button("Remove device", `device-${device.device}`, () => change("DELETE", "devices", { device: device.device })));
 }
 
 function drawn(entry, devices, kinds) {

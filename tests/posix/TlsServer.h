@@ -1,18 +1,11 @@
 #pragma once
 
-#include <atomic>
 #include <functional>
-#include <list>
-#include <memory>
-#include <mutex>
 #include <optional>
-#include <set>
 #include <string>
 #include <string_view>
-#include <thread>
 
-#include <openssl/ssl.h>
-
+#include "sandbox/HttpServer.h"
 #include "tests/ports/HttpClientContract.h"
 #include "tests/posix/TestCertificates.h"
 
@@ -22,19 +15,16 @@ namespace orlix {
 /// the test decides what goes out.
 class TlsConnection {
  public:
-  explicit TlsConnection(SSL* tls) : tls_(tls) {}
+  explicit TlsConnection(sandbox::Connection& connection) : connection_(connection) {}
   /// The next request, whole; none when the client has closed.
   std::optional<SeenRequest> read();
   /// False when the client has closed.
-  bool write(std::string_view bytes);
+  bool write(std::string_view bytes) { return connection_.write(bytes); }
   /// Returns when the client has closed, or the server is taken down.
-  void awaitClose();
+  void awaitClose() { connection_.awaitClose(); }
 
  private:
-  bool readMore();
-
-  SSL* tls_;
-  std::string received_;
+  sandbox::Connection& connection_;
 };
 
 /// A TLS server on 127.0.0.1 whose every byte the test writes. Runs `serve` for each connection, on
@@ -45,30 +35,16 @@ class TlsServer {
 
   /// `highestVersion`: TLS1_1_VERSION and so on; 0 for any.
   TlsServer(const Identity& identity, Serve serve, int highestVersion = 0);
-  ~TlsServer();
-  TlsServer(const TlsServer&) = delete;
-  TlsServer& operator=(const TlsServer&) = delete;
 
   std::string address(const std::string& path, const std::string& host = "127.0.0.1") const;
   /// Connections taken, whether or not their handshake succeeded.
-  int connections() const { return connections_; }
-  int handshakes() const { return handshakes_; }
+  std::int64_t connections() const { return server_.counts().connections; }
+  std::int64_t handshakes() const { return server_.counts().handshakes; }
 
  private:
-  void accept();
-  void handle(int socket);
-
-  std::shared_ptr<SSL_CTX> context_;
-  Serve serve_;
-  int listener_ = -1;
-  int port_ = 0;
-  std::atomic<int> connections_ = 0;
-  std::atomic<int> handshakes_ = 0;
-  std::mutex lock_;
-  std::set<int> sockets_;
-  std::list<std::thread> threads_;
-  bool closed_ = false;
-  std::thread acceptor_;
+  sandbox::Shutdown shutdown_;
+  sandbox::HttpServer server_;
+  const int port_;
 };
 
 /// Status, the given fields, Content-Length and the body. `missing`: how much longer than that the

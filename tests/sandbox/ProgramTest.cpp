@@ -29,10 +29,23 @@ TEST(Program, SaysWhereItIsAndEndsCleanlyWhenAsked) {
   EXPECT_EQ(textOf(*ready, "event"), "ready");
   EXPECT_EQ(textOf(*ready, "anchor"), folder.path() / "certificateroot.cer");
   EXPECT_TRUE(std::filesystem::exists(textOf(*ready, "anchor")));
+  EXPECT_TRUE(std::filesystem::exists(textOf(*ready, "anchorPem")));
+  EXPECT_EQ(textOf(*ready, "base"), textOf(*ready, "local") + "/vello");
   EXPECT_EQ(textOf(*ready, "console").rfind("http://127.0.0.1:", 0), 0U);
   kill(id, SIGTERM);
   EXPECT_EQ(pclose(pipe), 0);
   EXPECT_TRUE(std::filesystem::exists(folder.path())) << "a folder that was given stays";
+}
+
+TEST(Program, TellsItsOptionsInGroupsWithExamplesWhenAskedForHelp) {
+  FILE* pipe = popen((kProgram + " --help").c_str(), "r");
+  std::string help;
+  for (std::string line = lineOf(pipe); std::feof(pipe) == 0; line = lineOf(pipe))
+    help += line + "\n";
+  EXPECT_EQ(pclose(pipe), 0);
+  for (const char* told : {"Network:", "State:", "Behaviour:", "  --port N ", "Examples:"}) {
+    EXPECT_NE(help.find(told), std::string::npos) << told << help;
+  }
 }
 
 TEST(Program, RefusesBadArgumentsWithTwoAndWhatItCannotUseWithOne) {
@@ -46,6 +59,11 @@ TEST(Program, RefusesBadArgumentsWithTwoAndWhatItCannotUseWithOne) {
                                          {"--port", 2, "--port"},
                                          {"--port x", 2, "\"x\""},
                                          {"--port 65536", 2, "65536"},
+                                         {"--listen phone", 2, "\"phone\" is no address"},
+                                         {"--listen 0.0.0.0", 2, "no single address"},
+                                         {"--listen 127.0.0.1", 2, "listened on already"},
+                                         {"--listen 203.0.113.9", 1, "203.0.113.9"},
+                                         {"--keep-root", 2, "--keep-root requires --dir"},
                                          {"--dir ''", 2, "--dir"},
                                          {"--dir /proc/no/folder", 1, "/proc/no/folder"},
                                          {"--db /proc/no/file", 1, "/proc/no/file"},

@@ -64,8 +64,8 @@ Reply replyOf(const httplib::Result& result) {
   return reply;
 }
 
-Wallet::Wallet(const Sandbox& sandbox, std::string_view serial)
-    : http("127.0.0.1", sandbox.port()),
+Wallet::Wallet(const Sandbox& sandbox, std::string_view serial, const std::string& address)
+    : http(address, sandbox.port()),
       device{{"deviceSerial", serial},
              {"appVersion", "iPhone TALU 2.1.0"},
              {"hasDoubleSession", true},

@@ -27,7 +27,8 @@ Reply replyOf(const httplib::Result& result);
 /// sandbox's root alone.
 class Wallet {
  public:
-  explicit Wallet(const Sandbox& sandbox, std::string_view device = "[p:0F]");
+  explicit Wallet(const Sandbox& sandbox, std::string_view device = "[p:0F]",
+                  const std::string& address = "127.0.0.1");
 
   /// Opens a session with the token that is held and takes up its tokens and PIN key.
   Reply start();

@@ -18,14 +18,15 @@ TEST(ShopOptions, HaveDefaultsAndThoseThatMakeNoSenseAreRefusedWithTheReason) {
   EXPECT_EQ(bare.terms, "https://127.0.0.1:9/terms/tavlo.html");
   EXPECT_FALSE(bare.location || bare.script);
   const std::vector<std::pair<Arguments, std::string>> rows{
-      {{}, "--server is missing"},
-      {{"--server", "https://h/vello", "--state", "s"}, "--anchor is missing"},
-      {{"--server", "https://h/vello", "--anchor", "a"}, "--state is missing"},
+      {{}, "--server is required"},
+      {{"--server", "https://h/vello", "--state", "s"}, "--anchor is required"},
+      {{"--server", "https://h/vello", "--anchor", "a"}, "--state is required"},
       {{"--server", "http://h/vello"}, "begins with https://"},
       {{"--server", "https:///vello"}, "begins with https://"},
       {{"--server", "https://h/vello?x"}, "begins with https://"},
-      {{"--script"}, "--script needs a value"},
-      {complete({"--headless"}), "--headless needs a --script"},
+      {{"--script"}, "--script: 1 required FILE missing"},
+      {complete({"--script", ""}), "--script needs a value"},
+      {complete({"--headless"}), "--headless requires --script"},
       {complete({"--system", "2"}), "--system is 0 (live) or 1 (test)"},
       {complete({"--location", "18.42"}), "--location needs LAT,LON"},
       {complete({"--window", "375"}), "--window needs WIDTHxHEIGHT"},
@@ -33,8 +34,8 @@ TEST(ShopOptions, HaveDefaultsAndThoseThatMakeNoSenseAreRefusedWithTheReason) {
       {complete({"--window", "0x-3"}), "--window needs WIDTHxHEIGHT"},
       {complete({"--location", "91,0"}), "--location needs LAT,LON"},
       {complete({"--location", "nan,0"}), "--location needs LAT,LON"},
-      {complete({"--state", "t"}), "--state is given twice"},
-      {complete({"pay.shop"}), "unknown argument \"pay.shop\""},
+      {complete({"--state", "t"}), "--state: At Most 1 required but received 2"},
+      {complete({"pay.shop"}), "not expected: pay.shop"},
   };
   for (const auto& [arguments, reason] : rows) {
     try {

@@ -288,6 +288,14 @@ class Wallets(ConsoleTest):
         self.browser.click(".adder button")
         self.browser.until(lambda: self.browser.find("[data-card='9876']"), "added")
 
+    def test_a_device_is_removed_and_its_session_with_it(self):
+        self.assertEqual(self.sandbox.control("GET", "state")["sessions"], 1)
+        self.browser.click("#wallets .device button", "Remove device")
+        self.browser.until(lambda: not self.browser.find("#wallets .device"), "removed")
+        self.assertEqual(self.sandbox.control("GET", "wallets")["devices"], [])
+        self.assertEqual(self.sandbox.control("GET", "state")["sessions"], 0)
+        self.assertTrue(self.browser.find("[data-card='1111']"), "the wallet stays")
+
     def test_a_cards_rule_decides_what_the_shop_meets(self):
         self.browser.click("[data-card='1111'] summary")
         self.browser.type("[data-card='1111'] input[name=pin]", "8642")
