@@ -23,6 +23,11 @@ if(PROJECT_IS_TOP_LEVEL)
     set(CMAKE_CXX_COMPILER_LAUNCHER ${ORLIX_CCACHE})
   endif()
 
+  # Debian's folder of libraries, also below /usr/local. Set before a package that is looked for sets its own.
+  if(NOT DEFINED CMAKE_INSTALL_LIBDIR AND CMAKE_LIBRARY_ARCHITECTURE AND EXISTS /etc/debian_version)
+    set(CMAKE_INSTALL_LIBDIR lib/${CMAKE_LIBRARY_ARCHITECTURE} CACHE PATH "Folder of libraries")
+  endif()
+
   # Several times as fast as the system's linker, which shows in a build of a dozen test programs.
   find_program(ORLIX_LLD ld.lld)
   if(ORLIX_LLD)

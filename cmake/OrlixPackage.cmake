@@ -1,6 +1,7 @@
 # The package that a host links: the library, its testing kit and its Qt shell, their public headers, what
-# find_package and pkg-config read, and Debian packages by CPack. As shared libraries they have the symbols
-# of their public headers only. Everything inside this project links the floors themselves.
+# find_package and pkg-config read; and the programs. As shared libraries they have the symbols of their
+# public headers only. Everything inside this project links the floors themselves. Each library is two
+# components: what a program needs to run, and "-dev", what building one needs.
 
 include(GNUInstallDirs)
 include(CMakePackageConfigHelpers)
@@ -19,7 +20,7 @@ endif()
 # orlix_package(<name> <alias> <map> <component> OBJECTS <targets>... PUBLIC <targets>... PRIVATE <targets>...
 #               PC_REQUIRES <packages> PC_PRIVATE <packages> PC_LIBS_PRIVATE <flags>)
 # A library of these targets' objects; a shared one with the symbols that the map names. PC_...: what its
-# pkg-config file asks of others.
+# pkg-config file asks of others; those that are private, only of a program that links a static library.
 function(orlix_package name alias map component)
   cmake_parse_arguments(PACKAGE "" "PC_REQUIRES;PC_PRIVATE;PC_LIBS_PRIVATE" "OBJECTS;PUBLIC;PRIVATE" ${ARGN})
   set(objects "")
@@ -43,13 +44,17 @@ function(orlix_package name alias map component)
   target_include_directories(${name} INTERFACE $<INSTALL_INTERFACE:${CMAKE_INSTALL_INCLUDEDIR}>)
   target_link_libraries(${name} PUBLIC ${PACKAGE_PUBLIC} PRIVATE ${PACKAGE_PRIVATE})
   install(TARGETS ${name} EXPORT OrlixKit${alias}Targets COMPONENT ${component}
-    ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR}
-    LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR} NAMELINK_COMPONENT ${component})
-  install(EXPORT OrlixKit${alias}Targets NAMESPACE OrlixKit:: COMPONENT ${component}
+    ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR} COMPONENT ${component}-dev
+    LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR} NAMELINK_COMPONENT ${component}-dev)
+  install(EXPORT OrlixKit${alias}Targets NAMESPACE OrlixKit:: COMPONENT ${component}-dev
     DESTINATION ${CMAKE_INSTALL_LIBDIR}/cmake/OrlixKit)
+  if(ORLIXKIT_SHARED)
+    set(PACKAGE_PC_PRIVATE "")
+    set(PACKAGE_PC_LIBS_PRIVATE "")
+  endif()
   configure_file(${package_files}/component.pc.in ${name}.pc @ONLY)
   install(FILES ${CMAKE_CURRENT_BINARY_DIR}/${name}.pc
-    DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig COMPONENT ${component})
+    DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig COMPONENT ${component}-dev)
 endfunction()
 
 # Public headers, with their folders, below this one.
@@ -59,6 +64,18 @@ function(orlix_public_headers component below)
     install(FILES ${PROJECT_SOURCE_DIR}/${header} COMPONENT ${component}
       DESTINATION ${below}/${folder})
   endforeach()
+endfunction()
+
+# orlix_compressed(<name> COMMAND <command> <arguments>... DEPENDS <files>...)
+# In the build folder, compressed, what the command prints.
+add_custom_target(orlix_documents ALL)
+function(orlix_compressed name)
+  cmake_parse_arguments(PRINTED "" "" "COMMAND;DEPENDS" ${ARGN})
+  set(file ${CMAKE_CURRENT_BINARY_DIR}/${name})
+  add_custom_command(OUTPUT ${file}
+    COMMAND bash -o pipefail -c "\"$@\" | gzip -9n >\"$0\"" ${file} ${PRINTED_COMMAND}
+    DEPENDS ${PRINTED_DEPENDS} COMMENT "Making ${name}" VERBATIM)
+  set_property(TARGET orlix_documents APPEND PROPERTY SOURCES ${file})
 endfunction()
 
 file(RELATIVE_PATH ORLIX_PREFIX_FROM_PC
@@ -74,7 +91,7 @@ orlix_package(orlixkit Core core.map core
 file(GLOB ports RELATIVE ${PROJECT_SOURCE_DIR} CONFIGURE_DEPENDS
   ${PROJECT_SOURCE_DIR}/orlixkit/ports/*.h ${PROJECT_SOURCE_DIR}/orlixkit/ui/*.h
   ${PROJECT_SOURCE_DIR}/orlixkit/host/*.h)
-orlix_public_headers(core ${CMAKE_INSTALL_INCLUDEDIR} ${ports}
+orlix_public_headers(core-dev ${CMAKE_INSTALL_INCLUDEDIR} ${ports}
   orlixkit/OrlixKit.h
   orlixkit/checkout/OXDelegates.h
   orlixkit/checkout/OXOrlix.h
@@ -85,7 +102,7 @@ orlix_public_headers(core ${CMAKE_INSTALL_INCLUDEDIR} ${ports}
   orlixkit/records/Failures.h
   orlixkit/widgets/DropDownPicker.h)
 
-install(FILES ${PROJECT_BINARY_DIR}/include/orlixkit/Version.h COMPONENT core
+install(FILES ${PROJECT_BINARY_DIR}/include/orlixkit/Version.h COMPONENT core-dev
   DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/orlixkit)
 
 # What a host's own tests link beside the library.
@@ -97,7 +114,7 @@ orlix_package(orlixkit-testing Testing testing.map testing
   PC_PRIVATE "libcurl, libcrypto, fmt"
   PC_LIBS_PRIVATE "-lboost_json -lboost_container")
 file(GLOB kit RELATIVE ${PROJECT_SOURCE_DIR} CONFIGURE_DEPENDS ${PROJECT_SOURCE_DIR}/orlixkit/testing/*.h)
-orlix_public_headers(testing ${CMAKE_INSTALL_INCLUDEDIR} ${kit} orlixkit/resources/CompiledBundle.h)
+orlix_public_headers(testing-dev ${CMAKE_INSTALL_INCLUDEDIR} ${kit} orlixkit/resources/CompiledBundle.h)
 
 # The drawings register themselves when a program starts, which a linker drops from a static library.
 if(TARGET orlix_shell AND ORLIXKIT_SHARED)
@@ -116,7 +133,7 @@ if(TARGET orlix_shell AND ORLIXKIT_SHARED)
     PC_REQUIRES "orlixkit, Qt6Quick")
   # "shell" is too common a name to stand in a system's include folder.
   set(below ${CMAKE_INSTALL_INCLUDEDIR}/orlixkit-shell)
-  orlix_public_headers(shell ${below} shell/OrlixShell.h)
+  orlix_public_headers(shell-dev ${below} shell/OrlixShell.h)
   target_include_directories(orlixkit-shell INTERFACE $<INSTALL_INTERFACE:${below}>)
 endif()
 
@@ -125,28 +142,25 @@ configure_package_config_file(${package_files}/OrlixKitConfig.cmake.in OrlixKitC
 write_basic_package_version_file(OrlixKitConfigVersion.cmake COMPATIBILITY SameMajorVersion)
 install(FILES ${CMAKE_CURRENT_BINARY_DIR}/OrlixKitConfig.cmake
               ${CMAKE_CURRENT_BINARY_DIR}/OrlixKitConfigVersion.cmake
-  DESTINATION ${CMAKE_INSTALL_LIBDIR}/cmake/OrlixKit COMPONENT core)
+  DESTINATION ${CMAKE_INSTALL_LIBDIR}/cmake/OrlixKit COMPONENT core-dev)
 
-# cpack: one Debian package for hosts without Qt, one for those with it.
-set(CPACK_GENERATOR DEB)
-set(CPACK_PACKAGE_NAME orlixkit)
-set(CPACK_PACKAGE_VENDOR "OrlixKit")
-set(CPACK_PACKAGE_CONTACT "The OrlixKit developers <developers@orlixkit.example>")
-set(CPACK_PACKAGE_DESCRIPTION_SUMMARY "${PROJECT_DESCRIPTION}")
-set(CPACK_RESOURCE_FILE_LICENSE ${PROJECT_SOURCE_DIR}/LICENSE)
-set(CPACK_STRIP_FILES ON)
-set(CPACK_DEB_COMPONENT_INSTALL ON)
-set(CPACK_DEBIAN_FILE_NAME DEB-DEFAULT)
-set(CPACK_DEBIAN_PACKAGE_SECTION libdevel)
-set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)
-set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS_PRIVATE_DIRS ${CMAKE_CURRENT_BINARY_DIR})
-set(CPACK_COMPONENTS_ALL core testing)
-set(CPACK_DEBIAN_CORE_PACKAGE_NAME liborlixkit-dev)
-set(CPACK_DEBIAN_TESTING_PACKAGE_NAME liborlixkit-testing-dev)
-set(CPACK_DEBIAN_TESTING_PACKAGE_DEPENDS "liborlixkit-dev (= ${PROJECT_VERSION})")
-if(TARGET orlixkit-shell)
-  list(APPEND CPACK_COMPONENTS_ALL shell)
-  set(CPACK_DEBIAN_SHELL_PACKAGE_NAME liborlixkit-shell-dev)
-  set(CPACK_DEBIAN_SHELL_PACKAGE_DEPENDS "liborlixkit-dev (= ${PROJECT_VERSION})")
+# The programs carry the library in themselves: they use more of it than its public part.
+foreach(program sandbox shop)
+  if(TARGET orlix-${program})
+    install(TARGETS orlix-${program} COMPONENT ${program})
+    set(page ${PROJECT_SOURCE_DIR}/docs/man/orlix-${program}.1)
+    orlix_compressed(orlix-${program}.1.gz COMMAND cat ${page} DEPENDS ${page})
+    install(FILES ${CMAKE_CURRENT_BINARY_DIR}/orlix-${program}.1.gz COMPONENT ${program}
+      DESTINATION ${CMAKE_INSTALL_MANDIR}/man1)
+  endif()
+endforeach()
+if(TARGET orlix-shop)
+  set(shop_documents ${CMAKE_INSTALL_DATADIR}/doc/orlixkit-shop)
+  install(FILES ${PROJECT_SOURCE_DIR}/examples/shop/README.md COMPONENT shop DESTINATION ${shop_documents})
+  install(DIRECTORY ${PROJECT_SOURCE_DIR}/examples/shop/scripts/ COMPONENT shop
+    DESTINATION ${shop_documents}/examples FILES_MATCHING PATTERN gallery EXCLUDE PATTERN *.shop)
 endif()
-include(CPack)
+
+if(ORLIXKIT_SHARED AND PROJECT_IS_TOP_LEVEL)
+  include(OrlixDebian)
+endif()
