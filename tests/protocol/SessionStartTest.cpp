@@ -74,20 +74,20 @@ TEST(SessionStart, ThatCannotMakeAClientKeepsTheFormerOneAndCountsAsOpenWithoutO
                                       [&] { test.driver.performInitSession(); });
   EXPECT_EQ(test.heard(), "open ");
   EXPECT_EQ(test.driver.connection(), former);
-  EXPECT_EQ(test.requestsTo(sessionPath).size(), 2U);
+  EXPECT_EQ(test.requestsTo(kSessionPath).size(), 2U);
 }
 
 TEST(SessionStart, OfAnEndedFlowOrWithoutADelegateIsReportedToNoOne) {
   for (const std::string& answer : {openedSession(), std::string("{}")}) {
     Driver test;
-    test.host.connections().on(sessionPath, ServerReply::of(200, answer));
+    test.host.connections().on(kSessionPath, ServerReply::of(200, answer));
     EXPECT_EQ(test.start(test.upper), answer == "{}" ? "activate " : "open ");
     EXPECT_EQ(test.start(nullptr), "");
     test.upper->flow->end();
     EXPECT_EQ(test.start(test.upper), "");
   }
   Driver test;
-  test.host.connections().on(sessionPath, ServerReply().fail("reset"));
+  test.host.connections().on(kSessionPath, ServerReply().fail("reset"));
   EXPECT_EQ(test.start(test.upper), "failed ");
   test.upper->cancel();
   EXPECT_EQ(test.heard(), "cancelled ");
@@ -95,7 +95,7 @@ TEST(SessionStart, OfAnEndedFlowOrWithoutADelegateIsReportedToNoOne) {
   test.upper->retry();
   test.upper->cancel();
   EXPECT_EQ(test.heard(), "");
-  EXPECT_EQ(test.requestsTo(sessionPath).size(), 1U);
+  EXPECT_EQ(test.requestsTo(kSessionPath).size(), 1U);
 }
 
 }  // namespace orlix::test

@@ -41,7 +41,7 @@ class Site {
   std::string address(const std::string& path, const std::string& host = "127.0.0.1") const {
     return server_.address(path, host);
   }
-  int connections() const { return server_.connections(); }
+  std::int64_t connections() const { return server_.connections(); }
   std::vector<SeenRequest> requests() {
     const std::lock_guard guard(lock_);
     return requests_;
