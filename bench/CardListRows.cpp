@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 #include <cstddef>
 #include <malloc.h>
 #include <stdexcept>
@@ -61,15 +63,15 @@ double bytesPerCard(const std::string& text, std::size_t count) {
 }  // namespace
 
 Row cardListRow() {
-  constexpr std::size_t count = 10'000;
-  const std::string text = listOf(count);
+  constexpr std::size_t kCards = 10'000;
+  const std::string text = listOf(kCards);
   return compare(
       "10,000 cards read into records : bare JSON parse", 1 / 0.7, {.samples = 15},
       [&] {
         boost::json::monotonic_resource memory;
         boost::json::parse(text, &memory);
       },
-      [&] { read(text, count); });
+      [&] { read(text, kCards); });
 }
 
 Row cardListGrowthRow() {

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // The hot paths of a checkout, each run the given number of times, independent of the machine: no
 // server, no disk, no real time. `scripts/budget` counts their instructions.
 //

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // Prints the latency of the drawn shell, measured in one run: the time from the host's call to the
 // drawn waiting screen, against an empty window of the same size, and the longest time for which a
 // checkout blocks input on the main thread.

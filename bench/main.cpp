@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // Prints what the library costs against its floor, the bare library calls, measured in one run.
 
 #include <exception>

@@ -1,3 +1,5 @@
+# SPDX-License-Identifier: Apache-2.0
+
 # What every target of this project is built with, and the helper that makes a floor.
 
 set(CMAKE_CXX_STANDARD 20)

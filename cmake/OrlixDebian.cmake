@@ -1,3 +1,5 @@
+# SPDX-License-Identifier: Apache-2.0
+
 # Debian packages, by cpack: the libraries named after the version of their interface, what building with
 # them needs, and the programs.
 

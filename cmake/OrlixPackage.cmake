@@ -1,3 +1,5 @@
+# SPDX-License-Identifier: Apache-2.0
+
 # The package that a host links: the library, its testing kit and its Qt shell, their public headers, what
 # find_package and pkg-config read; and the programs. As shared libraries they have the symbols of their
 # public headers only. Everything inside this project links the floors themselves. Each library is two

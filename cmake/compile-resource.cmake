@@ -1,3 +1,5 @@
+# SPDX-License-Identifier: Apache-2.0
+
 # Writes the bytes of INPUT as the C++ array kResource<NUMBER> to OUTPUT. NUMBER may be any text that a
 # name may hold, so that two libraries of one program do not clash.
 file(READ ${INPUT} bytes HEX)

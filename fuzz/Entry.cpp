@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // What libFuzzer calls; compiled once for each target.
 
 #include <cstddef>

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // Runs kept inputs through a target, each once.
 
 #include <algorithm>

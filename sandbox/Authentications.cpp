@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 #include "sandbox/Authentications.h"
 
 #include <utility>
@@ -22,7 +24,7 @@ Authentication& Authentications::begin(Authentication wanted) {
   wanted.id = nextId_;
   nextId_ += 2;  // Odd, so that rounding to a double always shows.
   wanted.paReq = base64(randomBytes(48));
-  if (all_.size() == kept) all_.erase(all_.begin());
+  if (all_.size() == kKept) all_.erase(all_.begin());
   return all_.emplace(wanted.id, std::move(wanted)).first->second;
 }
 

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 #pragma once
 
 #include <cstdint>
@@ -40,7 +42,7 @@ class Authentications {
   void end(Authentication& authentication, bool passed);
 
  private:
-  static constexpr size_t kept = 1000;  ///< The oldest are dropped.
+  static constexpr size_t kKept = 1000;  ///< The oldest are dropped.
 
   std::map<std::int64_t, Authentication> all_;
   std::int64_t nextId_ = 9'007'199'254'740'993;  // 2^53 + 1: lost by a reader that uses doubles.

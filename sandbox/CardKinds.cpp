@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 #include "sandbox/CardKinds.h"
 
 #include <algorithm>
@@ -48,7 +50,7 @@ const std::vector<NamedMember>& members() {
 
 CardKind of(std::string number) {
   CardKind kind;
-  kind.bin = number.substr(0, CardKinds::binLength);
+  kind.bin = number.substr(0, CardKinds::kBinLength);
   kind.number = std::move(number);
   return kind;
 }
@@ -190,7 +192,7 @@ std::optional<std::string> CardKind::apply(const json::object& change) {
                          key, names);
     }
   }
-  if (bin.size() != CardKinds::binLength) return "\"bin\" must have nine characters";
+  if (bin.size() != CardKinds::kBinLength) return "\"bin\" must have nine characters";
   return std::nullopt;
 }
 
@@ -198,20 +200,20 @@ std::optional<std::string> CardKind::complaint() const {
   const auto holds = [](std::string_view text, size_t least, size_t most) {
     return isDigits(text) && text.size() >= least && text.size() <= most;
   };
-  if (!holds(bin, CardKinds::binLength, CardKinds::binLength))
+  if (!holds(bin, CardKinds::kBinLength, CardKinds::kBinLength))
     return "\"bin\" is not of nine digits";
   if (!holds(pin, 4, 12)) return "\"pin\" is not of 4 to 12 digits";
   if (!holds(cvv, 3, 4)) return "\"cvv\" is not of 3 or 4 digits";
-  constexpr std::array<std::string_view, 8> pages{"pass",  "notEnrolled",      "error",
-                                                  "html",  "htmlPresentFalse", "neverReturns",
-                                                  "twice", "largePage"};
-  if (std::find(pages.begin(), pages.end(), authentication) == pages.end()) {
-    return fmt::format("\"authentication\" is none of {}", fmt::join(pages, ", "));
+  constexpr std::array<std::string_view, 8> kPages{"pass",  "notEnrolled",      "error",
+                                                   "html",  "htmlPresentFalse", "neverReturns",
+                                                   "twice", "largePage"};
+  if (std::find(kPages.begin(), kPages.end(), authentication) == kPages.end()) {
+    return fmt::format("\"authentication\" is none of {}", fmt::join(kPages, ", "));
   }
   for (const auto& [name, member] : members()) {
     const auto* text = std::get_if<std::string CardKind::*>(&member);
-    if (text != nullptr && (this->*(*text)).size() > longestKeptText) {
-      return fmt::format("\"{}\" is longer than {} bytes", name, longestKeptText);
+    if (text != nullptr && (this->*(*text)).size() > kLongestKeptText) {
+      return fmt::format("\"{}\" is longer than {} bytes", name, kLongestKeptText);
     }
   }
   return std::nullopt;
@@ -234,7 +236,7 @@ CardKinds::CardKinds(Database& database) : database_(database) {
 }
 
 std::optional<CardKind> CardKinds::find(std::string_view numberOrBin) const {
-  const auto found = byBin_.find(numberOrBin.substr(0, binLength));
+  const auto found = byBin_.find(numberOrBin.substr(0, kBinLength));
   if (found == byBin_.end()) return std::nullopt;
   return found->second;
 }

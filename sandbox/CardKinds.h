@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 #pragma once
 
 #include <functional>
@@ -57,7 +59,7 @@ class CardKinds {
 
   std::optional<CardKind> find(std::string_view numberOrBin) const;
   void put(const CardKind& kind);
-  bool isFull() const { return byBin_.size() >= most; }
+  bool isFull() const { return byBin_.size() >= kMost; }
 
   /// Those that a demonstration wallet holds, in the wallet's order.
   static std::vector<CardKind> demonstration();
@@ -65,8 +67,8 @@ class CardKinds {
   /// Every documented kind.
   static std::vector<CardKind> documented();
 
-  static constexpr size_t binLength = 9;
-  static constexpr size_t most = 1000;
+  static constexpr size_t kBinLength = 9;
+  static constexpr size_t kMost = 1000;
 
  private:
   Database& database_;

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // Looking after the cards of a wallet: list, link, remove, validate, ask what a BIN needs.
 
 #include <algorithm>
@@ -13,10 +15,10 @@ namespace orlix::sandbox {
 
 namespace {
 
-constexpr std::string_view addedMessage = "Your card has been added";
+constexpr std::string_view kAddedMessage = "Your card has been added";
 
 /// The mobile number that the bank knows for every card that must be relinked.
-constexpr std::string_view numberAtTheBank = "27821234567";
+constexpr std::string_view kNumberAtTheBank = "27821234567";
 
 HttpAnswer withCards(Call& call, std::string_view status) {
   return answerWith(
@@ -29,7 +31,7 @@ HttpAnswer listCards(Call& call) {
 
 HttpAnswer binInfo(Call& call) {
   const std::string bin = textOf(call.body, "bin");
-  if (bin.size() != CardKinds::binLength) return mistake("\"bin\" has not nine characters");
+  if (bin.size() != CardKinds::kBinLength) return mistake("\"bin\" has not nine characters");
   const auto kind = call.state.kinds.find(bin);
   if (!kind || !kind->supported) return answerWith({{"cardSupported", false}});
   return answerWith({{"cardSupported", true},
@@ -97,7 +99,7 @@ HttpAnswer linkCard(Call& call) {
   if (status == "RELINK") {
     const std::string linked = textOf(call.body, "linkedMsisdn");
     if (!linked.empty())
-      status = internationalForm(linked) == numberAtTheBank ? "SUCCESS" : "FAILED";
+      status = internationalForm(linked) == kNumberAtTheBank ? "SUCCESS" : "FAILED";
   }
   if (status == "SUCCESS" && !call.state.wallets.add(call.session->wallet, *kind, number)) {
     status = "FAILED";  // The wallet is full.
@@ -115,13 +117,13 @@ HttpAnswer delinkCard(Call& call) {
 /// Validates the ownership of `card`; returns the message for the user.
 std::string_view validate(State& state, const std::string& wallet, const Card& card,
                           const std::string& input) {
-  if (card.usable()) return addedMessage;
+  if (card.usable()) return kAddedMessage;
   const std::string& type = card.kind.validation;
   const bool proven = (type == "DOB" && input == card.kind.dateOfBirth) ||
                       (type == "SIMPLE" && input.empty()) || (type == "3DS" && card.authenticated);
   if (proven) {
     state.wallets.setValidated(card.id);
-    return addedMessage;
+    return kAddedMessage;
   }
   if (type == "3DS") return "Authenticate the card with its issuer first";
   if (type != "DOB") return "The card cannot be validated in this way";

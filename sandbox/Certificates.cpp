@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 #include "sandbox/Certificates.h"
 
 #include <cstdint>
@@ -19,9 +21,9 @@ namespace {
 
 namespace fs = std::filesystem;
 
-constexpr long day = 24L * 60 * 60;
+constexpr long kDay = 24L * 60 * 60;
 
-constexpr const char* otherName = "DNS:elsewhere.invalid";
+constexpr const char* kOtherName = "DNS:elsewhere.invalid";
 
 using Memory = std::unique_ptr<BIO, int (*)(BIO*)>;
 
@@ -106,7 +108,7 @@ std::string pemOf(EVP_PKEY* key) {
 
 /// "IP:127.0.0.1,DNS:localhost"
 std::string namesOf(const Certificates::Setup& setup) {
-  if (setup.flaw == CertificateFlaw::wrongHost) return otherName;
+  if (setup.flaw == CertificateFlaw::wrongHost) return kOtherName;
   std::string names = "DNS:localhost";
   for (const std::string& address : setup.addresses) names += ",IP:" + address;
   return names;
@@ -119,7 +121,7 @@ std::string constraintsOf(const Certificates::Setup& setup) {
   }
   // The flaw is the host's name, not what the root may sign.
   if (setup.flaw == CertificateFlaw::wrongHost)
-    constraints += fmt::format(",permitted;{}", otherName);
+    constraints += fmt::format(",permitted;{}", kOtherName);
   return constraints;
 }
 
@@ -167,7 +169,8 @@ Certificates::Root Certificates::makeRoot(const Setup& setup) {
   require(root != nullptr, "memory");
   // A unique name for each root: two roots with the same name and different keys confuse verifiers.
   prepare(root, made.key.get(),
-          fmt::format("Orlix sandbox root {:08x}", randomNumber() & 0xffffffffU), -day, 3650 * day);
+          fmt::format("Orlix sandbox root {:08x}", randomNumber() & 0xffffffffU), -kDay,
+          3650 * kDay);
   require(X509_set_issuer_name(root, X509_get_subject_name(root)) == 1, "issuer");
   extend(root, root, NID_basic_constraints, "critical,CA:TRUE,pathlen:0");
   extend(root, root, NID_key_usage, "critical,keyCertSign,cRLSign");
@@ -207,8 +210,8 @@ Certificates::Certificate Certificates::makeServer(EVP_PKEY* key, const Root& ro
   Certificate server(X509_new());
   require(server != nullptr, "memory");
   X509* const issuer = root.certificate.get();
-  const long from = setup.flaw == CertificateFlaw::notYetValid ? 2 * day : -day;
-  const long until = setup.flaw == CertificateFlaw::expired ? -60 : 397 * day;
+  const long from = setup.flaw == CertificateFlaw::notYetValid ? 2 * kDay : -kDay;
+  const long until = setup.flaw == CertificateFlaw::expired ? -60 : 397 * kDay;
   prepare(server.get(), key, "Orlix sandbox", from, until);
   require(X509_set_issuer_name(server.get(), X509_get_subject_name(issuer)) == 1, "issuer");
   extend(server.get(), issuer, NID_basic_constraints, "critical,CA:FALSE");
@@ -224,7 +227,7 @@ Certificates::Certificate Certificates::makeServer(EVP_PKEY* key, const Root& ro
 
 void Certificates::write(const fs::path& folder) const {
   writeFile(folder / "certificateroot.cer", derOf(anchor_.get()));
-  writeFile(folder / anchorAsText, pemOf(anchor_.get()));
+  writeFile(folder / kAnchorAsText, pemOf(anchor_.get()));
   writeFile(folder / "server.cer", derOf(server_.get()));
 }
 

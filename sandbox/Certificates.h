@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 #pragma once
 
 #include <filesystem>
@@ -33,7 +35,7 @@ class Certificates {
   X509* server() const { return server_.get(); }
   EVP_PKEY* serverKey() const { return serverKey_.get(); }
 
-  static constexpr const char* anchorAsText = "certificateroot.pem";
+  static constexpr const char* kAnchorAsText = "certificateroot.pem";
 
   /// Writes certificateroot.cer and server.cer (DER), and the root as PEM too, into `folder`, which
   /// must exist. Throws std::runtime_error with the path when a file cannot be written.

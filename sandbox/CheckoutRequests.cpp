@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // Looking a code up, paying, polling for the receipt.
 
 #include <fmt/format.h>

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 #include "sandbox/Codes.h"
 
 #include <algorithm>
@@ -190,12 +192,12 @@ const std::vector<NamedCode>& documentedCodes() {
   return all;
 }
 
-constexpr size_t longestText = 200;
-constexpr size_t longestAmount = 12;
+constexpr size_t kLongestText = 200;
+constexpr size_t kLongestAmount = 12;
 
-constexpr std::array<std::string_view, 6> flags{"requestTip",      "requestBilling",
-                                                "requestShipping", "requestPartialPayment",
-                                                "requestContact",  "orlixData"};
+constexpr std::array<std::string_view, 6> kFlags{"requestTip",      "requestBilling",
+                                                 "requestShipping", "requestPartialPayment",
+                                                 "requestContact",  "orlixData"};
 
 std::optional<std::string> complaintAboutWish(const json::object& wish) {
   Shape shape{{"merchant"},
@@ -203,11 +205,11 @@ std::optional<std::string> complaintAboutWish(const json::object& wish) {
               {"description", Kind::text, false},
               {"amount", Kind::text, false},
               {"currency", Kind::text, false}};
-  for (const std::string_view flag : flags) shape.push_back({flag, Kind::boolean, false});
+  for (const std::string_view flag : kFlags) shape.push_back({flag, Kind::boolean, false});
   if (auto wrong = complaint(wish, shape)) return wrong;
   for (const char* name : {"merchant", "code", "description", "currency"}) {
-    if (textOf(wish, name).size() > longestText) {
-      return fmt::format("\"{}\" is longer than {} bytes", name, longestText);
+    if (textOf(wish, name).size() > kLongestText) {
+      return fmt::format("\"{}\" is longer than {} bytes", name, kLongestText);
     }
   }
   if (textOf(wish, "merchant").empty()) return "\"merchant\" is empty";
@@ -215,7 +217,7 @@ std::optional<std::string> complaintAboutWish(const json::object& wish) {
   if (amount.empty()) return std::nullopt;
   const size_t point = amount.find('.');
   const bool cents = point == std::string::npos || amount.size() - point == 3;
-  if (!isDecimalNumber(amount) || !cents || amount.size() > longestAmount ||
+  if (!isDecimalNumber(amount) || !cents || amount.size() > kLongestAmount ||
       amount.find_first_not_of("0.") == std::string::npos) {
     return "\"amount\" is no amount above 0 such as 25 or 25.00";
   }
@@ -231,7 +233,7 @@ Code codeOf(const json::object& wish, std::string_view name) {
   if (const auto currency = textOf(wish, "currency"); !currency.empty()) {
     code.info["currency"] = currency;
   }
-  for (const std::string_view flag : flags) {
+  for (const std::string_view flag : kFlags) {
     code.info[{flag.data(), flag.size()}] = booleanOf(wish, flag);
   }
   code.behaviour = code.amount.empty() ? "Made here; the user gives the amount."
@@ -242,7 +244,7 @@ Code codeOf(const json::object& wish, std::string_view name) {
 json::object described(std::string_view name, const Code& code, std::string_view behaviour,
                        bool made) {
   json::array asked;
-  for (const std::string_view flag : flags) {
+  for (const std::string_view flag : kFlags) {
     if (booleanOf(code.info, flag)) asked.push_back(json::string(flag));
   }
   return {{"code", name},
@@ -275,8 +277,8 @@ std::optional<std::string> Codes::make(const json::object& wish, std::string& na
   if (auto wrong = complaintAboutWish(wish)) return wrong;
   name = textOf(wish, "code");
   if (documentedCode(name) != nullptr) return fmt::format("the code {} is documented", name);
-  if (made_.size() >= kept && !made_.contains(name)) {
-    return fmt::format("{} codes have been made; remove some first", kept);
+  if (made_.size() >= kKept && !made_.contains(name)) {
+    return fmt::format("{} codes have been made; remove some first", kKept);
   }
   const bool unnamed = name.empty();
   while (name.empty() || (unnamed && made_.contains(name))) {

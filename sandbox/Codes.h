@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 #pragma once
 
 #include <cstdint>
@@ -58,7 +60,7 @@ class Codes {
   json::array list() const;
 
  private:
-  static constexpr size_t kept = 1000;  ///< Codes that were made; no more can be.
+  static constexpr size_t kKept = 1000;  ///< Codes that were made; no more can be.
 
   std::map<std::string, Code, std::less<>> made_;
   std::int64_t lastNumber_ = 0;

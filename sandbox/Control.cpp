@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 #include "sandbox/Control.h"
 
 #include <charconv>
@@ -173,7 +175,7 @@ HttpAnswer Control::putCardKind(const json::object& wish) {
   if (const auto wrong = kind.apply(wish)) return mistake(*wrong);
   if (const auto wrong = kind.complaint()) return mistake(*wrong);
   if (state_.kinds.isFull() && !state_.kinds.find(kind.bin)) {
-    return mistake(fmt::format("there are {} card rules already", CardKinds::most));
+    return mistake(fmt::format("there are {} card rules already", CardKinds::kMost));
   }
   state_.kinds.put(kind);
   return answerWith(kind.toJson());

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // The part of the control address that looks after devices, wallets and their cards.
 
 #include <algorithm>
@@ -10,9 +12,9 @@ namespace orlix::sandbox {
 
 namespace {
 
-constexpr std::int64_t mostListed = 500;
-constexpr size_t shortestNumber = 13;
-constexpr size_t longestNumber = 19;
+constexpr std::int64_t kMostListed = 500;
+constexpr size_t kShortestNumber = 13;
+constexpr size_t kLongestNumber = 19;
 
 /// A card and the rule of its kind, without the PIN and the CVV.
 json::object described(const Card& card) {
@@ -48,7 +50,7 @@ json::array kindsToAdd() {
 
 HttpAnswer Control::listWallets(const json::object& /*wish*/) {
   json::array wallets;
-  for (const std::string& name : state_.wallets.list(mostListed)) {
+  for (const std::string& name : state_.wallets.list(kMostListed)) {
     json::array cards;
     for (const Card& card : state_.wallets.cards(name)) cards.push_back(described(card));
     wallets.push_back(json::object{{"wallet", name},
@@ -56,7 +58,7 @@ HttpAnswer Control::listWallets(const json::object& /*wish*/) {
                                    {"cards", std::move(cards)}});
   }
   json::array devices;
-  for (const Device& device : state_.devices.list(mostListed)) {
+  for (const Device& device : state_.devices.list(kMostListed)) {
     devices.push_back(json::object{
         {"device", device.serial}, {"wallet", device.wallet}, {"nextStart", device.nextStart}});
   }
@@ -71,7 +73,7 @@ HttpAnswer Control::addCard(const json::object& wish) {
   const std::string wallet = textOf(wish, "wallet");
   const std::string number = textOf(wish, "number");
   if (!state_.wallets.has(wallet)) return mistake("there is no such wallet");
-  if (!isDigits(number) || number.size() < shortestNumber || number.size() > longestNumber) {
+  if (!isDigits(number) || number.size() < kShortestNumber || number.size() > kLongestNumber) {
     return mistake("a card number has 13 to 19 digits");
   }
   const auto kind = state_.kinds.find(number);

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 #include "sandbox/Devices.h"
 
 #include "sandbox/Bounds.h"
@@ -39,7 +41,7 @@ void Devices::put(const Device& device) {
   // A device that is put again comes last, so these have been away for longest.
   for (const auto& row :
        database_.ask("SELECT serial FROM devices ORDER BY rowid DESC LIMIT -1 OFFSET ?",
-                     {std::int64_t{mostKept}})) {
+                     {std::int64_t{kMostKept}})) {
     remove(row.text(0));
   }
 }

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 #pragma once
 
 #include <cstdint>
@@ -31,7 +33,7 @@ class Devices {
   explicit Devices(Database& database);
 
   std::optional<Device> find(const std::string& serial) const;
-  /// The latest `mostKept` devices are kept.
+  /// The latest `kMostKept` devices are kept.
   void put(const Device& device);
   /// With its pending SMS code. Its wallet stays.
   void remove(const std::string& serial);

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 #include "sandbox/Faults.h"
 
 #include <algorithm>
@@ -12,7 +14,7 @@ namespace orlix::sandbox {
 
 namespace {
 
-constexpr std::array<std::pair<std::string_view, Fault::Kind>, 21> kindNames{{
+constexpr std::array<std::pair<std::string_view, Fault::Kind>, 21> kKindNames{{
     {"status", Fault::Kind::status},
     {"redirect", Fault::Kind::redirect},
     {"forget-session", Fault::Kind::forgetSession},
@@ -36,11 +38,11 @@ constexpr std::array<std::pair<std::string_view, Fault::Kind>, 21> kindNames{{
     {"hold-handshake", Fault::Kind::holdHandshake},
 }};
 
-constexpr std::int64_t mostBytes = 500'000'000;
+constexpr std::int64_t kMostBytes = 500'000'000;
 
 std::string noSuchKind(std::string_view name) {
   std::string names;
-  for (const auto& [known, kind] : kindNames) names += fmt::format(", {}", known);
+  for (const auto& [known, kind] : kKindNames) names += fmt::format(", {}", known);
   return fmt::format("there is no fault \"{}\"; there are {}", name, names.substr(2));
 }
 
@@ -110,7 +112,7 @@ std::string hugeBody(std::int64_t bytes) {
 }  // namespace
 
 std::string_view Faults::nameOf(Fault::Kind kind) {
-  const auto* found = std::find_if(kindNames.begin(), kindNames.end(),
+  const auto* found = std::find_if(kKindNames.begin(), kKindNames.end(),
                                    [&](const auto& entry) { return entry.second == kind; });
   return found->first;
 }
@@ -147,14 +149,14 @@ std::optional<std::string> Faults::add(const json::object& wish) {
     return wrong;
   }
   for (const char* text : {"path", "body", "location"}) {
-    if (textOf(wish, text).size() > longestKeptBody) {
-      return fmt::format("\"{}\" is longer than {} bytes", text, longestKeptBody);
+    if (textOf(wish, text).size() > kLongestKeptBody) {
+      return fmt::format("\"{}\" is longer than {} bytes", text, kLongestKeptBody);
     }
   }
   const std::string name = textOf(wish, "kind");
-  const auto* found = std::find_if(kindNames.begin(), kindNames.end(),
+  const auto* found = std::find_if(kKindNames.begin(), kKindNames.end(),
                                    [&](const auto& entry) { return entry.first == name; });
-  if (found == kindNames.end()) return noSuchKind(name);
+  if (found == kKindNames.end()) return noSuchKind(name);
   Fault fault;
   fault.kind = found->second;
   if (wish.contains("path")) fault.path = textOf(wish, "path");
@@ -171,15 +173,15 @@ std::optional<std::string> Faults::add(const json::object& wish) {
   if (redirects && fault.location.empty()) return "a redirect needs a \"location\"";
   fault.milliseconds = integerOf(wish, "milliseconds", fault.milliseconds);
   fault.bytes = integerOf(wish, "bytes", fault.bytes);
-  if (fault.bytes < 0 || fault.bytes > mostBytes) {
-    return fmt::format("\"bytes\" is no number from 0 to {}", mostBytes);
+  if (fault.bytes < 0 || fault.bytes > kMostBytes) {
+    return fmt::format("\"bytes\" is no number from 0 to {}", kMostBytes);
   }
   add(std::move(fault));
   return std::nullopt;
 }
 
 std::int64_t Faults::add(Fault fault) {
-  if (faults_.size() == kept) {
+  if (faults_.size() == kKept) {
     const auto spent = std::find_if(faults_.begin(), faults_.end(),
                                     [](const Fault& old) { return old.hits == old.count; });
     faults_.erase(spent == faults_.end() ? faults_.begin() : spent);

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 #pragma once
 
 #include <cstdint>
@@ -87,7 +89,7 @@ class Faults {
   static void spoil(HttpAnswer& answer, const Fault& fault);
 
  private:
-  static constexpr size_t kept = 1000;  ///< The oldest are dropped, those that are spent first.
+  static constexpr size_t kKept = 1000;  ///< The oldest are dropped, those that are spent first.
 
   std::optional<Fault> takeIf(bool (*fits)(const Fault&, std::string_view), std::string_view path);
 

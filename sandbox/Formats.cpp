@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 #include "sandbox/Formats.h"
 
 #include <algorithm>
@@ -47,8 +49,8 @@ bool isTagged(std::string_view item, std::string_view tag, long commas) {
 bool isDigits(std::string_view text) { return std::all_of(text.begin(), text.end(), &isDigit); }
 
 bool isDecimalNumber(std::string_view text) {
-  constexpr size_t longest = 32;
-  if (text.size() > longest) return false;
+  constexpr size_t kLongest = 32;
+  if (text.size() > kLongest) return false;
   const size_t point = text.find('.');
   if (point == std::string_view::npos) return !text.empty() && isDigits(text);
   const std::string_view fraction = text.substr(point + 1);
@@ -65,8 +67,8 @@ bool isTimeZone(std::string_view text) {
 }
 
 bool isDeviceSerial(std::string_view text) {
-  const auto items = bracketed(text.substr(0, longestKeptText + 1));
-  return text.size() <= longestKeptText && items && !items->empty() &&
+  const auto items = bracketed(text.substr(0, kLongestKeptText + 1));
+  return text.size() <= kLongestKeptText && items && !items->empty() &&
          std::all_of(items->begin(), items->end(), [](std::string_view item) {
            return item.size() > 2 && item[1] == ':' &&
                   (item[0] == 'i' || item[0] == 's' || item[0] == 'p');

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 #include "sandbox/HttpServer.h"
 
 #include <algorithm>
@@ -35,10 +37,10 @@ namespace http = boost::beast::http;
 using asio::ip::tcp;
 using boost::system::error_code;
 
-constexpr int keptAliveMilliseconds = 5 * 60 * 1000;
-constexpr timeval longestWait{.tv_sec = 30, .tv_usec = 0};
-constexpr size_t mostConnections = 2000;
-constexpr std::uint32_t longestHeader = 256 * 1024;
+constexpr int kKeptAliveMilliseconds = 5 * 60 * 1000;
+constexpr timeval kLongestWait{.tv_sec = 30, .tv_usec = 0};
+constexpr size_t kMostConnections = 2000;
+constexpr std::uint32_t kLongestHeader = 256 * 1024;
 
 using Context = std::unique_ptr<SSL_CTX, void (*)(SSL_CTX*)>;
 
@@ -98,7 +100,7 @@ class Wire : public Connection {
         tls_(context != nullptr ? SSL_new(context) : nullptr, &SSL_free),
         longestBody_(longestBody) {
     for (const int kind : {SO_RCVTIMEO, SO_SNDTIMEO}) {
-      setsockopt(socket.native_handle(), SOL_SOCKET, kind, &longestWait, sizeof longestWait);
+      setsockopt(socket.native_handle(), SOL_SOCKET, kind, &kLongestWait, sizeof kLongestWait);
     }
     if (tls_) SSL_set_fd(tls_.get(), socket.native_handle());
   }
@@ -114,9 +116,9 @@ class Wire : public Connection {
 
   std::optional<HttpRequest> read() override {
     const bool waits = received_.size() == 0 && (!tls_ || SSL_pending(tls_.get()) == 0);
-    if (waits && !isReadableWithin(socket_.native_handle(), keptAliveMilliseconds)) return {};
+    if (waits && !isReadableWithin(socket_.native_handle(), kKeptAliveMilliseconds)) return {};
     http::request_parser<http::string_body> parser;
-    parser.header_limit(longestHeader);
+    parser.header_limit(kLongestHeader);
     parser.body_limit(longestBody_);
     error_code error;
     http::read_header(*this, received_, parser, error);
@@ -198,8 +200,8 @@ void refuseHandshake(tcp::socket& socket) {
   std::array<char, 4096> greeting{};
   error_code error;
   if (socket.read_some(asio::buffer(greeting), error) == 0) return;
-  constexpr std::array<unsigned char, 7> handshakeFailure{21, 3, 3, 0, 2, 2, 40};
-  socket.write_some(asio::buffer(handshakeFailure), error);
+  constexpr std::array<unsigned char, 7> kHandshakeFailure{21, 3, 3, 0, 2, 2, 40};
+  socket.write_some(asio::buffer(kHandshakeFailure), error);
 }
 
 }  // namespace
@@ -283,7 +285,7 @@ class HttpServer::Listener {
         if (open.over) open.thread.join();
         return open.over;
       });
-      if (open_.size() == mostConnections) continue;  // It is closed.
+      if (open_.size() == kMostConnections) continue;  // It is closed.
       Open& open = open_.emplace_back(Open{.socket = std::move(socket)});
       open.thread = std::thread([this, &open] { handle(open); });
     }

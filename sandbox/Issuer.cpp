@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 #include "sandbox/Issuer.h"
 
 #include <algorithm>
@@ -11,10 +13,10 @@ namespace orlix::sandbox {
 
 namespace {
 
-constexpr std::string_view passingCode = "123456";
-constexpr std::string_view failingCode = "000000";
-constexpr int triesForOnePage = 3;
-constexpr size_t largePage = 5'000'000;
+constexpr std::string_view kPassingCode = "123456";
+constexpr std::string_view kFailingCode = "000000";
+constexpr int kTriesForOnePage = 3;
+constexpr size_t kLargePage = 5'000'000;
 
 HttpAnswer html(std::string page, int status = 200) {
   HttpAnswer answer{
@@ -30,9 +32,9 @@ HttpAnswer badPage(std::string_view reason) {
 }  // namespace
 
 bool Issuer::owns(const HttpRequest& request) {
-  constexpr std::array<std::string_view, 4> paths{"/issuer/acs", "/issuer/otp",
-                                                  "/vello/secure_code.jsp", "/terms/tavlo.html"};
-  return std::find(paths.begin(), paths.end(), request.path) != paths.end();
+  constexpr std::array<std::string_view, 4> kPaths{"/issuer/acs", "/issuer/otp",
+                                                   "/vello/secure_code.jsp", "/terms/tavlo.html"};
+  return std::find(kPaths.begin(), kPaths.end(), request.path) != kPaths.end();
 }
 
 HttpAnswer Issuer::answer(const HttpRequest& request) {
@@ -64,9 +66,9 @@ HttpAnswer Issuer::oneTimeCode(const HttpRequest& request) {
   if (found->behaviour == "neverReturns" && !cancelled) {
     return html(waitingPage("First Sandbox Bank", "Please wait for your bank..."));
   }
-  const bool passes = !cancelled && otp == passingCode;
-  const bool mayTryAgain = !cancelled && !passes && otp != failingCode;
-  if (mayTryAgain && ++found->wrongCodes < triesForOnePage) {
+  const bool passes = !cancelled && otp == kPassingCode;
+  const bool mayTryAgain = !cancelled && !passes && otp != kFailingCode;
+  if (mayTryAgain && ++found->wrongCodes < kTriesForOnePage) {
     return html(issuerPage({.action = "/issuer/otp",
                             .paReq = found->paReq,
                             .termUrl = request.field("TermUrl"),
@@ -84,7 +86,7 @@ HttpAnswer Issuer::termination(const HttpRequest& request) {
   if (found == nullptr) return html(terminationPage(paRes, false, 0));
   const bool again = found->behaviour == "twice" && found->terminationViews == 0;
   ++found->terminationViews;
-  return html(terminationPage(paRes, again, found->behaviour == "largePage" ? largePage : 0));
+  return html(terminationPage(paRes, again, found->behaviour == "largePage" ? kLargePage : 0));
 }
 
 HttpAnswer Issuer::terms() { return html(termsPage(state_.wallets.termsVersion())); }

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 #include "sandbox/Judgement.h"
 
 #include <fmt/format.h>
@@ -67,7 +69,7 @@ MaskedBody maskRequest(State& state, const HttpRequest& request) {
     std::string names;
     for (const auto& [name, value] : request.form) names += (names.empty() ? "" : ", ") + name;
     return {.text = fmt::format("A form of {} bytes with the fields {}", request.body.size(),
-                                names.substr(0, longestKeptBody))};
+                                names.substr(0, kLongestKeptBody))};
   }
   Judge judge(state, state.sessions.find(request.sessionToken1(), request.sessionToken2()));
   return maskBody(request.body, request.contentType(),

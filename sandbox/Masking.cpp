@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 #include "sandbox/Masking.h"
 
 #include <algorithm>
@@ -11,9 +13,9 @@ namespace orlix::sandbox {
 namespace {
 
 /// A longer body is not read for its secrets, and so not kept.
-constexpr size_t longestReadBody = 1'000'000;
+constexpr size_t kLongestReadBody = 1'000'000;
 
-constexpr size_t shortestCardNumber = 12;
+constexpr size_t kShortestCardNumber = 12;
 
 std::string lower(std::string_view text) {
   std::string out(text);
@@ -51,7 +53,7 @@ bool holdsOtherDigits(std::string_view key) {
 
 std::string aboutCardNumber(std::string_view text) {
   const std::string digits = digitsOf(text);
-  if (digits.size() < shortestCardNumber) return "card number";
+  if (digits.size() < kShortestCardNumber) return "card number";
   return fmt::format("card number, {} digits, ends in {}", digits.size(),
                      digits.substr(digits.size() - 4));
 }
@@ -75,7 +77,7 @@ std::string wordsFor(std::string_view key, const json::value& value) {
     return fmt::format("page of {} bytes, which carries a PaReq", text.size());
   }
   if (isOneOf(key, {"cardnumber", "pan", "number"})) return aboutCardNumber(text);
-  if (isText && !holdsOtherDigits(key) && digitsOf(text).size() >= shortestCardNumber) {
+  if (isText && !holdsOtherDigits(key) && digitsOf(text).size() >= kShortestCardNumber) {
     return aboutCardNumber(text);
   }
   return {};
@@ -128,7 +130,7 @@ class Masker {
     }
     value = words;
     bytes_ += sizeof(std::string) + path.size();
-    if (bytes_ <= longestKeptBody) masked.push_back(path);
+    if (bytes_ <= kLongestKeptBody) masked.push_back(path);
   }
 
   const json::object& whole_;
@@ -158,7 +160,7 @@ size_t MaskedBody::bytes() const {
 MaskedBody maskBody(std::string_view body, std::string_view contentType, const Explain& explain) {
   MaskedBody out;
   if (body.empty()) return out;
-  auto object = body.size() > longestReadBody ? std::nullopt : parseObject(body);
+  auto object = body.size() > kLongestReadBody ? std::nullopt : parseObject(body);
   if (!object) {
     const std::string kind(contentType.substr(0, contentType.find(';')));
     out.text = kind.empty() || kind == "application/json"
@@ -173,8 +175,8 @@ MaskedBody maskBody(std::string_view body, std::string_view contentType, const E
   out.text = json::serialize(*object);
   out.masked = std::move(masker.masked);
   out.isJson = true;
-  if (out.text.size() > longestKeptBody || masker.bytes() > longestKeptBody) {
-    out.text.resize(std::min(out.text.size(), longestKeptBody));
+  if (out.text.size() > kLongestKeptBody || masker.bytes() > kLongestKeptBody) {
+    out.text.resize(std::min(out.text.size(), kLongestKeptBody));
     out.isJson = false;
     out.cut = true;
   }

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 #pragma once
 
 #include <cstdint>
@@ -22,7 +24,7 @@ class Messages {
   void add(Message message) {
     sent_.push_back(std::move(message));
     ++count_;
-    if (sent_.size() > kept) sent_.pop_front();
+    if (sent_.size() > kKept) sent_.pop_front();
   }
 
   /// How many were ever sent.
@@ -43,7 +45,7 @@ class Messages {
   }
 
  private:
-  static constexpr size_t kept = 1000;  ///< The oldest are dropped.
+  static constexpr size_t kKept = 1000;  ///< The oldest are dropped.
 
   std::deque<Message> sent_;
   std::int64_t count_ = 0;

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 #include "sandbox/Pages.h"
 
 #include <fmt/format.h>
@@ -6,7 +8,7 @@ namespace orlix::sandbox {
 
 namespace {
 
-constexpr std::string_view style = R"(
+constexpr std::string_view kStyle = R"(
 body{margin:0;font-family:Inter,Helvetica,Arial,sans-serif;background:#f3f4f7;color:#1b1e26}
 header{background:#1b1e26;color:#fff;padding:10px 14px;font-weight:bold}
 main{padding:12px;max-width:32em;margin:0 auto}
@@ -25,7 +27,7 @@ std::string page(std::string_view title, std::string_view body) {
       "<!DOCTYPE html>\n<html><head><meta charset='utf-8'>"
       "<meta name='viewport' content='width=device-width, initial-scale=1.0'>"
       "<title>{}</title><style>{}</style></head><body>{}</body></html>",
-      title, style, body);
+      title, kStyle, body);
 }
 
 std::string hidden(std::string_view name, std::string_view value) {

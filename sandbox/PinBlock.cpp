@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 #include "sandbox/PinBlock.h"
 
 #include <algorithm>
@@ -11,8 +13,8 @@ namespace orlix::sandbox {
 
 namespace {
 
-constexpr size_t blockSize = 8;
-using Block = std::array<unsigned char, blockSize>;
+constexpr size_t kBlockSize = 8;
+using Block = std::array<unsigned char, kBlockSize>;
 
 bool isUpperHex(char c) { return (c >= '0' && c <= '9') || (c >= 'A' && c <= 'F'); }
 
@@ -22,29 +24,29 @@ unsigned nibble(char c) {
 
 Block bytesOf(std::string_view hex) {
   Block bytes{};
-  for (size_t i = 0; i < blockSize; ++i) {
+  for (size_t i = 0; i < kBlockSize; ++i) {
     bytes.at(i) = static_cast<unsigned char>(nibble(hex[2 * i]) << 4U | nibble(hex[2 * i + 1]));
   }
   return bytes;
 }
 
 bool decipher(const Block& in, const std::vector<unsigned char>& key, Block& out) {
-  if (key.size() != 2 * blockSize) return false;
-  std::array<unsigned char, 3 * blockSize> tripleKey{};
+  if (key.size() != 2 * kBlockSize) return false;
+  std::array<unsigned char, 3 * kBlockSize> tripleKey{};
   std::copy(key.begin(), key.end(), tripleKey.begin());
-  std::copy_n(key.begin(), blockSize, tripleKey.begin() + 2 * blockSize);
+  std::copy_n(key.begin(), kBlockSize, tripleKey.begin() + 2 * kBlockSize);
   const std::unique_ptr<EVP_CIPHER_CTX, void (*)(EVP_CIPHER_CTX*)> context(EVP_CIPHER_CTX_new(),
                                                                            &EVP_CIPHER_CTX_free);
-  std::array<unsigned char, 2 * blockSize> clear{};
+  std::array<unsigned char, 2 * kBlockSize> clear{};
   int size = 0;
   const bool worked =
       context != nullptr &&
       EVP_DecryptInit_ex(context.get(), EVP_des_ede3_ecb(), nullptr, tripleKey.data(), nullptr) ==
           1 &&
       EVP_CIPHER_CTX_set_padding(context.get(), 0) == 1 &&
-      EVP_DecryptUpdate(context.get(), clear.data(), &size, in.data(), blockSize) == 1 &&
-      size == blockSize;
-  std::copy_n(clear.begin(), blockSize, out.begin());
+      EVP_DecryptUpdate(context.get(), clear.data(), &size, in.data(), kBlockSize) == 1 &&
+      size == kBlockSize;
+  std::copy_n(clear.begin(), kBlockSize, out.begin());
   OPENSSL_cleanse(clear.data(), clear.size());
   OPENSSL_cleanse(tripleKey.data(), tripleKey.size());
   return worked;
@@ -59,7 +61,7 @@ unsigned nibbleAt(const Block& block, size_t index) {
 /// reference 0 is all zeros, so nothing is left to undo.
 bool isFormatZeroOf(const Block& clear, std::string_view pin) {
   if (nibbleAt(clear, 0) != 0 || nibbleAt(clear, 1) != pin.size()) return false;
-  for (size_t i = 0; i < 2 * blockSize - 2; ++i) {
+  for (size_t i = 0; i < 2 * kBlockSize - 2; ++i) {
     const unsigned expected = i < pin.size() ? static_cast<unsigned>(pin[i] - '0') : 0xFU;
     if (nibbleAt(clear, i + 2) != expected) return false;
   }
@@ -69,7 +71,7 @@ bool isFormatZeroOf(const Block& clear, std::string_view pin) {
 }  // namespace
 
 bool looksLikePinBlock(std::string_view block) {
-  return block.size() == 2 * blockSize && std::all_of(block.begin(), block.end(), isUpperHex);
+  return block.size() == 2 * kBlockSize && std::all_of(block.begin(), block.end(), isUpperHex);
 }
 
 bool holdsPin(std::string_view block, const std::vector<unsigned char>& key, std::string_view pin) {

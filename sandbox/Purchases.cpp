@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 #include "sandbox/Purchases.h"
 
 #include <algorithm>
@@ -29,7 +31,7 @@ json::value withoutSecrets(std::string_view body) {
 }
 
 size_t Purchases::received(ReceivedPurchase purchase) {
-  if (purchase.bytes > longestKeptBody) {
+  if (purchase.bytes > kLongestKeptBody) {
     purchase.body = nullptr;
     purchase.bytes = 0;
   }
@@ -45,18 +47,18 @@ size_t Purchases::received(ReceivedPurchase purchase) {
 }
 
 void Purchases::dropOldest() {
-  while (received_.size() > kept || bytes_ > bytesKept) {
+  while (received_.size() > kKept || bytes_ > kBytesKept) {
     bytes_ -= received_.front().bytes;
     received_.pop_front();
     ++dropped_;
   }
   // Any but those that are to be counted down again.
   const auto idle = [](const auto& entry) { return entry.second.underWay == 0; };
-  if (devices_.size() > kept) {
+  if (devices_.size() > kKept) {
     const auto found = std::find_if(devices_.begin(), devices_.end(), idle);
     if (found != devices_.end()) devices_.erase(found);
   }
-  if (tries_.size() > kept) tries_.erase(tries_.begin());
+  if (tries_.size() > kKept) tries_.erase(tries_.begin());
 }
 
 void Purchases::decided(size_t place, int status, std::string_view answer) {
@@ -116,7 +118,7 @@ std::int64_t Purchases::pay(Payment payment, bool bigReference) {
   const std::int64_t id = payment.id;
   payments_.emplace(id, std::move(payment));
   ++paymentCount_;
-  if (payments_.size() > kept) payments_.erase(payments_.begin());
+  if (payments_.size() > kKept) payments_.erase(payments_.begin());
   return id;
 }
 
@@ -140,7 +142,7 @@ std::int64_t Purchases::heldCount() const {
 
 json::array Purchases::payments() const {
   json::array list;
-  for (auto entry = received_.rbegin(); entry != received_.rend() && list.size() < listed;
+  for (auto entry = received_.rbegin(); entry != received_.rend() && list.size() < kListed;
        ++entry) {
     json::object row{{"request", entry->request},
                      {"time", entry->arrived.time_since_epoch().count()},

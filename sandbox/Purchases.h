@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 #pragma once
 
 #include <cstdint>
@@ -77,9 +79,9 @@ class Purchases {
   int countTry(const std::string& wallet, const std::string& code);
 
  private:
-  static constexpr size_t kept = mostKept;               ///< Of each; the oldest are dropped.
-  static constexpr size_t bytesKept = size_t{16} << 20;  ///< Of bodies; so are the oldest.
-  static constexpr size_t listed = 500;                  ///< By `payments`, at most.
+  static constexpr size_t kKept = kMostKept;              ///< Of each; the oldest are dropped.
+  static constexpr size_t kBytesKept = size_t{16} << 20;  ///< Of bodies; so are the oldest.
+  static constexpr size_t kListed = 500;                  ///< By `payments`, at most.
 
   void dropOldest();
 

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 #include "sandbox/Recorder.h"
 
 #include <algorithm>
@@ -22,7 +24,7 @@ namespace orlix::sandbox {
 namespace {
 
 /// In a text that is no JSON, so many letters and digits in a row are taken for a secret.
-constexpr size_t shortestSecret = 16;
+constexpr size_t kShortestSecret = 16;
 
 char sameForm(unsigned char c) {
   if (std::isdigit(c) != 0) return '0';
@@ -41,8 +43,8 @@ json::value blankedText(std::string_view key, const json::value& value) {
   if (!isSecret(key, value)) return value;
   if (!value.is_string()) return 0;
   const std::string_view text(value.get_string().data(), value.get_string().size());
-  const bool isCardNumber = text.size() > CardKinds::binLength && isDigits(text);
-  return json::string(ofSameForm(text, isCardNumber ? CardKinds::binLength : 0));
+  const bool isCardNumber = text.size() > CardKinds::kBinLength && isDigits(text);
+  return json::string(ofSameForm(text, isCardNumber ? CardKinds::kBinLength : 0));
 }
 
 json::object blankedFields(json::object object);
@@ -71,7 +73,7 @@ std::string blankedRuns(std::string text) {
   while (at != text.end()) {
     const auto begin = std::find_if(at, text.end(), &mayBelongToSecret);
     at = std::find_if_not(begin, text.end(), &mayBelongToSecret);
-    if (at - begin >= static_cast<std::ptrdiff_t>(shortestSecret)) {
+    if (at - begin >= static_cast<std::ptrdiff_t>(kShortestSecret)) {
       std::transform(begin, at, begin, &sameForm);
     }
   }
@@ -137,7 +139,7 @@ void Recorder::note(const HttpRequest& request, const HttpAnswer& answer,
   const std::string spoilt = whatHasSpoilt(answer, faults);
   if (!spoilt.empty()) {
     line["spoilt"] = spoilt;
-  } else if (answer.body.size() > longestKeptBody) {
+  } else if (answer.body.size() > kLongestKeptBody) {
     line["spoilt"] = fmt::format("its {} bytes are too many to be kept", answer.body.size());
   } else {
     line["answer"] = blankedBody(answer.body);

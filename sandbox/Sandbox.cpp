@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 #include "sandbox/Sandbox.h"
 
 #include <cstdlib>
@@ -74,7 +76,7 @@ class Sandbox::Server {
       console_ = std::make_unique<ConsoleServer>(
           *state_, *control_, shutdown_,
           ConsoleServer::Place{.base = state_->origin + "/vello",
-                               .anchor = (folder_ / Certificates::anchorAsText).string()});
+                               .anchor = (folder_ / Certificates::kAnchorAsText).string()});
       consoleAddress_ = console_->start();
     }
   }
@@ -228,7 +230,7 @@ void Sandbox::start() {
   server_->log().ready({.base = base(),
                         .local = fmt::format("https://127.0.0.1:{}", port()),
                         .anchor = anchorPath(),
-                        .anchorText = server_->folder() / Certificates::anchorAsText,
+                        .anchorText = server_->folder() / Certificates::kAnchorAsText,
                         .terms = terms(),
                         .console = console()});
 }

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 #include "sandbox/Scenario.h"
 
 #include <algorithm>
@@ -56,15 +58,15 @@ std::vector<std::pair<std::string, json::object>> entries(const json::object& sc
 }
 
 CardKind cardOf(const std::string& place, json::object entry) {
-  constexpr size_t shortest = 13;
-  constexpr size_t longest = 19;
+  constexpr size_t kShortest = 13;
+  constexpr size_t kLongest = 19;
   const std::string number = textOf(entry, "number");
-  if (!isDigits(number) || number.size() < shortest || number.size() > longest) {
+  if (!isDigits(number) || number.size() < kShortest || number.size() > kLongest) {
     refuse(place, "\"number\" is not of 13 to 19 digits");
   }
   if (entry.contains("bin"))
     refuse(place, "\"bin\" is the number's first nine digits; leave it out");
-  entry["bin"] = number.substr(0, CardKinds::binLength);
+  entry["bin"] = number.substr(0, CardKinds::kBinLength);
   CardKind kind;
   if (const auto wrong = kind.apply(entry)) refuse(place, *wrong);
   if (const auto wrong = kind.complaint()) refuse(place, *wrong);
@@ -91,8 +93,8 @@ void loadScenario(const std::string& file, State& state) {
                                    [&](const CardKind& other) { return other.bin == card.bin; });
     if (known) refuse(place, fmt::format("an earlier card begins with {} too", card.bin));
     cards.push_back(std::move(card));
-    if (cards.size() > static_cast<size_t>(Wallets::mostCards)) {
-      refuse(place, fmt::format("a wallet holds {} cards at most", Wallets::mostCards));
+    if (cards.size() > static_cast<size_t>(Wallets::kMostCards)) {
+      refuse(place, fmt::format("a wallet holds {} cards at most", Wallets::kMostCards));
     }
   }
   for (const CardKind& card : cards) state.kinds.put(card);

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // Where a card's owner is sent to be authenticated by the issuer.
 
 #include <fmt/format.h>

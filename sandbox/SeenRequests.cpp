@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 #include "sandbox/SeenRequests.h"
 
 #include <algorithm>
@@ -30,7 +32,7 @@ std::int64_t SeenRequests::arrived(const HttpRequest& request, Origin origin, Ma
                    .asked = std::move(body)});
   seen_.back().changed = ++revision_;
   bodyBytes_ += seen_.back().bodyBytes();
-  if (seen_.size() > kept) {
+  if (seen_.size() > kKept) {
     bodyBytes_ -= seen_.front().bodyBytes();
     seen_.pop_front();
   }
@@ -40,7 +42,7 @@ std::int64_t SeenRequests::arrived(const HttpRequest& request, Origin origin, Ma
 
 void SeenRequests::dropOldBodies() {
   firstWithBodies_ = std::max(firstWithBodies_, oldest());
-  while (bodyBytes_ > bytesKept && firstWithBodies_ < lastNumber_) {
+  while (bodyBytes_ > kBytesKept && firstWithBodies_ < lastNumber_) {
     Seen& oldest = *find(firstWithBodies_++);
     bodyBytes_ -= oldest.bodyBytes();
     oldest.asked = {};

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 #pragma once
 
 #include <cstdint>
@@ -52,8 +54,8 @@ class SeenRequests {
   /// One request with its bodies; nothing when it has been dropped.
   std::optional<json::object> whole(std::int64_t number) const;
 
-  static constexpr size_t kept = mostKept;               ///< The oldest are dropped.
-  static constexpr size_t bytesKept = size_t{64} << 20;  ///< Of bodies; so are the oldest.
+  static constexpr size_t kKept = kMostKept;              ///< The oldest are dropped.
+  static constexpr size_t kBytesKept = size_t{64} << 20;  ///< Of bodies; so are the oldest.
 
  private:
   struct Seen {

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // Opening a session, enrolling the device by SMS, accepting the terms.
 
 #include <algorithm>
@@ -14,18 +16,18 @@ namespace orlix::sandbox {
 
 namespace {
 
-constexpr std::int64_t triesForOneCode = 5;
+constexpr std::int64_t kTriesForOneCode = 5;
 
-constexpr std::array<std::string_view, 7> sessionStarts{
+constexpr std::array<std::string_view, 7> kSessionStarts{
     "normal", "notice", "refused", "refusedEmpty", "refusedAbsent", "terms", "enrol"};
 
 // Mobile numbers that are dealt with in a special way; see README.md.
-constexpr std::string_view refusedNumber = "27820000001";
-constexpr std::string_view deadCodeNumber = "27820000002";
-constexpr std::string_view unknownTokenNumber = "27820000003";
-constexpr std::string_view emptyTokenNumber = "27820000004";
-constexpr std::string_view noTokenNumber = "27820000005";
-constexpr std::string_view filledWalletNumber = "27820000010";
+constexpr std::string_view kRefusedNumber = "27820000001";
+constexpr std::string_view kDeadCodeNumber = "27820000002";
+constexpr std::string_view kUnknownTokenNumber = "27820000003";
+constexpr std::string_view kEmptyTokenNumber = "27820000004";
+constexpr std::string_view kNoTokenNumber = "27820000005";
+constexpr std::string_view kFilledWalletNumber = "27820000010";
 
 std::optional<std::string> complaintAboutDevice(const json::object& body) {
   if (!isDeviceSerial(textOf(body, "deviceSerial"))) return "\"deviceSerial\" is malformed";
@@ -103,7 +105,7 @@ HttpAnswer sendSms(Call& call) {
   if (!isMobileNumber(msisdn)) {
     return mistake("\"msisdn\" is not of 7 to 15 digits in international form");
   }
-  if (msisdn == refusedNumber) return answerWith({{"status", "REFUSED"}});
+  if (msisdn == kRefusedNumber) return answerWith({{"status", "REFUSED"}});
   const PendingSms sms{.msisdn = msisdn, .code = randomDigits(5)};
   call.state.devices.putSms(call.session->deviceSerial, sms);
   call.state.messages.add({.msisdn = sms.msisdn,
@@ -118,28 +120,28 @@ HttpAnswer sendSms(Call& call) {
 HttpAnswer enrol(Call& call, const std::string& msisdn) {
   State& state = call.state;
   state.devices.dropSms(call.session->deviceSerial);
-  state.wallets.ensure(msisdn, msisdn == filledWalletNumber);
+  state.wallets.ensure(msisdn, msisdn == kFilledWalletNumber);
 
   const std::string token = randomHex(24);
   Device device = state.devices.find(call.session->deviceSerial)
                       .value_or(Device{.serial = call.session->deviceSerial});
   device.wallet = msisdn;
-  device.token = msisdn == unknownTokenNumber ? "" : token;
+  device.token = msisdn == kUnknownTokenNumber ? "" : token;
   state.devices.put(device);
   call.session->wallet = msisdn;
 
   json::object out{{"status", "SUCCESS"}, {"newSsToken", token}};
-  if (msisdn == emptyTokenNumber) out["newSsToken"] = "";
-  if (msisdn == noTokenNumber) out.erase("newSsToken");
+  if (msisdn == kEmptyTokenNumber) out["newSsToken"] = "";
+  if (msisdn == kNoTokenNumber) out.erase("newSsToken");
   return answerWith(out);
 }
 
 HttpAnswer activateSession(Call& call) {
   auto sms = call.state.devices.pendingSms(call.session->deviceSerial);
   const bool right =
-      sms && sms->msisdn != deadCodeNumber && sms->code == textOf(call.body, "activationCode");
+      sms && sms->msisdn != kDeadCodeNumber && sms->code == textOf(call.body, "activationCode");
   if (right) return enrol(call, sms->msisdn);
-  if (sms && ++sms->wrongTries < triesForOneCode) {
+  if (sms && ++sms->wrongTries < kTriesForOneCode) {
     call.state.devices.putSms(call.session->deviceSerial, *sms);
   } else {
     call.state.devices.dropSms(call.session->deviceSerial);
@@ -156,12 +158,12 @@ HttpAnswer acceptTerms(Call& call) {
 }  // namespace
 
 bool isSessionStart(std::string_view start) {
-  return std::find(sessionStarts.begin(), sessionStarts.end(), start) != sessionStarts.end();
+  return std::find(kSessionStarts.begin(), kSessionStarts.end(), start) != kSessionStarts.end();
 }
 
 std::string noSessionStart(std::string_view start) {
   return fmt::format("there is no session start \"{}\"; there are {}", start,
-                     fmt::join(sessionStarts, ", "));
+                     fmt::join(kSessionStarts, ", "));
 }
 
 const std::vector<Route>& sessionRoutes() {

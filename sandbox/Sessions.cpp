@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 #include "sandbox/Sessions.h"
 
 #include <algorithm>
@@ -27,7 +29,7 @@ const Session& Sessions::open(std::string_view deviceSerial, std::string_view wa
                         .deviceSerial = std::string(deviceSerial),
                         .wallet = std::string(wallet),
                         .pinKey = randomBytes(16)});
-  if (sessions_.size() > kept) sessions_.pop_back();
+  if (sessions_.size() > kKept) sessions_.pop_back();
   remember(sessions_.front());
   return sessions_.front();
 }
@@ -35,7 +37,7 @@ const Session& Sessions::open(std::string_view deviceSerial, std::string_view wa
 void Sessions::remember(const Session& session) {
   openedTokens_.push_back(keyOf(session.token1, session.token2));
   origins_[openedTokens_.back()] = {.session = session.number, .device = session.deviceSerial};
-  if (openedTokens_.size() > kept) {
+  if (openedTokens_.size() > kKept) {
     origins_.erase(openedTokens_.front());
     openedTokens_.pop_front();
   }

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 #pragma once
 
 #include <cstdint>
@@ -41,7 +43,7 @@ class Sessions {
   Origin originOf(std::string_view token1, std::string_view token2) const;
 
   /// From the next `open` on. A device's earlier sessions are kept until then.
-  void keepOnePerDevice(bool one) { keptForEachDevice_ = one ? 1 : severalSessions; }
+  void keepOnePerDevice(bool one) { keptForEachDevice_ = one ? 1 : kSeveralSessions; }
 
   void forget(std::string_view token1);
   void forgetDevice(std::string_view serial);
@@ -53,11 +55,11 @@ class Sessions {
  private:
   void remember(const Session& session);
 
-  static constexpr size_t severalSessions = 16;
-  static constexpr size_t kept = mostKept;  ///< Of all devices; the oldest are dropped.
+  static constexpr size_t kSeveralSessions = 16;
+  static constexpr size_t kKept = kMostKept;  ///< Of all devices; the oldest are dropped.
 
   std::list<Session> sessions_;  ///< Latest first.
-  size_t keptForEachDevice_ = severalSessions;
+  size_t keptForEachDevice_ = kSeveralSessions;
   std::int64_t openedCount_ = 0;
   std::unordered_map<std::string, Origin> origins_;  ///< By both tokens.
   std::deque<std::string> openedTokens_;             ///< The keys of `origins_`, oldest first.

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 #include "sandbox/Wallets.h"
 
 #include "sandbox/Bounds.h"
@@ -6,7 +8,7 @@ namespace orlix::sandbox {
 
 namespace {
 
-constexpr size_t hintLength = 4;
+constexpr size_t kHintLength = 4;
 
 }  // namespace
 
@@ -56,7 +58,7 @@ void Wallets::ensure(const std::string& wallet, bool filled) {
   }
   for (const auto& row :
        database_.ask("SELECT wallet FROM wallets ORDER BY rowid DESC LIMIT -1 OFFSET ?",
-                     {std::int64_t{mostKept}})) {
+                     {std::int64_t{kMostKept}})) {
     database_.run("DELETE FROM cards WHERE wallet = ?", {row.text(0)});
     database_.run("DELETE FROM wallets WHERE wallet = ?", {row.text(0)});
   }
@@ -91,12 +93,12 @@ json::object Wallets::cardList(const std::string& wallet) const {
 }
 
 bool Wallets::add(const std::string& wallet, const CardKind& kind, const std::string& number) {
-  const std::string hint = number.substr(number.size() - std::min(number.size(), hintLength));
+  const std::string hint = number.substr(number.size() - std::min(number.size(), kHintLength));
   const auto present = database_.ask(
       "SELECT 1 FROM cards WHERE wallet = ? AND bin = ? AND hint = ?", {wallet, kind.bin, hint});
   if (!present.empty()) return true;
   const auto count = database_.ask("SELECT COUNT(*) FROM cards WHERE wallet = ?", {wallet});
-  if (count.front().number(0) >= mostCards) return false;
+  if (count.front().number(0) >= kMostCards) return false;
   database_.run(
       "INSERT INTO cards (wallet, bin, hint, validated, authenticated) VALUES (?, ?, ?, 0, 0)",
       {wallet, kind.bin, hint});

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 #pragma once
 
 #include <cstdint>
@@ -34,12 +36,12 @@ class Wallets {
  public:
   Wallets(Database& database, CardKinds& kinds);
 
-  static constexpr std::int64_t mostCards = 100;  ///< In a wallet.
+  static constexpr std::int64_t kMostCards = 100;  ///< In a wallet.
 
   /// What the wallets that `ensure` fills hold, in this order; at first the demonstration.
   void fillWith(std::vector<CardKind> kinds) { filling_ = std::move(kinds); }
 
-  /// Makes the wallet, with the present terms accepted, unless there is one. The latest `mostKept`
+  /// Makes the wallet, with the present terms accepted, unless there is one. The latest `kMostKept`
   /// wallets are kept.
   /// `filled`: with the cards of `fillWith`.
   void ensure(const std::string& wallet, bool filled);

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 # shellcheck shell=bash disable=SC2154 # root: set by the script that sources this
 # Functions for scripts that work in a bare Debian root. Sourced in the project's folder by a script that
 # has set `root`, the folder of the root to make, and that works in it when it is called as

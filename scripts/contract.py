@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 """Holds recorded exchanges against docs/protocol/openapi.yaml, for check-contract."""
 import collections
 import pathlib

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 """Small changes to C++ sources, each of which a test should notice. For scripts/mutants."""
 import dataclasses
 import re

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 # For the other scripts to source.
 
 # Copies a line of its input every few seconds, to show progress.

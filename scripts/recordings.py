@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 """Reads recorded exchanges with a wallet server, for check-contract."""
 import dataclasses
 import json

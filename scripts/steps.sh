@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 # shellcheck shell=bash disable=SC2154 # work: set by the script that sources this
 # Functions for scripts that check one step after the other. Sourced by a script that has set `work`, a
 # folder for logs.

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 #include "shell/AlertAdapter.h"
 
 #include "orlixkit/host/Host.h"

@@ -1,3 +1,5 @@
+# SPDX-License-Identifier: Apache-2.0
+
 # CPack gives the package of a shared library scripts that call ldconfig. In Debian a trigger does that,
 # once for all packages of an installation.
 foreach(package IN LISTS CPACK_PACKAGE_FILES)

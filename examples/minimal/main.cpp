@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // The smallest host application with its own user interface: the terminal.
 //
 // usage: orlix-minimal BASE ANCHOR CODE      pays CODE with the wallet's first card, asks for the

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // A Qt Quick application that pays with OrlixKit: a window, one call, one outcome.
 //
 // usage: orlix-qt-host BASE ANCHOR CODE      pays CODE at the test system with this base address

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 #include "examples/shop/ShownScreen.h"
 
 #include "orlixkit/host/Host.h"

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // The whole wallet in a terminal: enrolment, cards and payments, over the installed package alone.
 
 #include <cstdlib>

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // The amount field as a cash register. An input is the field's text, a line end and what is typed.
 
 #include <algorithm>

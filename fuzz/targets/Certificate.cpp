@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // Certificates in DER form. An input is one.
 
 #include <algorithm>

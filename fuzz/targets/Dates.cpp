@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // Dates on a card form. An input is a date, a line end, and what separates a date of birth.
 
 #include <algorithm>

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // Hexadecimal text, base64, and the packing of PINs, references and keys.
 
 #include "orlixkit/security/Hex.h"

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // Mobile numbers as hosts and users write them. An input is a country code, a line end, a number.
 
 #include <algorithm>

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // The markup of a page from which the issuer's answer is lifted.
 
 #include <algorithm>

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // Property lists. An input is a whole list, and its lines are the strings of another.
 
 #include "orlixkit/onboarding/PropertyList.h"

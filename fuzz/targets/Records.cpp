@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // Answers of the server. An input is the name of a record, a line end and the answer's body.
 
 #include <algorithm>

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // The shop's scripts. An input is a script.
 
 #include "examples/shop/Script.h"

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // Fields that set separators. An input is the field's number, a line end, its text, a line end, and
 // a change on each further line: where, how much ('0' and up, or 'z' for the largest number there
 // is), and what is put there.

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // The record that is kept on the device. An input is a blob, an archive, and damage to a blob.
 
 #include <memory>

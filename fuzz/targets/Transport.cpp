@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // Bytes that a server sends, from the TLS connection to what the client is given. An input is the
 // server's answers, one for each connection, with "\n====\n" between them.
 

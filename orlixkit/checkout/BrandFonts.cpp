@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // The brand's fonts: the operations of the facade that register and list them.
 
 #include <algorithm>

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // The entry operations with their arguments in order: each only names its arguments.
 
 #include "orlixkit/checkout/OXOrlix.h"

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // Chooses the first screen once the session is established.
 
 #include <cstdint>

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 #include "orlixkit/ports/Utf8.h"
 #include "orlixkit/protocol/KCVelloConnection.h"
 
@@ -7,7 +9,7 @@ namespace orlix {
 
 namespace {
 
-constexpr std::size_t binCharacters = 9;
+constexpr std::size_t kBinCharacters = 9;
 
 void fill(std::optional<std::string>& field) {
   if (!field) {
@@ -59,7 +61,7 @@ MTCardValidateResponse KCVelloConnection::validateCard(bool validate, std::int64
 
 MTBinInfo KCVelloConnection::getBinInfo(std::string_view cardNumber) {
   return request<MTBinInfo>(withNode("/card/bin/"),
-                            {{"bin", std::string(firstCharacters(cardNumber, binCharacters))}});
+                            {{"bin", std::string(firstCharacters(cardNumber, kBinCharacters))}});
 }
 
 MTApiResponse KCVelloConnection::updateTC() {

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 #include "orlixkit/protocol/KCVelloConnection.h"
 
 #include <algorithm>
@@ -12,24 +14,24 @@ namespace orlix {
 
 namespace {
 
-constexpr std::int64_t codeOk = 200;
-constexpr std::int64_t codeSessionUnknown = 403;
+constexpr std::int64_t kCodeOk = 200;
+constexpr std::int64_t kCodeSessionUnknown = 403;
 
 /// Pause before re-sending after this many refusals in a row. The first three are re-sent at once,
 /// since sessions may expire; a server that refuses every session must not be sent a thousand
 /// requests a second.
 Duration pauseAfter(unsigned refusals) {
   using namespace std::chrono_literals;
-  constexpr unsigned firstPause = 4;
-  constexpr unsigned longestPause = firstPause + 3;
-  if (refusals < firstPause) {
+  constexpr unsigned kFirstPause = 4;
+  constexpr unsigned kLongestPause = kFirstPause + 3;
+  if (refusals < kFirstPause) {
     return Duration::zero();
   }
-  return 250ms * (1 << (std::min(refusals, longestPause) - firstPause));
+  return 250ms * (1 << (std::min(refusals, kLongestPause) - kFirstPause));
 }
 
 std::optional<SecretBytes> payloadOf(NetworkResult result) {
-  if (result.responseCode != codeOk) {
+  if (result.responseCode != kCodeOk) {
     log(fmt::format("[VELLO] Received HTTP Error: {}", result.responseCode));
     throw NetworkException();
   }
@@ -74,7 +76,7 @@ std::optional<SecretBytes> KCVelloConnection::deliver(const std::string& path,
     const WalletSession::Values session = session_->ensureOpen(scope_);
     NetworkResult result =
         session_->post(session, path, bodyFor(session, renewed && refusals > 1), scope_);
-    if (result.responseCode != codeSessionUnknown) {
+    if (result.responseCode != kCodeSessionUnknown) {
       return payloadOf(std::move(result));
     }
     if (scope_.departure) {

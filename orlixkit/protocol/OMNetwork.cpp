@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 #include "orlixkit/protocol/OMNetwork.h"
 
 #include <algorithm>
@@ -14,7 +16,7 @@ namespace orlix {
 namespace {
 
 /// For the whole exchange.
-constexpr std::chrono::seconds timeLimit{60};
+constexpr std::chrono::seconds kTimeLimit{60};
 
 /// What one exchange has brought so far.
 class Answer : public HttpDelegate {
@@ -39,9 +41,9 @@ class Answer : public HttpDelegate {
   }
 
   bool didReceiveData(std::span<const std::uint8_t> data) override {
-    if (data.size() > OMNetwork::longestAnswer - responseData_.size()) {
+    if (data.size() > OMNetwork::kLongestAnswer - responseData_.size()) {
       log(fmt::format("OMNetwork error. The answer is longer than {} bytes.",
-                      OMNetwork::longestAnswer));
+                      OMNetwork::kLongestAnswer));
       return false;
     }
     responseData_.append(data);
@@ -70,9 +72,9 @@ bool Answer::trusts(ServerTrust* trust) {
   }
   // False on purpose: the pinned certificates are added to the system's roots, so that the server
   // may change to a publicly trusted certificate without a new release.
-  constexpr bool anchorsOnly = false;
+  constexpr bool kAnchorsOnly = false;
   std::string error;
-  const bool passed = trust->evaluate(OMNetwork::pinnedCertificates(), anchorsOnly, error);
+  const bool passed = trust->evaluate(OMNetwork::pinnedCertificates(), kAnchorsOnly, error);
   if (!passed && !error.empty()) {
     log("Certificate validation failed: " + error);
   }
@@ -114,13 +116,13 @@ NetworkResult exchange(HttpRequest request, std::function<bool()> mayBeSent) {
   using End = HttpResult::End;
   const Ports& ports = Host::current().ports();
   Answer answer(std::move(mayBeSent));
-  request.deadline = ports.clock->steadyNow() + timeLimit;
+  request.deadline = ports.clock->steadyNow() + kTimeLimit;
   const HttpResult result = ports.httpClient->perform(request, answer);
   if (result.end == End::failed) {
     log("OMNetwork error. " + result.error);
   } else if (result.end == End::timedOut) {
     log(fmt::format("OMNetwork request timed out after {:.0f} seconds: {}",
-                    std::chrono::duration<double>(timeLimit).count(), request.url));
+                    std::chrono::duration<double>(kTimeLimit).count(), request.url));
   }
   return answer.take(result.end == End::complete);
 }

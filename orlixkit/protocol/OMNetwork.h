@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 #pragma once
 
 #include <cstddef>
@@ -19,7 +21,7 @@ class OMNetwork : public NetworkInterface {
  public:
   /// An answer that grows beyond this many bytes ends as a failed exchange. The largest honest
   /// answer, a list of ten thousand cards, has some three million.
-  static constexpr std::size_t longestAnswer = std::size_t{16} << 20U;
+  static constexpr std::size_t kLongestAnswer = std::size_t{16} << 20U;
 
   NetworkResult post(const std::string& url, const std::optional<SecretBytes>& payload,
                      const DataStore& dataStore, std::function<bool()> mayBeSent = {}) override;

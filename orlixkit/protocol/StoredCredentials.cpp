@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 #include "orlixkit/protocol/StoredCredentials.h"
 
 #include "orlixkit/host/Host.h"

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 #include "orlixkit/resources/CompiledBundle.h"
 
 #include "orlixkit/resources/CompiledResources.h"

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 #include "orlixkit/securecode/SecureCodeScreens.h"
 
 #include "orlixkit/securecode/OX3DAuthSecureCodeViewController.h"

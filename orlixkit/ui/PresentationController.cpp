@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 #include "orlixkit/ui/PresentationController.h"
 
 #include "orlixkit/ui/Application.h"

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // How controllers present one another: the part of ViewController that moves.
 
 #include <new>

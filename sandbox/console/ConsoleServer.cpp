@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 #include "sandbox/console/ConsoleServer.h"
 
 #include <algorithm>
@@ -22,9 +24,9 @@ namespace orlix::sandbox {
 
 namespace {
 
-constexpr int mostStreams = 32;
-constexpr size_t longestWish = size_t{64} * 1024;
-constexpr std::chrono::milliseconds betweenEvents{100};
+constexpr int kMostStreams = 32;
+constexpr size_t kLongestWish = size_t{64} * 1024;
+constexpr std::chrono::milliseconds kBetweenEvents{100};
 
 const HttpFields& protectiveHeaders() {
   static const HttpFields headers{
@@ -49,9 +51,9 @@ std::int64_t numberIn(std::string_view text, std::int64_t otherwise) {
 
 /// What the page may look at below /control.
 bool isShown(std::string_view name) {
-  constexpr std::array<std::string_view, 6> shown{"codes",   "payments", "messages",
-                                                  "wallets", "faults",   "state"};
-  return std::find(shown.begin(), shown.end(), name) != shown.end();
+  constexpr std::array<std::string_view, 6> kShown{"codes",   "payments", "messages",
+                                                   "wallets", "faults",   "state"};
+  return std::find(kShown.begin(), kShown.end(), name) != kShown.end();
 }
 
 }  // namespace
@@ -162,13 +164,13 @@ class ConsoleServer::Server {
 
   HttpAnswer stream(const HttpRequest& request) {
     const auto open = std::make_shared<Open>(streams_);
-    if (streams_ > mostStreams) return refusal(503, "too many consoles are open");
+    if (streams_ > kMostStreams) return refusal(503, "too many consoles are open");
     // A page that lost its connection says what it knows; a new one knows nothing.
     const std::string known = request.header("Last-Event-ID").value_or(request.field("since"));
     const auto events = std::make_shared<ConsoleStream>(state_, shutdown_, numberIn(known, 0));
     return {.contentType = "text/event-stream",
             .stream = [this, open, events, pauses = false]() mutable -> std::string {
-              if (std::exchange(pauses, false) && !shutdown_.pause(betweenEvents)) return {};
+              if (std::exchange(pauses, false) && !shutdown_.pause(kBetweenEvents)) return {};
               std::string news = events->next();
               if (shutdown_.begun()) return {};
               pauses = !news.empty();
@@ -195,7 +197,7 @@ class ConsoleServer::Server {
   std::atomic<int> streams_{0};
   HttpServer http_{{.serve = answering(
                         [this](const HttpRequest& request) { return answer(request); }, shutdown_),
-                    .longestBody = longestWish},
+                    .longestBody = kLongestWish},
                    shutdown_};
 };
 

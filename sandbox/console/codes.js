@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // Every code as a picture to scan and a text to paste, and a form to make more.
 
 import { byId, change, copy, get, make, note, replace } from "./dom.js";

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // The page as a whole: its views, keys, colours, and the stream that keeps it up to date.
 
 import * as codes from "./codes.js";

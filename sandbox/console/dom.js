@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // The few things that every view needs of the page. Texts reach it as text nodes only, so that
 // nothing a client sends can become markup.
 

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // The network broken on purpose, and the banner that tells so in every view.
 
 import { byId, change, make, note, replace } from "./dom.js";

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // JSON as it came: numbers keep their digits, which a script's own numbers would lose from 2^53 on.
 
 import { make } from "./dom.js";

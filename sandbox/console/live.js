@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // The stream of events, and what to do when it breaks.
 
 import { byId } from "./dom.js";

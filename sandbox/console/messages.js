@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // The SMS, as they are sent.
 
 import { byId, clock, copy, get, make, replace, shortDevice } from "./dom.js";

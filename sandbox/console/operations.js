@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // What the paths of the wallet protocol do, in the words of the people who use it.
 
 export const operations = [

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // Purchases with their receipts, and who decides what becomes of those that are held.
 
 import { byId, change, clock, get, make, replace, shortDevice } from "./dom.js";

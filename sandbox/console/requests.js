@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // The live table of requests: of thousands only those that can be seen are drawn.
 
 import { byId, change, clock, copy, get, make, shortDevice } from "./dom.js";

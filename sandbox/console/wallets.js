@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // Devices, their wallets, and the fate of each card.
 
 import { byId, change, get, make, note, replace, shortDevice } from "./dom.js";

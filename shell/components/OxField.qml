@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 import QtQuick
 
 // A field outlet. The text belongs to the outlet: each edit, by key, paste or input method, is

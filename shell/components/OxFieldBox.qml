@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 import QtQuick
 
 // The box around a field: fill, line, and the caption above the text. Without a label the field's

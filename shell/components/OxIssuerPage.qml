@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 import QtQuick
 
 // The page of the card's issuer, over the whole sheet, with the way out above it.

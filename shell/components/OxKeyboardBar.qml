@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 import QtQuick
 
 // The button above the keyboard that ends the editing of a field; there while the field is edited.

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 import QtQuick
 
 // The bar at the top of a page: the brand in its middle, the way back at its left.

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 import QtQuick
 
 // A picture that fits its rectangle, sharp at every scale of the screen.

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 import QtQuick
 
 // The progress indicator, above everything else. It does not mask touches itself; ScreenPresenter

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 import QtQuick
 
 // The sheet that every screen is laid out on: what heads it, the body, and the buttons at its foot.

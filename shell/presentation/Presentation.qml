@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 import QtQuick
 
 // The layer of one presented screen: dims everything below it and blocks touches. The presenter

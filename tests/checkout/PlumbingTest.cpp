@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 #include "orlixkit/checkout/AlertWindow.h"
 #include "orlixkit/checkout/OXPresentationController.h"
 #include "orlixkit/checkout/OXUtil.h"

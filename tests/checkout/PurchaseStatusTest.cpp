@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // What the facade knows of a purchase when the flow has ended, and afterwards.
 #include "tests/phone/Phone.h"
 

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // A request belongs to its flow, its customer and its session: over TLS, with answers that the
 // wallet server holds back until the test releases them, and time that a test lets pass.
 #include <atomic>

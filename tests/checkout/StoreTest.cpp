@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // What a store that is locked, full or unreadable does to a flow.
 
 #include "orlixkit/checkout/OXUtil.h"

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 """That the check of the protocol's description fails when it must. The exchanges are those of the
 document's own examples; scripts/check-contract runs this in the test run's stage "contract"."""
 import copy

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // Flows in which memory runs out: at each allocation in turn, once and three times running.
 //
 // What fails is `operator new`, in the library's own tasks and entry calls. Not what other

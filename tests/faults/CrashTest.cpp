@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // Kills enrolments and purchases at random points, and looks at what a restart finds in the store.
 
 #include <csignal>

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 #include "orlixkit/onboarding/OMTermsAndConditionsViewController.h"
 #include "orlixkit/records/Failures.h"
 #include "tests/phone/Phone.h"

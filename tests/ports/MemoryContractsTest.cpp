@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // The memory ports keep the ports' rules.
 
 #include "orlixkit/testing/MemoryHost.h"

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // What the tests of the flows take for granted of the phone in memory: each of these, broken, would
 // let them pass for the wrong reason.
 

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // What a server's chain must be like, judged on the certificates alone.
 
 #include <ctime>

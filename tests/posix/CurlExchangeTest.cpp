@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // How an exchange goes on the wire, byte by byte: the server's end is written out by each test.
 
 #include <cstdlib>

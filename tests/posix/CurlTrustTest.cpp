@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // Which servers are trusted, over real handshakes and on the chain alone.
 
 #include <cstdlib>

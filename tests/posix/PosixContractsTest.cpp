@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // The Linux ports keep the ports' rules, as they are put together for a host.
 
 #include <map>

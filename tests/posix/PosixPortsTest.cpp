@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // The bundles and the log on Linux, and all of the ports put together.
 
 #include <atomic>

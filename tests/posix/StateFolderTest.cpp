@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // What an installation keeps on the disk: who may touch it, and the identifier beside the store.
 
 #include <set>

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 #include <gtest/gtest.h>
 
 #include "tests/protocol/ClientAndServer.h"
@@ -49,7 +51,7 @@ TEST(OMNetwork, TheOutcomeShowsInCodeBodyAndLog) {
     Duration took;
   };
   const std::string tooLong = "OMNetwork error. The answer is longer than 16777216 bytes.";
-  const std::string longest(OMNetwork::longestAnswer, ' ');
+  const std::string longest(OMNetwork::kLongestAnswer, ' ');
   const auto header = [] { return ServerReply().status(200); };
   ServerReply trickle = header();
   for (int i = 0; i < 100; ++i) {

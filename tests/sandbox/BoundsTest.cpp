@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // Whatever clients send, and for however long: what is remembered has a limit.
 
 #include <fmt/format.h>
@@ -8,7 +10,7 @@
 namespace orlix::sandbox::test {
 namespace {
 
-constexpr std::int64_t kMore = static_cast<std::int64_t>(mostKept) + 5;
+constexpr std::int64_t kMore = static_cast<std::int64_t>(kMostKept) + 5;
 
 TEST(Bounds, SessionsDevicesAndWalletsKeepTheLatest) {
   State state("");
@@ -19,9 +21,9 @@ TEST(Bounds, SessionsDevicesAndWalletsKeepTheLatest) {
     state.wallets.ensure(name, i == 1);
     if (i == 1) state.devices.putSms(name, {.msisdn = "27821112222", .code = "1"});
   }
-  EXPECT_EQ(state.sessions.count(), mostKept);
-  EXPECT_EQ(state.devices.list(kMore).size(), mostKept);
-  EXPECT_EQ(state.wallets.list(kMore).size(), mostKept);
+  EXPECT_EQ(state.sessions.count(), kMostKept);
+  EXPECT_EQ(state.devices.list(kMore).size(), kMostKept);
+  EXPECT_EQ(state.wallets.list(kMore).size(), kMostKept);
   EXPECT_FALSE(state.devices.find("5") || state.devices.pendingSms("1"));
   EXPECT_TRUE(state.devices.find("6") && state.wallets.has("6"));
   EXPECT_FALSE(state.wallets.has("5"));
@@ -44,28 +46,28 @@ TEST(Bounds, PurchasesAreBoundedInNumberInBytesAndByDevice) {
     return purchases.account().at(name).get_array().size();
   };
   for (std::int64_t i = 1; i <= kMore; ++i) receive(std::to_string(i), 100);
-  EXPECT_EQ(listed("purchases"), mostKept);
-  EXPECT_LE(listed("devices"), mostKept);
+  EXPECT_EQ(listed("purchases"), kMostKept);
+  EXPECT_LE(listed("devices"), kMostKept);
   EXPECT_EQ(purchases.receivedCount(), kMore);
-  receive("large", longestKeptBody + 1);
+  receive("large", kLongestKeptBody + 1);
   EXPECT_TRUE(purchases.account().at("purchases").get_array().back().at("body").is_null());
-  for (int i = 0; i < 300; ++i) receive("many", longestKeptBody);
+  for (int i = 0; i < 300; ++i) receive("many", kLongestKeptBody);
   EXPECT_EQ(listed("purchases"), 256U) << "16 MB";
 }
 
 TEST(Bounds, TextsOfARequestAreCut) {
-  const std::string many = std::string(longestKeptBody, 'x');
+  const std::string many = std::string(kLongestKeptBody, 'x');
   SeenRequests seen;
   const std::int64_t number = seen.arrived(
       {.method = many, .path = many, .headers = {{"Content-Type", many}}}, {}, {}, Moment{});
   seen.decided(number, {.status = 400, .reason = many});
-  EXPECT_LT(json::serialize(seen.whole(number).value()).size(), 5 * longestKeptText);
+  EXPECT_LT(json::serialize(seen.whole(number).value()).size(), 5 * kLongestKeptText);
   json::array numbers;
   for (int i = 0; i < 20'000; ++i) numbers.emplace_back("4000001000001111");
   const MaskedBody body =
       maskBody(json::serialize(json::object{{"numbers", numbers}}), "application/json", {});
   EXPECT_TRUE(body.cut);
-  EXPECT_LE(body.bytes(), 2 * longestKeptBody);
+  EXPECT_LE(body.bytes(), 2 * kLongestKeptBody);
   EXPECT_EQ(body.text.find("4000001"), std::string::npos);
 }
 

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // The server byte by byte: what it makes of each form of request, and how it answers.
 
 #include <array>

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 #include <gtest/gtest.h>
 
 #include "sandbox/Masking.h"
@@ -50,7 +52,7 @@ TEST(Masking, LeavesTheRestAndTellsOfWhatCannotBeReadItsSizeOnly) {
             "3 bytes of text/html, which are not kept");
   const MaskedBody large =
       maskBody(R"({"a":")" + std::string(100'000, 'x') + R"("})", "application/json", {});
-  EXPECT_EQ(large.text.size(), longestKeptBody);
+  EXPECT_EQ(large.text.size(), kLongestKeptBody);
   EXPECT_TRUE(large.cut);
 }
 
@@ -66,15 +68,15 @@ struct SeenByConsole {
 
 TEST(SeenRequests, AreBoundedInNumberAndTheirBodiesInBytes) {
   SeenByConsole account;
-  constexpr size_t count = SeenRequests::kept + 5;
-  for (size_t i = 0; i < count; ++i) account.add();
-  EXPECT_EQ(account.seen.count(), SeenRequests::kept);
+  constexpr size_t kCount = SeenRequests::kKept + 5;
+  for (size_t i = 0; i < kCount; ++i) account.add();
+  EXPECT_EQ(account.seen.count(), SeenRequests::kKept);
   EXPECT_EQ(account.seen.oldest(), 6);
   EXPECT_FALSE(account.seen.whole(5));
 
   std::int64_t last = 0;
-  const size_t most = SeenRequests::bytesKept / (2 * longestKeptBody);
-  for (size_t i = 0; i < most + 3; ++i) last = account.add(longestKeptBody);
+  const size_t most = SeenRequests::kBytesKept / (2 * kLongestKeptBody);
+  for (size_t i = 0; i < most + 3; ++i) last = account.add(kLongestKeptBody);
   const auto dropped = [&](std::int64_t number) {
     return booleanOf(account.seen.whole(number).value(), "bodiesDropped");
   };
@@ -82,7 +84,7 @@ TEST(SeenRequests, AreBoundedInNumberAndTheirBodiesInBytes) {
   EXPECT_FALSE(dropped(last));
   EXPECT_FALSE(dropped(last - kept + 1));
   EXPECT_TRUE(dropped(last - kept));
-  EXPECT_EQ(account.seen.count(), SeenRequests::kept) << "the requests stay in the list";
+  EXPECT_EQ(account.seen.count(), SeenRequests::kKept) << "the requests stay in the list";
 }
 
 TEST(SeenRequests, TellWhatHasChangedSinceARevisionAndHowLongEachTook) {

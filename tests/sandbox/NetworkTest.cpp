@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // What a phone in the same network reaches, and the root that it trusts.
 
 #include <fstream>

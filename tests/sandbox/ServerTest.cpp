@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 #include <thread>
 
 #include "tests/sandbox/Wallet.h"
@@ -5,11 +7,11 @@
 namespace orlix::sandbox::test {
 namespace {
 
-constexpr const char* listPath = "/vello/card/list/TALU";
+constexpr const char* kListPath = "/vello/card/list/TALU";
 
 class Server : public SandboxTest {
  protected:
-  void switchOn(json::object fault, const char* path = listPath) {
+  void switchOn(json::object fault, const char* path = kListPath) {
     fault["path"] = path;
     sandbox_.control("POST", "/control/faults", json::serialize(fault));
   }

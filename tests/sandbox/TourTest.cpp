@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // Goes through all that the sandbox's README lists. What is asserted here is little; but a run that
 // is recorded holds every kind of answer, and scripts/check-contract holds those against the
 // protocol.

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // What becomes of a page that fails, comes late, comes twice or does not come, and what the user
 // can do about it.
 

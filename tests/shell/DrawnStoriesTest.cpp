@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // Every story of the shop, by real touches and keys on the drawn screens: it ends as it says,
 // in the same lines as without a window.
 

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // What a script can touch, and what it cannot.
 
 #include <QQmlComponent>

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // What every screen must be like, upright and in landscape, with the longest texts in use.
 
 #include <QQmlEngine>

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // What is drawn over the host's window, and who gets touches and keys.
 
 #include <QAnimationDriver>

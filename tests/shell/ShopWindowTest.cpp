@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // The shop's own window: use without a mouse, and the message at the end.
 
 #include "examples/shop/window/DrawnShop.h"

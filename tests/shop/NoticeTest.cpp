@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // What the shop says at the end of a visit.
 #include <algorithm>
 #include <functional>

@@ -1,4 +1,5 @@
 #!/usr/bin/env python3
+# SPDX-License-Identifier: Apache-2.0
 """Works orlix-terminal through a pseudo-terminal, as a person at a terminal does, against orlix-sandbox.
 
 usage: wallet_in_a_terminal.py ORLIX_TERMINAL ORLIX_SANDBOX

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // Alerts: each is shown, and reports its end once.
 
 #include <gtest/gtest.h>

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // The host's observer may throw, and do anything, at any call: no step is lost by it.
 
 #include <algorithm>

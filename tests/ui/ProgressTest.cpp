@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // The progress indicator: its owner, how long it stays, and the completions of its dismissals.
 
 #include <utility>

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 """Works the web console of orlix-sandbox in a real browser, as a person would."""
 import subprocess
 import time

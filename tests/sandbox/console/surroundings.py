@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 """What the browser tests need: a sandbox, shops that pay at it, a raw client, and a browser."""
 import http.client
 import json

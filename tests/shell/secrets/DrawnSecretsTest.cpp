@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // What the drawn shell leaves of a secret in the memory of its process, in UTF-8 and in UTF-16.
 
 #include <QClipboard>
@@ -74,8 +76,8 @@ void lookFor(MemoryScan& scan, const Masked& secret, const std::string& behind =
 /// Keeps nothing of a line but the PaRes, and that masked.
 struct PaResLog : SystemLog {
   void write(std::string_view line) override {
-    constexpr std::size_t lengthInTheSandbox = 128;
-    if (line.size() == lengthInTheSandbox && line.find_first_of(" <") == std::string_view::npos) {
+    constexpr std::size_t kLengthInTheSandbox = 128;
+    if (line.size() == kLengthInTheSandbox && line.find_first_of(" <") == std::string_view::npos) {
       for (const char letter : line) {
         paRes.masked.push_back(static_cast<char32_t>(letter) ^ kMask);
       }
@@ -258,9 +260,9 @@ TEST_P(DrawnSecrets, LeaveNothingInMemoryOnceTheStoryHasEnded) {
 }
 
 std::string nameOf(const testing::TestParamInfo<std::tuple<Story, Way>>& story) {
-  constexpr std::array<const char*, 3> ways{"ByKeys", "ByInputMethod", "ByPaste"};
+  constexpr std::array<const char*, 3> kWays{"ByKeys", "ByInputMethod", "ByPaste"};
   const auto& [told, way] = story.param;
-  return told.name + std::string(ways.at(static_cast<std::size_t>(way)));
+  return told.name + std::string(kWays.at(static_cast<std::size_t>(way)));
 }
 
 INSTANTIATE_TEST_SUITE_P(Stories, DrawnSecrets,

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // Walks at random through whole flows, for longer than the tests do; scripts/orders runs it.
 
 #include "tests/phone/Orders.h"
