@@ -24,9 +24,9 @@ ScriptedWallet::ScriptedWallet(ScriptedHttpClient& network) : network_(network) 
 
 ScriptedWallet::~ScriptedWallet() { network_.on("", ServerReply().fail("no wallet server")); }
 
-void ScriptedWallet::next(const std::string& part, ServerReply reply, int times) {
+void ScriptedWallet::next(const std::string& part, const ServerReply& reply, int times) {
   auto& replies = next_[part];
-  replies.insert(replies.end(), static_cast<std::size_t>(times), std::move(reply));
+  replies.insert(replies.end(), static_cast<std::size_t>(times), reply);
 }
 
 std::string ScriptedWallet::lastBody(const std::string& part) const {

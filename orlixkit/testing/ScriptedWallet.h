@@ -60,7 +60,7 @@ class ScriptedWallet {
   std::string receipt = R"({"status":"SUCCESS"})";
 
   /// Answers the next request whose path holds `part`, after what `next` has been given before.
-  void next(const std::string& part, ServerReply reply, int times = 1);
+  void next(const std::string& part, const ServerReply& reply, int times = 1);
   /// Answers every request to such a path, except those that `next` answers.
   void always(const std::string& part, ServerReply reply) {
     always_.insert_or_assign(part, std::move(reply));
