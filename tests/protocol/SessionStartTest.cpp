@@ -42,6 +42,10 @@ struct Driver : ClientAndServer {
   OMVello& driver = OMVello::sharedOMVello();
 
   Driver() { driver.setEnvironment(upper); }
+  /// The alert's tasks hold the delegate, which holds them.
+  ~Driver() { upper->retry = upper->cancel = {}; }
+  Driver(const Driver&) = delete;
+  Driver& operator=(const Driver&) = delete;
   /// What is heard of a start.
   std::string start(std::shared_ptr<OMVelloDelegate> delegate) {
     driver.initSessionWithLibKey("key", 0, std::move(delegate));
