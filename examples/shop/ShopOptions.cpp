@@ -117,7 +117,7 @@ void addOperation(CLI::App& app, ShopOptions& options) {
       app, "--script", "FILE", "commands to run, one a line; a pipe is read while the script runs",
       [&](auto& value) { options.script = value; });
   script->group("Script");
-  // Without a window nobody could press anything.
+  // A headless run takes its input from a script only.
   app.add_flag("--headless", options.headless, "run without a window")
       ->needs(script)
       ->group("Script");

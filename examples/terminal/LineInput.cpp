@@ -36,7 +36,7 @@ class Unechoed {
   bool isTerminal_;
 };
 
-/// Byte by byte and without the buffer of a stream, which nobody would wipe.
+/// Reads byte by byte: a stream would keep the text in a buffer that is not wiped.
 template <class Take>
 bool read(const std::string& question, const Take& take) {
   std::fputs(question.c_str(), stdout);

@@ -285,8 +285,8 @@ std::size_t CurlExchange::onHeader(char* line, std::size_t unit, std::size_t cou
   const std::string_view text(line, size);
   const bool blank = text == "\r\n" || text == "\n";
   const long status = exchange.status();
-  // Told at the end of each header, so that a redirect counts before its target has answered.
-  // Informational answers (1xx) are no response; after the body there may come a trailer.
+  // Report the status at the end of each header, so that a redirect counts before its target has
+  // answered. Informational answers (1xx) are no response; after the body there may come a trailer.
   if (!blank || status < 200 || std::exchange(exchange.hop_.headerEnded, true)) {
     return size;
   }

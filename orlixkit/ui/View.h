@@ -61,7 +61,7 @@ class View : public std::enable_shared_from_this<View> {
   /// A single tap on the view itself (a label used as a link, a card area).
   std::function<void()> onTap;
 
-  /// Told after a shown value has changed. One listener: the shell that draws this view.
+  /// Called after a displayed property changes. Single observer: the shell that draws this view.
   std::function<void()> onChange;
 
  protected:

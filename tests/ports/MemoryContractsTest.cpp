@@ -90,7 +90,7 @@ class MemoryPages : public WebViewUser {
     return view;
   }
   std::string address(const std::string& path) { return "https://server.example" + path; }
-  std::string deadAddress() { return "https://nobody.example/"; }
+  std::string deadAddress() { return "https://unreachable.example/"; }
   std::string endlessScript(WebView& view) {
     static_cast<FakeWebView&>(view).holdScripts();
     return "for (;;);";

@@ -62,7 +62,7 @@ class WebViewUser {
 /// WebViewUser that offers
 ///   std::shared_ptr<WebView> newView();              // its delegate is `reader`
 ///   std::string address(const std::string& path);    // a page of its site, which says the path
-///   std::string deadAddress();                       // nobody answers there
+///   std::string deadAddress();                       // no server answers there
 ///   std::string endlessScript(WebView& view);
 ///   void kill(WebView& view);                        // ends the process behind the page
 ///   void leave(WebView& view);                       // the page goes on to another by itself

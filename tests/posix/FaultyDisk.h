@@ -6,8 +6,8 @@
 
 namespace orlix {
 
-/// The disk below SQLite while this object lives: counts what is forced onto it, and fails as it is
-/// told. Applies to files opened meanwhile. One at a time.
+/// Replaces the disk below SQLite while this object lives: counts the flushes, and fails on
+/// request. Applies to files opened meanwhile. One at a time.
 class FaultyDisk {
  public:
   enum class Fault { none, full, unreadable, readOnly };

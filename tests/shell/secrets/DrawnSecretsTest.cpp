@@ -214,7 +214,7 @@ void payOnIssuersPage(User& user, Way way, const MemoryScan&) {
 }
 
 /// The web engine does its networking in this process. What it has sent and received stays in its
-/// memory, which nobody else can wipe: the pages (the last one only on threads of its own), and
+/// memory, which only the engine can wipe: the pages (the last one only on threads of its own), and
 /// what was posted from one to the other.
 void expectOnlyTheEngines(const Masked& paRes) {
   if (paRes.masked.empty()) {
