@@ -70,7 +70,7 @@ class OXSecureCodeViewController : public OrlixViewController,
   /// `asking`: no page counts. `showing`: the page of `secureCodeInfo_` is in the web view. `over`:
   /// the termination page has been seen, or no page will come; neither pages nor page information
   /// count any more.
-  enum class Stage { asking, showing, over };
+  enum class PageState { asking, showing, over };
 
   void takePaymentOf(OXSession& session);
   void addWebView();
@@ -92,7 +92,7 @@ class OXSecureCodeViewController : public OrlixViewController,
 
   std::shared_ptr<WebPageView> secureCodewebView_;
   std::shared_ptr<Button> cancelButton_;
-  Stage stage_ = Stage::asking;
+  PageState pageState_ = PageState::asking;
   /// Counts the requests for a page and the pages that have finished. Whoever waits for something
   /// compares it to know whether another has come first.
   unsigned turn_ = 0;

@@ -178,7 +178,7 @@ def meet_issuers_page(run):
     change_to_new_card(shop, "4300001000000301")
     shop.choose("Product", "proceed")
     said = shop.until(r"--- [^\n]*\n(.*?)Number\? ").group(0)
-    expect("web view" in said or "issuer" in said, f"told of the issuer's page: {' '.join(said.split())}")
+    expect("web view" in said or "issuer" in said, f"says what becomes of the issuer's page: {' '.join(said.split())}")
     os.close(shop.terminal)
 
 
