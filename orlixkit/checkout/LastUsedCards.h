@@ -21,7 +21,7 @@ namespace orlix {
 /// written yet at the shutdown is written then. A choice that cannot be stored is logged: forgotten
 /// after a restart, it is no reason to stop a payment.
 ///
-/// Process-wide: `Host::current().shared<LastUsedCards>()`. Thread: any.
+/// Process-wide: `Host::current().shared<LastUsedCards>()`. Thread: `set` on the main thread, `get` on any.
 class LastUsedCards {
  public:
   LastUsedCards();
@@ -34,12 +34,13 @@ class LastUsedCards {
 
  private:
   void writeAll();
-  void write(const std::string& key, std::int64_t cardId);
+  bool write(const std::string& key, std::int64_t cardId);
 
   const std::shared_ptr<UserDefaults> store_;
   std::shared_ptr<OperationQueue> writes_;  ///< made at the first choice
   mutable std::mutex lock_;                 // guards what follows; not held while the store is used
   std::map<std::string, std::int64_t> chosen_;
+  std::map<std::string, std::int64_t> stored_;  ///< need no write: most payments use the same card
   std::deque<std::string> unwritten_;  // keys, each once: the newest choice replaces the others
 };
 
