@@ -21,7 +21,8 @@ namespace orlix {
 /// written yet at the shutdown is written then. A choice that cannot be stored is logged: forgotten
 /// after a restart, it is no reason to stop a payment.
 ///
-/// Process-wide: `Host::current().shared<LastUsedCards>()`. Thread: `set` on the main thread, `get` on any.
+/// Process-wide: `Host::current().shared<LastUsedCards>()`. Thread: `set` on the main thread, `get`
+/// on any.
 class LastUsedCards {
  public:
   LastUsedCards();
