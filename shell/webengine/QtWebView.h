@@ -14,9 +14,8 @@
 #include <string>
 #include <string_view>
 
-#include "orlixkit/ports/MainQueue.h"
 #include "shell/DrawnWebView.h"
-#include "shell/QtWebViews.h"
+#include "shell/WebEngine.h"
 
 namespace orlix::shell {
 
@@ -33,7 +32,7 @@ class QtWebView : public QObject, public DrawnWebView {
   /// The engine loads a page's text as an escaped address, and silently drops longer ones.
   static constexpr qsizetype kLargestAddress = 2 * 1024 * 1024;
 
-  QtWebView(std::shared_ptr<MainQueue> mainQueue, QtWebViews::Anchors anchors);
+  explicit QtWebView(WebEngineServices services);
   ~QtWebView() override;
   QtWebView(const QtWebView&) = delete;
   QtWebView& operator=(const QtWebView&) = delete;
@@ -79,8 +78,7 @@ class QtWebView : public QObject, public DrawnWebView {
   void settle(const Owed& owed, ScriptResult result);
   void failOwed(std::string_view reason);
 
-  const std::shared_ptr<MainQueue> mainQueue_;
-  const QtWebViews::Anchors anchors_;
+  const WebEngineServices services_;
   std::unique_ptr<QtWebRequestGuard> guard_;
   std::unique_ptr<QQuickItem> item_;  ///< released before the guard, which its profile uses
   std::weak_ptr<WebViewDelegate> delegate_;

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 
-#include "shell/QtWebView.h"
+#include "shell/webengine/QtWebView.h"
 
 #include <QQuickItem>
 #include <QQuickWebEngineProfile>
@@ -9,11 +9,9 @@
 #include <algorithm>
 #include <utility>
 
-#include "orlixkit/host/Host.h"
-#include "orlixkit/posix/SystemTrust.h"
-#include "shell/QtWebRequestGuard.h"
 #include "shell/QtWebScript.h"
 #include "shell/WipedText.h"
+#include "shell/webengine/QtWebRequestGuard.h"
 
 namespace orlix::shell {
 
@@ -34,10 +32,8 @@ std::vector<Bytes> derOf(const QList<QSslCertificate>& chain) {
 
 }  // namespace
 
-QtWebView::QtWebView(std::shared_ptr<MainQueue> mainQueue, QtWebViews::Anchors anchors)
-    : mainQueue_(std::move(mainQueue)),
-      anchors_(std::move(anchors)),
-      guard_(std::make_unique<QtWebRequestGuard>()) {}
+QtWebView::QtWebView(WebEngineServices services)
+    : services_(std::move(services)), guard_(std::make_unique<QtWebRequestGuard>()) {}
 
 QtWebView::~QtWebView() { failOwed("The page view was released."); }
 
@@ -131,14 +127,14 @@ void QtWebView::judgeCertificate(QWebEngineCertificateError error) {
   std::string reason = error.description().toStdString();
   // Only an unknown issuer can be remedied by our anchors. All other errors, such as a revoked
   // certificate, remain the engine's decision.
-  const bool trusted = error.type() == QWebEngineCertificateError::CertificateAuthorityInvalid &&
-                       verifyServerChain(derOf(error.certificateChain()),
-                                         certificateHostOf(error.url()), anchors_(), reason);
+  const bool trusted =
+      error.type() == QWebEngineCertificateError::CertificateAuthorityInvalid &&
+      services_.trusts(derOf(error.certificateChain()), certificateHostOf(error.url()), reason);
   if (trusted) {
     error.acceptCertificate();
     return;
   }
-  log("Certificate validation failed: " + reason);
+  services_.log("Certificate validation failed: " + reason);
   error.rejectCertificate();
 }
 
@@ -150,7 +146,7 @@ void QtWebView::judgeNavigation(QWebEngineNavigationRequest* request) {
   }
   request->reject();
   if (progress_ != Progress::none) {
-    log("OrlixKit: A page was kept from leaving. " + refusalOf(address));
+    services_.log("OrlixKit: A page was kept from leaving. " + refusalOf(address));
     refused_ = refused_ || request->isMainFrame();
   }
 }
@@ -196,7 +192,7 @@ void QtWebView::processTerminated(int exitCode) {
   load_ = std::make_shared<const int>(0);
   progress_ = Progress::none;
   hasPage_ = false;
-  log("OrlixKit: A page's process has ended with " + std::to_string(exitCode) + ".");
+  services_.log("OrlixKit: A page's process has ended with " + std::to_string(exitCode) + ".");
   failOwed("The page's process has ended.");
   tell([](WebViewDelegate& delegate) { delegate.webContentProcessDidTerminate(); });
 }
@@ -206,7 +202,7 @@ void QtWebView::fail(const std::string& description) {
 }
 
 void QtWebView::tell(std::function<void(WebViewDelegate&)> callback) {
-  mainQueue_->async([this, alive = std::weak_ptr(load_), callback = std::move(callback)] {
+  services_.mainQueue->async([this, alive = std::weak_ptr(load_), callback = std::move(callback)] {
     if (alive.expired()) {
       return;
     }
@@ -218,7 +214,7 @@ void QtWebView::tell(std::function<void(WebViewDelegate&)> callback) {
 
 void QtWebView::settle(const Owed& owed, ScriptResult result) {
   if (owed.completion) {
-    mainQueue_->async(
+    services_.mainQueue->async(
         [completion = owed.completion, result = std::move(result)] { completion(result); });
   }
 }
