@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 
-// A Qt plug-in for hosts that are not made for tests: types a PIN and Enter once a field for secrets has
-// the focus. Loaded by QT_QPA_GENERIC_PLUGINS=orlix-types-pin.
+// A Qt plug-in for hosts that are not made for tests: types a PIN and Enter once a field for
+// secrets has the focus. Loaded by QT_QPA_GENERIC_PLUGINS=orlix-types-pin.
 
 #include <QCoreApplication>
 #include <QGenericPlugin>
