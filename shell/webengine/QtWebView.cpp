@@ -35,7 +35,7 @@ std::vector<Bytes> derOf(const QList<QSslCertificate>& chain) {
 QtWebView::QtWebView(WebEngineServices services)
     : services_(std::move(services)), guard_(std::make_unique<QtWebRequestGuard>()) {}
 
-QtWebView::~QtWebView() { failOwed("The page view was released."); }
+QtWebView::~QtWebView() { failPendingScripts("The page view was released."); }
 
 void QtWebView::adopt(std::unique_ptr<QQuickItem> item) {
   item_ = std::move(item);
@@ -85,17 +85,17 @@ void QtWebView::stopLoading() {
   load_ = std::make_shared<const int>(0);
   progress_ = Progress::none;
   QMetaObject::invokeMethod(item_.get(), "stop");
-  failOwed("Loading was stopped.");
+  failPendingScripts("Loading was stopped.");
 }
 
 void QtWebView::evaluateJavaScript(const std::string& script,
                                    std::function<void(const ScriptResult&)> completion) {
-  Owed owed{++lastTicket_, std::move(completion)};
+  PendingScript pending{++lastTicket_, std::move(completion)};
   if (!hasPage_) {
-    settle(owed, {std::nullopt, "There is no page."});
+    settle(pending, {std::nullopt, "There is no page."});
     return;
   }
-  owed_.push_back(std::move(owed));
+  pendingScripts_.push_back(std::move(pending));
   // The engine reports no exception, so the script catches its own.
   const std::string guarded = "(function(){try{return [true,String((0,eval)(" +
                               quotedForScript(script) +
@@ -107,17 +107,18 @@ void QtWebView::evaluateJavaScript(const std::string& script,
 void QtWebView::scriptAnswered(int ticket, const QVariant& result) {
   const QVariantList parts = result.toList();
   const QString text = parts.size() == 2 ? parts[1].toString() : QString();
-  const auto found = std::find_if(owed_.begin(), owed_.end(),
-                                  [ticket](const Owed& owed) { return owed.ticket == ticket; });
-  if (found != owed_.end()) {
-    const Owed owed = std::move(*found);
-    owed_.erase(found);
+  const auto found =
+      std::find_if(pendingScripts_.begin(), pendingScripts_.end(),
+                   [ticket](const PendingScript& pending) { return pending.ticket == ticket; });
+  if (found != pendingScripts_.end()) {
+    const PendingScript pending = std::move(*found);
+    pendingScripts_.erase(found);
     if (parts.size() != 2) {
-      settle(owed, {std::nullopt, "The page was left before it answered."});
+      settle(pending, {std::nullopt, "The page was left before it answered."});
     } else if (parts[0].toBool()) {
-      settle(owed, {secretOf(text), {}});
+      settle(pending, {secretOf(text), {}});
     } else {
-      settle(owed, {std::nullopt, text.toStdString()});
+      settle(pending, {std::nullopt, text.toStdString()});
     }
   }
   wipeShared(text);
@@ -173,7 +174,7 @@ void QtWebView::loadingChanged(const QWebEngineLoadingInfo& info) {
     return;
   }
   refused_ = false;
-  failOwed("The page was left before it answered.");
+  failPendingScripts("The page was left before it answered.");
   // A server's error page is a page like any other.
   if (status == QWebEngineLoadingInfo::LoadSucceededStatus ||
       info.errorDomain() == QWebEngineLoadingInfo::HttpStatusCodeDomain) {
@@ -193,7 +194,7 @@ void QtWebView::processTerminated(int exitCode) {
   progress_ = Progress::none;
   hasPage_ = false;
   services_.log("OrlixKit: A page's process has ended with " + std::to_string(exitCode) + ".");
-  failOwed("The page's process has ended.");
+  failPendingScripts("The page's process has ended.");
   tell([](WebViewDelegate& delegate) { delegate.webContentProcessDidTerminate(); });
 }
 
@@ -212,19 +213,19 @@ void QtWebView::tell(std::function<void(WebViewDelegate&)> callback) {
   });
 }
 
-void QtWebView::settle(const Owed& owed, ScriptResult result) {
-  if (owed.completion) {
+void QtWebView::settle(const PendingScript& pending, ScriptResult result) {
+  if (pending.completion) {
     services_.mainQueue->async(
-        [completion = owed.completion, result = std::move(result)] { completion(result); });
+        [completion = pending.completion, result = std::move(result)] { completion(result); });
   }
 }
 
-void QtWebView::failOwed(std::string_view reason) {
-  if (owed_.empty()) {
+void QtWebView::failPendingScripts(std::string_view reason) {
+  if (pendingScripts_.empty()) {
     return;  // without allocating: the destructor calls this
   }
-  for (const Owed& owed : std::exchange(owed_, {})) {
-    settle(owed, {std::nullopt, std::string(reason)});
+  for (const PendingScript& pending : std::exchange(pendingScripts_, {})) {
+    settle(pending, {std::nullopt, std::string(reason)});
   }
 }
 

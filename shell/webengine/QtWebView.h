@@ -63,7 +63,7 @@ class QtWebView : public QObject, public DrawnWebView {
   Q_INVOKABLE void scriptAnswered(int ticket, const QVariant& result);
 
  private:
-  struct Owed {
+  struct PendingScript {
     int ticket;
     std::function<void(const ScriptResult&)> completion;
   };
@@ -75,8 +75,8 @@ class QtWebView : public QObject, public DrawnWebView {
   void finished();
   void fail(const std::string& description);
   void tell(std::function<void(WebViewDelegate&)> callback);
-  void settle(const Owed& owed, ScriptResult result);
-  void failOwed(std::string_view reason);
+  void settle(const PendingScript& pending, ScriptResult result);
+  void failPendingScripts(std::string_view reason);
 
   const WebEngineServices services_;
   std::unique_ptr<QtWebRequestGuard> guard_;
@@ -87,7 +87,7 @@ class QtWebView : public QObject, public DrawnWebView {
   bool reported_ = false;  ///< the page in the view has been reported as finished
   bool refused_ = false;   ///< the load in progress has tried to leave for a refused address
   int lastTicket_ = 0;
-  std::deque<Owed> owed_;
+  std::deque<PendingScript> pendingScripts_;
   /// Shared with pending callbacks; replaced to cancel them.
   std::shared_ptr<const int> load_ = std::make_shared<const int>(0);
 };
