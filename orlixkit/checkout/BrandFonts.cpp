@@ -30,9 +30,9 @@ RegisteredFonts& registered() { return Host::current().shared<RegisteredFonts>()
 bool isOpenType(const Bytes& file) {
   using namespace std::string_view_literals;
   constexpr std::array kTags{"OTTO"sv, "\0\1\0\0"sv, "true"sv, "ttcf"sv};
-  return std::any_of(kTags.begin(), kTags.end(), [&file](std::string_view tag) {
-    return file.size() >= tag.size() && std::equal(tag.begin(), tag.end(), file.begin());
-  });
+  const std::string head(file.begin(),
+                         file.begin() + std::min<std::ptrdiff_t>(std::ssize(file), 4));
+  return std::find(kTags.begin(), kTags.end(), head) != kTags.end();
 }
 
 }  // namespace
@@ -41,9 +41,9 @@ void OXOrlix::load() {
   if (std::exchange(registered().loaded, true)) {
     return;
   }
-  for (const std::string& name : {OXUtil::regularFont(), OXUtil::boldFont(), OXUtil::lightFont()}) {
-    loadFontWithName(name);
-  }
+  loadFontWithName(OXUtil::regularFont());
+  loadFontWithName(OXUtil::boldFont());
+  loadFontWithName(OXUtil::lightFont());
 }
 
 void OXOrlix::loadFontWithName(const std::string& name) {

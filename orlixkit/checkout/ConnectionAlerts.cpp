@@ -20,9 +20,6 @@ void ConnectionAlerts::add(ConnectionAlert alert) {
   const auto isAlike = [&alert](const std::shared_ptr<ConnectionAlert>& other) {
     return other && !alert.source.empty() && other->source == alert.source && isWanted(*other);
   };
-  if (closed_) {
-    return;
-  }
   if (isAlike(shown_) || std::any_of(waiting_.begin(), waiting_.end(), isAlike)) {
     OXUtil::indicator().dismiss();  // left to the alert by the request that has failed again
     return;
@@ -39,19 +36,18 @@ void ConnectionAlerts::add(ConnectionAlert alert) {
 
 void ConnectionAlerts::dropUnwanted() {
   std::erase_if(waiting_, [](const auto& alert) { return !isWanted(*alert); });
-  if (!shown_ || isWanted(*shown_)) {
-    return;
+  if (shown_ && !isWanted(*shown_)) {
+    withdrawShown();
+    showNext();
   }
-  shown_.reset();
-  if (const auto controller = std::exchange(controller_, {}).lock()) {
-    controller->withdraw();
-  }
-  showNext();
 }
 
 void ConnectionAlerts::close() {
-  closed_ = true;
   waiting_.clear();
+  withdrawShown();
+}
+
+void ConnectionAlerts::withdrawShown() {
   shown_.reset();
   if (const auto controller = std::exchange(controller_, {}).lock()) {
     controller->withdraw();
@@ -101,12 +97,12 @@ Task ConnectionAlerts::whenOver(const std::shared_ptr<ConnectionAlert>& alert,
                                 Task ConnectionAlert::*task) {
   return [weak = weak_from_this(), alert, task] {
     const std::shared_ptr<ConnectionAlerts> self = weak.lock();
-    if (!self || self->shown_ != alert) {
+    if (!self) {
       return;
     }
     self->shown_.reset();
-    if (const Task& run = (*alert).*task; run && isWanted(*alert)) {
-      runLogged(run);
+    if (isWanted(*alert)) {
+      runLogged((*alert).*task);
     }
     self->showNext();
   };

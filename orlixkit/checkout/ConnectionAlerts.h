@@ -33,7 +33,8 @@ struct ConnectionAlert {
 /// The queue of connection alerts of one flow. Requests that fail at the same time must not show
 /// two alerts over each other, and no alert may be lost.
 ///
-/// Main thread. Each alert is shown when the progress indicator is gone.
+/// Main thread. Each alert is shown when the progress indicator is gone. Nothing is added once the
+/// flow is over.
 class ConnectionAlerts : public std::enable_shared_from_this<ConnectionAlerts> {
  public:
   void add(ConnectionAlert alert);
@@ -44,6 +45,7 @@ class ConnectionAlerts : public std::enable_shared_from_this<ConnectionAlerts> {
   void close();
 
  private:
+  void withdrawShown();
   void showNext();
   void present(const std::shared_ptr<ConnectionAlert>& alert);
   std::shared_ptr<AlertController> controllerFor(const std::shared_ptr<ConnectionAlert>& alert);
@@ -53,7 +55,6 @@ class ConnectionAlerts : public std::enable_shared_from_this<ConnectionAlerts> {
   std::deque<std::shared_ptr<ConnectionAlert>> waiting_;
   std::shared_ptr<ConnectionAlert> shown_;  ///< also while the indicator goes before it
   std::weak_ptr<AlertController> controller_;
-  bool closed_ = false;
 };
 
 }  // namespace orlix

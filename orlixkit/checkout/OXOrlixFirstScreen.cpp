@@ -55,9 +55,9 @@ struct Lookup {
   void offerRetry(const OXSession& session) const;
 };
 
-bool isUsable(const OXSession& session, const MTCodeInfo& info) {
-  const bool twoAmounts = session.inAmount && !info.amountString.value_or("").empty();
-  return !twoAmounts && !asksForMoreThanIsOffered(info);
+bool isUsable(const OXSession& session, const std::optional<MTCodeInfo>& info) {
+  const bool twoAmounts = session.inAmount && fixesAmount(info);
+  return info && !twoAmounts && !asksForMoreThanIsOffered(*info);
 }
 
 void takeData(OXSession& session, MTCodeResponse response) {
@@ -67,7 +67,7 @@ void takeData(OXSession& session, MTCodeResponse response) {
 }
 
 void refreshData(OXSession& session, MTCodeResponse response) {
-  if (response.hasCodeInfo && response.codeInfo && isUsable(session, *response.codeInfo)) {
+  if (isUsable(session, response.codeInfo)) {
     takeData(session, std::move(response));
     session.dataChanged();
   } else {
@@ -77,7 +77,7 @@ void refreshData(OXSession& session, MTCodeResponse response) {
 }
 
 void codeLookedUp(OXSession& session, MTCodeResponse response, bool hasWaitingScreen) {
-  if (!response.hasCodeInfo || !response.codeInfo) {
+  if (!response.codeInfo) {
     // After a retry there is no callback, and the screen stays as it is: hosts rely on it.
     if (hasWaitingScreen) {
       session.returnError(kCodeNotUsable);
@@ -141,9 +141,7 @@ void requestCards(void (OXSession::*withCards)(), bool dataOnly) {
 
 void loadFirstScreen(bool hasWaitingScreen, bool dataOnly) {
   const auto session = OXSession::currentSession();
-  if (!session->isLive()) {
-    log("OrlixKit: The checkout is over; ignoring loadCodeInfo.");
-  } else if (session->preRegister) {
+  if (session->preRegister) {
     requestCards(&OXSession::returnUserRegistered, dataOnly);
   } else if (session->walletManagement) {
     requestCards(&OXSession::showWalletManagementScreen, dataOnly);

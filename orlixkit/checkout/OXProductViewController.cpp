@@ -68,9 +68,7 @@ void OXProductViewController::viewDidLoad() {
 
 void OXProductViewController::viewDidAppear() { OXUtil::checkOrientationHeight(*this); }
 
-bool OXProductViewController::isInputableAmount() const {
-  return !codeInfo || codeInfo->amountString.value_or("").empty();
-}
+bool OXProductViewController::isInputableAmount() const { return !fixesAmount(codeInfo); }
 
 void OXProductViewController::showAmount() {
   const bool inputable = isInputableAmount();
@@ -275,9 +273,7 @@ std::optional<std::string> OXProductViewController::amountToPay() const {
 }
 
 void OXProductViewController::payBySecureCode(OXSession& session) {
-  if (!session.beginPayment()) {
-    return;
-  }
+  session.beginPayment();
   if (!mustValidateSelectedCard()) {
     initSessionForSecureCodeScreen(session);
     return;
@@ -326,18 +322,16 @@ void OXProductViewController::payWithPin(OXSession& current) {
     warn("Enter ATM PIN");
     return;
   }
-  if (current.beginPayment()) {
-    purchaseRequest_ = newPurchaseRequest();
-    purchaseRequest_.extraRefValue = "";
-    makeAmtPayment();
-  }
+  current.beginPayment();
+  purchaseRequest_ = newPurchaseRequest();
+  purchaseRequest_.extraRefValue = "";
+  makeAmtPayment();
 }
 
 void OXProductViewController::payWithoutPin(OXSession& current) {
-  if (current.beginPayment()) {
-    purchaseRequest_ = newPurchaseRequest();
-    makeCnpPayment();
-  }
+  current.beginPayment();
+  purchaseRequest_ = newPurchaseRequest();
+  makeCnpPayment();
 }
 
 void OXProductViewController::makeAmtPayment() {

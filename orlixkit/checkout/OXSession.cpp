@@ -30,6 +30,10 @@ CurrentSession& current() { return Host::current().shared<CurrentSession>(); }
 
 }  // namespace
 
+bool fixesAmount(const std::optional<MTCodeInfo>& info) {
+  return info && info->amountString && !info->amountString->empty();
+}
+
 std::shared_ptr<OXSession> OXSession::currentSession() {
   CurrentSession& holder = current();
   const std::lock_guard guard(holder.lock);
@@ -73,9 +77,7 @@ bool OXSession::isLiveFor(const std::string& operation) const {
   return true;
 }
 
-bool OXSession::isNotVariableAmount() const {
-  return inAmount && codeInfo && codeInfo->amountString && !codeInfo->amountString->empty();
-}
+bool OXSession::isNotVariableAmount() const { return inAmount && fixesAmount(codeInfo); }
 
 void OXSession::show(const std::string& identifier, const Prepare& prepare) {
   if (paying_) {
@@ -164,14 +166,6 @@ bool OXSession::hasScreens() const {
     next = next->presentedViewController();
   }
   return next != nullptr;
-}
-
-bool OXSession::beginPayment() {
-  if (!isLive() || paying_) {
-    return false;
-  }
-  paying_ = true;
-  return true;
 }
 
 void OXSession::endPayment() {

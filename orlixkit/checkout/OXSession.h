@@ -25,6 +25,9 @@ namespace orlix {
 
 class SessionScreen;
 
+/// True when the code comes with an amount, which the user sees and cannot change.
+bool fixesAmount(const std::optional<MTCodeInfo>& info);
+
 /// The checkout in progress: the host's request, the data that the screens share, and the
 /// operations that change the screen or end the flow.
 ///
@@ -87,8 +90,8 @@ class OXSession : public std::enable_shared_from_this<OXSession> {
   void returnPaymentFailedWithTransactionReference(const std::string& reference);
   void returnInvalidCode();
 
-  /// Begins a payment. False while one is in progress: the caller must not send.
-  bool beginPayment();
+  /// Begins a payment. The caller has checked `isPaying`.
+  void beginPayment() { paying_ = true; }
   bool isPaying() const { return paying_; }
   /// What is known of the purchases of this flow. Never null.
   const std::shared_ptr<PurchaseLedger>& purchases() const { return purchases_; }

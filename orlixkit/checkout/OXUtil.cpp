@@ -3,7 +3,6 @@
 #include "orlixkit/checkout/OXUtil.h"
 
 #include <algorithm>
-#include <map>
 #include <stdexcept>
 
 #include "orlixkit/checkout/AlertWindow.h"
@@ -26,9 +25,8 @@ constexpr double kHeightOfLogo = 46;
 
 std::string lastUsedCardKey() { return OXUtil::storageKeyForItem("lastUsedCard"); }
 
-/// The topmost screen of a flow that has one.
-std::shared_ptr<ViewController> screenOf(const std::shared_ptr<OXSession>& session) {
-  const auto below = session ? session->presentingController : nullptr;
+/// The topmost screen of the flow that is shown there, when it has one.
+std::shared_ptr<ViewController> screenOver(const std::shared_ptr<ViewController>& below) {
   const auto top = AlertWindow::ox_topViewControllerFrom(below);
   const bool isShown = top != below && isOnScreen(Host::current().application(), below);
   return isShown ? top : nullptr;
@@ -61,7 +59,9 @@ void OXUtil::showAlert(const std::shared_ptr<AlertController>& alert) {
   if (session->isLive() && session->presentingController) {
     session->keepTrackOf(alert);
     // Over the flow's own screen, which need not be in the active window.
-    alert->place = [weak = std::weak_ptr<OXSession>(session)] { return screenOf(weak.lock()); };
+    alert->place = [below = std::weak_ptr(session->presentingController)] {
+      return screenOver(below.lock());
+    };
   }
   AlertWindow::show(alert);
 }
@@ -126,10 +126,10 @@ std::optional<CardOption> OXUtil::getLastUsedCard() {
 }
 
 std::string OXUtil::imageForCardType(const std::optional<std::string>& cardType) {
-  static const std::map<std::string, std::string> kImages{
-      {"orbis", "orbis100"}, {"visa", "visa100"}, {"amex", "america_express100"}};
-  const auto found = kImages.find(cardType.value_or(""));
-  return found == kImages.end() ? "other100" : found->second;
+  if (cardType == "amex") {
+    return "america_express100";
+  }
+  return cardType == "orbis" || cardType == "visa" ? *cardType + "100" : "other100";
 }
 
 Location OXUtil::getLocation() {

@@ -16,10 +16,14 @@ namespace {
 
 constexpr double kRibbonHeight = 6;
 
-bool endsIn(std::string name, std::string_view ending) {
+/// The brand's font of the weight that the name ends in, whatever its case.
+std::string brandFontFor(std::string name) {
   std::transform(name.begin(), name.end(), name.begin(),
                  [](unsigned char c) { return static_cast<char>(std::tolower(c)); });
-  return name.ends_with(ending);
+  if (name.ends_with("-bold")) {
+    return OXUtil::boldFont();
+  }
+  return name.ends_with("-light") ? OXUtil::lightFont() : OXUtil::regularFont();
 }
 
 double heightOfShownTabBar(const ViewController& screen) {
@@ -87,11 +91,7 @@ void OrlixViewController::changeFontForView(const std::shared_ptr<View>& view) {
 }
 
 void OrlixViewController::changeFontForLabel(Label& label) {
-  const std::string& name = label.font().name;
-  const std::string brandFont = endsIn(name, "-bold")    ? OXUtil::boldFont()
-                                : endsIn(name, "-light") ? OXUtil::lightFont()
-                                                         : OXUtil::regularFont();
-  label.setFont({brandFont, label.font().size});
+  label.setFont({brandFontFor(label.font().name), label.font().size});
 }
 
 void OrlixViewController::debugPrintFonts() { OXOrlix::printFonts(); }

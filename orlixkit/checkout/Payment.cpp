@@ -122,9 +122,6 @@ void Payment::receiptArrived() {
 
 /// Before anything that runs the host's code.
 void Payment::noteReceipt() {
-  if (!attempt_) {
-    return;
-  }
   if (receipt_->status == "SUCCESS") {
     noteSuccess(*attempt_);
   } else {

@@ -27,9 +27,6 @@ class Payment {
  public:
   virtual ~Payment() = default;
 
-  /// Begins a round of polling for the receipt of `pinResponse_`.
-  void pollForReceipt();
-
   /// One round of polling: at once, then after pauses of at most 2 seconds, until 60 seconds have
   /// passed. Returns none at the deadline, with a log line, and when the flow of `connection` is
   /// over. Blocks. Throws what a request throws.
@@ -46,6 +43,8 @@ class Payment {
 
   /// Sends the purchase. `again` builds and sends it again when the user retries.
   void pay(PurchaseCall purchase, Task again);
+  /// Begins a round of polling for the receipt of `pinResponse_`, once a purchase was sent.
+  void pollForReceipt();
   /// Hides the indicator and shows the connection alert for a step that has failed.
   void offerRetryOf(Task step);
   /// Dismisses the indicator, then ends the flow.

@@ -2,9 +2,33 @@
 
 #include "orlixkit/checkout/SessionScreen.h"
 
+#include <algorithm>
+#include <utility>
+
 #include "orlixkit/checkout/OXUtil.h"
 
 namespace orlix {
+
+SessionScreen::SessionScreen() : session_(OXSession::currentSession()) {}
+
+bool SessionScreen::wasLeft() const { return !presentingViewController() || isBeingDismissed(); }
+
+std::shared_ptr<OXSession> SessionScreen::session() const {
+  const std::shared_ptr<OXSession> held = session_.lock();
+  return held && held->isLive() ? held : nullptr;
+}
+
+void SessionScreen::action(const std::string& name, std::function<void(OXSession&)> operation) {
+  ViewController::action(name, [this, operation = std::move(operation)] {
+    if (isInUse()) {
+      operation(*session());
+    }
+  });
+}
+
+void SessionScreen::action(const std::string& name, Task operation) {
+  action(name, [operation = std::move(operation)](OXSession&) { operation(); });
+}
 
 void SessionScreen::showProgress(const std::string& status, ProgressMask mask,
                                  ProgressStyle style) {
@@ -32,13 +56,25 @@ void SessionScreen::failed(const std::string& kind, Task retry) {
   offerRetry(kind, std::move(retry));
 }
 
-bool SessionScreen::take(const std::string& kind, std::uint64_t number) {
-  std::uint64_t& taken = taken_[kind];
-  if (number < taken) {
+bool SessionScreen::mayAsk(const std::string& kind, bool alone) {
+  return !alone || underWay_.insert(kind).second;
+}
+
+bool SessionScreen::takes(const Asked& asked, const Task& late) {
+  underWay_.erase(asked.kind);
+  if (wasLeft()) {
+    if (late) {
+      late();
+    }
     return false;
   }
-  taken = number;
-  return true;
+  if (!asked.latestCounts) {
+    return true;
+  }
+  std::uint64_t& taken = taken_[asked.kind];
+  const bool isOvertaken = asked.number < taken;
+  taken = std::max(taken, asked.number);
+  return !isOvertaken;
 }
 
 }  // namespace orlix

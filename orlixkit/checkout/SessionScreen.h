@@ -22,7 +22,7 @@ namespace orlix {
 /// alerts are not shown, its progress indicator is dismissed.
 class SessionScreen : public ViewController {
  public:
-  SessionScreen() : session_(OXSession::currentSession()) {}
+  SessionScreen();
 
   /// True when the screen shows the session's cards or code information.
   virtual bool showsSessionData() const { return false; }
@@ -30,17 +30,14 @@ class SessionScreen : public ViewController {
   virtual void sessionDataChanged() {}
 
   /// True when the screen is no longer presented, or is being dismissed.
-  bool wasLeft() const { return !presentingViewController() || isBeingDismissed(); }
+  bool wasLeft() const;
 
  protected:
   friend class Payment;  // a part of its screen
 
   /// The screen's session; null when it was replaced or has ended. Never null in an action or a
   /// retry of the screen.
-  std::shared_ptr<OXSession> session() const {
-    const std::shared_ptr<OXSession> held = session_.lock();
-    return held && held->isLive() ? held : nullptr;
-  }
+  std::shared_ptr<OXSession> session() const;
 
   bool isLive() const { return session() != nullptr; }
   /// True when the flow is live and the user has not left the screen. A host that removes the
@@ -48,16 +45,8 @@ class SessionScreen : public ViewController {
   bool isInUse() const { return isLive() && !wasLeft(); }
 
   /// Registers an action that runs only while the screen is in use, and receives its session.
-  void action(const std::string& name, std::function<void(OXSession&)> operation) {
-    ViewController::action(name, [this, operation = std::move(operation)] {
-      if (isInUse()) {
-        operation(*session());
-      }
-    });
-  }
-  void action(const std::string& name, Task operation) {
-    action(name, [operation = std::move(operation)](OXSession&) { operation(); });
-  }
+  void action(const std::string& name, std::function<void(OXSession&)> operation);
+  void action(const std::string& name, Task operation);
 
   /// Does nothing on a screen that is no longer in use.
   void showProgress(const std::string& status, ProgressMask mask = ProgressMask::none,
@@ -93,34 +82,21 @@ class SessionScreen : public ViewController {
   template <class Answer>
   void send(Request<Answer> request) {
     const std::shared_ptr<OXSession> own = session();
-    if (!own) {
-      return;
-    }
-    if (request.alone && !underWay_.insert(request.kind).second) {
+    if (!own || !mayAsk(request.kind, request.alone)) {
       return;
     }
     const auto self = std::static_pointer_cast<SessionScreen>(shared_from_this());
-    const std::uint64_t number = ++asked_;
-    const auto isOvertaken = [self, kind = request.kind, number,
-                              latestCounts = request.latestCounts] {
-      return latestCounts && !self->take(kind, number);
-    };
+    const Asked asked{request.kind, ++asked_, request.latestCounts};
     requestInBackground<Answer>(
         request.queue, std::move(request.ask),
-        [self, isOvertaken, kind = request.kind, answered = std::move(request.answered),
+        [self, asked, answered = std::move(request.answered),
          late = std::move(request.answeredLate)](Answer answer) {
-          self->underWay_.erase(kind);
-          if (!self->wasLeft()) {
-            if (!isOvertaken()) {
-              answered(std::move(answer));
-            }
-          } else if (late) {
-            late();
+          if (self->takes(asked, late)) {
+            answered(std::move(answer));
           }
         },
-        [self, isOvertaken, kind = request.kind, failed = std::move(request.failed)] {
-          self->underWay_.erase(kind);
-          if (!self->wasLeft() && !isOvertaken()) {
+        [self, asked, failed = std::move(request.failed)] {
+          if (self->takes(asked, {})) {
             failed();
           }
         },
@@ -128,8 +104,19 @@ class SessionScreen : public ViewController {
   }
 
  private:
-  /// False when a later request of this kind has been answered already.
-  bool take(const std::string& kind, std::uint64_t number);
+  /// A request in progress.
+  struct Asked {
+    std::string kind;
+    std::uint64_t number;
+    bool latestCounts;
+  };
+
+  /// False while another request of this kind must end first.
+  bool mayAsk(const std::string& kind, bool alone);
+  /// Called when the request has ended. False when its answer is discarded: the user has left the
+  /// screen, in which case `late` runs if there is any, or a later request of this kind has been
+  /// answered already.
+  bool takes(const Asked& asked, const Task& late);
 
   std::weak_ptr<OXSession> session_;
   std::uint64_t asked_ = 0;

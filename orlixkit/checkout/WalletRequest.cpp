@@ -2,7 +2,7 @@
 
 #include "orlixkit/checkout/WalletRequest.h"
 
-#include <stdexcept>
+#include <string>
 #include <system_error>
 
 #include "orlixkit/host/Host.h"
@@ -14,16 +14,20 @@ namespace {
 
 void addTo(RequestQueue queue, Task task) {
   BackgroundQueues& queues = *Host::current().ports().backgroundQueues;
-  switch (queue) {
-    case RequestQueue::newOperationQueue:
-      queues.newOperationQueue()->add(std::move(task));
-      break;
-    case RequestQueue::globalBackground:
-      queues.global(QualityOfService::background, std::move(task));
-      break;
-    case RequestQueue::globalHigh:
-      queues.global(QualityOfService::high, std::move(task));
-      break;
+  if (queue == RequestQueue::newOperationQueue) {
+    queues.newOperationQueue()->add(std::move(task));
+    return;
+  }
+  const bool isHigh = queue == RequestQueue::globalHigh;
+  queues.global(isHigh ? QualityOfService::high : QualityOfService::background, std::move(task));
+}
+
+/// The protocol client has logged why a request failed.
+void runUnlessRefused(const Task& work) {
+  try {
+    work();
+  } catch (const NetworkException&) {
+    return;
   }
 }
 
@@ -32,18 +36,12 @@ void addTo(RequestQueue queue, Task task) {
 void runInBackground(RequestQueue queue, Task work, const Task& then) {
   try {
     addTo(queue, [work = std::move(work), then] {
-      runLoggedInBackground(work);
+      runLoggedInBackground([&work] { runUnlessRefused(work); });
       deliverToMainQueue(then);
     });
   } catch (const std::system_error& failure) {
     log(std::string("OrlixKit: no thread for a request: ") + failure.what());
     Host::current().ports().mainQueue->async(then);
-  }
-}
-
-void logFailureOfRequest(const std::exception& failure) {
-  if (dynamic_cast<const NetworkException*>(&failure) == nullptr) {
-    logFailure("a request", failure.what());
   }
 }
 

@@ -2,7 +2,6 @@
 
 #pragma once
 
-#include <exception>
 #include <functional>
 #include <memory>
 #include <optional>
@@ -18,12 +17,10 @@ enum class RequestQueue { newOperationQueue, globalBackground, globalHigh };
 
 /// Runs `work` on that queue of the installed host, then `then` on the main queue. Both tasks are
 /// allocated first, so that a result is not lost for lack of memory. `then` releases what they
-/// share, because screens are destroyed on the main thread. When no thread can be created for the
-/// work, only `then` runs.
+/// share, because screens are destroyed on the main thread. It also runs when the work throws,
+/// which is logged unless the protocol client has done so, and when no thread can be created for
+/// the work.
 void runInBackground(RequestQueue queue, Task work, const Task& then);
-
-/// Logs why a request failed, unless the protocol client has done so.
-void logFailureOfRequest(const std::exception& failure);
 
 /// One request of a flow, which travels from the main thread to the background and back.
 template <class Answer>
@@ -35,21 +32,13 @@ struct WalletRequest {
   Task failed;
   std::optional<Answer> answer = std::nullopt;
 
-  /// Background. Releases `ask` at once.
+  /// Background. Releases `ask` at once, also when it throws.
   void run() {
-    try {
-      if (connection && session->isLive()) {
-        answer.emplace(ask(*connection));
-      }
-    } catch (const std::exception& failure) {
-      // Every failure of a request looks alike to the user: the connection alert offers a retry.
-      answer.reset();
-      logFailureOfRequest(failure);
-    } catch (...) {
-      answer.reset();
+    const auto asked = std::exchange(ask, {});
+    auto client = std::exchange(connection, std::nullopt);
+    if (client && session->isLive()) {
+      answer.emplace(asked(*client));
     }
-    ask = {};
-    connection.reset();
   }
 
   /// Main thread. Releases the captured screen.
@@ -59,6 +48,7 @@ struct WalletRequest {
     if (!std::exchange(session, {})->isLive()) {
       return;
     }
+    // Every failure of a request looks alike to the user: the connection alert offers a retry.
     if (answer) {
       whenAnswered(std::move(*answer));
     } else {

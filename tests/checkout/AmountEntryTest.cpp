@@ -20,7 +20,9 @@ TEST(AmountEntry, TextsAreReadAsTheNumberTheyBeginWith) {
   }
   EXPECT_EQ(AmountEntry::centsOf("92233720368547758.07"), kMost);
   EXPECT_EQ(AmountEntry::centsOf("92233720368547758.08"), kMost);
+  EXPECT_EQ(AmountEntry::centsOf("92233720368547758.075"), kMost);
   EXPECT_EQ(AmountEntry::centsOf("92233720368547758.06"), kMost - 1);
+  EXPECT_EQ(AmountEntry::centsOf("1e" + std::string(19, '9')), kMost);
   EXPECT_EQ(AmountEntry::centsOf(std::string(30, '0') + "12.34"), 1234);
   EXPECT_EQ(AmountEntry::centsOf(std::string(400, '9')), kMost);
 }
@@ -42,6 +44,8 @@ TEST(AmountEntry, DigitsComeInFromTheRightAndADeletionTakesTheLast) {
                                 {"abc", "4", "0.04"},
                                 {"-1.55", "", "-0.16"},
                                 {"-0.05", "", "-0.01"},
+                                {"-1.50", "", "-0.15"},
+                                {"-92233720368547758.07", "1", "-92233720368547758.07"},
                                 {"0.00", "\xEF\xBC\x91", "0.01"},
                                 {"-9000000000000000.00", "1", "-89999999999999999.99"}};
   for (const Case& row : cases) {

@@ -31,6 +31,7 @@ TEST(Facade, TheLookedUpCodeDecidesWhetherThePaymentScreenComes) {
       {"fixed amount", fixed, 0, {}},
       {"negative host amount counts as none", fixed, -1, {}},
       {"two amounts", fixed, 10.0, {"error 7"}},
+      {"no amount's text, and the host's amount", R"({"code":"C-1"})", 10, {}},
       {"unknown code", "", 0, {"error 4"}},
       {"billing", codeWith("requestBilling", ""), 0, {"error 4"}},
       {"shipping", codeWith("requestShipping", "25.00"), 0, {"error 4"}},
@@ -147,6 +148,57 @@ TEST(Facade, OneThatHasShownTheWaitingScreenShowsItOnlyOnce) {
   phone.checkout();
   phone.host.runUntilScreen("Waiting");
   EXPECT_EQ(phone.app->heard, Heard{"cancelled"});
+}
+
+TEST(Facade, OneThatIsKeptForAnotherHostShowsItsWaitingScreenThere) {
+  std::shared_ptr<OXOrlix> kept;
+  {
+    Phone former;
+    former.showPaymentScreen();
+    former.tap("cancelAction");
+    kept = former.facade;
+  }
+  Phone phone;
+  phone.facade = kept;
+  phone.checkout();
+  phone.host.runUntilScreen("Waiting");
+  phone.host.runUntilScreen("Product");
+}
+
+TEST(Facade, WithoutAControllerNothingIsShownAndNoCallbackIsMade) {
+  Phone phone;
+  phone.facade->checkout({.code = "C-1", .apiKey = "key", .delegate = phone.app});
+  phone.host.runUntilIdle();
+  OXOrlix::reloadData();
+  phone.host.runUntilIdle();
+  EXPECT_EQ(phone.wallet.asked("/lookup/"), 2U);
+  EXPECT_EQ(phone.screen(), "");
+  OXSession::currentSession()->returnUserDidCancel();
+  phone.host.runUntilIdle();
+  EXPECT_TRUE(phone.app->heard.empty());
+}
+
+TEST(Facade, AScreenThatIsNotInTheStoryboardIsNamedToTheUser) {
+  Phone phone;
+  phone.facade->showScreen("Nowhere", phone.host.root());
+  phone.host.runUntilIdle();
+  EXPECT_EQ(phone.alert(), "Error: The storyboard has no screen \"Nowhere\".");
+}
+
+TEST(Facade, HidingTheLoadingDialogDismissesTheControllerThatIsGiven) {
+  Phone phone;
+  phone.wallet.always("/session/new/", late(9s, answers::kSession));
+  phone.checkout();
+  phone.host.runUntilScreen("Waiting");
+  OXOrlix::hideLoadingDialog(nullptr);
+  OXOrlix::hideLoadingDialog(phone.host.root());
+  phone.host.runFor(1s);
+  EXPECT_EQ(phone.screen(), "Waiting") << "the host's own controller is presented by none";
+  const auto dialog = phone.host.topController();
+  OXOrlix::hideLoadingDialog(dialog);
+  EXPECT_TRUE(dialog->isBeingDismissed()) << "animated";
+  phone.host.runFor(1s);
+  EXPECT_EQ(phone.host.root()->presentedViewController(), nullptr);
 }
 
 TEST(Facade, AChangedCustomerWipesTheWalletBeforeTheStartOrDoesNotGetIt) {

@@ -1,5 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 
+#include "orlixkit/checkout/OXPresentationController.h"
+#include "orlixkit/checkout/OXProductViewController.h"
 #include "orlixkit/checkout/OXUtil.h"
 #include "tests/phone/Phone.h"
 
@@ -181,6 +183,40 @@ TEST(Payment, TheAmountFieldBeginsWithTheFirstTextThatIsThere) {
     EXPECT_EQ(phone.shown("inputAmountField"), row.expected);
     phone.host.type("inputAmountField", "5");
     EXPECT_EQ(phone.shown("inputAmountField"), row.afterOneKey);
+  }
+}
+
+TEST(Payment, OnlyTheAmountFieldWithTheNumberPadTakesDigitsFromTheRight) {
+  Phone phone;
+  phone.wallet.codeInfo = kOpenAmount;
+  phone.showPaymentScreen();
+  auto& screen = dynamic_cast<OXProductViewController&>(*phone.host.topController());
+  const auto amount = phone.host.user().outlet<TextField>("inputAmountField");
+  struct Case {
+    std::string field;
+    Keyboard keyboard;
+    bool allowed;
+  };
+  for (const Case& row : {Case{"cvvField", Keyboard::numberPad, true},
+                          Case{"inputAmountField", Keyboard::standard, true},
+                          Case{"inputAmountField", Keyboard::numberPad, false}}) {
+    const auto field = phone.host.user().outlet<TextField>(row.field);
+    field->setKeyboard(row.keyboard);
+    const std::string before = field->text();
+    EXPECT_EQ(screen.textFieldShouldChangeCharacters(*field, {}, "5"), row.allowed) << row.field;
+    EXPECT_EQ(field->text() == before, row.allowed) << row.field;
+  }
+}
+
+TEST(Payment, TheSegueToTheCardFormShowsItAsACard) {
+  for (const bool isToForm : {true, false}) {
+    Phone phone;
+    phone.showPaymentScreen();
+    phone.host.topController()->performSegue(isToForm ? "AddCard" : "Cards");
+    phone.host.runUntilScreen(isToForm ? "AddCard" : "Cards");
+    EXPECT_EQ(std::dynamic_pointer_cast<OXPresentationController>(
+                  phone.host.topController()->presentationController()) != nullptr,
+              isToForm);
   }
 }
 

@@ -3,6 +3,8 @@
 #include "orlixkit/checkout/AlertWindow.h"
 #include "orlixkit/checkout/OXPresentationController.h"
 #include "orlixkit/checkout/OXUtil.h"
+#include "orlixkit/checkout/OrlixViewController.h"
+#include "orlixkit/ui/Containers.h"
 #include "tests/phone/Phone.h"
 
 namespace orlix::test {
@@ -96,11 +98,72 @@ TEST(Look, TheBrandsFontsAreRegisteredWithTheLibraryAndABrokenOneIsNamed) {
     bundle->add("Inter-Light", "otf", toBytes("text"));
     ports.bundle = bundle;
   }});
-  EXPECT_TRUE(phone.host.log().contains("The resource Inter-Light.otf is no OpenType font."));
-  OXOrlix::printFonts();
+  OXOrlix::load();
+  EXPECT_EQ(phone.host.log().count("The resource Inter-Light.otf is no OpenType font."), 1U);
+  OXOrlix::loadFontWithName("Inter-Bold");
+  OrlixViewController::debugPrintFonts();
   EXPECT_TRUE(phone.host.log().contains("  Inter-Regular"));
-  EXPECT_TRUE(phone.host.log().contains("  Inter-Bold"));
+  EXPECT_EQ(phone.host.log().count("  Inter-Bold"), 1U);
   EXPECT_FALSE(phone.host.log().contains("  Inter-Light"));
+}
+
+TEST(Look, ALabelTakesTheBrandsFontOfItsWeightAndKeepsItsSize) {
+  const std::vector<std::pair<std::string, std::string>> fonts{{"Arial-Bold", "Inter-Bold"},
+                                                               {"arial-LIGHT", "Inter-Light"},
+                                                               {"Arial", "Inter-Regular"},
+                                                               {"Bold", "Inter-Regular"}};
+  for (const auto& [before, after] : fonts) {
+    Label label;
+    label.setFont({before, 12});
+    OrlixViewController::changeFontForLabel(label);
+    EXPECT_EQ(label.font(), (Font{after, 12})) << before;
+  }
+}
+
+TEST(Look, OnlyAButtonWithTheTagForItKeepsItsOwn) {
+  for (const auto& [tag, border] : std::vector<std::pair<int, double>>{{0, 1}, {9999, 0}}) {
+    const auto view = std::make_shared<View>();
+    const auto button = std::make_shared<Button>();
+    button->setTag(tag);
+    view->addSubview(button);
+    OXUtil::styleButtonsForView(view);
+    EXPECT_EQ(button->borderWidth(), border) << tag;
+  }
+}
+
+TEST(Look, TheRibbonIsAtTheBottomOrAboveTheTabBarThatIsShown) {
+  struct Case {
+    std::string name;
+    bool hasBar, hidden;
+    double above;
+  };
+  for (const Case& row : {Case{"no bar", false, false, 0}, Case{"hidden", true, true, 0},
+                          Case{"shown", true, false, 49}}) {
+    Phone phone;
+    const auto screen = std::make_shared<OrlixViewController>();
+    const auto tabs = std::make_shared<TabBarController>();
+    tabs->setChildren({screen}, 0);
+    if (row.hasBar) {
+      tabs->tabBar = std::make_shared<TabBar>();
+      tabs->tabBar->setFrame({0, 0, 320, 49});
+      tabs->tabBar->setHidden(row.hidden);
+    }
+    screen->addBottomRibbon();
+    const double bottom = phone.host.application().mainScreenSize().height;
+    EXPECT_EQ(screen->view()->subviews().back()->frame().y, bottom - row.above - 6) << row.name;
+  }
+}
+
+TEST(Plumbing, AnAlertAskedForInTheBackgroundIsShownFromTheMainQueue) {
+  Phone phone;
+  bool atOnce = false;
+  Host::current().ports().backgroundQueues->global(QualityOfService::high, [&] {
+    AlertWindow::show(std::make_shared<AlertController>("Warning", "text"));
+    atOnce = !phone.alert().empty();
+  });
+  phone.host.runUntilIdle();
+  EXPECT_FALSE(atOnce);
+  EXPECT_EQ(phone.alert(), "Warning: text");
 }
 
 TEST(Plumbing, AnAlertFindsTheApplicationsActiveWindow) {

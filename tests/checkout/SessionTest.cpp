@@ -48,13 +48,61 @@ TEST(Session, EachReturnStopsThePositionTakesTheScreensAwayAndCallsOnce) {
     for (const auto& other : returns) {
       other.second(*begun.session);
     }
+    begun.session->returnAuth3DsValidated();
     begun.session->showCardsScreen();
     begun.host.runUntilIdle();
     EXPECT_EQ(begun.app->heard, Heard{expected});
     EXPECT_TRUE(screensWereGone);
     EXPECT_FALSE(begun.host.locationManager().updating());
     EXPECT_TRUE(begun.host.log().contains("ignoring returnError"));
+    EXPECT_TRUE(begun.host.log().contains("ignoring returnAuth3DsValidated"));
   }
+}
+
+TEST(Session, WithoutADelegateTheScreensGoAllTheSame) {
+  const std::vector<std::pair<bool, void (OXSession::*)()>> returns{
+      {false, &OXSession::returnUserDidCancel}, {true, &OXSession::returnAuth3DsValidated}};
+  for (const auto& [staysLive, doReturn] : returns) {
+    Begun begun;
+    begun.session->delegate.reset();
+    begun.session->showPurchaseScreen();
+    ((*begun.session).*doReturn)();
+    begun.host.runUntilIdle();
+    EXPECT_EQ(begun.host.root()->presentedViewController(), nullptr);
+    EXPECT_EQ(begun.session->isLive(), staysLive);
+  }
+}
+
+TEST(Session, WhileItPaysOnlyTheIssuersPageTakesTheScreensPlace) {
+  Begun begun;
+  begun.session->showPurchaseScreen();
+  begun.session->beginPayment();
+  begun.session->showCardsScreen();
+  EXPECT_EQ(begun.screen(), "Product");
+  EXPECT_TRUE(begun.host.log().contains("A payment is in progress; ignoring the screen Cards."));
+  begun.session->showSecureCodeScreen();
+  EXPECT_EQ(begun.screen(), "SecureCode");
+  begun.session->endPayment();
+  begun.session->showCardsScreen();
+  EXPECT_EQ(begun.screen(), "Cards");
+}
+
+TEST(Session, WhatWaitsForTheEndOfAPaymentIsDroppedWhenTheFlowEndsBefore) {
+  Begun begun;
+  bool ran = false;
+  begun.session->beginPayment();
+  begun.session->whenNotPaying("first", [](OXSession& s) { s.returnUserDidCancel(); });
+  begun.session->whenNotPaying("second", [&ran](OXSession&) { ran = true; });
+  begun.session->endPayment();
+  EXPECT_FALSE(begun.session->isLive() || ran);
+}
+
+TEST(Session, ARequestBeforeTheFirstStartFailsLikeOneWithoutANetwork) {
+  Begun begun;
+  OXOrlix::loadCards();
+  begun.host.runUntilIdle();
+  EXPECT_EQ(begun.alert(), kConnectionProblem);
+  EXPECT_TRUE(begun.host.requests().empty());
 }
 
 TEST(Session, AReplacedOneLetsGoOfItsHostAndTheNextBeginsBare) {

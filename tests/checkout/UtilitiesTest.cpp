@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 
+#include "orlixkit/checkout/OXPresentationController.h"
 #include "orlixkit/checkout/OXUtil.h"
 #include "tests/phone/Phone.h"
 
@@ -38,6 +39,28 @@ TEST(Utilities, ACardThatCannotBeRememberedIsLoggedAndThePaymentGoesOn) {
   phone.runUntilOutcome();
   EXPECT_EQ(phone.app->heard, Heard{"succeeded 9007199254740993"});
   EXPECT_TRUE(phone.host.log().contains("The last used card could not be stored"));
+}
+
+TEST(Utilities, AControllerIsShownAsACardByTheOneThatIsGiven) {
+  Phone phone;
+  const auto controller = std::make_shared<ViewController>();
+  OXUtil::showController(controller, phone.host.root());
+  phone.host.runUntilIdle();
+  EXPECT_EQ(phone.host.root()->presentedViewController(), controller);
+  EXPECT_TRUE(
+      std::dynamic_pointer_cast<OXPresentationController>(controller->presentationController()));
+}
+
+TEST(Utilities, EachBrandOfCardHasItsImage) {
+  const std::vector<std::pair<std::optional<std::string>, std::string>> images{
+      {"orbis", "orbis100"},
+      {"visa", "visa100"},
+      {"amex", "america_express100"},
+      {"Visa", "other100"},
+      {std::nullopt, "other100"}};
+  for (const auto& [type, image] : images) {
+    EXPECT_EQ(OXUtil::imageForCardType(type), image) << type.value_or("(none)");
+  }
 }
 
 TEST(Utilities, OnlyALowScreenInLandscapeMovesTheView) {
