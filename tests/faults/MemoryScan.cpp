@@ -6,6 +6,7 @@
 #include <cstring>
 #include <fcntl.h>
 #include <fstream>
+#include <span>
 #include <sstream>
 #include <unistd.h>
 
@@ -17,7 +18,9 @@ namespace orlix::test {
 namespace {
 
 constexpr std::size_t kPiece = std::size_t{1} << 20U;
-constexpr std::size_t kOverlap = 128;  // longer than any needle
+/// Longer than any needle with its surroundings. What is found this near to a piece's end is read
+/// whole in the piece beside it.
+constexpr std::size_t kMargin = 512;
 
 struct Region {
   std::uintptr_t begin = 0;
@@ -57,10 +60,43 @@ class Piece {
   std::uint8_t* memory_;
 };
 
-bool standsAt(const std::uint8_t* at, const std::vector<std::uint8_t>& masked) {
+bool isAt(const std::uint8_t* at, const std::vector<std::uint8_t>& masked) {
   return std::equal(masked.begin(), masked.end(), at, [](std::uint8_t hidden, std::uint8_t byte) {
     return static_cast<std::uint8_t>(hidden ^ MemoryScan::kMask) == byte;
   });
+}
+
+/// Where the needle begins in the piece, from `first` up to `last`.
+std::vector<std::size_t> placesOf(const MemoryScan::Needle& needle,
+                                  std::span<const std::uint8_t> piece, std::size_t first,
+                                  std::size_t last) {
+  std::vector<std::size_t> places;
+  const std::size_t length = needle.masked.size();
+  const int head = needle.masked.front() ^ MemoryScan::kMask;
+  for (std::size_t at = first; at < last && at + length <= piece.size(); ++at) {
+    const std::size_t left = std::min(last, piece.size() - length + 1) - at;
+    const void* const look = std::memchr(piece.data() + at, head, left);
+    if (look == nullptr) {
+      break;
+    }
+    at = static_cast<std::size_t>(static_cast<const std::uint8_t*>(look) - piece.data());
+    if (isAt(piece.data() + at, needle.masked)) {
+      places.push_back(at);
+    }
+  }
+  return places;
+}
+
+bool isExempt(const MemoryScan::Needle& needle, std::span<const std::uint8_t> piece,
+              std::size_t offset) {
+  if (!needle.isExempt) {
+    return false;
+  }
+  constexpr std::size_t kSurroundings = 32;
+  const std::string_view all(reinterpret_cast<const char*>(piece.data()), piece.size());
+  const std::size_t begin = offset - std::min(offset, kSurroundings);
+  return needle.isExempt({all.substr(begin, offset - begin),
+                          all.substr(offset + needle.masked.size(), kSurroundings)});
 }
 
 }  // namespace
@@ -71,22 +107,16 @@ std::vector<std::string> MemoryScan::findings() const {
   Piece piece;
   const int memory = open("/proc/self/mem", O_RDONLY | O_CLOEXEC);
   for (const Region& region : regions) {
-    for (std::uintptr_t at = region.begin; at < region.end; at += kPiece - kOverlap) {
+    for (std::uintptr_t at = region.begin; at < region.end; at += kPiece - 2 * kMargin) {
       const ssize_t got =
           pread(memory, piece.data(), std::min(kPiece, region.end - at), static_cast<off_t>(at));
       const std::size_t size = got > 0 ? static_cast<std::size_t>(got) : 0;
+      const std::size_t first = at == region.begin ? 0 : kMargin;
+      const std::size_t last = size == kPiece ? size - kMargin : size;
       for (const Needle& needle : needles_) {
-        const std::size_t length = needle.masked.size();
-        const int first = needle.masked.front() ^ kMask;
-        std::uint8_t* const end = piece.data() + size;
-        for (std::uint8_t* look = piece.data();
-             static_cast<std::size_t>(end - look) >= length &&
-             (look = static_cast<std::uint8_t*>(
-                  std::memchr(look, first, static_cast<std::size_t>(end - look) - length + 1)));
-             ++look) {
-          if (standsAt(look, needle.masked)) {
-            found.push_back(fmt::format("{} at {:x} in {}", needle.name,
-                                        at + static_cast<std::size_t>(look - piece.data()),
+        for (const std::size_t offset : placesOf(needle, {piece.data(), size}, first, last)) {
+          if (!isExempt(needle, {piece.data(), size}, offset)) {
+            found.push_back(fmt::format("{} at {:x} in {}", needle.name, at + offset,
                                         region.name.empty() ? "anonymous" : region.name));
           }
         }
@@ -95,7 +125,6 @@ std::vector<std::string> MemoryScan::findings() const {
   }
   close(memory);
   std::sort(found.begin(), found.end());
-  found.erase(std::unique(found.begin(), found.end()), found.end());  // pieces overlap
   return found;
 }
 

@@ -3,6 +3,7 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -13,10 +14,18 @@ namespace orlix::test {
 /// static data. What it looks for it keeps masked, so that it never finds itself.
 class MemoryScan {
  public:
+  /// Where a sequence was found. What surrounds it has been read with it: other threads may
+  /// overwrite it at any time.
+  struct Place {
+    std::string_view before;  ///< a few bytes
+    std::string_view behind;
+  };
   /// A sequence to look for, given unit by unit so that it is never complete in memory.
   struct Needle {
     std::string name;
     std::vector<std::uint8_t> masked;
+    /// Places that are no findings. Empty: none.
+    std::function<bool(const Place&)> isExempt = {};
     void add(std::uint8_t byte) { masked.push_back(byte ^ kMask); }
   };
   static constexpr std::uint8_t kMask = 0xA5;

@@ -5,6 +5,7 @@
 #include <QClipboard>
 #include <QGuiApplication>
 #include <QInputMethodEvent>
+#include <functional>
 #include <sstream>
 
 #include <gmock/gmock.h>
@@ -49,13 +50,12 @@ const Masked kPan =
 const Masked kShownPan = mask("shown PAN", {'4', '1', '0', '0', ' ', '0', '0', '8', '0', ' ', '0',
                                             '0', '0', '0', ' ', '0', '1', '0', '8'});
 
-/// `behind`: what precedes it, which is part of the name.
-void lookFor(MemoryScan& scan, const Masked& secret, const std::string& behind = "") {
-  MemoryScan::Needle utf8{behind + secret.name + " in UTF-8", {}};
-  MemoryScan::Needle utf16{behind + secret.name + " in UTF-16", {}};
-  for (const char byte : behind) {
-    utf8.add(static_cast<std::uint8_t>(byte));
-  }
+using Exemption = std::function<bool(const MemoryScan::Place&)>;
+
+/// `isExempt`: of the copies in UTF-8.
+void lookFor(MemoryScan& scan, const Masked& secret, Exemption isExempt = {}) {
+  MemoryScan::Needle utf8{secret.name + " in UTF-8", {}, std::move(isExempt)};
+  MemoryScan::Needle utf16{secret.name + " in UTF-16", {}};
   for (std::size_t i = 0; i < secret.masked.size(); ++i) {
     const char32_t unit = secret.unit(i);
     const QString character = QString::fromUcs4(&unit, 1);
@@ -68,9 +68,7 @@ void lookFor(MemoryScan& scan, const Masked& secret, const std::string& behind =
     }
   }
   scan.lookFor(std::move(utf8));
-  if (behind.empty()) {
-    scan.lookFor(std::move(utf16));
-  }
+  scan.lookFor(std::move(utf16));
 }
 
 /// Keeps nothing of a line but the PaRes, and that masked.
@@ -213,24 +211,18 @@ void payOnIssuersPage(User& user, Way way, const MemoryScan&) {
             "page type #otp 123456", "page click #submit", "wait outcome orlixError 2"});
 }
 
-/// The web engine does its networking in this process. What it has sent and received stays in its
-/// memory, which only the engine can wipe: the pages (the last one only on threads of its own), and
-/// what was posted from one to the other.
-void expectOnlyTheEngines(const Masked& paRes) {
-  if (paRes.masked.empty()) {
-    return;  // the story is another
-  }
-  MemoryScan all;
-  lookFor(all, paRes);
-  MemoryScan engines;
-  for (const char* behind : {"handle(\"", "PaRes=", "value='", "value=\""}) {
-    lookFor(engines, paRes, behind);
-  }
-  const std::vector<std::string> found = engines.findings();
-  EXPECT_EQ(all.findings().size(), found.size()) << testing::PrintToString(all.findings());
-  for (const std::string& one : found) {
-    EXPECT_TRUE(!one.starts_with("handle") || one.ends_with("anonymous")) << one;
-  }
+/// The web engine does its networking in this process, and passes what a script returns to the main
+/// thread as a text of its own. It wipes neither when it releases them, and no other code can: so
+/// the issuer's pages, and the form posted from one to the other, are exempt. The engine may have
+/// overwritten what is on one side of the PaRes. A copy that the shell or the library makes of it
+/// alone, in a request or in UTF-16 is none of these.
+bool isTheEngines(const MemoryScan::Place& place) {
+  const bool isForm = place.before.ends_with("PaRes=") || place.behind.starts_with("&MD=");
+  const bool isAttribute = place.before.ends_with("value='") ||
+                           place.before.ends_with("value=\"") || place.behind.starts_with("'><") ||
+                           place.behind.starts_with("\"><");
+  const bool isScript = place.before.ends_with("handle(\"") || place.behind.starts_with("\");");
+  return isForm || isAttribute || isScript;
 }
 
 struct Story {
@@ -247,16 +239,16 @@ TEST_P(DrawnSecrets, LeaveNothingInMemoryOnceTheStoryHasEnded) {
   for (const Masked* secret : {&kPin, &kCvv, &kPan, &kShownPan}) {
     lookFor(scan, *secret);
   }
-  Masked paRes;
   {
     User user(server.address);
     story.tell(user, way, scan);
-    paRes = user.log->paRes;
+    const Masked& paRes = user.log->paRes;
+    if (!paRes.masked.empty()) {
+      lookFor(scan, paRes, isTheEngines);
+    }
     EXPECT_THAT(scan.findings(), testing::IsEmpty());
-    expectOnlyTheEngines(paRes);
   }
   EXPECT_THAT(scan.findings(), testing::IsEmpty());
-  expectOnlyTheEngines(paRes);
 }
 
 std::string nameOf(const testing::TestParamInfo<std::tuple<Story, Way>>& story) {
