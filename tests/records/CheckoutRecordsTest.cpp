@@ -38,13 +38,13 @@ TEST(CodeInfo, TakesEachFieldFromItsKeyAndFlagsThatAlone) {
 
 TEST(CodeInfo, FillsItsNestedRecords) {
   const auto info = parsed<MTCodeInfo>(
-      R"({"amountOptions":{"min":"1.00"},"extraInput":{"a":[1]},"vasAccountsList":{"vasAccounts":[
+      R"({"amountOptions":{"min":"1.00","max":"9.00","discountPercentage":"5"},"extraInput":{"a":[1]},"vasAccountsList":{"vasAccounts":[
           {"company":"c","name":"n","accountNumber":"1","detail":"d","billId":"b","amount":"2.00"},
           {"name":"second"}]}})");
-  EXPECT_EQ(info.amountOptions->min, "1.00");
-  EXPECT_TRUE(info.amountOptions->hasMin);
-  EXPECT_FALSE(info.amountOptions->hasMax || info.amountOptions->hasDiscountFixed ||
-               info.amountOptions->hasDiscountPercentage);
+  const MTAmountOptions& options = *info.amountOptions;
+  EXPECT_EQ(*options.min + *options.max + *options.discountPercentage, "1.009.005");
+  EXPECT_TRUE(options.hasMin && options.hasMax && options.hasDiscountPercentage);
+  EXPECT_FALSE(options.hasDiscountFixed);
   EXPECT_EQ(boost::json::serialize(*info.extraInput), R"({"a":[1]})");
   ASSERT_EQ(info.vasAccountsList->vasAccountsArray_Count, 2U);
   const MTVasAccount& first = info.vasAccountsList->vasAccountsArray[0];
