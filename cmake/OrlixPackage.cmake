@@ -107,6 +107,11 @@ orlix_public_headers(core-dev ${CMAKE_INSTALL_INCLUDEDIR} ${ports}
 install(FILES ${PROJECT_BINARY_DIR}/include/orlixkit/Version.h COMPONENT core-dev
   DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/orlixkit)
 
+set(documents ${CMAKE_INSTALL_DATADIR}/doc/liborlixkit-dev)
+install(FILES ${PROJECT_SOURCE_DIR}/docs/screens.md COMPONENT core-dev DESTINATION ${documents})
+install(DIRECTORY ${PROJECT_SOURCE_DIR}/docs/gallery COMPONENT core-dev DESTINATION ${documents}
+  FILES_MATCHING PATTERN console EXCLUDE PATTERN *-landscape.png EXCLUDE PATTERN *.png)
+
 # What a host's own tests link beside the library.
 orlix_package(orlixkit-testing Testing testing.map testing
   OBJECTS orlix_testing

@@ -16,8 +16,20 @@ namespace orlix {
 
 namespace {
 
+constexpr AlertText kAlertsOfAnyScreen[] = {
+    {"Connection problem", "Please check your network connection and try again.", "Cancel, Retry"},
+    {"Deregister", "Succesfully deregistered."},
+    {"Error", "The storyboard has no screen \"<identifier>\"."}};
+
+/// What the server has to say about this version of the library, when an entry call has no waiting
+/// screen; that one declares them too.
+constexpr AlertText kAlertsBeforeScreens[] = {{"Error", "<the server's message>"},
+                                              {"Warning", "<the server's message>"}};
+
 /// One line per floor that has screens.
 void fillStoryboard(Storyboard& storyboard) {
+  storyboard.alertsOfAnyScreen = kAlertsOfAnyScreen;
+  storyboard.alertsBeforeScreens = kAlertsBeforeScreens;
   addCheckoutScreens(storyboard);
   addSecureCodeScreens(storyboard);
   addOnboardingScreens(storyboard);

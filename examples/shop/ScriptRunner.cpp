@@ -33,6 +33,7 @@ void ScriptRunner::run(ScriptSource& source) {
     stage_.progress << fmt::format("shop: line {}: {}\n", line->number, line->words) << std::flush;
     try {
       std::visit([this](const auto& command) { run(command); }, line->action);
+      stage_.declarations.require();
     } catch (const std::exception& error) {
       throw LineError(line->number, error.what());
     }

@@ -8,6 +8,7 @@
 #include <ostream>
 #include <string>
 
+#include "examples/shop/DeclarationWatch.h"
 #include "examples/shop/EventLines.h"
 #include "examples/shop/Outcomes.h"
 #include "examples/shop/Script.h"
@@ -25,6 +26,7 @@ struct ScriptStage {
   EventLines& events;
   std::shared_ptr<Outcomes> outcomes;
   WalletVisit& visit;
+  const DeclarationWatch& declarations;
   Waiter& waiter;
   const WorkCount& work;
   std::ostream& progress;  ///< progress messages: each command as it begins, and long waits

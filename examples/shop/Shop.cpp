@@ -5,6 +5,7 @@
 #include <fmt/format.h>
 
 #include "examples/shop/HeadlessDriver.h"
+#include "examples/shop/ScreenList.h"
 #include "examples/shop/ScriptRunner.h"
 #include "orlixkit/OrlixKit.h"
 #include "orlixkit/posix/PosixPorts.h"
@@ -46,7 +47,7 @@ Shop::Shop(ShopOptions options, const Ports& ports, std::ostream& out, std::ostr
       progress_(progress),
       reporter_(events_),
       visit_(events_, hostScreen_),
-      observers_({&reporter_, &visit_}),
+      observers_({&reporter_, &visit_, &declarations_}),
       outcomes_(std::make_shared<Outcomes>(events_)) {
   outcomes_->onOutcome = [this](const Outcome& outcome) { visit_.ended(outcome); };
   installOrlixKit(std::make_shared<Host>(WorkCount::count(ports, work_),
@@ -65,8 +66,11 @@ Shop::~Shop() {
 
 void Shop::drawnBy(UiObserver* drawing) {
   // Draw before reporting.
-  observers_.set(drawing != nullptr ? std::vector<UiObserver*>{drawing, &reporter_, &visit_}
-                                    : std::vector<UiObserver*>{&reporter_, &visit_});
+  std::vector<UiObserver*> all{&reporter_, &visit_, &declarations_};
+  if (drawing != nullptr) {
+    all.insert(all.begin(), drawing);
+  }
+  observers_.set(std::move(all));
 }
 
 void Shop::run(ScriptSource& script, ShopDriver& driver) {
@@ -74,6 +78,7 @@ void Shop::run(ScriptSource& script, ShopDriver& driver) {
                 .events = events_,
                 .outcomes = outcomes_,
                 .visit = visit_,
+                .declarations = declarations_,
                 .waiter = waiter_,
                 .work = *work_,
                 .progress = progress_,
@@ -88,6 +93,10 @@ int runShop(const std::vector<std::string>& arguments, std::ostream& out, std::o
     const ShopOptions options = parseOptions(arguments);
     if (options.help) {
       out << usage();
+      return kHeld;
+    }
+    if (options.listScreens) {
+      out << screenList() << '\n';
       return kHeld;
     }
     if (options.headless) {

@@ -9,6 +9,7 @@
 #include <string>
 #include <vector>
 
+#include "examples/shop/DeclarationWatch.h"
 #include "examples/shop/EventLines.h"
 #include "examples/shop/Outcomes.h"
 #include "examples/shop/ScreenReporter.h"
@@ -55,6 +56,7 @@ class Shop {
   std::shared_ptr<ViewController> hostScreen_ = std::make_shared<ViewController>();
   ScreenReporter reporter_;
   WalletVisit visit_;
+  DeclarationWatch declarations_;
   UiObservers observers_;
   std::shared_ptr<Outcomes> outcomes_;
 };

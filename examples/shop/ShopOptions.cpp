@@ -11,6 +11,9 @@ namespace orlix::shop {
 
 namespace {
 
+/// The command line asks for the list of screens: nothing else that it says counts.
+struct ScreenListAsked {};
+
 /// The address without trailing slashes. It names a host, and says nothing but https.
 std::string httpsAddress(const std::string& option, std::string address) {
   constexpr std::string_view kScheme = "https://";
@@ -133,8 +136,17 @@ void addOperation(CLI::App& app, ShopOptions& options) {
   }
 }
 
+/// Like --help, it needs nothing that a run needs.
+void addList(CLI::App& app) {
+  app.add_flag_callback(
+         "--list-screens", [] { throw ScreenListAsked(); },
+         "print the library's screens in JSON: outlets, actions, segues, alerts")
+      ->trigger_on_parse();
+}
+
 std::unique_ptr<CLI::App> parserFor(ShopOptions& options) {
   auto app = std::make_unique<CLI::App>("A shop that pays with the wallet.", "orlix-shop");
+  addList(*app);
   addHost(*app, options);
   addOperation(*app, options);
   app->footer(
@@ -158,6 +170,9 @@ ShopOptions parseOptions(const std::vector<std::string>& arguments) {
     app->parse(std::vector<std::string>(arguments.rbegin(), arguments.rend()));
   } catch (const CLI::CallForHelp&) {
     options.help = true;
+    return options;
+  } catch (const ScreenListAsked&) {
+    options.listScreens = true;
     return options;
   } catch (const CLI::ParseError& error) {
     throw UsageError(error.what());

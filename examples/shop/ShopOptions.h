@@ -31,6 +31,7 @@ struct ShopOptions {
   std::pair<int, int> window{375, 667};   ///< width and height in points
   std::optional<std::string> messages{};  ///< file or pipe with lines to show beside the window
   bool help = false;
+  bool listScreens = false;  ///< print what the library's screens consist of, and end
 };
 
 /// The arguments without the program's name. Throws UsageError.

@@ -20,8 +20,6 @@ constexpr Color kCardArea{116.0 / 255, 116.0 / 255, 116.0 / 255, 1};
 constexpr std::size_t kShortestPin = 4;
 const std::string kDefaultTitle = "PROCEED";
 
-void warn(const std::string& message) { OXUtil::showAlertWithTitle("Warning", message); }
-
 }  // namespace
 
 OXProductViewController::OXProductViewController()
@@ -32,6 +30,17 @@ OXProductViewController::OXProductViewController()
   action("cardAction", [this](OXSession& current) { cardAction(current); });
   proceedButton_->onTouchUpInside = [this] { performAction("proceedAction"); };
   cardView_->onTap = [this] { performAction("cardAction"); };
+  static constexpr AlertText kAlerts[] = {{"Warning", "Enter a valid amount"},
+                                          {"Warning", "Enter a valid CVV"},
+                                          {"Warning", "Enter ATM PIN"}};
+  static constexpr const char* kSegues[] = {"AddCard"};
+  static constexpr HidingRule kHiding[] = {
+      {"amountView", "the user gives the amount"},
+      {"amountGroupView", "the code fixes the amount"},
+      {"cvvGroupView", "there is no card, or it needs no CVV or must be unlocked first"},
+      {"pinGroupView", "there is no card, or it pays without PIN or must be unlocked first"},
+      {"testWarningLabel", "the payment is on the live system"}};
+  declare({.alerts = kAlerts, .segues = kSegues, .hiding = kHiding});
 }
 
 void OXProductViewController::giveDefaults() {

@@ -11,6 +11,7 @@ namespace orlix {
 /// The screen shown while the session is opened.
 class OXWaitingViewController : public ViewController {
  public:
+  OXWaitingViewController();
   void viewDidLoad() override;
   void viewDidAppear() override;
   bool shouldAutorotate() const override { return false; }

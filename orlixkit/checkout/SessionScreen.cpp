@@ -42,6 +42,12 @@ bool SessionScreen::hideProgress() {
   return isLive();
 }
 
+void SessionScreen::warn(const std::string& message) {
+  if (isInUse()) {
+    OXUtil::showAlertWithTitle("Warning", message);
+  }
+}
+
 void SessionScreen::offerRetry(const std::string& kind, Task retry) {
   const auto self = std::static_pointer_cast<SessionScreen>(shared_from_this());
   ConnectionAlert alert;

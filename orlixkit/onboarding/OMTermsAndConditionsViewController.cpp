@@ -26,6 +26,8 @@ OMTermsAndConditionsViewController::OMTermsAndConditionsViewController()
   // When the page cannot be loaded, the indicator stays shown; the user can still go back.
   keepReachableUnderMask({"backButton", "backAction"});
   action("backAction", [this] { backAction(); });
+  static constexpr AlertText kAlerts[] = {{"Error", "<why the page could not be loaded>"}};
+  declare({.alerts = kAlerts});
 }
 
 void OMTermsAndConditionsViewController::viewDidLoad() {

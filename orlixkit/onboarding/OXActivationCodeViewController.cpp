@@ -26,6 +26,10 @@ OXActivationCodeViewController::OXActivationCodeViewController()
     log("Done Clicked.");
     codeField_->endEditing();
   });
+  static constexpr AlertText kAlerts[] = {{"Warning", "Invalid activation code."},
+                                          {"Warning", "Could not activate."}};
+  static constexpr const char* kSegues[] = {"Product"};
+  declare({.alerts = kAlerts, .segues = kSegues});
 }
 
 void OXActivationCodeViewController::viewDidLoad() {
@@ -59,11 +63,11 @@ void OXActivationCodeViewController::answered(std::int32_t status) {
     return;
   }
   if (status == 1) {
-    OXUtil::showAlertWithTitle("Warning", "Invalid activation code.");
+    warn("Invalid activation code.");
     return;
   }
   if (status == 3) {
-    OXUtil::showAlertWithTitle("Warning", "Could not activate.");
+    warn("Could not activate.");
     return;
   }
   // Any other status is a success: only the two known refusals keep the user on this screen.

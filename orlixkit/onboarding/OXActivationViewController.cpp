@@ -27,6 +27,8 @@ OXActivationViewController::OXActivationViewController()
       descriptionLabel_(outlet<Label>("descriptionLabel")),
       proceedButton_(button("proceedButton", "PROCEED", "proceedAction")),
       cancelButton_(button("cancelButton", "CANCEL", "cancelAction")) {
+  countryCodeField_->setText("27");
+  showTermsSentence(*descriptionLabel_, kTermsSentence);
   msisdnField_->setPlaceholder("Mobile number");
   msisdnField_->setKeyboard(Keyboard::phonePad);
   action("proceedAction", [this] { sendMsisdn(); });
@@ -37,6 +39,12 @@ OXActivationViewController::OXActivationViewController()
     msisdnField_->endEditing();
   });
   descriptionLabel_->onTap = [this] { performAction("descriptionTapped"); };
+  static constexpr AlertText kAlerts[] = {{"Warning", "Invalid msisdn number, too short."},
+                                          {"Warning", "Invalid msisdn number, too long."},
+                                          {"Warning", "Invalid mobile number."},
+                                          {"Warning", "Could not send msisdn."}};
+  static constexpr const char* kSegues[] = {"CountryCode", "TermsAndConditions", "ActivationCode"};
+  declare({.alerts = kAlerts, .segues = kSegues});
 }
 
 OXActivationViewController::~OXActivationViewController() {
@@ -50,8 +58,6 @@ std::shared_ptr<OXActivationViewController> OXActivationViewController::self() {
 void OXActivationViewController::viewDidLoad() {
   OrlixViewController::viewDidLoad();
   applyOnboardingLook(*this);
-  countryCodeField_->setText("27");
-  showTermsSentence(*descriptionLabel_, kTermsSentence);
   msisdnField_->setToolbarButton("Done");
   countryCodeField_->setDelegate(this);
   const std::string number = session()->preMSISDN.value_or("");
@@ -132,7 +138,7 @@ void OXActivationViewController::answered(const MTSmsResponse& response) {
     return;
   }
   if (response.status != SmsResponseStatus::success) {
-    OXUtil::showAlertWithTitle("Warning", "Could not send msisdn.");
+    warn("Could not send msisdn.");
     return;
   }
   performSegue("ActivationCode");

@@ -41,6 +41,17 @@ OXAddCardViewController::OXAddCardViewController()
   cardAccountField_->setPlaceholder("Select an account");
   action("proceedAction", [this] { proceedAction(); });
   action("cancelAction", cancelAction);
+  static constexpr AlertText kAlerts[] = {
+      {"Warning", "Invalid card number"},
+      {"Warning", "Invalid card holder name"},
+      {"Warning", "This bank card is not supported"},
+      {"Warning", "Invalid expiry date"},
+      {"Warning", "Enter a valid date of birth DD/MM/YYYY"},
+      {"Warning", "Please select an account."},
+      {"Warning", "There seems to be some problem adding this card"}};
+  static constexpr HidingRule kHiding[] = {
+      {"cardAccountGroupView", "the card's issuer has not asked for an account"}};
+  declare({.alerts = kAlerts, .hiding = kHiding});
 }
 
 std::shared_ptr<OXAddCardViewController> OXAddCardViewController::self() {
@@ -74,10 +85,6 @@ bool OXAddCardViewController::isValidExpiryDate(std::string_view monthAndYear) {
 
 bool OXAddCardViewController::isValidDateOfBirth(std::string_view dateOfBirth) {
   return lengthOf(dateOfBirth) == 10;
-}
-
-void OXAddCardViewController::warn(const std::string& message) {
-  OXUtil::showAlertWithTitle("Warning", message);
 }
 
 /// Ends the request and keeps the form.

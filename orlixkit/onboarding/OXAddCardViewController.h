@@ -53,7 +53,6 @@ class OXAddCardViewController : public OrlixViewController {
   bool takeDateOfBirth(CardInfoResponse& card);
   bool takeAccount(CardInfoResponse& card);
   void answered(const MTCardResponse& response, const std::shared_ptr<CardInfoResponse>& card);
-  void warn(const std::string& message);
   void refuse(const std::string& message);
   std::shared_ptr<OXAddCardViewController> self();
 

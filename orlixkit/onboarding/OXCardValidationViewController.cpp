@@ -22,6 +22,12 @@ OXCardValidationViewController::OXCardValidationViewController()
   dateOfBirthField_->setPlaceholder("DD/MM/YYYY");
   action("proceedAction", [this] { proceedAction(); });
   action("cancelAction", [](OXSession& current) { current.showPurchaseScreen(); });
+  static constexpr AlertText kAlerts[] = {
+      {"Warning", "Enter a valid date of birth DD/MM/YYY"},
+      {"Warning", "YOUR DATE OF BIRTH WAS NOT CORRECT. YOUR CARD HAS BEEN REMOVED.", "Cancel"}};
+  static constexpr HidingRule kHiding[] = {
+      {"dobGroupView", "the card is unlocked without a date of birth"}};
+  declare({.alerts = kAlerts, .hiding = kHiding});
 }
 
 void OXCardValidationViewController::viewDidLoad() {
@@ -48,7 +54,7 @@ void OXCardValidationViewController::proceedAction() {
   const std::optional<std::string> dateOfBirth = formatDobForBackend(dateOfBirthField_->text());
   if (!dateOfBirth) {
     // Three Y's: kept, since manuals of host applications quote the sentence.
-    OXUtil::showAlertWithTitle("Warning", "Enter a valid date of birth DD/MM/YYY");
+    warn("Enter a valid date of birth DD/MM/YYY");
     return;
   }
   unlockCardWithDateOfBirth(*dateOfBirth);
@@ -82,6 +88,10 @@ void OXCardValidationViewController::answered(const MTCardValidateResponse& resp
   if (response.message == "Your card has been added") {
     OXOrlix::loadCodeInfo(nullptr);
     session()->showPurchaseScreen();
+    return;
+  }
+  if (!isInUse()) {  // left meanwhile: only the list of cards is brought up to date
+    OXOrlix::reloadData();
     return;
   }
   const auto alert = std::make_shared<AlertController>(

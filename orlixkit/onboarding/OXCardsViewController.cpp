@@ -18,6 +18,9 @@ OXCardsViewController::OXCardsViewController()
   tableView_->setDataSource(this);
   action("addCardAction", [](OXSession& current) { current.showAddCardScreen(); });
   action("cancelAction", showScreen);
+  static constexpr AlertText kAlerts[] = {
+      {"Delete Card", "Are you sure you wish to discard this card?", "Cancel, Delete"}};
+  declare({.alerts = kAlerts});
 }
 
 OXCardsViewController::~OXCardsViewController() { tableView_->setDataSource(nullptr); }

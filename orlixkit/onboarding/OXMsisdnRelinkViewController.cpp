@@ -19,6 +19,10 @@ OXMsisdnRelinkViewController::OXMsisdnRelinkViewController()
   msisdnField_->setKeyboard(Keyboard::phonePad);
   action("proceedAction", [this] { proceedAction(); });
   action("back", [](OXSession& current) { current.showAddCardScreen(); });
+  static constexpr AlertText kAlerts[] = {
+      {"Warning", "It seems this mobile number is incorrect"},
+      {"Warning", "There seems to be some problem adding this card"}};
+  declare({.alerts = kAlerts});
 }
 
 void OXMsisdnRelinkViewController::viewDidLoad() {
@@ -55,9 +59,9 @@ void OXMsisdnRelinkViewController::answered(const MTCardResponse& response) {
     // first.)
     cardLinked(*session(), response, [](const auto& cards) { return cards.back(); });
   } else if (response.status == CardResponseStatus::failed) {
-    OXUtil::showAlertWithTitle("Warning", "It seems this mobile number is incorrect");
+    warn("It seems this mobile number is incorrect");
   } else if (response.status == CardResponseStatus::relink) {
-    OXUtil::showAlertWithTitle("Warning", "There seems to be some problem adding this card");
+    warn("There seems to be some problem adding this card");
   }
 }
 

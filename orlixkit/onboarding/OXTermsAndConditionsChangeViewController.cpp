@@ -22,16 +22,18 @@ OXTermsAndConditionsChangeViewController::OXTermsAndConditionsChangeViewControll
     : descriptionLabel_(outlet<Label>("descriptionLabel")),
       proceedButton_(button("proceedButton", "PROCEED", "proceedAction")),
       declineButton_(button("declineButton", "DECLINE", "declineAction")) {
+  showTermsSentence(*descriptionLabel_, kNewTermsSentence);
   action("proceedAction", proceedAction);
   action("declineAction", [](OXSession& current) { current.returnUserDidCancel(); });
   action("descriptionTapped", [this] { performSegue("TermsAndConditions"); });
   descriptionLabel_->onTap = [this] { performAction("descriptionTapped"); };
+  static constexpr const char* kSegues[] = {"TermsAndConditions"};
+  declare({.segues = kSegues});
 }
 
 void OXTermsAndConditionsChangeViewController::viewDidLoad() {
   OrlixViewController::viewDidLoad();
   applyOnboardingLook(*this);
-  showTermsSentence(*descriptionLabel_, kNewTermsSentence);
 }
 
 void OXTermsAndConditionsChangeViewController::prepareForSegue(

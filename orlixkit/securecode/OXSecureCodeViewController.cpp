@@ -28,6 +28,11 @@ OXSecureCodeViewController::OXSecureCodeViewController()
       cancelButton_(button("cancelButton", "CANCEL", "cancelButton")) {
   action("cancelButton", [this] { cancelTransaction(); });
   action("cancelAction", [this] { cancelTransaction(); });
+  static constexpr AlertText kAlerts[] = {
+      {"Warning", "An error occured. <the server's reason>"},
+      {"Warning", "The issuer sent no page."},
+      {"Warning", "This device cannot show the page of the card's issuer."}};
+  declare({.alerts = kAlerts});
 }
 
 std::shared_ptr<OXSecureCodeViewController> OXSecureCodeViewController::self() {

@@ -5,6 +5,7 @@
 #include <functional>
 #include <map>
 #include <memory>
+#include <span>
 #include <string>
 
 #include "orlixkit/ui/ViewController.h"
@@ -27,6 +28,13 @@ class Storyboard {
   /// A new screen that carries the identifier, as does the one inside it when it is a container.
   /// None for an unknown identifier, which is logged and passed to `onMissing`.
   std::shared_ptr<ViewController> make(const std::string& identifier) const;
+
+  const std::map<std::string, Maker>& makers() const { return makers_; }
+
+  /// Alerts that do not belong to a screen: they come over whichever is shown, the host's included.
+  std::span<const AlertText> alertsOfAnyScreen;
+  /// Alerts over the host's own screen, while none of these is shown.
+  std::span<const AlertText> alertsBeforeScreens;
 
   /// Hears the sentence to show to the user when a screen is missing.
   std::function<void(const std::string& message)> onMissing;

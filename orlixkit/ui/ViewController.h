@@ -10,6 +10,7 @@
 #include <vector>
 
 #include "orlixkit/ports/Bytes.h"
+#include "orlixkit/ui/ScreenDeclaration.h"
 #include "orlixkit/ui/View.h"
 
 namespace orlix {
@@ -76,6 +77,8 @@ class ViewController : public std::enable_shared_from_this<ViewController> {
   /// True for the outlets and actions that can be touched although the progress indicator holds
   /// touches back: the way out of something that may never come.
   bool isReachableUnderMask(const std::string& name) const { return underMask_.contains(name); }
+  /// Its alerts and segues, and when its outlets are hidden.
+  const ScreenDeclaration& declaration() const { return declaration_; }
   /// Throws std::out_of_range for an unknown name.
   void performAction(const std::string& name);
 
@@ -138,6 +141,7 @@ class ViewController : public std::enable_shared_from_this<ViewController> {
   template <class T>
   std::shared_ptr<T> outlet(const std::string& name, const std::shared_ptr<View>& inside);
   void action(const std::string& name, Task operation);
+  void declare(const ScreenDeclaration& declaration) { declaration_ = declaration; }
   void keepReachableUnderMask(std::set<std::string> names) { underMask_ = std::move(names); }
 
   virtual bool mayBePresented() const { return true; }
@@ -172,6 +176,7 @@ class ViewController : public std::enable_shared_from_this<ViewController> {
   std::vector<std::string> actionNames_;
   std::map<std::string, Task> actions_;
   std::set<std::string> underMask_;
+  ScreenDeclaration declaration_;
 
   std::weak_ptr<Application> application_;
   std::weak_ptr<ModalPresentation> presentation_;  ///< this one's own

@@ -13,6 +13,7 @@
 
 #include "orlixkit/OrlixKit.h"
 #include "orlixkit/checkout/OXSession.h"
+#include "orlixkit/testing/DeclarationCheck.h"
 #include "orlixkit/testing/MemoryHost.h"
 #include "tests/phone/HostApp.h"
 #include "tests/phone/TroubledPorts.h"
@@ -189,6 +190,7 @@ class Walk : private UiObserver {
   void checkScreens();
   void checkContent(const ViewController& shown);
   void checkIndicator();
+  void checkDeclared(const Controller& appearing);
   void checkAlerts();
   void checkPlaceOf(const std::shared_ptr<AlertController>& alert);
   void checkWayOut();
@@ -230,6 +232,7 @@ class Walk : private UiObserver {
   std::vector<Offer> offers_;
   const std::string* only_ = nullptr;  ///< name of the one that is looked for
   std::vector<std::function<void()>> questions_;
+  DeclarationCheck declarations_;
   std::vector<std::weak_ptr<ViewController>> former_;  ///< of replaced flows: to stay away
   std::map<std::string, std::weak_ptr<ViewController>> lastScreens_;
   std::vector<std::weak_ptr<void>> mustExpire_;

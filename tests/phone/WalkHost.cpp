@@ -304,6 +304,7 @@ void Walk::didPresent(const Controller& controller) {
   if (hasFlow() && controller->identifier() == "Product") {
     current().sawProduct = true;
   }
+  checkDeclared(controller);
   runHook("present");
 }
 
@@ -311,7 +312,10 @@ void Walk::didDismiss(const Controller&) { runHook("dismiss"); }
 
 void Walk::progressChanged(const ProgressIndicator&) { runHook("progress"); }
 
-bool Walk::animate(const Controller& controller, Transition, const Task& done) {
+bool Walk::animate(const Controller& controller, Transition transition, const Task& done) {
+  if (transition == Transition::presentation) {
+    checkDeclared(controller);  // what the host does now may replace the screen below
+  }
   runHook("animate");
   if (animationsToHold_ == 0) {
     return false;

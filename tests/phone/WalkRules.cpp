@@ -329,6 +329,9 @@ void Walk::checkScreens() {
   }
   if (shown) {
     checkContent(*shown);
+    if (const std::string found = DeclarationCheck::undeclaredHiding(*shown); !found.empty()) {
+      breakRule("(j) " + found);
+    }
   }
   for (const Controller& root : roots()) {
     if (live() && root != current().controller && !top(root)->identifier().empty()) {
@@ -383,6 +386,12 @@ void Walk::checkPlaceOf(const std::shared_ptr<AlertController>& alert) {
   const std::vector<Controller> flows = chain(current().controller);
   if (std::find(flows.begin(), flows.end(), alert) == flows.end()) {
     breakRule("(h) an alert is shown elsewhere than on the flow's screen");
+  }
+}
+
+void Walk::checkDeclared(const Controller& appearing) {
+  if (const std::string found = declarations_.complaintAbout(appearing); !found.empty()) {
+    breakRule("(j) " + found);
   }
 }
 

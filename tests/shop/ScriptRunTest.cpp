@@ -39,6 +39,12 @@ class ToyScreen : public ViewController, public TextFieldDelegate, public TableV
       alert->addAction({"Ok", AlertActionStyle::cancel, [this] { did.emplace_back("ok"); }});
       present(alert, true);
     });
+    action("strayAlertAction",
+           [this] { present(std::make_shared<AlertController>("Warning", "Unannounced"), true); });
+    action("hideAction", [this] { label->setHidden(true); });
+    static constexpr AlertText kAlerts[] = {{"Warning", "Careful"}};
+    static constexpr HidingRule kHiding[] = {{"hiddenGroup", "always"}};
+    declare({.alerts = kAlerts, .hiding = kHiding});
   }
 
   bool textFieldShouldBeginEditing(TextField& touched) override {
@@ -128,6 +134,16 @@ TEST_F(ScriptRun, WhatNoFingerCouldDoIsRefusedWithTheReason) {
     EXPECT_THAT(shop.run(script), HasSubstr(reason)) << script;
   }
   EXPECT_THAT(toy->did, testing::ElementsAre("ok"));
+}
+
+TEST_F(ScriptRun, FailsOnAnOutletThatIsHiddenWithoutADeclaration) {
+  EXPECT_EQ(shop.run("tap button\ntap hideAction"),
+            "line 2: label of the screen \"Toy\" is hidden, and it is not declared when");
+}
+
+TEST_F(ScriptRun, FailsOnAnAlertThatItsScreenHasNotDeclared) {
+  EXPECT_EQ(shop.run("tap strayAlertAction\nwait alert Warning\ndump"),
+            "line 2: the alert \"Warning: Unannounced\" () is not declared by the screen \"Toy\"");
 }
 
 TEST_F(ScriptRun, ASecureFieldIsComparedButNeverPrinted) {

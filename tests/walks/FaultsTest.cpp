@@ -78,6 +78,14 @@ const std::map<std::string, std::string> kOrders{
     {"TheAlertOfALeftForm",
      kToForm +
          "bin: ok, link: relink, MsisdnRelink.proceedAction, MsisdnRelink.back, link: failed"},
+    {"AWarningOfAFormThatIsLeftWhileItsIndicatorFades",
+     kToForm + "bin: ok, at animate: cancel, link: failed"},
+    {"AWarningOfARelinkThatIsLeftWhileItsIndicatorFades",
+     kToForm +
+         "bin: ok, link: relink, MsisdnRelink.proceedAction, at animate: cancel, link: failed"},
+    {"AWarningOfAValidationThatIsLeftWhileItsIndicatorFades",
+     kToPayment + "Product.cardAction, Cards.row 4, Product.proceedAction, "
+                  "CardValidation.proceedAction, at animate: cancel, confirm: failed"},
     {"ALateDeletionDuringAForm", kToDelete + "Cards.addCardAction, delete: ok, lookup: ok"},
     {"TwoAlertsDuringOneFade",
      kToDelete + "Cards.row 0, Product.proceedAction, hold the next animation, delete: lost, "
