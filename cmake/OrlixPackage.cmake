@@ -33,6 +33,8 @@ function(orlix_package name alias map component)
     add_library(${name} SHARED ${objects})
     target_link_options(${name} PRIVATE
       -Wl,--version-script=${package_files}/${map} -Wl,--no-undefined -Wl,--gc-sections ${packed_relocations})
+    # A program may link this one alone: it finds the library's others beside it. Not in Debian's folder.
+    set_target_properties(${name} PROPERTIES INSTALL_RPATH $ORIGIN)
   else()
     add_library(${name} STATIC ${objects})
   endif()
@@ -140,6 +142,9 @@ if(TARGET orlix_shell AND ORLIXKIT_SHARED)
   # "shell" is too common a name to stand in a system's include folder.
   set(below ${CMAKE_INSTALL_INCLUDEDIR}/orlixkit-shell)
   orlix_public_headers(shell-dev ${below} shell/OrlixShell.h)
+  # The QML module's types are in the library; this is for editors and qmllint.
+  install(DIRECTORY ${PROJECT_BINARY_DIR}/qml/OrlixKit COMPONENT shell-dev
+    DESTINATION ${CMAKE_INSTALL_LIBDIR}/qt6/qml FILES_MATCHING PATTERN qmldir PATTERN *.qmltypes)
   target_include_directories(orlixkit-shell INTERFACE $<INSTALL_INTERFACE:${below}>)
 endif()
 # For the programs as well, which contain the shell.

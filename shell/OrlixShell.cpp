@@ -8,9 +8,17 @@
 #include "shell/ScreenPresenter.h"
 #include "shell/WebEngineLoader.h"
 
+/// Made by Qt's build tools: registers the types of the QML module.
+void qml_register_types_OrlixKit();
+
 namespace orlix::shell {
 
-void OrlixShell::initialize(const std::filesystem::path& webEngine) { loadWebEngine(webEngine); }
+void OrlixShell::initialize(const std::filesystem::path& webEngine) {
+  // From a static library the linker takes the types' registration only when something refers to
+  // it.
+  [[maybe_unused]] static void (*volatile const kept)() = &qml_register_types_OrlixKit;
+  loadWebEngine(webEngine);
+}
 
 OrlixShell::OrlixShell(QQmlEngine& engine, QQuickWindow& window, PosixOptions options,
                        Deployment deployment) {

@@ -148,6 +148,7 @@ void ScreenPresenter::didDismiss(const std::shared_ptr<ViewController>& controll
   }
   drawn_.erase(found);
   stackChanged();
+  Q_EMIT dismissed(controller);
   if (drawn_.empty()) {
     Q_EMIT emptied();
   }

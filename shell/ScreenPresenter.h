@@ -49,6 +49,8 @@ class ScreenPresenter : public QObject, public UiObserver {
   QQuickWindow& window() const { return window_; }
 
  Q_SIGNALS:
+  /// It is no longer drawn.
+  void dismissed(const std::shared_ptr<orlix::ViewController>& controller);
   /// The library draws nothing any more; it may be between two screens.
   void emptied();
 

@@ -23,18 +23,27 @@ struct Outcome : orlix::OXOrlixDelegate {
     end("Paid. Reference " + reference);
   }
   void orlixPaymentFailedWithTransactionReference(const std::string& reference) override {
-    end("Not paid. Reference " + reference);
+    endUnpaid("Not paid. Reference " + reference);
   }
-  void orlixError(int code) override { end("Not paid: error " + std::to_string(code)); }
-  void orlixUserDidCancel() override { end("Cancelled"); }
+  void orlixError(int code) override { endUnpaid("Not paid: error " + std::to_string(code)); }
+  void orlixUserDidCancel() override { endUnpaid("Cancelled"); }
   void orlixUserRegistered() override { end("Registered"); }
   void orlixUserCompletedWallet() override { end("Wallet closed"); }
   void orlixInvalidCode() override { end("Invalid code"); }
 
+  /// After Cancel, an error or a failed payment something may have been taken all the same.
+  void endUnpaid(const std::string& text) {
+    const orlix::PurchaseStatus purchase = facade->purchaseStatus();
+    const bool unknown = purchase.state == orlix::PurchaseState::unknown;
+    end(!unknown ? text
+                 : "It is not known yet whether this was paid. Ask about " +
+                       purchase.reference.value_or("the code"));
+  }
   void end(const std::string& text) {
     std::cout << text << '\n';
     over = true;
   }
+  std::shared_ptr<orlix::OXOrlix> facade = orlix::OXOrlix::make();
   bool over = false;
 };
 
@@ -73,12 +82,11 @@ void pay(const std::string& base, const std::string& anchor, const std::string& 
   orlix::Host::current().application().setObserver(&terminal);
 
   const auto outcome = std::make_shared<Outcome>();
-  const auto facade = orlix::OXOrlix::make();
-  facade->checkout({.code = code,
-                    .apiKey = "minimal-key",
-                    .system = orlix::kTestSystem,
-                    .controller = window,
-                    .delegate = outcome});
+  outcome->facade->checkout({.code = code,
+                             .apiKey = "minimal-key",
+                             .system = orlix::kTestSystem,
+                             .controller = window,
+                             .delegate = outcome});
   orlix::Host::current().ports().mainQueue->runUntil([&] { return outcome->over; });
   orlix::Host::uninstall();
 }

@@ -21,18 +21,27 @@ struct Outcome : orlix::OXOrlixDelegate {
     end("Paid. Reference " + reference);
   }
   void orlixPaymentFailedWithTransactionReference(const std::string& reference) override {
-    end("Not paid. Reference " + reference);
+    endUnpaid("Not paid. Reference " + reference);
   }
-  void orlixError(int code) override { end("Not paid: error " + std::to_string(code)); }
-  void orlixUserDidCancel() override { end("Cancelled"); }
+  void orlixError(int code) override { endUnpaid("Not paid: error " + std::to_string(code)); }
+  void orlixUserDidCancel() override { endUnpaid("Cancelled"); }
   void orlixUserRegistered() override { end("Registered"); }
   void orlixUserCompletedWallet() override { end("Wallet closed"); }
   void orlixInvalidCode() override { end("Invalid code"); }
 
+  /// After Cancel, an error or a failed payment something may have been taken all the same.
+  void endUnpaid(const std::string& text) {
+    const orlix::PurchaseStatus purchase = facade->purchaseStatus();
+    const bool unknown = purchase.state == orlix::PurchaseState::unknown;
+    end(!unknown ? text
+                 : "It is not known yet whether this was paid. Ask about " +
+                       purchase.reference.value_or("the code"));
+  }
   static void end(const std::string& text) {
     std::cout << text << std::endl;
     QCoreApplication::quit();
   }
+  std::shared_ptr<orlix::OXOrlix> facade = orlix::OXOrlix::make();
 };
 
 int pay(const std::string& base, const std::string& anchor, const std::string& code) {
@@ -49,12 +58,11 @@ int pay(const std::string& base, const std::string& anchor, const std::string& c
   const orlix::shell::OrlixShell shell(engine, window, options, {base, base, ""});
 
   const auto outcome = std::make_shared<Outcome>();
-  const auto facade = orlix::OXOrlix::make();
-  facade->checkout({.code = code,
-                    .apiKey = "qt-host-key",
-                    .system = orlix::kTestSystem,
-                    .controller = shell.hostScreen(),
-                    .delegate = outcome});
+  outcome->facade->checkout({.code = code,
+                             .apiKey = "qt-host-key",
+                             .system = orlix::kTestSystem,
+                             .controller = shell.hostScreen(),
+                             .delegate = outcome});
   return QGuiApplication::exec();
 }
 
