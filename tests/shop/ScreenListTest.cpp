@@ -11,6 +11,7 @@
 #include "examples/shop/Shop.h"
 #include "orlixkit/OrlixKit.h"
 #include "orlixkit/testing/MemoryHost.h"
+#include "orlixkit/ui/Touch.h"
 
 namespace orlix::shop {
 namespace {
@@ -77,17 +78,23 @@ TEST(ScreenList, HasEveryScreenWithSeguesAndAlertsAndTheOnesInsideAContainer) {
             json::value("Cancel, Retry"));
 }
 
-TEST(ScreenDeclarations, NameOutletsAndScreensThatAreThere) {
+TEST(ScreenDeclarations, NameOutletsActionsAndScreensThatAreThere) {
   MemoryHost phone({.install = installOrlixKit});
   const Storyboard& storyboard = phone.application().storyboard();
   for (const auto& [identifier, maker] : storyboard.makers()) {
     const std::shared_ptr<ViewController> made = storyboard.make(identifier);
-    const ViewController& screen = made->visibleChild() ? *made->visibleChild() : *made;
-    for (const HidingRule& rule : screen.declaration().hiding) {
-      EXPECT_TRUE(screen.outletNamed(rule.outlet)) << identifier << ": " << rule.outlet;
+    const std::shared_ptr<ViewController> screen =
+        made->visibleChild() ? made->visibleChild() : made;
+    for (const HidingRule& rule : screen->declaration().hiding) {
+      EXPECT_TRUE(screen->outletNamed(rule.outlet)) << identifier << ": " << rule.outlet;
     }
-    for (const char* segue : screen.declaration().segues) {
+    for (const char* segue : screen->declaration().segues) {
       EXPECT_TRUE(storyboard.makers().contains(segue)) << identifier << ": " << segue;
+    }
+    for (const std::string& outlet : screen->outletNames()) {
+      if (const Task touch = touchTask(screen, outlet)) {
+        EXPECT_NO_THROW(touch()) << identifier << ": " << outlet;  // names an action that is there
+      }
     }
   }
 }
