@@ -17,6 +17,8 @@ ListView {
     readonly property int contentHeightOfRow: OxTheme.points(40)
     // Beside the rows, so that the bar covers none of their buttons.
     readonly property int barSpace: 10
+    // The text of a card below its picture and button.
+    readonly property bool stacked: !root.light && OxTheme.isNarrow(root.width)
     readonly property int checkedRow: root.outlet.checkedRow
 
     objectName: root.outlet.name
@@ -77,11 +79,14 @@ ListView {
 
         required property int index
         required property var model
+        readonly property real middle: root.stacked ? 22 : row.height / 2
 
         objectName: root.outlet.name + ".row" + row.index
         x: !root.light && OxTheme.mirrored ? root.barSpace : 0
         width: root.width - (root.light ? 0 : root.barSpace)
-        height: Math.max(root.contentHeightOfRow + (root.light ? 4 : 0), words.implicitHeight + 8)
+        height: root.stacked ? 44 + words.implicitHeight
+                             : Math.max(root.contentHeightOfRow + (root.light ? 4 : 0),
+                                        words.implicitHeight + 8)
         opacity: row.enabled ? 1 : OxTheme.disabled
         text: row.model.text
         enabled: root.outlet.reachable
@@ -128,7 +133,7 @@ ListView {
 
             anchors.left: parent.left
             anchors.leftMargin: 10
-            anchors.verticalCenter: parent.verticalCenter
+            y: row.middle - height / 2
             width: 44
             height: 28
             visible: row.model.imageSource.toString() !== ""
@@ -138,11 +143,13 @@ ListView {
         Text {
             id: words
 
-            anchors.left: picture.visible ? picture.right : parent.left
+            anchors.left: picture.visible && !root.stacked ? picture.right : parent.left
             anchors.leftMargin: picture.visible ? 12 : 16
             anchors.right: parent.right
-            anchors.rightMargin: (row.model.hasButton ? 44 : 12) + (row.model.checkmark ? 32 : 0)
-            height: parent.height
+            anchors.rightMargin: root.stacked ? 12 : (row.model.hasButton ? 44 : 12)
+                                                + (row.model.checkmark ? 32 : 0)
+            y: root.stacked ? 38 : 0
+            height: parent.height - y
             text: row.text
             textFormat: Text.PlainText
             color: root.light ? OxTheme.listText : OxTheme.text
@@ -158,7 +165,7 @@ ListView {
             objectName: row.objectName + ".mark"
             anchors.right: parent.right
             anchors.rightMargin: row.model.hasButton ? 44 : 14
-            anchors.verticalCenter: parent.verticalCenter
+            y: row.middle - height / 2
             width: 22
             height: 22
             visible: row.model.checkmark
@@ -175,7 +182,7 @@ ListView {
                 objectName: row.objectName + ".button"
                 // Not by anchors: a repeater takes the parent away first.
                 x: OxTheme.mirrored ? 5 : row.width - 35
-                y: (row.height - 30) / 2
+                y: row.middle - 15
                 width: 30
                 height: 30
                 visible: row.model.hasButton

@@ -2,6 +2,7 @@
 
 // What can be told apart, measured in pictures of the screens.
 
+#include <QPalette>
 #include <set>
 
 #include "orlixkit/checkout/OXUtil.h"
@@ -131,6 +132,25 @@ TEST(AlertContrast, OfTheWordsIsTheModels) {
   EXPECT_EQ(faint.substr(0, 11), "alert.title");
   EXPECT_NE(faint.find("\nalert.message"), std::string::npos);
   EXPECT_EQ(std::count(faint.begin(), faint.end(), '\n'), 2) << faint;
+}
+
+TEST(ColorSchemes, FollowThePaletteUnlessTheHostChoosesOne) {
+  DrawnPhone phone;
+  phone.startSession();
+  const auto fieldIsDark = [&] {
+    phone.settle();
+    const QPoint inside = inScene(phone.item("pinField")).center().toPoint() + QPoint(20, 0);
+    return luminance(phone.window.grabWindow().pixel(inside)) < 0.2;
+  };
+  const QPalette before = QGuiApplication::palette();
+  EXPECT_FALSE(fieldIsDark());
+  QGuiApplication::setPalette(QPalette(Qt::black));
+  EXPECT_TRUE(fieldIsDark());
+  phone.presenter().setLook({.colors = ColorScheme::light});
+  EXPECT_FALSE(fieldIsDark());
+  QGuiApplication::setPalette(before);
+  phone.presenter().setLook({.colors = ColorScheme::dark});
+  EXPECT_TRUE(fieldIsDark());
 }
 
 INSTANTIATE_TEST_SUITE_P(Schemes, Contrast, testing::Values(ColorScheme::light, ColorScheme::dark));

@@ -3,6 +3,7 @@
 // What every screen must be like, upright and in landscape, with the longest texts in use. Also run
 // with larger texts (see CMakeLists.txt).
 
+#include <QFontMetricsF>
 #include <QQmlEngine>
 #include <QQmlExpression>
 #include <QScreen>
@@ -56,6 +57,14 @@ class Look {
           item->property("contentHeight").toDouble() > item->height() + 1 ||
           item->property("contentWidth").toDouble() > item->width() + 1) {
         remark("cut off: " + text);
+      }
+      const QFontMetricsF metrics(item->property("font").value<QFont>());
+      for (const QString& word : item->property("text").toString().split(u' ')) {
+        // A text that shrinks is on one line.
+        if (item->property("lineCount").toInt() > 1 &&
+            metrics.horizontalAdvance(word) > item->width() + 1) {
+          remark("a word is broken: " + word.toStdString());
+        }
       }
       for (const QQuickItem* above = item->parentItem(); above != phone_.content();
            above = above->parentItem()) {

@@ -20,21 +20,21 @@ Rectangle {
     Rectangle {
         id: bar
 
+        // Name and switch, one below the other where they are too wide.
+        readonly property bool stacked: root.width < ShopTheme.points(280)
+
         enabled: !panel.visible
         width: root.width
-        height: Math.max(root.height < 400 ? 52 : 64, liveSwitch.height + 12)
+        height: bar.stacked ? heading.height + liveSwitch.height + 18
+                            : Math.max(root.height < 400 ? 52 : 64, liveSwitch.height + 12)
         color: ShopTheme.bar
 
         Text {
+            id: heading
+
             anchors.left: parent.left
             anchors.leftMargin: 18
-            anchors.right: liveSwitch.left
-            anchors.rightMargin: 8
-            wrapMode: Text.Wrap
-            horizontalAlignment: Text.AlignLeft
-            fontSizeMode: Text.HorizontalFit
-            minimumPixelSize: 15
-            anchors.verticalCenter: parent.verticalCenter
+            y: bar.stacked ? 6 : (bar.height - height) / 2
             text: "Corner Shop"
             color: "white"
             font.family: "Inter"
@@ -50,7 +50,7 @@ Rectangle {
             objectName: "systemSwitch"
             anchors.right: parent.right
             anchors.rightMargin: 16
-            anchors.verticalCenter: parent.verticalCenter
+            y: bar.stacked ? bar.height - height - 6 : (bar.height - height) / 2
             enabled: !root.shop.busy
             checked: root.shop.live
             onToggled: {

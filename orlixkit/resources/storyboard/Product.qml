@@ -130,6 +130,9 @@ OxSheet {
                 size: 17
                 font.weight: Font.DemiBold
                 verticalAlignment: Text.AlignVCenter
+                wrapMode: Text.NoWrap
+                fontSizeMode: Text.HorizontalFit
+                minimumPixelSize: 11
             }
 
             OxImage {
