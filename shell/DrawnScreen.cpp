@@ -3,8 +3,11 @@
 #include "shell/DrawnScreen.h"
 
 #include <QQmlComponent>
+#include <QQuickWindow>
 #include <QtDebug>
 #include <algorithm>
+#include <cmath>
+#include <utility>
 
 #include "orlixkit/ui/PresentationController.h"
 #include "shell/MakeItem.h"
@@ -103,7 +106,10 @@ void DrawnScreen::place(QSizeF window) {
     place = QRectF(std::clamp(frame.x, 0.0, window.width() - width),
                    std::clamp(frame.y, 0.0, window.height() - height), width, height);
   }
-  content_->setPosition(place.topLeft());
+  // On whole pixels: lines between two of them are blurred.
+  const double pixel = layer_->window() ? layer_->window()->effectiveDevicePixelRatio() : 1;
+  content_->setPosition(
+      {std::round(place.x() * pixel) / pixel, std::round(place.y() * pixel) / pixel});
   content_->setSize(place.size());
 }
 
@@ -115,6 +121,16 @@ void DrawnScreen::fade(double amount, bool dimming) {
   if (content_) {
     content_->setOpacity(amount);
     content_->setScale(kSmallest + (1 - kSmallest) * amount);
+  }
+}
+
+void DrawnScreen::takeFocus() {
+  if (!content_) {
+    return;
+  }
+  content_->forceActiveFocus();
+  if (screen_ && !std::exchange(hadFocus_, true)) {
+    QMetaObject::invokeMethod(content_, "focusFirstField");
   }
 }
 

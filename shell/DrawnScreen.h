@@ -37,6 +37,8 @@ class DrawnScreen {
   void place(QSizeF window);
   /// Opacity from 0 to 1. `dimming`: the layer that dims the screens below fades as well.
   void fade(double amount, bool dimming);
+  /// Gives it the keyboard: to the first field that takes keys, later to what had it last.
+  void takeFocus();
   double faded() const { return amount_; }
   /// Releases the layer without the screen, so that the caller can keep the dimming for a moment;
   /// null for a presentation that does not dim.
@@ -51,6 +53,7 @@ class DrawnScreen {
   std::unique_ptr<ScreenAdapter> screen_;
   std::unique_ptr<AlertAdapter> alert_;
   double amount_ = 1;
+  bool hadFocus_ = false;
 };
 
 }  // namespace orlix::shell

@@ -9,6 +9,7 @@
 #include <algorithm>
 #include <utility>
 
+#include "orlixkit/checkout/OXUtil.h"
 #include "orlixkit/ui/Touch.h"
 #include "orlixkit/widgets/CardNumberField.h"
 #include "orlixkit/widgets/DropDownPicker.h"
@@ -84,6 +85,16 @@ void FieldAdapter::wipeCardNumber() {
 
 bool FieldAdapter::isForCardNumber() const {
   return dynamic_cast<const CardNumberField*>(view().get()) != nullptr;
+}
+
+QString FieldAdapter::brand() const {
+  const auto* number = dynamic_cast<const CardNumberField*>(view().get());
+  return number != nullptr ? QString::fromStdString(number->brand()) : QString();
+}
+
+QUrl FieldAdapter::brandImage() const {
+  const std::string type = brand().toStdString();
+  return type.empty() ? QUrl() : imageAddress(OXUtil::imageForCardType(type));
 }
 
 PickerAdapter* FieldAdapter::picker() {

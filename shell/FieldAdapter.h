@@ -22,6 +22,8 @@ class FieldAdapter : public AdapterFor<TextField> {
   Q_PROPERTY(bool numeric READ numeric NOTIFY changed)
   Q_PROPERTY(bool phone READ phone NOTIFY changed)
   Q_PROPERTY(QString toolbarButton READ toolbarButton NOTIFY changed)
+  Q_PROPERTY(QString brand READ brand NOTIFY changed)
+  Q_PROPERTY(QUrl brandImage READ brandImage NOTIFY changed)
   Q_PROPERTY(int caret READ caret NOTIFY changed)
   Q_PROPERTY(bool focused READ focused NOTIFY changed)
   Q_PROPERTY(orlix::shell::PickerAdapter* picker READ picker NOTIFY changed)
@@ -39,6 +41,9 @@ class FieldAdapter : public AdapterFor<TextField> {
   bool numeric() const { return typedView().keyboard() == Keyboard::numberPad; }
   bool phone() const { return typedView().keyboard() == Keyboard::phonePad; }
   QString toolbarButton() const { return QString::fromStdString(typedView().toolbarButton()); }
+  /// Of a card number, by its first digits; empty for none.
+  QString brand() const;
+  QUrl brandImage() const;
   int caret() const;
   bool focused() const { return typedView().editing(); }
   /// Null for a field without a drop-down.

@@ -31,6 +31,8 @@ OrlixShell::OrlixShell(QQmlEngine& engine, QQuickWindow& window, PosixOptions op
   application.showMainWindow(hostScreen_);
 }
 
+void OrlixShell::setLook(const LookOptions& options) { presenter_->setLook(options); }
+
 OrlixShell::~OrlixShell() {
   Host::current().application().setObserver(nullptr);
   presenter_.reset();

@@ -9,6 +9,7 @@
 
 #include "orlixkit/OrlixKit.h"
 #include "orlixkit/posix/PosixPorts.h"
+#include "shell/ScreenLook.h"
 
 namespace orlix::shell {
 
@@ -46,6 +47,8 @@ class OrlixShell {
   /// The controller to pass to the entry calls; represents the application's window.
   const std::shared_ptr<ViewController>& hostScreen() const { return hostScreen_; }
   ScreenPresenter& presenter() { return *presenter_; }
+  /// Colours and motion of the screens, at any time; by default they follow the palette.
+  void setLook(const LookOptions& options);
 
  private:
   std::shared_ptr<ViewController> hostScreen_ = std::make_shared<ViewController>();

@@ -10,7 +10,8 @@
 namespace orlix::shell {
 
 /// Provides images from the host's resources, `image://orlix/<name>`: the SVG when there is one,
-/// else a PNG. A missing image is empty, with a warning. Any thread.
+/// else a PNG. `<name>@rrggbb` is the same shape in one colour. A missing image is empty, with a
+/// warning. Any thread.
 class ResourceImages : public QQuickImageProvider {
  public:
   explicit ResourceImages(std::shared_ptr<const Bundle> bundle)

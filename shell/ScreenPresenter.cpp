@@ -6,7 +6,6 @@
 #include <QFontDatabase>
 #include <QKeyEvent>
 #include <QQmlComponent>
-#include <QQmlContext>
 #include <QTimer>
 #include <algorithm>
 #include <stdexcept>
@@ -18,6 +17,7 @@
 #include "shell/FindItem.h"
 #include "shell/MakeItem.h"
 #include "shell/ResourceImages.h"
+#include "shell/ScreenLook.h"
 #include "shell/TouchMask.h"
 
 namespace orlix::shell {
@@ -27,7 +27,6 @@ namespace {
 constexpr double kAboveTheHost = 10000;
 constexpr double kMask = 1;  // alerts above it, screens below
 constexpr double kAlerts = 2;
-constexpr double kIndicator = 3;
 
 Application& application() { return Host::current().application(); }
 
@@ -46,9 +45,8 @@ struct ScreenPresenter::Fade {
   Task done;
 };
 
-ScreenPresenter::ScreenPresenter(QQmlEngine& engine, QQuickWindow& window,
-                                 std::chrono::milliseconds fade)
-    : engine_(engine), window_(window), fade_(fade) {
+ScreenPresenter::ScreenPresenter(QQmlEngine& engine, QQuickWindow& window, DrawingTimes times)
+    : engine_(engine), window_(window), times_(times) {
   layers_ = std::make_unique<QQuickItem>(window.contentItem()).release();
   layers_->setZ(kAboveTheHost);
   auto mask =
@@ -57,22 +55,8 @@ ScreenPresenter::ScreenPresenter(QQmlEngine& engine, QQuickWindow& window,
   mask->setZ(kMask);
   mask->setVisible(false);
   mask_ = mask.release();
-  auto* context = std::make_unique<QQmlContext>(&engine, layers_.data()).release();
-  context->setContextProperty(QStringLiteral("orlixProgress"), &progress_);
-  QQmlComponent component(
-      &engine, QUrl(QStringLiteral("qrc:/orlix/qml/OrlixKit/Components/OxProgress.qml")));
-  indicator_ = qobject_cast<QQuickItem*>(component.create(context));
-  if (indicator_) {
-    indicator_->setObjectName(QStringLiteral("progressIndicator"));
-    indicator_->setParentItem(layers_);
-    indicator_->setParent(layers_);
-    indicator_->setZ(kIndicator);
-    indicator_->setEnabled(false);
-    indicator_->setVisible(false);
-  } else {
-    qWarning("OrlixKit: The progress indicator cannot be drawn: %s",
-             qUtf8Printable(component.errorString()));
-  }
+  indicator_ =
+      std::make_unique<DelayedIndicator>(engine, *layers_, times, [this] { return keptInSight(); });
   connect(&window, &QWindow::widthChanged, this, &ScreenPresenter::resized);
   connect(&window, &QWindow::heightChanged, this, &ScreenPresenter::resized);
   connect(&window, &QQuickWindow::activeFocusItemChanged, this, &ScreenPresenter::focusMoved);
@@ -157,15 +141,9 @@ void ScreenPresenter::didDismiss(const std::shared_ptr<ViewController>& controll
 bool ScreenPresenter::animate(const std::shared_ptr<ViewController>& controller,
                               Transition transition, const Task& done) {
   if (transition == Transition::progress) {
-    const unsigned shown = indicatorShown_;
-    play(
-        [this, shown](double amount) {
-          if (indicator_ && shown == indicatorShown_) {
-            indicator_->setOpacity(1 - amount);
-            indicator_->setVisible(amount < 1);
-          }
-        },
-        done);
+    // Drawn longer than the model's fade if it has come late.
+    indicator_->fadeOut();
+    play([](double) {}, done);
     return true;
   }
   if (transition == Transition::presentation) {
@@ -201,7 +179,8 @@ void ScreenPresenter::play(const std::function<void(double)>& step, const Task& 
   fade.done = done;
   fade.animation.setStartValue(0.0);
   fade.animation.setEndValue(1.0);
-  fade.animation.setDuration(static_cast<int>(fade_.count()));
+  fade.animation.setDuration(
+      ScreenLook::of(engine_).reducedMotion() ? 0 : static_cast<int>(times_.fade.count()));
   fade.animation.setEasingCurve(QEasingCurve::OutCubic);
   connect(&fade.animation, &QVariantAnimation::valueChanged, this,
           [step](const QVariant& value) { step(value.toDouble()); });
@@ -225,15 +204,10 @@ void ScreenPresenter::end(const QVariantAnimation* animation) {
 }
 
 void ScreenPresenter::progressChanged(const ProgressIndicator& indicator) {
-  ++indicatorShown_;
   if (indicator.visible()) {
-    progress_.show(indicator);
+    indicator_->show(indicator);
   } else {
-    progress_.hide();
-  }
-  if (indicator_) {
-    indicator_->setOpacity(1);
-    indicator_->setVisible(indicator.visible());
+    indicator_->hide();
   }
   maskChanged();
 }
@@ -254,9 +228,6 @@ void ScreenPresenter::resized() {
       size.width() > size.height() ? Orientation::landscape : Orientation::portrait;
   layers_->setSize(size);
   mask_->setSize(size);
-  if (indicator_) {
-    indicator_->setSize(size);
-  }
   for (const auto& one : drawn_) {
     if (const auto& presentation = one->controller()->presentationController()) {
       presentation->containerView()->setFrame({0, 0, size.width(), size.height()});
@@ -264,6 +235,23 @@ void ScreenPresenter::resized() {
     }
     one->place(size);
   }
+  indicator_->place(size);
+}
+
+void ScreenPresenter::setLook(const LookOptions& options) {
+  ScreenLook::of(engine_).setOptions(options);
+  indicator_->setFade(options.reducedMotion ? std::chrono::milliseconds::zero() : times_.fade);
+}
+
+QRectF ScreenPresenter::keptInSight() {
+  QQuickItem* const content = top() != nullptr ? top()->content() : nullptr;
+  auto* const kept =
+      content != nullptr ? content->property("keptInSight").value<QQuickItem*>() : nullptr;
+  if (kept == nullptr) {
+    return {};
+  }
+  QMetaObject::invokeMethod(content, "reveal", Q_ARG(QQuickItem*, kept));
+  return kept->mapRectToItem(layers_, {0, 0, kept->width(), kept->height()});
 }
 
 void ScreenPresenter::stackChanged() {
@@ -280,9 +268,9 @@ void ScreenPresenter::stackChanged() {
     return;
   }
   // A screen gets the focus when its transition has ended.
-  const DrawnScreen& front = *drawn_.back();
-  if (front.content() != nullptr && front.controller()->hasAppeared()) {
-    front.content()->forceActiveFocus();
+  DrawnScreen& front = *drawn_.back();
+  if (front.controller()->hasAppeared()) {
+    front.takeFocus();
   }
 }
 
@@ -383,6 +371,7 @@ void prepareEngine(QQmlEngine& engine, const std::shared_ptr<const Bundle>& bund
       throw std::runtime_error("OrlixKit: The screens cannot be drawn. " + reasonOf(component));
     }
   }
+  ScreenLook::of(engine);
   engine.addImportPath(QStringLiteral("qrc:/orlix/qml"));
   engine.addImageProvider(QStringLiteral("orlix"),
                           std::make_unique<ResourceImages>(bundle).release());

@@ -8,15 +8,15 @@
 #include <QQmlEngine>
 #include <QQuickWindow>
 #include <QVariantAnimation>
-#include <chrono>
 #include <functional>
 #include <memory>
 #include <vector>
 
 #include "orlixkit/ports/Bundle.h"
 #include "orlixkit/ui/Application.h"
+#include "shell/DelayedIndicator.h"
 #include "shell/DrawnScreen.h"
-#include "shell/ProgressAdapter.h"
+#include "shell/ScreenLook.h"
 
 namespace orlix::shell {
 
@@ -30,11 +30,9 @@ class ScreenPresenter : public QObject, public UiObserver {
   Q_OBJECT
 
  public:
-  static constexpr std::chrono::milliseconds kFade{220};
-
   /// `engine` must have been prepared by `prepareEngine`; it and `window` must outlive the
   /// presenter.
-  ScreenPresenter(QQmlEngine& engine, QQuickWindow& window, std::chrono::milliseconds fade = kFade);
+  ScreenPresenter(QQmlEngine& engine, QQuickWindow& window, DrawingTimes times = {});
   ~ScreenPresenter() override;
 
   void didPresent(const std::shared_ptr<ViewController>& controller) override;
@@ -43,6 +41,10 @@ class ScreenPresenter : public QObject, public UiObserver {
   bool animate(const std::shared_ptr<ViewController>& controller, Transition transition,
                const Task& done) override;
 
+  /// Colours and motion, of all screens of the engine.
+  void setLook(const LookOptions& options);
+  /// Draws the progress indicator as the model has it now, without waiting, for a picture.
+  void endDelays() { indicator_->endDelays(); }
   bool isAnimating() const { return !fades_.empty(); }
   /// The topmost drawn screen or alert; null while nothing is presented.
   const DrawnScreen* top() const { return drawn_.empty() ? nullptr : drawn_.back().get(); }
@@ -72,6 +74,8 @@ class ScreenPresenter : public QObject, public UiObserver {
   void stackChanged();
   void maskChanged();
   void focusMoved();
+  /// What the progress indicator leaves uncovered, scrolled into sight.
+  QRectF keptInSight();
   bool isMasked() const;
   std::vector<QQuickItem*> itemsInReachUnderMask() const;
   bool moveFocus(bool forward);
@@ -82,16 +86,14 @@ class ScreenPresenter : public QObject, public UiObserver {
   QQmlEngine& engine_;
   QQuickWindow& window_;
   std::vector<std::unique_ptr<QQmlComponent>> warm_;  ///< keeps the compiled components
-  const std::chrono::milliseconds fade_;
-  ProgressAdapter progress_;
+  const DrawingTimes times_;
   QPointer<QQuickItem> layers_;
   QPointer<QQuickItem> mask_;
-  QPointer<QQuickItem> indicator_;
+  std::unique_ptr<DelayedIndicator> indicator_;
   QPointer<QQuickItem> hostFocus_;  ///< had the focus before the first presentation
   std::unique_ptr<QQuickItem> lingering_;
   Drawn drawn_;                               ///< from the bottom up
   std::vector<std::unique_ptr<Fade>> fades_;  ///< in progress
-  unsigned indicatorShown_ = 0;  ///< counts its changes, to cancel the fade of an earlier one
 };
 
 /// The QML modules that the drawings import.

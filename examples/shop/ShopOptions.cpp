@@ -67,6 +67,13 @@ std::pair<int, int> windowSize(const std::string& text) {
   return size;
 }
 
+bool darkColors(const std::string& text) {
+  if (text != "light" && text != "dark") {
+    throw UsageError("--colors is light or dark, not \"" + text + "\"");
+  }
+  return text == "dark";
+}
+
 std::int64_t systemNumber(const std::string& text) {
   if (text != "0" && text != "1") {
     throw UsageError("--system is 0 (live) or 1 (test), not \"" + text + "\"");
@@ -127,6 +134,10 @@ void addOperation(CLI::App& app, ShopOptions& options) {
   for (CLI::Option* drawn :
        {add(app, "--window", "WxH", "size of the window in points (default 375x667)",
             [&](auto& value) { options.window = windowSize(value); }),
+        add(app, "--colors", "light|dark", "colours of the window (default: the desktop's)",
+            [&](auto& value) { options.darkColors = darkColors(value); }),
+        app.add_flag("--right-to-left", options.rightToLeft, "mirror the window"),
+        app.add_flag("--reduced-motion", options.reducedMotion, "draw without animations"),
         add(app, "--snapshots", "DIR", "where the drawn shell saves its pictures",
             [&](auto& value) { options.snapshots = value; }),
         add(app, "--messages", "FILE",

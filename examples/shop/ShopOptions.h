@@ -28,7 +28,10 @@ struct ShopOptions {
   std::optional<std::string> script;
   bool headless = false;
   std::optional<std::string> snapshots;
-  std::pair<int, int> window{375, 667};   ///< width and height in points
+  std::pair<int, int> window{375, 667};  ///< width and height in points
+  bool rightToLeft = false;
+  bool reducedMotion = false;
+  std::optional<bool> darkColors{};       ///< by the desktop's palette without one
   std::optional<std::string> messages{};  ///< file or pipe with lines to show beside the window
   bool help = false;
   bool listScreens = false;  ///< print what the library's screens consist of, and end

@@ -2,11 +2,15 @@
 
 #include "orlixkit/onboarding/OXCardsViewController.h"
 
+#include <algorithm>
+
 #include <fmt/format.h>
 
 #include "orlixkit/checkout/OXOrlix.h"
 #include "orlixkit/checkout/OXUtil.h"
+#include "orlixkit/host/Host.h"
 #include "orlixkit/onboarding/ScreenSetUp.h"
+#include "orlixkit/ports/UserDefaults.h"
 #include "orlixkit/ui/AlertController.h"
 
 namespace orlix {
@@ -33,6 +37,12 @@ void OXCardsViewController::viewDidLoad() {
   OrlixViewController::viewDidLoad();
   applyOnboardingLook(*this);
   tableView_->setSeparators(false);
+  try {
+    // Not by getLastUsedCard: showing the list must not write to the store.
+    chosenCardId_ = OXUtil::getLastUsedCardid();
+  } catch (const StoreException& failure) {
+    log(std::string("OrlixKit: The chosen card cannot be marked: ") + failure.what());
+  }
 }
 
 std::size_t OXCardsViewController::numberOfRows() {
@@ -46,8 +56,18 @@ TableCell OXCardsViewController::cellForRow(std::size_t row) {
   cell.identifier = "CardCell";
   cell.text = fmt::format("xxx-{}", card.cardHint.value_or(""));
   cell.imageName = OXUtil::imageForCardType(card.cardType);
+  cell.checkmark = row == chosenRow();
   cell.button = deleteButton(row);
   return cell;
+}
+
+std::size_t OXCardsViewController::chosenRow() const {
+  const std::vector<CardOption>& cards = session()->cards;
+  const auto found = std::find_if(cards.begin(), cards.end(), [this](const CardOption& card) {
+    return card.cardId == chosenCardId_;
+  });
+  // The first card is the one shown for want of a choice.
+  return found == cards.end() ? 0 : static_cast<std::size_t>(found - cards.begin());
 }
 
 std::shared_ptr<Button> OXCardsViewController::deleteButton(std::size_t row) {

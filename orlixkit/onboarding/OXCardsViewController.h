@@ -2,6 +2,7 @@
 
 #pragma once
 
+#include <cstdint>
 #include <memory>
 
 #include "orlixkit/checkout/OrlixViewController.h"
@@ -36,7 +37,9 @@ class OXCardsViewController : public OrlixViewController, public TableViewDataSo
  private:
   std::shared_ptr<Button> deleteButton(std::size_t row);
   std::shared_ptr<OXCardsViewController> self();
+  std::size_t chosenRow() const;
 
+  std::int64_t chosenCardId_ = 0;  ///< when the list was opened
   std::shared_ptr<TableView> tableView_;
   std::shared_ptr<Button> addCardButton_;
   std::shared_ptr<Button> cancelButton_;

@@ -19,6 +19,9 @@ class CardNumberField : public SeparatedTextField {
  public:
   CardNumberField() { setKeyboard(Keyboard::numberPad); }
   SecretString number() const { return content(); }
+  /// Brand by the first digits, in the words of the server ("visa", "orbis", "amex"); empty while
+  /// they match none. For display while the user types: the server decides what the card is.
+  std::string brand() const;
 
  protected:
   std::vector<std::string> contentOf(std::string_view text) const override;

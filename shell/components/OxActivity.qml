@@ -20,7 +20,7 @@ Item {
     Timer {
         interval: 90
         repeat: true
-        running: root.visible
+        running: root.visible && !OxTheme.reducedMotion
         onTriggered: root.step = (root.step + 1) % 8
     }
 
@@ -37,7 +37,7 @@ Item {
             x: (root.width - width) / 2 + (root.width - width) / 2 * Math.sin(angle)
             y: (root.height - height) / 2 - (root.height - height) / 2 * Math.cos(angle)
             color: root.dotColor
-            opacity: 0.15 + 0.85 * ((index - root.step + 7) % 8) / 7
+            opacity: OxTheme.reducedMotion ? 1 : 0.15 + 0.85 * ((index - root.step + 7) % 8) / 7
         }
     }
 }

@@ -5,7 +5,7 @@ pragma ComponentBehavior: Bound
 import QtQuick
 import QtQuick.Templates as T
 
-// An alert over the screen, with its buttons side by side. Escape presses the way out, Enter the
+// An alert over the screen, with its buttons side by side, or one below the other for large texts. Escape presses the way out, Enter the
 // button in focus.
 FocusScope {
     id: root
@@ -81,7 +81,7 @@ FocusScope {
                     textFormat: Text.PlainText
                     color: root.alert.textColor
                     font.family: OxTheme.family
-                    font.pixelSize: root.alert.titleFontSize
+                    font.pixelSize: OxTheme.points(root.alert.titleFontSize)
                     font.weight: OxTheme.weight(root.alert.titleFontName)
                     horizontalAlignment: Text.AlignHCenter
                     wrapMode: Text.Wrap
@@ -96,7 +96,7 @@ FocusScope {
                     textFormat: Text.PlainText
                     color: root.alert.textColor
                     font.family: OxTheme.family
-                    font.pixelSize: root.alert.messageFontSize
+                    font.pixelSize: OxTheme.points(root.alert.messageFontSize)
                     font.weight: OxTheme.weight(root.alert.messageFontName)
                     horizontalAlignment: Text.AlignHCenter
                     wrapMode: Text.Wrap
@@ -107,11 +107,12 @@ FocusScope {
             }
         }
 
-        Row {
+        Grid {
             id: buttons
 
             anchors.bottom: parent.bottom
             anchors.horizontalCenter: parent.horizontalCenter
+            columns: OxTheme.isNarrow(box.width) ? 1 : root.alert.buttons.length
             bottomPadding: 14
             spacing: 10
 
@@ -124,9 +125,8 @@ FocusScope {
                     readonly property string style: root.alert.styles[index]
 
                     objectName: "alert.button" + index
-                    width: (box.width - 30 - buttons.spacing * (root.alert.buttons.length - 1))
-                           / root.alert.buttons.length
-                    height: 44
+                    width: (box.width - 30 - buttons.spacing * (buttons.columns - 1)) / buttons.columns
+                    height: OxTheme.points(44)
                     text: modelData
                     focus: index === root.first
                     letters: style === "destructive" ? OxTheme.destructive : root.look.tintColor

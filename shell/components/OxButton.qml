@@ -13,8 +13,7 @@ OxPlate {
     objectName: root.outlet.name
     visible: root.outlet.shown
     enabled: root.outlet.enabled && root.outlet.reachable
-    // Do not change the look while touches are masked for a moment.
-    opacity: root.outlet.enabled ? root.outlet.alpha : 0.5
+    opacity: root.outlet.alpha * (root.enabled ? 1 : OxTheme.disabled)
     text: root.outlet.text
     fill: root.outlet.backgroundColor
     letters: root.outlet.textColor

@@ -6,7 +6,8 @@ import QtQuick
 import QtQuick.Templates as T
 
 // A field outlet whose text is chosen instead of typed: from its own list, or on another screen.
-T.Button {
+// Not a control of the toolkit, which would give it another role.
+FocusScope {
     id: root
 
     required property var outlet
@@ -17,6 +18,7 @@ T.Button {
     property string prefix: ""
     // Covers the screen while the list is open.
     required property Item overlay
+    readonly property string text: root.outlet.text
     readonly property bool open: root.outlet.picker !== null && root.outlet.picker.open
 
     objectName: root.outlet.name
@@ -24,16 +26,19 @@ T.Button {
     enabled: root.outlet.enabled && root.outlet.reachable
     implicitWidth: box.implicitWidth
     implicitHeight: box.implicitHeight
-    text: root.outlet.text
+    activeFocusOnTab: true
+
+    signal clicked
 
     Accessible.role: Accessible.ComboBox
     Accessible.name: root.label !== null ? root.label.text
                                          : root.caption !== "" ? root.caption : root.outlet.placeholder
-    Accessible.description: root.outlet.text
+    Accessible.description: OxTheme.described(root.outlet.text, root.enabled)
     Accessible.onPressAction: root.clicked()
 
     Keys.onReturnPressed: root.clicked()
     Keys.onEnterPressed: root.clicked()
+    Keys.onSpacePressed: root.clicked()
     Keys.onDownPressed: root.clicked()
 
     function take(index: int): void {
@@ -49,34 +54,46 @@ T.Button {
         }
     }
 
+    MouseArea {
+        anchors.fill: parent
+        onPressed: root.forceActiveFocus(Qt.MouseFocusReason)
+        onClicked: root.clicked()
+    }
+
     OxFieldBox {
         id: box
 
         anchors.fill: parent
         outlet: root.outlet
-        editing: root.open || root.visualFocus
+        editing: root.open || root.activeFocus
+        pictureSpace: arrow.width
 
         Text {
-            width: parent.width - 24
+            width: parent.width
             height: parent.height
             text: root.text === "" ? "" : root.prefix + root.text
             textFormat: Text.PlainText
-            color: OxTheme.text
+            color: OxTheme.fieldText
             font.family: OxTheme.family
-            font.pixelSize: 16
+            font.pixelSize: OxTheme.points(16)
             font.weight: Font.Medium
-            elide: Text.ElideRight
+            fontSizeMode: Text.HorizontalFit
+            minimumPixelSize: 11
+            horizontalAlignment: Text.AlignLeft
             verticalAlignment: Text.AlignVCenter
         }
     }
 
     OxPicture {
+        id: arrow
+
         anchors.right: parent.right
         anchors.rightMargin: 8
         anchors.verticalCenter: parent.verticalCenter
-        width: 22
-        height: 22
-        source: "image://orlix/dropdown"
+        width: OxTheme.points(22)
+        height: width
+        opacity: box.opacity
+        source: OxTheme.tinted("dropdown", OxTheme.fieldText)
         rotation: root.open ? 180 : 0
     }
 
@@ -122,7 +139,7 @@ T.Button {
             radius: 6
             color: OxTheme.fieldFill
             border.width: 1
-            border.color: OxTheme.accent
+            border.color: OxTheme.fieldFocus
 
             ListView {
                 id: rows
@@ -152,7 +169,7 @@ T.Button {
 
                     objectName: root.outlet.name + ".entry" + entry.index
                     width: rows.width
-                    height: 36
+                    height: Math.max(OxTheme.points(36), entry.implicitContentHeight + 8)
                     text: entry.modelData
                     focusPolicy: Qt.NoFocus
                     onClicked: root.take(entry.index)
@@ -167,13 +184,15 @@ T.Button {
                     }
                     contentItem: Text {
                         leftPadding: 11
+                        rightPadding: 11
                         text: entry.text
                         textFormat: Text.PlainText
-                        color: OxTheme.text
+                        color: entry.ListView.isCurrentItem ? "white" : OxTheme.fieldText
                         font.family: OxTheme.family
-                        font.pixelSize: 15
+                        font.pixelSize: OxTheme.points(15)
+                        horizontalAlignment: Text.AlignLeft
                         verticalAlignment: Text.AlignVCenter
-                        elide: Text.ElideRight
+                        wrapMode: Text.Wrap
                     }
                 }
             }

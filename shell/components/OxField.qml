@@ -18,6 +18,7 @@ FocusScope {
     readonly property string shownText: root.outlet.text
     readonly property int shownCaret: root.outlet.caret
     readonly property bool wanted: root.outlet.focused
+    readonly property bool reachable: root.outlet.reachable
 
     objectName: root.outlet.name
     visible: root.outlet.shown
@@ -26,6 +27,12 @@ FocusScope {
 
     onShownTextChanged: input.showOutlet()
     onShownCaretChanged: input.showOutlet()
+    // The focus may have come while touches were masked.
+    onReachableChanged: {
+        if (root.reachable && input.activeFocus) {
+            root.outlet.beginEditing();
+        }
+    }
     onWantedChanged: {
         if (!root.wanted && input.activeFocus) {
             input.focus = false;
@@ -38,6 +45,21 @@ FocusScope {
         anchors.fill: parent
         outlet: root.outlet
         editing: input.activeFocus
+        pictureSpace: brand.visible ? brand.width + 8 : 0
+    }
+
+    // The brand that the digits of a card number tell.
+    OxPicture {
+        id: brand
+
+        objectName: root.outlet.name + ".brand"
+        anchors.right: parent.right
+        anchors.rightMargin: 10
+        anchors.verticalCenter: parent.verticalCenter
+        width: 40
+        height: 26
+        visible: root.outlet.brandImage.toString() !== ""
+        source: root.outlet.brandImage
     }
 
     // A touch anywhere in the box begins editing.
@@ -53,9 +75,10 @@ FocusScope {
 
         property bool showing: false
 
-        x: 12
+        anchors.left: parent.left
+        anchors.leftMargin: 12
         y: box.textTop
-        width: root.width - 24
+        width: box.textWidth
         height: box.textHeight
         focus: true
         activeFocusOnTab: true
@@ -63,16 +86,17 @@ FocusScope {
         enabled: root.outlet.enabled
         clip: true
         verticalAlignment: TextInput.AlignVCenter
-        color: OxTheme.text
+        horizontalAlignment: TextInput.AlignLeft
+        color: OxTheme.fieldText
         selectionColor: OxTheme.accentPlate
-        selectedTextColor: OxTheme.text
+        selectedTextColor: "white"
         selectByMouse: !root.outlet.secure
         // Bullets for bullets; but nothing of a secret can be copied or cut.
         echoMode: root.outlet.secure ? TextInput.Password : TextInput.Normal
         passwordCharacter: "\u2022"
         passwordMaskDelay: 0
         font.family: OxTheme.family
-        font.pixelSize: root.size
+        font.pixelSize: OxTheme.points(root.size)
         font.weight: root.weight
         font.letterSpacing: root.outlet.secure ? 2 : 0
         inputMethodHints: (root.outlet.numeric ? Qt.ImhDigitsOnly : Qt.ImhNone)
@@ -83,7 +107,9 @@ FocusScope {
         // Not as a passwordEdit: the toolkit would keep its name back as well. Its text is bullets anyway.
         Accessible.role: Accessible.EditableText
         Accessible.name: root.label !== null ? root.label.text : root.outlet.placeholder
-        Accessible.description: root.label !== null ? root.outlet.placeholder : ""
+        Accessible.description: root.outlet.brand !== "" ? root.outlet.brand
+                                : root.label !== null ? root.outlet.placeholder : ""
+        Accessible.readOnly: !root.outlet.reachable || !root.outlet.enabled
         Accessible.focusable: true
 
         function showOutlet(): void {
@@ -122,8 +148,11 @@ FocusScope {
         onActiveFocusChanged: {
             if (input.activeFocus) {
                 root.outlet.beginEditing();
-            } else {
+            } else if (root.outlet.enabled) {
                 root.outlet.endEditing();
+            } else {
+                // Not while the item is being disabled, by a binding to the same outlet.
+                Qt.callLater(root.outlet.endEditing);
             }
         }
     }

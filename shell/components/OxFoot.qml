@@ -3,7 +3,12 @@
 import QtQuick.Layouts
 
 // The buttons at the foot of a screen: first the way out, then the main one, where the thumb is.
-RowLayout {
+// In a line each where they are narrow.
+GridLayout {
+    id: foot
+
     width: parent ? parent.width : 0
-    spacing: 10
+    columns: OxTheme.isNarrow(foot.width + 2 * OxTheme.margin) ? 1 : 2
+    columnSpacing: 10
+    rowSpacing: 8
 }

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 
 import QtQuick
+import QtQuick.Layouts
 
 // The page of the card's issuer, over the whole sheet, with the way out above it.
 OxSheet {
@@ -11,32 +12,40 @@ OxSheet {
     title: title.text
     ribbon: true
     cancel: out
+    bodyHeight: sheet.enough
 
     head: Item {
         width: sheet.width
-        height: sheet.compact ? 44 : 54
+        height: Math.max(sheet.compact ? 44 : 54, bar.implicitHeight + 8)
 
-        OxTitle {
-            id: title
+        GridLayout {
+            id: bar
 
-            x: sheet.margin
-            width: out.x - x - 8
             anchors.verticalCenter: parent.verticalCenter
-            font.pixelSize: 15
-            wrapMode: Text.NoWrap
-            elide: Text.ElideRight
-        }
-
-        OxButton {
-            id: out
-
+            anchors.left: parent.left
+            anchors.leftMargin: sheet.margin
             anchors.right: parent.right
             anchors.rightMargin: 10
-            anchors.verticalCenter: parent.verticalCenter
-            width: 88
-            height: 36
-            outlet: sheet.screen.cancelButton
-            actionName: "cancelButton"
+            columns: sheet.narrow ? 1 : 2
+            columnSpacing: 8
+            rowSpacing: 4
+
+            OxTitle {
+                id: title
+
+                Layout.fillWidth: true
+                size: 15
+            }
+
+            OxButton {
+                id: out
+
+                Layout.preferredWidth: OxTheme.points(88)
+                Layout.alignment: Qt.AlignRight
+                implicitHeight: OxTheme.points(36)
+                outlet: sheet.screen.cancelButton
+                actionName: "cancelButton"
+            }
         }
     }
 

@@ -15,8 +15,8 @@ OxPlate {
     anchors.bottom: parent ? parent.bottom : undefined
     anchors.rightMargin: OxTheme.margin
     anchors.bottomMargin: 8
-    implicitHeight: 36
-    implicitWidth: 72
+    implicitHeight: OxTheme.points(36)
+    implicitWidth: OxTheme.points(72)
     visible: root.field.editing && root.text !== ""
     enabled: root.field.outlet.reachable
     // Taking the focus would end the editing before the action does.

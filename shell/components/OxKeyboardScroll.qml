@@ -12,6 +12,9 @@ Flickable {
     required property OxSheet sheet
     default property alias content: column.data
     property alias spacing: column.spacing
+    // The keyboard's bar, below the fields while it is there.
+    property Item bar: null
+    readonly property real barSpace: root.bar && root.bar.visible ? root.bar.height + 14 : 0
     readonly property real bottomOfWindow: Window.height
     readonly property real keyboardTop: {
         if (OxTheme.keyboardHeight >= 0) {
@@ -20,9 +23,11 @@ Flickable {
         const keyboard = Qt.inputMethod.keyboardRectangle;
         return Qt.inputMethod.visible && keyboard.height > 0 ? keyboard.y : root.bottomOfWindow;
     }
+    readonly property real sheetHeight: root.sheet.scrollHeight
     readonly property Item focusItem: Window.activeFocusItem
 
     anchors.fill: parent
+    anchors.bottomMargin: root.barSpace
     contentWidth: root.width
     contentHeight: column.implicitHeight
     boundsBehavior: Flickable.StopAtBounds
@@ -38,17 +43,6 @@ Flickable {
         return false;
     }
 
-    function showItem(item: Item): void {
-        const top = item.mapToItem(root.contentItem, 0, 0).y - 6;
-        const bottom = top + item.height + 12;
-        const most = Math.max(0, root.contentHeight - root.height);
-        if (top < root.contentY) {
-            root.contentY = Math.max(0, top);
-        } else if (bottom > root.contentY + root.height) {
-            root.contentY = Math.min(most, bottom - root.height);
-        }
-    }
-
     function keepInSight(): void {
         const sheet = root.sheet;
         if (!sheet.parent || !root.Window.window) {
@@ -57,7 +51,7 @@ Flickable {
         const item = root.focusItem;
         const held = item && root.holds(item);
         if (held) {
-            root.showItem(item);
+            sheet.reveal(item);
         }
         const top = sheet.parent.mapToItem(null, sheet.x, sheet.y).y;
         const covered = top + sheet.height - sheet.overhang - root.keyboardTop;
@@ -80,6 +74,27 @@ Flickable {
     onFocusItemChanged: root.keepInSight()
     onHeightChanged: root.keepInSight()
     onContentHeightChanged: root.keepInSight()
+    // Once the sheet has been laid out for it.
+    onSheetHeightChanged: later.restart()
+
+    Timer {
+        id: later
+
+        interval: 0
+        onTriggered: root.keepInSight()
+    }
+
+    Binding {
+        target: root.sheet
+        property: "bodyHeight"
+        value: root.contentHeight + root.barSpace
+    }
+
+    Binding {
+        target: root.sheet
+        property: "enough"
+        value: OxTheme.points(110) + root.barSpace
+    }
 
     ColumnLayout {
         id: column

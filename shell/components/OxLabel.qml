@@ -18,7 +18,7 @@ Text {
     color: root.outlet.textColor
     linkColor: OxTheme.accent
     font.family: OxTheme.family
-    font.pixelSize: root.size
+    font.pixelSize: OxTheme.points(root.size)
     font.weight: OxTheme.weight(root.outlet.fontName)
     horizontalAlignment: root.outlet.centered ? Text.AlignHCenter : Text.AlignLeft
     wrapMode: Text.Wrap

@@ -7,9 +7,11 @@ OxLabel {
     id: root
 
     activeFocusOnTab: true
+    opacity: root.outlet.alpha * (root.outlet.reachable ? 1 : OxTheme.disabled)
 
     Accessible.role: Accessible.Link
     Accessible.focusable: true
+    Accessible.description: OxTheme.described("", root.outlet.reachable)
     Accessible.onPressAction: root.outlet.tap()
 
     Keys.onReturnPressed: root.outlet.tap()

@@ -9,15 +9,19 @@ Item {
     property alias back: backButton.outlet
     property alias backAction: backButton.actionName
     readonly property Item backItem: backButton
+    readonly property bool narrow: OxTheme.isNarrow(root.width)
 
     width: parent ? parent.width : 0
-    height: 54
+    height: Math.max(54, backButton.height + 12)
 
     OxPicture {
         objectName: "header"
-        anchors.horizontalCenter: parent.horizontalCenter
-        y: 4
-        width: 118
+        // A large button needs the middle.
+        anchors.horizontalCenter: root.narrow ? undefined : parent.horizontalCenter
+        anchors.right: root.narrow ? parent.right : undefined
+        anchors.rightMargin: 10
+        anchors.verticalCenter: parent.verticalCenter
+        width: Math.min(118, root.width - 30 - (root.narrow ? backButton.width : 0))
         height: 46
         source: "image://orlix/header"
     }
@@ -25,10 +29,11 @@ Item {
     OxButton {
         id: backButton
 
-        x: 10
+        anchors.left: parent.left
+        anchors.leftMargin: 10
         anchors.verticalCenter: parent.verticalCenter
-        width: 72
-        height: 36
-        letterSize: 13
+        implicitWidth: OxTheme.points(72)
+        implicitHeight: OxTheme.points(36)
+        letterSize: OxTheme.points(13)
     }
 }

@@ -15,14 +15,16 @@ T.Button {
     property real lineWidth: 1
     property real cornerRadius: 5
     property int letterWeight: root.primary ? Font.Bold : Font.Medium
-    property int letterSize: 15
+    property int letterSize: OxTheme.points(15)
 
-    implicitWidth: Math.max(72, implicitContentWidth + 24)
-    implicitHeight: root.compact ? OxTheme.compactButtonHeight : OxTheme.buttonHeight
-    opacity: root.enabled ? 1 : 0.5
+    implicitWidth: Math.max(OxTheme.points(72), implicitContentWidth + 24)
+    implicitHeight: Math.max(root.compact ? OxTheme.compactButtonHeight : OxTheme.buttonHeight,
+                             implicitContentHeight + 8)
+    opacity: root.enabled ? 1 : OxTheme.disabled
 
     Accessible.role: Accessible.Button
     Accessible.name: root.text
+    Accessible.description: OxTheme.described("", root.enabled)
     Accessible.onPressAction: root.clicked()
 
     Keys.onReturnPressed: root.clicked()
@@ -53,8 +55,7 @@ T.Button {
         font.pixelSize: root.letterSize
         font.weight: root.letterWeight
         font.letterSpacing: 0.4
-        fontSizeMode: Text.HorizontalFit
-        minimumPixelSize: 10
+        wrapMode: Text.Wrap
         horizontalAlignment: Text.AlignHCenter
         verticalAlignment: Text.AlignVCenter
         textFormat: Text.PlainText

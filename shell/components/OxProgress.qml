@@ -8,6 +8,8 @@ Item {
     id: root
 
     readonly property var progress: orlixProgress // qmllint disable unqualified
+    // What the plate leaves uncovered, such as the amount that is being paid.
+    property rect keptInSight: Qt.rect(0, 0, 0, 0)
 
     anchors.fill: parent
 
@@ -27,34 +29,53 @@ Item {
     }
 
     Rectangle {
-        anchors.centerIn: parent
-        width: Math.max(128, words.implicitWidth + 40)
-        height: 112
+        id: plate
+
+        readonly property real middle: (root.height - plate.height) / 2
+        readonly property rect kept: root.keptInSight
+        readonly property bool covers: plate.middle < plate.kept.y + plate.kept.height
+                                       && plate.middle + plate.height > plate.kept.y
+        readonly property real below: plate.kept.y + plate.kept.height + 8
+
+        objectName: "progressPlate"
+        anchors.horizontalCenter: parent.horizontalCenter
+        // Where there is room for it: below the kept item, else above it.
+        y: !plate.covers ? plate.middle
+                         : plate.below + plate.height <= root.height
+                           ? plate.below : Math.max(0, plate.kept.y - 8 - plate.height)
+        width: Math.max(128, words.width + 40)
+        height: words.y + words.height + 18
         radius: 14
-        color: "#fb0e1016"
+        color: OxTheme.noticeFill
         border.width: 1
-        border.color: "#33ffffff"
+        border.color: OxTheme.noticeLine
 
         OxActivity {
+            id: activity
+
             anchors.horizontalCenter: parent.horizontalCenter
             y: 22
             width: 36
             height: 36
+            dotColor: OxTheme.noticeText
             Accessible.ignored: true
         }
 
         Text {
             id: words
 
+            objectName: "progressStatus"
             anchors.horizontalCenter: parent.horizontalCenter
-            anchors.bottom: parent.bottom
-            anchors.bottomMargin: 18
+            y: activity.y + activity.height + 14
+            width: Math.min(words.implicitWidth, root.width - 72)
             text: root.progress.status
             textFormat: Text.PlainText
-            color: OxTheme.text
+            color: OxTheme.noticeText
             font.family: OxTheme.family
-            font.pixelSize: 15
+            font.pixelSize: OxTheme.points(15)
             font.weight: Font.Medium
+            horizontalAlignment: Text.AlignHCenter
+            wrapMode: Text.Wrap
             Accessible.ignored: true
         }
     }

@@ -7,7 +7,7 @@ import QtQuick.Templates as T
 T.ScrollBar {
     id: root
 
-    property color barColor: OxTheme.fieldLine
+    property color barColor: OxTheme.line
 
     implicitWidth: 5
     visible: size < 1

@@ -14,9 +14,11 @@ ListView {
     property bool light: false
     property string spokenName: ""
     property string spokenButton: ""
-    readonly property int contentHeightOfRow: 40
+    readonly property int contentHeightOfRow: OxTheme.points(40)
     // Beside the rows, so that the bar covers none of their buttons.
     readonly property int barSpace: 10
+    // The text of a card below its picture and button.
+    readonly property bool stacked: !root.light && OxTheme.isNarrow(root.width)
     readonly property int checkedRow: root.outlet.checkedRow
 
     objectName: root.outlet.name
@@ -69,7 +71,7 @@ ListView {
     onHeightChanged: root.showChecked()
 
     T.ScrollBar.vertical: OxScrollBar {
-        barColor: root.light ? "#9aa1ae" : OxTheme.fieldLine
+        barColor: root.light ? OxTheme.listBar : OxTheme.line
     }
 
     delegate: T.ItemDelegate {
@@ -77,10 +79,15 @@ ListView {
 
         required property int index
         required property var model
+        readonly property real middle: root.stacked ? 22 : row.height / 2
 
         objectName: root.outlet.name + ".row" + row.index
+        x: !root.light && OxTheme.mirrored ? root.barSpace : 0
         width: root.width - (root.light ? 0 : root.barSpace)
-        height: root.contentHeightOfRow + (root.light ? 4 : 0)
+        height: root.stacked ? 44 + words.implicitHeight
+                             : Math.max(root.contentHeightOfRow + (root.light ? 4 : 0),
+                                        words.implicitHeight + 8)
+        opacity: row.enabled ? 1 : OxTheme.disabled
         text: row.model.text
         enabled: root.outlet.reachable
         focusPolicy: Qt.NoFocus
@@ -91,14 +98,15 @@ ListView {
 
         Accessible.role: Accessible.ListItem
         Accessible.name: row.text
+        Accessible.description: OxTheme.described("", row.enabled)
         Accessible.checked: row.model.checkmark
-        Accessible.checkable: root.light
+        Accessible.checkable: true
         Accessible.onPressAction: row.clicked()
 
         background: Rectangle {
             radius: root.light ? 0 : 6
             color: root.light ? (row.down ? OxTheme.listLine : OxTheme.listFill)
-                              : (row.down ? OxTheme.fieldLine : OxTheme.fieldFill)
+                              : (row.down ? OxTheme.line : OxTheme.rowFill)
 
             Rectangle {
                 anchors.bottom: parent.bottom
@@ -115,7 +123,7 @@ ListView {
                 radius: parent.radius
                 color: "transparent"
                 border.width: 2
-                border.color: OxTheme.accent
+                border.color: root.light ? OxTheme.listMark : OxTheme.accent
                 visible: root.activeFocus && row.ListView.isCurrentItem
             }
         }
@@ -123,8 +131,9 @@ ListView {
         OxPicture {
             id: picture
 
-            x: 10
-            anchors.verticalCenter: parent.verticalCenter
+            anchors.left: parent.left
+            anchors.leftMargin: 10
+            y: row.middle - height / 2
             width: 44
             height: 28
             visible: row.model.imageSource.toString() !== ""
@@ -132,29 +141,35 @@ ListView {
         }
 
         Text {
-            anchors.left: picture.visible ? picture.right : parent.left
+            id: words
+
+            anchors.left: picture.visible && !root.stacked ? picture.right : parent.left
             anchors.leftMargin: picture.visible ? 12 : 16
             anchors.right: parent.right
-            anchors.rightMargin: row.model.hasButton || row.model.checkmark ? 44 : 12
-            height: parent.height
+            anchors.rightMargin: root.stacked ? 12 : (row.model.hasButton ? 44 : 12)
+                                                + (row.model.checkmark ? 32 : 0)
+            y: root.stacked ? 38 : 0
+            height: parent.height - y
             text: row.text
             textFormat: Text.PlainText
             color: root.light ? OxTheme.listText : OxTheme.text
             font.family: OxTheme.family
-            font.pixelSize: root.light ? 14 : 15
+            font.pixelSize: OxTheme.points(root.light ? 14 : 15)
+            horizontalAlignment: Text.AlignLeft
             font.weight: row.model.checkmark ? Font.DemiBold : Font.Normal
             verticalAlignment: Text.AlignVCenter
             wrapMode: Text.Wrap
         }
 
         OxPicture {
+            objectName: row.objectName + ".mark"
             anchors.right: parent.right
-            anchors.rightMargin: 14
-            anchors.verticalCenter: parent.verticalCenter
+            anchors.rightMargin: row.model.hasButton ? 44 : 14
+            y: row.middle - height / 2
             width: 22
             height: 22
             visible: row.model.checkmark
-            source: "image://orlix/checkmark"
+            source: OxTheme.tinted("checkmark", root.light ? OxTheme.listMark : OxTheme.accent)
         }
 
         // Made only for rows that have one: a long list is there at once.
@@ -165,8 +180,9 @@ ListView {
                 id: rowButton
 
                 objectName: row.objectName + ".button"
-                x: row.width - 35
-                y: 5
+                // Not by anchors: a repeater takes the parent away first.
+                x: OxTheme.mirrored ? 5 : row.width - 35
+                y: row.middle - 15
                 width: 30
                 height: 30
                 visible: row.model.hasButton
@@ -175,13 +191,14 @@ ListView {
 
                 Accessible.role: Accessible.Button
                 Accessible.name: root.spokenButton + " " + row.text
+                Accessible.description: OxTheme.described("", rowButton.enabled)
                 Accessible.onPressAction: rowButton.clicked()
                 Keys.onReturnPressed: rowButton.clicked()
                 Keys.onEnterPressed: rowButton.clicked()
 
                 background: Rectangle {
                     radius: 6
-                    color: rowButton.down ? OxTheme.fieldLine : "transparent"
+                    color: rowButton.down ? OxTheme.line : "transparent"
 
                     OxFocusRing {
                         anchors.margins: 0

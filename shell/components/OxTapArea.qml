@@ -13,10 +13,11 @@ T.Button {
     objectName: root.outlet.name
     visible: root.outlet.shown
     enabled: root.outlet.reachable
-    opacity: root.outlet.alpha
+    opacity: root.outlet.alpha * (root.enabled ? 1 : OxTheme.disabled)
 
     Accessible.role: Accessible.Button
     Accessible.name: root.text
+    Accessible.description: OxTheme.described("", root.enabled)
     Accessible.onPressAction: root.clicked()
 
     Keys.onReturnPressed: root.clicked()

@@ -10,6 +10,9 @@ FocusScope {
     property color dimming: "transparent"
     property real dimmed: 1
 
+    LayoutMirroring.enabled: orlixLook.mirrored // qmllint disable unqualified
+    LayoutMirroring.childrenInherit: true
+
     Rectangle {
         anchors.fill: parent
         color: presentation.dimming

@@ -17,6 +17,14 @@ struct CardList : Phone {
     EXPECT_EQ(screen(), "Cards");
   }
   std::shared_ptr<TableView> table() { return host.user().outlet<TableView>("tableView"); }
+  /// Texts of the rows with a checkmark.
+  std::string marked() {
+    std::string texts;
+    for (std::size_t row = 0; row < table()->rowCount(); ++row) {
+      texts += table()->cell(row).checkmark ? table()->cell(row).text : "";
+    }
+    return texts;
+  }
 
   std::string before;
 };
@@ -70,6 +78,7 @@ TEST(Wallet, AListThatIsHeldWhenItsFlowIsOverIsEmptyAndDeletesNothing) {
 TEST(Wallet, ChoosingOrCancellingLeadsBackToWhereTheListWasOpenedFrom) {
   for (const Entry entry : {Entry::checkout, Entry::wallet}) {
     CardList list(entry);
+    EXPECT_EQ(list.marked(), "xxx-0005") << "the one that is shown for want of a choice";
     list.tap("cancelButton");
     EXPECT_EQ(list.screen(), list.before);
     EXPECT_EQ(OXUtil::getLastUsedCardid(), 0);
@@ -80,6 +89,7 @@ TEST(Wallet, ChoosingOrCancellingLeadsBackToWhereTheListWasOpenedFrom) {
     EXPECT_EQ(list.screen(), list.before);
     EXPECT_EQ(list.shown("cardHintView"), "xxx-0009");
     list.tap("cardView");
+    EXPECT_EQ(list.marked(), "xxx-0009");
     list.tap("addCardButton");
     EXPECT_EQ(list.screen(), "AddCard");
   }

@@ -24,11 +24,20 @@
 
 namespace orlix::shell {
 
+/// Every screen of the storyboard.
+inline constexpr const char* kScreens[] = {
+    "Waiting",          "Product",           "Activation",
+    "CountryCode",      "ActivationCode",    "MsisdnRelink",
+    "AddCard",          "CardValidation",    "Cards",
+    "SecureCode",       "3DAuthSecureCode",  "TermsAndConditionChange",
+    "WalletManagement", "TermsAndConditions"};
+
 /// The phone in virtual time, its screens drawn in a window without a display. The host's own
 /// window is white, with one field of its own.
 class DrawnPhone {
  public:
-  explicit DrawnPhone(QSize size = {375, 667}, std::chrono::milliseconds fade = {}) {
+  explicit DrawnPhone(QSize size = {375, 667},
+                      DrawingTimes times = {.fade = {}, .appear = {}, .stay = {}}) {
     prepareEngine(engine_, std::make_shared<CompiledBundle>());
     window.resize(size);
     QQmlComponent host(&engine_);
@@ -36,7 +45,7 @@ class DrawnPhone {
                  QUrl());
     hostField.reset(qobject_cast<QQuickItem*>(host.create()));
     hostField->setParentItem(window.contentItem());
-    presenter_ = std::make_unique<ScreenPresenter>(engine_, window, fade);
+    presenter_ = std::make_unique<ScreenPresenter>(engine_, window, times);
     phone.host.application().setObserver(presenter_.get());
     window.show();
     window.requestActivate();
@@ -62,9 +71,42 @@ class DrawnPhone {
     }
     finger.bringUpToDate();
   }
+  /// A session with two cards, the first of which asks for an amount, the CVV and the PIN.
+  void startSession() {
+    for (const char* path : {"/card/scUrl", "/card/get3dsValidateUrl"}) {
+      phone.wallet.always(path, ServerReply().silence());
+    }
+    phone.wallet.codeInfo =
+        R"({"code":"C-1","merchantName":"Household Goods and Gardening Supplies","currency":"ZAR",)"
+        R"("amountString":"","amount":"1234567890.00"})";
+    phone.wallet.cards = {cardJson(5, "4242", R"(,"method":"AMT","needCvv":true)"),
+                          cardJson(6, "1111")};
+    phone.showPaymentScreen();
+    settle();
+  }
+  /// Presents this screen instead of what is presented, with all of its groups shown.
+  std::shared_ptr<ViewController> open(const std::string& identifier) {
+    phone.host.root()->dismiss(false);
+    phone.indicator().dismiss();
+    const auto made = phone.host.application().storyboard().make(identifier);
+    phone.host.root()->present(made, false);
+    const auto child = made->visibleChild();
+    const auto screen = child ? child : made;
+    for (const char* const group : {"cardAccountGroupView", "dobGroupView"}) {
+      if (const auto view = screen->outletNamed(group)) {
+        view->setHidden(false);
+        view->setSubviewsHidden(false);
+      }
+    }
+    settle();
+    phone.indicator().dismiss();  // a page is still loading
+    settle();
+    return screen;
+  }
   QQuickItem* content() const { return presenter_->top() ? presenter_->top()->content() : nullptr; }
   /// Identifier of the screen that is drawn on top.
   std::string screen() const { return presenter_->top()->controller()->identifier(); }
+  ScreenPresenter& presenter() { return *presenter_; }
   QQuickItem& item(const char* name) const { return *findItem(*content(), QString(name)); }
   void touch(const char* name) {
     finger.touch(item(name), name);
@@ -78,6 +120,14 @@ class DrawnPhone {
     for (const char digit : digits) {
       key(digit, std::string(1, digit).c_str());
     }
+  }
+  /// Takes the keyboard away from whatever has it on the screen.
+  void dropFocus() {
+    for (QQuickItem* item = window.activeFocusItem(); item != nullptr && item != content();
+         item = item->parentItem()) {
+      item->setFocus(false);
+    }
+    settle();
   }
   std::string focus() const { return focusIn(window); }
   /// The plate of the progress indicator and the mask that holds touches back, as far as they are

@@ -1,33 +1,22 @@
 // SPDX-License-Identifier: Apache-2.0
 
-// What every screen must be like, upright and in landscape, with the longest texts in use.
+// What every screen must be like, upright and in landscape, with the longest texts in use. Also run
+// with larger texts (see CMakeLists.txt).
 
+#include <QFontMetricsF>
 #include <QQmlEngine>
 #include <QQmlExpression>
+#include <QScreen>
+#include <map>
 
 #include <gtest/gtest.h>
 
 #include "orlixkit/checkout/OXUtil.h"
 #include "tests/shell/DrawnPhone.h"
+#include "tests/shell/Look.h"
 
 namespace orlix::shell {
 namespace {
-
-QRectF inScene(const QQuickItem& item) {
-  return item.mapRectToScene({0, 0, item.width(), item.height()});
-}
-
-/// All that can be seen of the item, itself included.
-std::vector<QQuickItem*> seen(QQuickItem& root) {
-  std::vector<QQuickItem*> found;
-  findItem(root, [&found](const QQuickItem& item) {
-    if (item.isVisible() && item.width() > 0 && item.height() > 0) {
-      found.push_back(const_cast<QQuickItem*>(&item));
-    }
-    return false;
-  });
-  return found;
-}
 
 /// As a host with a keyboard of its own does; -1 for none.
 void raiseKeyboard(QQuickItem& content, int height) {
@@ -35,6 +24,10 @@ void raiseKeyboard(QQuickItem& content, int height) {
   QQmlExpression expression(qmlContext(&content), &content, script);
   expression.evaluate();
   ASSERT_FALSE(expression.hasError()) << expression.error().toString().toStdString();
+}
+
+bool isText(const QQuickItem& item) {
+  return item.inherits("QQuickText") && !item.property("text").toString().isEmpty();
 }
 
 /// A screen of the library, drawn, and what is wrong with it.
@@ -53,31 +46,68 @@ class Look {
  private:
   void remark(const std::string& text) { remarks_ += screen_.identifier() + ": " + text + "\n"; }
 
+  /// Whole, inside all that cuts off what is in it once it has been scrolled to.
   void texts() {
-    for (const QQuickItem* item : items_) {
-      if (item->property("truncated").toBool()) {
-        remark("cut off: " + item->property("text").toString().toStdString());
+    for (QQuickItem* item : items_) {
+      if (!isText(*item)) {
+        continue;
+      }
+      const std::string text = item->property("text").toString().toStdString();
+      if (item->property("truncated").toBool() ||
+          item->property("contentHeight").toDouble() > item->height() + 1 ||
+          item->property("contentWidth").toDouble() > item->width() + 1) {
+        remark("cut off: " + text);
+      }
+      const QFontMetricsF metrics(item->property("font").value<QFont>());
+      for (const QString& word : item->property("text").toString().split(u' ')) {
+        // A text that shrinks is on one line.
+        if (item->property("lineCount").toInt() > 1 &&
+            metrics.horizontalAdvance(word) > item->width() + 1) {
+          remark("a word is broken: " + word.toStdString());
+        }
+      }
+      for (const QQuickItem* above = item->parentItem(); above != phone_.content();
+           above = above->parentItem()) {
+        const bool scrolls = above->inherits("QQuickFlickable");
+        const QRectF room(0, 0, above->width(), above->height());
+        const QRectF in = above->mapRectFromItem(item, {0, 0, item->width(), item->height()});
+        if (scrolls && (in.left() < -1 || in.right() > room.right() + 1)) {
+          remark("beside its list: " + text);
+        }
+        if (scrolls) {
+          break;
+        }
+        if (above->clip() && !room.adjusted(-1, -1, 1, 1).contains(in)) {
+          remark("clipped: " + text);
+        }
       }
     }
   }
 
-  /// Each in the window, and none on another. Rows of a list are not outlets.
+  /// Each can be brought whole into the window, and none is on another. Rows of a list are not
+  /// outlets.
   void outlets() {
-    std::vector<const QQuickItem*> drawn;
-    for (const QQuickItem* item : items_) {
+    std::vector<QQuickItem*> drawn;
+    for (QQuickItem* item : items_) {
       const auto view = screen_.outletNamed(item->objectName().toStdString());
-      if (view && (view->subviews().empty() || view->onTap)) {
+      const bool isControl = screen_.hasAction(item->objectName().toStdString());
+      if (isControl || (view && (view->subviews().empty() || view->onTap))) {
         drawn.push_back(item);
       }
     }
     const QRectF window({0, 0}, QSizeF(phone_.window.size()));
-    for (const QQuickItem* one : drawn) {
-      if (!window.contains(inScene(*one))) {
+    for (QQuickItem* one : drawn) {
+      QMetaObject::invokeMethod(phone_.content(), "reveal", Q_ARG(QQuickItem*, one));
+      const QRectF part = seenPart(*one, phone_.window);
+      const QRectF whole = inScene(*one);
+      const bool isLong = one->height() > window.height() / 3;  // read by scrolling
+      if (!window.contains(whole) ? !isLong : part.height() < std::min(whole.height(), 40.0) - 1) {
         remark(nameOf(one) + " is not whole in the window");
       }
       for (const QQuickItem* other : drawn) {
         const bool apart = one == other || one->isAncestorOf(other) || other->isAncestorOf(one);
-        if (!apart && inScene(*one).intersects(inScene(*other))) {
+        if (!apart && inScene(*one).intersects(inScene(*other)) &&
+            seenPart(*one, phone_.window).intersects(seenPart(*other, phone_.window))) {
           remark(nameOf(one) + " lies on " + nameOf(other));
         }
       }
@@ -91,9 +121,12 @@ class Look {
       if (!item->inherits("QQuickTextInput")) {
         continue;
       }
-      for (int keyboard = 20; keyboard < phone_.window.height() - 60; keyboard += 20) {
+      for (int keyboard = 20; keyboard < phone_.window.height() - 60 - item->height();
+           keyboard += 20) {
         raiseKeyboard(content, keyboard);
+        phone_.dropFocus();
         item->forceActiveFocus();
+        QCoreApplication::processEvents();
         phone_.finger.bringUpToDate();
         // Where it comes to stand, once the sheet has been lifted.
         const double top = item->mapToItem(&content, QPointF(0, 0)).y() + content.y() -
@@ -102,7 +135,6 @@ class Look {
           remark(nameOf(item) + " is covered by a keyboard of " + std::to_string(keyboard));
         }
         raiseKeyboard(content, -1);
-        content.forceActiveFocus();
       }
     }
   }
@@ -113,40 +145,87 @@ class Look {
   std::string remarks_;
 };
 
+/// Each as large as a phone's screen of so many pixels is in points: with QT_FONT_DPI a point has
+/// more pixels.
+std::vector<QSize> windows() {
+  const double pixels = QGuiApplication::primaryScreen()->devicePixelRatio();
+  return {QSize(375, 667) / pixels, QSize(667, 320) / pixels};
+}
+
+void expectWholeScreens(QSize window, double textScale) {
+  SCOPED_TRACE(std::to_string(window.width()) + " wide, texts of " + std::to_string(textScale));
+  DrawnPhone drawn(window);
+  drawn.presenter().setLook({.textScale = textScale});
+  drawn.startSession();
+  EXPECT_EQ(Look(drawn, *drawn.phone.host.topController()).remarks(), "");
+  for (const char* const identifier : kScreens) {
+    const auto screen = drawn.open(identifier);
+    ASSERT_NE(drawn.content(), nullptr) << identifier;
+    EXPECT_EQ(Look(drawn, *screen).remarks(), "");
+  }
+  OXUtil::showAlertWithTitle("Warning", std::string(2000, 'x'));
+  drawn.settle();
+  EXPECT_TRUE(QRectF({0, 0}, QSizeF(window)).contains(inScene(drawn.item("alert.button0"))));
+}
+
 TEST(Layout, EveryScreenIsWholeAndItsFieldsStandAboveAKeyboardOfAnyHeight) {
-  for (const QSize window : {QSize(375, 667), QSize(667, 320)}) {
-    DrawnPhone drawn(window);
-    ScriptedWallet& wallet = drawn.phone.wallet;
-    wallet.codeInfo =
-        R"({"code":"C-1","merchantName":"Household Goods and Gardening Supplies","currency":"ZAR",)"
-        R"("amountString":"","amount":"1234567890.00"})";
-    wallet.cards = {cardJson(5, "4242", R"(,"method":"AMT","needCvv":true)")};
-    drawn.phone.showPaymentScreen();
-    drawn.settle();
-    ASSERT_NE(drawn.content(), nullptr);
-    EXPECT_EQ(Look(drawn, *drawn.phone.host.topController()).remarks(), "") << window.width();
-    for (const char* const identifier :
-         {"Activation", "CountryCode", "ActivationCode", "MsisdnRelink", "AddCard",
-          "CardValidation", "Cards", "WalletManagement", "TermsAndConditionChange"}) {
-      drawn.phone.host.root()->dismiss(false);
-      const auto made = drawn.phone.host.application().storyboard().make(identifier);
-      drawn.phone.host.root()->present(made, false);
-      const auto child = made->visibleChild();
-      const auto& screen = child ? child : made;
-      for (const char* const group : {"cardAccountGroupView", "dobGroupView"}) {
-        if (const auto view = screen->outletNamed(group)) {
-          view->setHidden(false);
-          view->setSubviewsHidden(false);
-        }
-      }
-      drawn.settle();
-      ASSERT_NE(drawn.content(), nullptr) << identifier;
-      EXPECT_EQ(Look(drawn, *screen).remarks(), "") << window.width() << " wide";
+  for (const QSize window : windows()) {
+    expectWholeScreens(window, 1);
+  }
+}
+
+TEST(Layout, EveryScreenIsWholeWithTextsOfTwiceTheSize) {
+  for (const double textScale : {1.5, 2.0}) {
+    for (const QSize window : {QSize(375, 667), QSize(667, 320)}) {
+      expectWholeScreens(window, textScale);
     }
-    OXUtil::showAlertWithTitle("Warning", std::string(2000, 'x'));
-    drawn.settle();
-    const QRectF whole({0, 0}, QSizeF(window));
-    EXPECT_TRUE(whole.contains(inScene(drawn.item("alert.button0")))) << window.width();
+  }
+}
+
+TEST(Layout, TextsAreAsLargeAsTheOptionSays) {
+  DrawnPhone drawn;
+  drawn.startSession();
+  const auto size = [&] {
+    return drawn.item("merchantView").property("font").value<QFont>().pixelSize();
+  };
+  EXPECT_EQ(size(), 16);
+  drawn.presenter().setLook({.textScale = 2});
+  EXPECT_EQ(size(), 32);
+}
+
+/// Where each outlet and each text of the screen is, in the sheet.
+std::map<std::string, QRectF> places(DrawnPhone& phone) {
+  std::map<std::string, QRectF> found;
+  for (const QQuickItem* item : seen(*phone.content())) {
+    const std::string name = item->objectName().toStdString();
+    if (!name.empty() && name != "header") {
+      found[name] = phone.content()->mapRectFromItem(item, {0, 0, item->width(), item->height()});
+    }
+  }
+  return found;
+}
+
+TEST(Layout, IsMirroredFromRightToLeft) {
+  DrawnPhone phone;
+  phone.startSession();
+  for (const char* const identifier : kScreens) {
+    phone.open(identifier);
+    const auto before = places(phone);
+    QGuiApplication::setLayoutDirection(Qt::RightToLeft);
+    phone.settle();
+    const auto mirrored = places(phone);
+    for (const QQuickItem* item : seen(*phone.content())) {
+      EXPECT_TRUE(!isText(*item) ||
+                  item->property("effectiveHorizontalAlignment").toInt() != Qt::AlignLeft)
+          << identifier << ": " << item->property("text").toString().toStdString();
+    }
+    QGuiApplication::setLayoutDirection(Qt::LeftToRight);
+    phone.settle();
+    EXPECT_EQ(mirrored.size(), before.size());
+    const double width = phone.content()->width();
+    for (const auto& [name, place] : before) {
+      EXPECT_NEAR(mirrored.at(name).left(), width - place.right(), 1) << identifier << " " << name;
+    }
   }
 }
 

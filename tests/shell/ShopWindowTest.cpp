@@ -68,6 +68,10 @@ TEST(ShopWindow, ABuyerNeedsNoMouseAndReadsHowItEnded) {
   buyer.runUntil([&] { return buyer.text("outcomeTitle") != ""; });
   EXPECT_EQ(buyer.text("outcomeTitle"), "Thank you, it is paid");
   EXPECT_EQ(buyer.text("outcomeDetail"), "Reference 7000000001");
+  for (int tabs = 0; tabs < 3; ++tabs) {
+    EXPECT_EQ(shell::focusIn(buyer.shop.window()), "outcomeOk");
+    buyer.finger.press(Qt::Key_Tab, "\t");
+  }
   buyer.finger.press(Qt::Key_Return);
   buyer.finger.bringUpToDate();
   EXPECT_EQ(buyer.text("outcomeTitle"), "");

@@ -18,7 +18,10 @@ TEST(ShopOptions, HaveDefaultsAndThoseThatMakeNoSenseAreRefusedWithTheReason) {
   EXPECT_EQ(bare.system, 1);
   EXPECT_EQ(bare.server, "https://127.0.0.1:9/vello");
   EXPECT_EQ(bare.terms, "https://127.0.0.1:9/terms/tavlo.html");
-  EXPECT_FALSE(bare.location || bare.script);
+  EXPECT_FALSE(bare.location || bare.script || bare.darkColors || bare.rightToLeft);
+  const ShopOptions look = parseOptions(complete({"--colors", "dark", "--right-to-left"}));
+  EXPECT_EQ(look.darkColors, true);
+  EXPECT_TRUE(look.rightToLeft);
   const std::vector<std::pair<Arguments, std::string>> rows{
       {{}, "--server is required"},
       {{"--server", "https://h/vello", "--state", "s"}, "--anchor is required"},
@@ -34,6 +37,7 @@ TEST(ShopOptions, HaveDefaultsAndThoseThatMakeNoSenseAreRefusedWithTheReason) {
       {complete({"--window", "375"}), "--window needs WIDTHxHEIGHT"},
       {complete({"--window", "375x667x"}), "--window needs WIDTHxHEIGHT"},
       {complete({"--window", "0x-3"}), "--window needs WIDTHxHEIGHT"},
+      {complete({"--colors", "pink"}), "--colors is light or dark, not \"pink\""},
       {complete({"--location", "91,0"}), "--location needs LAT,LON"},
       {complete({"--location", "nan,0"}), "--location needs LAT,LON"},
       {complete({"--state", "t"}), "--state: At Most 1 required but received 2"},

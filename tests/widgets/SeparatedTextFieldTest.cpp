@@ -93,6 +93,17 @@ TEST(FormattedTextField, LaysItsDigitsOutAnewForAnotherPattern) {
   EXPECT_EQ(field->content().text(), "1234");
 }
 
+TEST(CardNumberField, KnowsTheBrandByTheFirstDigits) {
+  const std::pair<const char*, const char*> rows[] = {
+      {"", ""},       {"4", "visa"},   {"4000 1", "visa"}, {"5", "orbis"}, {"3", ""},
+      {"34", "amex"}, {"3 7", "amex"}, {"36", ""},         {"6", ""},      {"x4", ""}};
+  for (const auto& [digits, brand] : rows) {
+    const auto field = std::make_shared<CardNumberField>();
+    field->setText(digits);
+    EXPECT_EQ(field->brand(), brand) << digits;
+  }
+}
+
 TEST(CardNumberField, GroupsInFoursAndKeepsTheCaretWhereTheUserLeftIt) {
   const Row rows[] = {
       {"four digits", "4000", kNone, "", "4000|"},

@@ -15,9 +15,9 @@ Rectangle {
 
     implicitHeight: Math.max(88, content.implicitHeight + 24)
     radius: 14
-    color: "white"
+    color: ShopTheme.plate
     border.width: 1
-    border.color: "#e2e7e4"
+    border.color: ShopTheme.edge
 
     RowLayout {
         id: content
@@ -43,9 +43,9 @@ Rectangle {
                 Layout.fillWidth: true
                 text: root.article.name
                 textFormat: Text.PlainText
-                color: "#14211b"
+                color: ShopTheme.ink
                 font.family: "Inter"
-                font.pixelSize: 15
+                font.pixelSize: ShopTheme.points(15)
                 font.weight: Font.DemiBold
                 wrapMode: Text.Wrap
                 Accessible.role: Accessible.StaticText
@@ -56,9 +56,9 @@ Rectangle {
                 Layout.fillWidth: true
                 text: root.article.detail
                 textFormat: Text.PlainText
-                color: "#5d6b64"
+                color: ShopTheme.mutedInk
                 font.family: "Inter"
-                font.pixelSize: 12
+                font.pixelSize: ShopTheme.points(12)
                 wrapMode: Text.Wrap
                 Accessible.role: Accessible.StaticText
                 Accessible.name: text
@@ -67,9 +67,9 @@ Rectangle {
             Text {
                 text: root.article.price
                 textFormat: Text.PlainText
-                color: "#15694c"
+                color: ShopTheme.price
                 font.family: "Inter"
-                font.pixelSize: 15
+                font.pixelSize: ShopTheme.points(15)
                 font.weight: Font.Bold
                 Accessible.role: Accessible.StaticText
                 Accessible.name: text

@@ -38,6 +38,15 @@ Ports drawnPorts(const ShopOptions& options, QQmlEngine& engine) {
   }
 }
 
+shell::LookOptions lookFor(const ShopOptions& options) {
+  shell::LookOptions look;
+  look.reducedMotion = options.reducedMotion;
+  if (options.darkColors) {
+    look.colors = *options.darkColors ? shell::ColorScheme::dark : shell::ColorScheme::light;
+  }
+  return look;
+}
+
 }  // namespace
 
 void DrawnShop::prepareEnvironment() {
@@ -68,6 +77,10 @@ DrawnShop::DrawnShop(const ShopOptions& options, std::ostream& out, std::ostream
         *options.messages, [this](const QString& line) { counter_->addMessage(line); });
   }
   presenter_ = std::make_unique<shell::ScreenPresenter>(engine_, window_);
+  presenter_->setLook(lookFor(options));
+  if (options.rightToLeft) {
+    QGuiApplication::setLayoutDirection(Qt::RightToLeft);
+  }
   QObject::connect(presenter_.get(), &shell::ScreenPresenter::emptied, counter_.get(), [this] {
     // The outcome comes by the main queue once the screens are gone, so only what
     // runs after that can tell that none has come.

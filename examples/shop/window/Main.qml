@@ -10,34 +10,47 @@ Rectangle {
     id: root
 
     required property var shop
+
+    LayoutMirroring.enabled: orlixLook.mirrored // qmllint disable unqualified
+    LayoutMirroring.childrenInherit: true
     readonly property bool wide: root.width > 560
 
-    color: "#f3f6f4"
+    color: ShopTheme.page
 
     Rectangle {
         id: bar
 
+        // Name and switch, one below the other where they are too wide.
+        readonly property bool stacked: root.width < ShopTheme.points(280)
+
+        enabled: !panel.visible
         width: root.width
-        height: root.height < 400 ? 52 : 64
-        color: "#15694c"
+        height: bar.stacked ? heading.height + liveSwitch.height + 18
+                            : Math.max(root.height < 400 ? 52 : 64, liveSwitch.height + 12)
+        color: ShopTheme.bar
 
         Text {
-            x: 18
-            anchors.verticalCenter: parent.verticalCenter
+            id: heading
+
+            anchors.left: parent.left
+            anchors.leftMargin: 18
+            y: bar.stacked ? 6 : (bar.height - height) / 2
             text: "Corner Shop"
             color: "white"
             font.family: "Inter"
-            font.pixelSize: 21
+            font.pixelSize: ShopTheme.points(21)
             font.weight: Font.Bold
             Accessible.role: Accessible.Heading
             Accessible.name: text
         }
 
         SystemSwitch {
+            id: liveSwitch
+
             objectName: "systemSwitch"
             anchors.right: parent.right
             anchors.rightMargin: 16
-            anchors.verticalCenter: parent.verticalCenter
+            y: bar.stacked ? bar.height - height - 6 : (bar.height - height) / 2
             enabled: !root.shop.busy
             checked: root.shop.live
             onToggled: {
@@ -50,6 +63,7 @@ Rectangle {
     Flickable {
         id: shelf
 
+        enabled: !panel.visible
         anchors.top: bar.bottom
         anchors.bottom: messages.top
         width: root.width
@@ -94,19 +108,20 @@ Rectangle {
         width: root.width
         height: root.shop.messages.length > 0 ? newest.implicitHeight + 20 : 0
         visible: height > 0
-        color: "#fff6dd"
+        color: ShopTheme.messageFill
 
         Text {
             id: newest
 
             x: 16
             width: parent.width - 32
+            horizontalAlignment: Text.AlignLeft
             anchors.verticalCenter: parent.verticalCenter
             text: root.shop.messages.length > 0 ? root.shop.messages[0] : ""
             textFormat: Text.PlainText
-            color: "#5c4300"
+            color: ShopTheme.messageInk
             font.family: "Inter"
-            font.pixelSize: 14
+            font.pixelSize: ShopTheme.points(14)
             wrapMode: Text.Wrap
             Accessible.role: Accessible.StaticText
             Accessible.name: text
@@ -116,15 +131,16 @@ Rectangle {
     Rectangle {
         id: foot
 
+        enabled: !panel.visible
         anchors.bottom: parent.bottom
         width: root.width
-        height: root.height < 400 ? 56 : 72
-        color: "white"
+        height: register.implicitHeight + (root.height < 400 ? 16 : 26)
+        color: ShopTheme.plate
 
         Rectangle {
             width: parent.width
             height: 1
-            color: "#e2e7e4"
+            color: ShopTheme.edge
         }
 
         RowLayout {
@@ -134,10 +150,12 @@ Rectangle {
             spacing: 10
 
             ShopButton {
+                id: register
+
                 objectName: "register"
                 Layout.fillWidth: true
                 Layout.preferredWidth: 1
-                implicitHeight: root.height < 400 ? 40 : 46
+                implicitHeight: ShopTheme.points(root.height < 400 ? 40 : 46)
                 filled: false
                 text: "Register"
                 enabled: !root.shop.busy
@@ -148,7 +166,7 @@ Rectangle {
                 objectName: "wallet"
                 Layout.fillWidth: true
                 Layout.preferredWidth: 1
-                implicitHeight: root.height < 400 ? 40 : 46
+                implicitHeight: ShopTheme.points(root.height < 400 ? 40 : 46)
                 filled: false
                 text: "Wallet"
                 enabled: !root.shop.busy
@@ -158,6 +176,8 @@ Rectangle {
     }
 
     OutcomePanel {
+        id: panel
+
         anchors.fill: parent
         outcome: root.shop.outcome
         onClosed: root.shop.clearOutcome()

@@ -15,8 +15,8 @@ FocusScope {
     readonly property string title: root.outcome !== null ? root.outcome.title : ""
     readonly property string detail: root.outcome !== null ? root.outcome.detail : ""
     readonly property string tone: root.outcome !== null ? root.outcome.tone : ""
-    readonly property color toneColor: root.tone === "good" ? "#15803d"
-                                       : root.tone === "bad" ? "#b42318" : "#475467"
+    readonly property color toneColor: root.tone === "good" ? ShopTheme.good
+                                       : root.tone === "bad" ? ShopTheme.bad : ShopTheme.neutral
 
     visible: root.outcome !== null
 
@@ -49,79 +49,88 @@ FocusScope {
         anchors.bottom: parent.bottom
         anchors.bottomMargin: 12
         width: Math.min(420, root.width - 32)
-        height: content.implicitHeight + 40
+        height: Math.min(content.implicitHeight + 40, root.height - 24)
         radius: 18
-        color: "white"
+        color: ShopTheme.plate
 
         MouseArea {
             anchors.fill: parent
         }
 
-        ColumnLayout {
-            id: content
+        // Large texts in a low window are scrolled.
+        Flickable {
+            id: scroll
 
-            anchors.left: parent.left
-            anchors.right: parent.right
-            anchors.top: parent.top
+            anchors.fill: parent
             anchors.margins: 20
-            spacing: 8
+            contentHeight: content.implicitHeight
+            boundsBehavior: Flickable.StopAtBounds
+            interactive: scroll.contentHeight > scroll.height
+            clip: scroll.interactive
 
-            Rectangle {
-                Layout.alignment: Qt.AlignHCenter
-                implicitWidth: 48
-                implicitHeight: 48
-                radius: 24
-                color: root.toneColor
+            ColumnLayout {
+                id: content
+
+                width: scroll.width
+                spacing: 8
+
+                Rectangle {
+                    Layout.alignment: Qt.AlignHCenter
+                    implicitWidth: 48
+                    implicitHeight: 48
+                    radius: 24
+                    color: root.toneColor
+
+                    Text {
+                        anchors.centerIn: parent
+                        text: root.tone === "good" ? "\u2713" : root.tone === "bad" ? "!" : "i"
+                        color: ShopTheme.plate
+                        font.family: "Inter"
+                        font.pixelSize: ShopTheme.points(24)
+                        font.weight: Font.Bold
+                        Accessible.ignored: true
+                    }
+                }
 
                 Text {
-                    anchors.centerIn: parent
-                    text: root.tone === "good" ? "\u2713" : root.tone === "bad" ? "!" : "i"
-                    color: "white"
+                    objectName: "outcomeTitle"
+                    Layout.fillWidth: true
+                    text: root.title
+                    textFormat: Text.PlainText
+                    color: root.toneColor
                     font.family: "Inter"
-                    font.pixelSize: 24
+                    font.pixelSize: ShopTheme.points(20)
                     font.weight: Font.Bold
-                    Accessible.ignored: true
+                    wrapMode: Text.Wrap
+                    horizontalAlignment: Text.AlignHCenter
+                    Accessible.role: Accessible.Heading
+                    Accessible.name: text
                 }
-            }
 
-            Text {
-                objectName: "outcomeTitle"
-                Layout.fillWidth: true
-                text: root.title
-                textFormat: Text.PlainText
-                color: root.toneColor
-                font.family: "Inter"
-                font.pixelSize: 20
-                font.weight: Font.Bold
-                wrapMode: Text.Wrap
-                horizontalAlignment: Text.AlignHCenter
-                Accessible.role: Accessible.Heading
-                Accessible.name: text
-            }
+                Text {
+                    objectName: "outcomeDetail"
+                    Layout.fillWidth: true
+                    visible: text !== ""
+                    text: root.detail
+                    textFormat: Text.PlainText
+                    color: ShopTheme.ink
+                    font.family: "Inter"
+                    font.pixelSize: ShopTheme.points(15)
+                    wrapMode: Text.Wrap
+                    horizontalAlignment: Text.AlignHCenter
+                    Accessible.role: Accessible.StaticText
+                    Accessible.name: text
+                }
 
-            Text {
-                objectName: "outcomeDetail"
-                Layout.fillWidth: true
-                visible: text !== ""
-                text: root.detail
-                textFormat: Text.PlainText
-                color: "#344054"
-                font.family: "Inter"
-                font.pixelSize: 15
-                wrapMode: Text.Wrap
-                horizontalAlignment: Text.AlignHCenter
-                Accessible.role: Accessible.StaticText
-                Accessible.name: text
-            }
-
-            ShopButton {
-                objectName: "outcomeOk"
-                Layout.fillWidth: true
-                Layout.topMargin: 8
-                implicitHeight: 46
-                focus: true
-                text: "Ok"
-                onClicked: root.closed()
+                ShopButton {
+                    objectName: "outcomeOk"
+                    Layout.fillWidth: true
+                    Layout.topMargin: 8
+                    implicitHeight: ShopTheme.points(46)
+                    focus: true
+                    text: "Ok"
+                    onClicked: root.closed()
+                }
             }
         }
     }

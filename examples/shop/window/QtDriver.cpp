@@ -184,6 +184,7 @@ void QtDriver::snapshot(const std::string& name) {
   if (name.empty() || name.front() == '.' || name.find('/') != std::string::npos) {
     throw ScriptError("\"" + name + "\" is no name for a picture");
   }
+  presenter_.endDelays();
   std::filesystem::create_directories(*snapshots_);
   const std::filesystem::path file = std::filesystem::path(*snapshots_) / (name + ".png");
   if (!presenter_.window().grabWindow().save(QString::fromStdString(file.string()))) {

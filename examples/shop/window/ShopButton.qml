@@ -10,7 +10,7 @@ T.Button {
     property bool filled: true
 
     implicitWidth: implicitContentWidth + 32
-    implicitHeight: 40
+    implicitHeight: ShopTheme.points(40)
     opacity: root.enabled ? 1 : 0.45
 
     Accessible.role: Accessible.Button
@@ -22,9 +22,10 @@ T.Button {
 
     background: Rectangle {
         radius: 10
-        color: root.filled ? (root.down ? "#0d4a35" : "#15694c") : root.down ? "#dfe6e2" : "white"
+        color: root.filled ? (root.down ? ShopTheme.buttonPressed : ShopTheme.button)
+                           : root.down ? ShopTheme.platePressed : ShopTheme.plate
         border.width: root.filled ? 0 : 1
-        border.color: "#b9c6bf"
+        border.color: ShopTheme.buttonLine
 
         Rectangle {
             anchors.fill: parent
@@ -32,16 +33,16 @@ T.Button {
             radius: 13
             color: "transparent"
             border.width: 2
-            border.color: "#f2a93b"
+            border.color: ShopTheme.ring
             visible: root.visualFocus
         }
     }
 
     contentItem: Text {
         text: root.text
-        color: root.filled ? "white" : "#1d2b25"
+        color: root.filled ? "white" : ShopTheme.ink
         font.family: "Inter"
-        font.pixelSize: 15
+        font.pixelSize: ShopTheme.points(15)
         font.weight: Font.DemiBold
         horizontalAlignment: Text.AlignHCenter
         verticalAlignment: Text.AlignVCenter

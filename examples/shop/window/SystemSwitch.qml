@@ -9,8 +9,8 @@ import QtQuick.Templates as T
 T.Switch {
     id: root
 
-    implicitWidth: 116
-    implicitHeight: 34
+    implicitWidth: ShopTheme.points(116)
+    implicitHeight: ShopTheme.points(34)
     opacity: root.enabled ? 1 : 0.45
 
     Accessible.role: Accessible.CheckBox
@@ -25,17 +25,17 @@ T.Switch {
 
     indicator: Rectangle {
         anchors.fill: parent
-        radius: 17
+        radius: height / 2
         color: "#0e5039"
         border.width: root.visualFocus ? 2 : 0
         border.color: "#f2a93b"
 
         Rectangle {
-            x: root.checked ? parent.width / 2 : 3
+            x: root.checked !== root.mirrored ? parent.width / 2 : 3
             y: 3
             width: parent.width / 2 - 3
             height: parent.height - 6
-            radius: 14
+            radius: height / 2
             color: root.checked ? "white" : "#ffc93c"
         }
 
@@ -49,12 +49,12 @@ T.Switch {
                     required property int index
                     required property string modelData
 
-                    width: 58
-                    height: 34
+                    width: root.width / 2
+                    height: root.height
                     text: modelData
                     color: root.checked === (index === 1) ? "#14211b" : "#b9d3c7"
                     font.family: "Inter"
-                    font.pixelSize: 13
+                    font.pixelSize: ShopTheme.points(13)
                     font.weight: Font.DemiBold
                     horizontalAlignment: Text.AlignHCenter
                     verticalAlignment: Text.AlignVCenter

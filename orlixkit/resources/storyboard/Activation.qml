@@ -14,6 +14,7 @@ OxSheet {
 
     OxKeyboardScroll {
         sheet: sheet
+        bar: done
 
         OxTitle {
             id: heading
@@ -22,14 +23,16 @@ OxSheet {
             text: "Your mobile number"
         }
 
-        RowLayout {
+        GridLayout {
             Layout.fillWidth: true
-            spacing: 8
+            columns: sheet.narrow ? 1 : 2
+            columnSpacing: 8
+            rowSpacing: sheet.gap
 
             OxDropDown {
                 outlet: sheet.screen.countryCodeField
                 overlay: sheet
-                Layout.preferredWidth: 100
+                Layout.preferredWidth: OxTheme.points(100)
                 compact: sheet.compact
                 caption: "Code"
                 prefix: "+"
@@ -53,6 +56,8 @@ OxSheet {
     }
 
     OxKeyboardBar {
+        id: done
+
         field: number
         actionName: "DoneClicked"
         onClicked: sheet.screen.perform("DoneClicked")
@@ -64,7 +69,8 @@ OxSheet {
 
             outlet: sheet.screen.cancelButton
             actionName: "cancelAction"
-            Layout.preferredWidth: 92
+            Layout.preferredWidth: OxTheme.points(92)
+            Layout.fillWidth: sheet.narrow
             compact: sheet.compact
         }
 

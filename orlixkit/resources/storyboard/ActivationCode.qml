@@ -14,6 +14,7 @@ OxSheet {
 
     OxKeyboardScroll {
         sheet: sheet
+        bar: done
 
         OxTitle {
             id: heading
@@ -42,6 +43,8 @@ OxSheet {
     }
 
     OxKeyboardBar {
+        id: done
+
         field: code
         actionName: "DoneClicked"
         onClicked: sheet.screen.perform("DoneClicked")
@@ -53,7 +56,8 @@ OxSheet {
 
             outlet: sheet.screen.cancelButton
             actionName: "cancelAction"
-            Layout.preferredWidth: 92
+            Layout.preferredWidth: OxTheme.points(92)
+            Layout.fillWidth: sheet.narrow
             compact: sheet.compact
         }
 

@@ -34,14 +34,17 @@ OxSheet {
             compact: sheet.compact
         }
 
-        RowLayout {
+        GridLayout {
             Layout.fillWidth: true
-            spacing: 10
+            columns: sheet.narrow ? 1 : 2
+            columnSpacing: 10
+            rowSpacing: sheet.gap
 
             Item {
                 objectName: sheet.screen.expiryDateGroupView.name
                 visible: sheet.screen.expiryDateGroupView.shown
-                Layout.preferredWidth: 104
+                Layout.preferredWidth: OxTheme.points(104)
+                Layout.fillWidth: sheet.narrow
                 implicitHeight: expiry.implicitHeight
 
                 OxField {
@@ -95,7 +98,8 @@ OxSheet {
 
             outlet: sheet.screen.cancelButton
             actionName: "cancelAction"
-            Layout.preferredWidth: 92
+            Layout.preferredWidth: OxTheme.points(92)
+            Layout.fillWidth: sheet.narrow
             compact: sheet.compact
         }
 

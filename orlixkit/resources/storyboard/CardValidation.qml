@@ -54,7 +54,8 @@ OxSheet {
 
             outlet: sheet.screen.cancelButton
             actionName: "cancelAction"
-            Layout.preferredWidth: 92
+            Layout.preferredWidth: OxTheme.points(92)
+            Layout.fillWidth: sheet.narrow
             compact: sheet.compact
         }
 

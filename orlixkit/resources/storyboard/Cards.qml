@@ -11,6 +11,7 @@ OxSheet {
     ribbon: true
     primary: main
     cancel: out
+    bodyHeight: sheet.enough
 
     head: Item {
         width: sheet.width
@@ -19,9 +20,10 @@ OxSheet {
         OxTitle {
             id: heading
 
-            x: sheet.margin
+            anchors.left: parent.left
+            anchors.leftMargin: sheet.margin
             y: sheet.compact ? 10 : 18
-            width: parent.width - 2 * x
+            width: parent.width - 2 * sheet.margin
             text: "Your cards"
         }
     }
@@ -42,7 +44,8 @@ OxSheet {
 
             outlet: sheet.screen.cancelButton
             actionName: "cancelAction"
-            Layout.preferredWidth: 92
+            Layout.preferredWidth: OxTheme.points(92)
+            Layout.fillWidth: sheet.narrow
             compact: sheet.compact
         }
 

@@ -9,6 +9,7 @@ OxSheet {
     title: "Country codes"
     ribbon: true
     cancel: bar.backItem
+    bodyHeight: sheet.enough
 
     head: OxNavigationBar {
         id: bar

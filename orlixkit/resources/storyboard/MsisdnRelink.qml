@@ -43,7 +43,8 @@ OxSheet {
 
             outlet: sheet.screen.backButton
             actionName: "back"
-            Layout.preferredWidth: 92
+            Layout.preferredWidth: OxTheme.points(92)
+            Layout.fillWidth: sheet.narrow
             compact: sheet.compact
         }
 

@@ -10,6 +10,7 @@ OxSheet {
     title: "Payment"
     primary: proceed
     cancel: cancel
+    keptInSight: amountRow
 
     head: Item {
         width: sheet.width
@@ -53,6 +54,9 @@ OxSheet {
         }
 
         RowLayout {
+            id: amountRow
+
+            objectName: "amount"
             Layout.alignment: Qt.AlignHCenter
             Layout.fillWidth: sheet.screen.amountGroupView.shown
             Layout.maximumWidth: sheet.width - 2 * sheet.margin
@@ -101,20 +105,23 @@ OxSheet {
         OxTapArea {
             outlet: sheet.screen.cardView
             Layout.fillWidth: true
-            implicitHeight: sheet.compact ? 44 : 54
+            implicitHeight: Math.max(sheet.compact ? 44 : 54, hint.implicitHeight + 12)
             text: sheet.screen.cardHintView.text
 
             OxImage {
                 id: brand
 
                 outlet: sheet.screen.cardImageView
-                x: 10
+                anchors.left: parent.left
+                anchors.leftMargin: 10
                 anchors.verticalCenter: parent.verticalCenter
                 width: sheet.compact ? 48 : 56
                 height: sheet.compact ? 31 : 36
             }
 
             OxLabel {
+                id: hint
+
                 outlet: sheet.screen.cardHintView
                 anchors.left: brand.right
                 anchors.leftMargin: 12
@@ -124,7 +131,8 @@ OxSheet {
                 font.weight: Font.DemiBold
                 verticalAlignment: Text.AlignVCenter
                 wrapMode: Text.NoWrap
-                elide: Text.ElideRight
+                fontSizeMode: Text.HorizontalFit
+                minimumPixelSize: 11
             }
 
             OxImage {
@@ -139,10 +147,12 @@ OxSheet {
             }
         }
 
-        RowLayout {
+        GridLayout {
             Layout.fillWidth: true
             Layout.topMargin: 2
-            spacing: 10
+            columns: sheet.narrow ? 1 : 2
+            columnSpacing: 10
+            rowSpacing: sheet.gap
 
             ColumnLayout {
                 objectName: sheet.screen.cvvGroupView.name
@@ -191,10 +201,10 @@ OxSheet {
             id: cancel
 
             objectName: "cancelAction"
-            Layout.preferredWidth: 92
+            Layout.preferredWidth: OxTheme.points(92)
+            Layout.fillWidth: sheet.narrow
             compact: sheet.compact
             enabled: sheet.screen.proceedButton.reachable
-            opacity: 1
             text: "CANCEL"
             onClicked: sheet.screen.perform("cancelAction")
         }

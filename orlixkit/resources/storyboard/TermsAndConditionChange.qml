@@ -36,7 +36,8 @@ OxSheet {
 
             outlet: sheet.screen.declineButton
             actionName: "declineAction"
-            Layout.preferredWidth: 92
+            Layout.preferredWidth: OxTheme.points(92)
+            Layout.fillWidth: sheet.narrow
             compact: sheet.compact
         }
 

@@ -9,6 +9,7 @@ OxSheet {
     title: "Terms and conditions"
     ribbon: true
     cancel: bar.backItem
+    bodyHeight: sheet.enough
 
     head: OxNavigationBar {
         id: bar

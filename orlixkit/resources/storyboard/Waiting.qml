@@ -6,7 +6,20 @@ import OrlixKit.Components
 OxSheet {
     id: sheet
 
-    title: "Please wait"
+    // How long the user waits, in milliseconds, before the screen says that it goes on trying.
+    property int patience: 10000
+
+    title: words.text
+
+    Timer {
+        id: patienceLost
+
+        property bool late: false
+
+        interval: sheet.patience
+        running: true
+        onTriggered: patienceLost.late = true
+    }
 
     OxPicture {
         anchors.horizontalCenter: parent.horizontalCenter
@@ -23,8 +36,31 @@ OxSheet {
         readonly property var outlet: sheet.screen.activityIndicator
 
         objectName: outlet.name
-        anchors.centerIn: parent
+        anchors.horizontalCenter: parent.horizontalCenter
+        // With the picture above it and the words below it in the middle.
+        y: (parent.height - height - words.height + 58) / 2
         visible: outlet.shown
         dotColor: outlet.color
+    }
+
+    Text {
+        id: words
+
+        objectName: "waitingFor"
+        anchors.horizontalCenter: parent.horizontalCenter
+        anchors.top: spinner.bottom
+        anchors.topMargin: 20
+        width: parent.width - 2 * sheet.margin
+        text: patienceLost.late
+              ? "Still trying to reach your wallet. On a slow network this takes a moment longer."
+              : "Connecting to your wallet"
+        textFormat: Text.PlainText
+        color: OxTheme.mutedText
+        font.family: OxTheme.family
+        font.pixelSize: OxTheme.points(15)
+        horizontalAlignment: Text.AlignHCenter
+        wrapMode: Text.Wrap
+        Accessible.role: Accessible.AlertMessage
+        Accessible.name: words.text
     }
 }

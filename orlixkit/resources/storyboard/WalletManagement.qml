@@ -26,14 +26,15 @@ OxSheet {
         OxTapArea {
             outlet: sheet.screen.cardView
             Layout.fillWidth: true
-            implicitHeight: sheet.compact ? 120 : 164
+            implicitHeight: Math.max(sheet.compact ? 120 : 164, 48 + 16 + 8 + hint.implicitHeight + 18)
             roundness: 14
             text: sheet.screen.cardHintView.text
 
-            contentItem: Rectangle {
+            Rectangle {
+                anchors.fill: parent
                 radius: 14
                 border.width: 1
-                border.color: OxTheme.fieldLine
+                border.color: OxTheme.line
                 gradient: Gradient {
                     GradientStop {
                         position: 0
@@ -55,6 +56,8 @@ OxSheet {
                 }
 
                 OxLabel {
+                    id: hint
+
                     outlet: sheet.screen.cardHintView
                     anchors.left: parent.left
                     anchors.right: parent.right
@@ -63,8 +66,6 @@ OxSheet {
                     size: 24
                     font.weight: Font.DemiBold
                     font.letterSpacing: 1
-                    wrapMode: Text.NoWrap
-                    elide: Text.ElideRight
                 }
             }
         }
@@ -74,7 +75,7 @@ OxSheet {
             text: "Tap the card to change your cards."
             color: OxTheme.mutedText
             font.family: OxTheme.family
-            font.pixelSize: 13
+            font.pixelSize: OxTheme.points(13)
             wrapMode: Text.Wrap
             horizontalAlignment: Text.AlignHCenter
             Accessible.role: Accessible.StaticText

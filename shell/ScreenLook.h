@@ -1,0 +1,59 @@
+// SPDX-License-Identifier: Apache-2.0
+
+#pragma once
+
+#include <QObject>
+#include <QQmlEngine>
+
+namespace orlix::shell {
+
+enum class ColorScheme {
+  fromPalette,  ///< light or dark, like the application's palette
+  light,
+  dark,
+};
+
+/// Options of the drawings.
+struct LookOptions {
+  ColorScheme colors = ColorScheme::fromPalette;
+  /// No fades, no sliding, no turning indicator.
+  bool reducedMotion = false;
+  /// Size of texts, from 1 to 3, for a platform whose text size Qt does not know.
+  double textScale = 1;
+};
+
+/// Look of all screens drawn by an engine; QML reads it as `orlixLook`. It follows the
+/// application's palette and direction, and the screen's text size. Colours set by the screen model
+/// (a sheet's background, buttons, alerts) are the same in both schemes. Main thread.
+class ScreenLook : public QObject {
+  Q_OBJECT
+  Q_PROPERTY(bool dark READ dark NOTIFY changed)
+  Q_PROPERTY(bool reducedMotion READ reducedMotion NOTIFY changed)
+  Q_PROPERTY(double textScale READ textScale NOTIFY changed)
+  Q_PROPERTY(bool mirrored READ mirrored NOTIFY changed)
+
+ public:
+  /// The engine's look, made on the first call and owned by the engine.
+  static ScreenLook& of(QQmlEngine& engine);
+
+  void setOptions(const LookOptions& options);
+  bool dark() const;
+  bool reducedMotion() const { return options_.reducedMotion; }
+  /// The option, times the screen's text size where Qt does not scale the whole window by it.
+  double textScale() const;
+  /// The application is laid out from right to left.
+  bool mirrored() const;
+
+ Q_SIGNALS:
+  void changed();
+
+ protected:
+  bool eventFilter(QObject* watched, QEvent* event) override;
+
+ private:
+  ScreenLook();
+
+  LookOptions options_;
+};
+
+}  // namespace orlix::shell

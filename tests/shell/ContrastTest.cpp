@@ -1,0 +1,159 @@
+// SPDX-License-Identifier: Apache-2.0
+
+// What can be told apart, measured in pictures of the screens.
+
+#include <QPalette>
+#include <set>
+
+#include "orlixkit/checkout/OXUtil.h"
+#include "orlixkit/ui/TextField.h"
+#include "tests/shell/Contrast.h"
+#include "tests/shell/DrawnPhone.h"
+#include "tests/shell/Look.h"
+
+namespace orlix::shell {
+namespace {
+
+constexpr double kText = 4.5;
+constexpr double kLine = 3;
+
+/// Whether the item and all that it is in can be used, and are drawn without transparency.
+bool isOpaque(const QQuickItem* item) {
+  for (; item != nullptr; item = item->parentItem()) {
+    if (item->opacity() < 1) {
+      return false;
+    }
+  }
+  return true;
+}
+
+std::string textsTooFaint(DrawnPhone& phone, QQuickItem& root) {
+  std::string faint;
+  const QImage picture = phone.window.grabWindow();
+  for (const QQuickItem* item : seen(root)) {
+    const QString text = item->property("text").toString();
+    const bool isText = item->inherits("QQuickText") || item->inherits("QQuickTextInput");
+    const QRect part = seenPart(*item, phone.window);
+    if (!isText || text.isEmpty() || part.isEmpty() || !isOpaque(item)) {
+      continue;
+    }
+    const double measured = textContrast(picture, part);
+    if (measured < kText) {
+      faint += nameOf(item) + " \"" + text.toStdString() + "\" " + std::to_string(measured) + "\n";
+    }
+  }
+  return faint;
+}
+
+/// The line around a field against what is outside and what is inside.
+std::string outlinesTooFaint(DrawnPhone& phone, const ViewController& screen) {
+  std::string faint;
+  const QImage picture = phone.window.grabWindow();
+  for (const std::string& name : screen.outletNames()) {
+    const QQuickItem* field = findItem(*phone.content(), QString::fromStdString(name));
+    if (!std::dynamic_pointer_cast<TextField>(screen.outletNamed(name)) || field == nullptr ||
+        !field->isVisible()) {
+      continue;
+    }
+    const QRect box = inScene(*field).toRect();
+    const int y = box.top() + box.height() / 4;
+    const QRgb line = picture.pixel(box.left(), y);
+    const double measured = std::min(contrast(line, picture.pixel(box.left() - 3, y)),
+                                     contrast(line, picture.pixel(box.left() + 4, y)));
+    if (measured < kLine) {
+      faint += name + " " + std::to_string(measured) + "\n";
+    }
+  }
+  return faint;
+}
+
+/// Goes round by Tab: at each control, pixels that the focus changes enough must be as many as
+/// twice the control is wide, as in a line around it.
+std::string ringsTooFaint(DrawnPhone& phone) {
+  std::string faint;
+  std::set<std::string> visited;
+  for (;;) {
+    phone.key(Qt::Key_Tab);
+    const std::string name = phone.focus();
+    if (name.empty() || !visited.insert(name).second) {
+      return faint;
+    }
+    QQuickItem& focus = *phone.window.activeFocusItem();
+    const QImage with = phone.window.grabWindow();
+    phone.dropFocus();
+    const QImage without = phone.window.grabWindow();
+    focus.forceActiveFocus(Qt::TabFocusReason);
+    int clear = 0;
+    for (int y = 0; y < with.height(); ++y) {
+      for (int x = 0; x < with.width(); ++x) {
+        clear += contrast(with.pixel(x, y), without.pixel(x, y)) >= kLine ? 1 : 0;
+      }
+    }
+    if (clear < 2 * seenPart(focus, phone.window).width()) {
+      faint += name + " " + std::to_string(clear) + "\n";
+    }
+  }
+}
+
+class Contrast : public testing::TestWithParam<ColorScheme> {};
+
+TEST_P(Contrast, TextsLinesAndTheFocusCanBeTold) {
+  DrawnPhone phone;
+  phone.presenter().setLook({.colors = GetParam()});
+  phone.startSession();
+  for (const char* const identifier : kScreens) {
+    SCOPED_TRACE(identifier);
+    const auto screen = phone.open(identifier);
+    phone.dropFocus();
+    EXPECT_EQ(textsTooFaint(phone, *phone.content()), "");
+    EXPECT_EQ(outlinesTooFaint(phone, *screen), "");
+    EXPECT_EQ(ringsTooFaint(phone), "");
+    phone.keys("1");  // a field is in focus, or nothing takes it
+    EXPECT_EQ(textsTooFaint(phone, *phone.content()), "") << "in focus";
+  }
+  phone.phone.indicator().show("Making Payment...", ProgressMask::gradient);
+  EXPECT_EQ(textsTooFaint(phone, *findItem(*phone.window.contentItem(), "progressIndicator")), "");
+}
+
+TEST(AlertContrast, OfTheWordsIsTheModels) {
+  DrawnPhone phone;
+  phone.startSession();
+  phone.phone.host.application().showAlert(
+      [] {
+        const auto alert = std::make_shared<AlertController>("Title", "Message");
+        alert->addAction({"Delete", AlertActionStyle::destructive, {}});
+        alert->addAction({"Cancel", AlertActionStyle::cancel, {}});
+        OXUtil::styleAlertController(*alert);
+        return alert;
+      }(),
+      false);
+  phone.settle();
+  const std::string faint = textsTooFaint(phone, *phone.content());
+  EXPECT_EQ(faint.substr(0, 11), "alert.title");
+  EXPECT_NE(faint.find("\nalert.message"), std::string::npos);
+  EXPECT_EQ(std::count(faint.begin(), faint.end(), '\n'), 2) << faint;
+}
+
+TEST(ColorSchemes, FollowThePaletteUnlessTheHostChoosesOne) {
+  DrawnPhone phone;
+  phone.startSession();
+  const auto fieldIsDark = [&] {
+    phone.settle();
+    const QPoint inside = inScene(phone.item("pinField")).center().toPoint() + QPoint(20, 0);
+    return luminance(phone.window.grabWindow().pixel(inside)) < 0.2;
+  };
+  const QPalette before = QGuiApplication::palette();
+  EXPECT_FALSE(fieldIsDark());
+  QGuiApplication::setPalette(QPalette(Qt::black));
+  EXPECT_TRUE(fieldIsDark());
+  phone.presenter().setLook({.colors = ColorScheme::light});
+  EXPECT_FALSE(fieldIsDark());
+  QGuiApplication::setPalette(before);
+  phone.presenter().setLook({.colors = ColorScheme::dark});
+  EXPECT_TRUE(fieldIsDark());
+}
+
+INSTANTIATE_TEST_SUITE_P(Schemes, Contrast, testing::Values(ColorScheme::light, ColorScheme::dark));
+
+}  // namespace
+}  // namespace orlix::shell
