@@ -41,7 +41,7 @@ TEST(ScriptParsing, ABadLineIsRefusedWithItsReason) {
       {"page scroll a", "does not know \"scroll\""},
       {"snapshot ../../etc/passwd", "needs a plain file name"},
       {"set a \"b", "a quote is not closed"},
-      {R"(set a "\n")", "a backslash in quotes"},
+      {R"(set a "\n")", "a backslash may only precede"},
       {"tap a\x01", "a control character"},
       {"tap \xC3\x28", "no UTF-8 text"},
       {"tap \xED\xA0\x80", "no UTF-8 text"},
