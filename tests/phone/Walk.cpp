@@ -221,7 +221,8 @@ bool Walk::happen(const std::string& name) {
 
 void Walk::happen(const Offer& offer, bool settles) {
   sentNow_.clear();
-  answersLeftScreen_ = paymentIsLost_ = false;
+  answersLeftScreen_ = false;
+  paymentIsLost_ = paymentIsLost_ && !wasSettled_;
   runLogged(offer.happen);
   if (!wasSettled_ || !settles) {
     questions_.clear();  // two events at once: not known which of them changed what
@@ -323,7 +324,8 @@ void Walk::noteAnswer(const HeldRequest& request, const std::string& how) {
     ++flow.startsAllowed;
   }
   if (how == "403") {
-    flow.refusedKind = cause_ = kind;
+    flow.refusedKind = kind;
+    cause_ = paymentIsLost_ ? cause_ : kind;
     flow.lookupsAreMixed = flow.lookupsAreMixed || kind == "lookup";
   } else if (how == "lost" && kind != "session") {
     noteFailure(kind);

@@ -217,7 +217,7 @@ class Walk : private UiObserver {
   std::map<std::string, std::string> armed_;  ///< by hook: what the host does there
   std::map<std::weak_ptr<AlertController>, std::string, std::owner_less<>> causes_;
   std::string cause_;           ///< kind of the request that failed last
-  bool paymentIsLost_ = false;  ///< in this event
+  bool paymentIsLost_ = false;  ///< since things were settled
   std::string termsAnswer_ = "ok";
   bool forgetful_ = false;
   int entriesRunning_ = 0;
