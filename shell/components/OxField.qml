@@ -58,6 +58,7 @@ FocusScope {
         anchors.verticalCenter: parent.verticalCenter
         width: 40
         height: 26
+        opacity: box.opacity
         visible: root.outlet.brandImage.toString() !== ""
         source: root.outlet.brandImage
     }
@@ -79,6 +80,7 @@ FocusScope {
         anchors.leftMargin: 12
         y: box.textTop
         width: box.textWidth
+        opacity: box.opacity
         height: box.textHeight
         focus: true
         activeFocusOnTab: true
