@@ -141,7 +141,7 @@ if(TARGET orlix_shell AND ORLIXKIT_SHARED)
     PC_REQUIRES "orlixkit, Qt6Quick")
   # "shell" is too common a name to stand in a system's include folder.
   set(below ${CMAKE_INSTALL_INCLUDEDIR}/orlixkit-shell)
-  orlix_public_headers(shell-dev ${below} shell/OrlixShell.h)
+  orlix_public_headers(shell-dev ${below} shell/OrlixShell.h shell/LookOptions.h)
   # The QML module's types are in the library; this is for editors and qmllint.
   install(DIRECTORY ${PROJECT_BINARY_DIR}/qml/OrlixKit COMPONENT shell-dev
     DESTINATION ${CMAKE_INSTALL_LIBDIR}/qt6/qml FILES_MATCHING PATTERN qmldir PATTERN *.qmltypes)

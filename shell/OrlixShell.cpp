@@ -5,6 +5,7 @@
 #include <utility>
 
 #include "shell/QtPorts.h"
+#include "shell/ScreenLook.h"
 #include "shell/ScreenPresenter.h"
 #include "shell/WebEngineLoader.h"
 

@@ -9,7 +9,7 @@
 
 #include "orlixkit/OrlixKit.h"
 #include "orlixkit/posix/PosixPorts.h"
-#include "shell/ScreenLook.h"
+#include "shell/LookOptions.h"
 
 namespace orlix::shell {
 

@@ -5,22 +5,9 @@
 #include <QObject>
 #include <QQmlEngine>
 
+#include "shell/LookOptions.h"
+
 namespace orlix::shell {
-
-enum class ColorScheme {
-  fromPalette,  ///< light or dark, like the application's palette
-  light,
-  dark,
-};
-
-/// Options of the drawings.
-struct LookOptions {
-  ColorScheme colors = ColorScheme::fromPalette;
-  /// No fades, no sliding, no turning indicator.
-  bool reducedMotion = false;
-  /// Size of texts, from 1 to 3, for a platform whose text size Qt does not know.
-  double textScale = 1;
-};
 
 /// Look of all screens drawn by an engine; QML reads it as `orlixLook`. It follows the
 /// application's palette and direction, and the screen's text size. Colours set by the screen model
