@@ -5,7 +5,6 @@
 #include <utility>
 
 #include "shell/QtPorts.h"
-#include "shell/ScreenLook.h"
 #include "shell/ScreenPresenter.h"
 #include "shell/WebEngineLoader.h"
 
