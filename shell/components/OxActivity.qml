@@ -10,6 +10,7 @@ Item {
 
     property color dotColor: OxTheme.text
     property int step: 0
+    readonly property bool turning: root.visible && !OxTheme.reducedMotion
 
     implicitWidth: 40
     implicitHeight: 40
@@ -20,7 +21,7 @@ Item {
     Timer {
         interval: 90
         repeat: true
-        running: root.visible && !OxTheme.reducedMotion
+        running: root.turning
         onTriggered: root.step = (root.step + 1) % 8
     }
 

@@ -30,8 +30,9 @@ TEST(Focus, IsOnTheFirstFieldThatTakesKeysAndEnterMovesOnToTheMainButton) {
     for (std::size_t i = 0; i < row.fields.size(); ++i) {
       visited.push_back(phone.focus());
       if (i + 1 < row.fields.size()) {
-        EXPECT_TRUE(
-            std::dynamic_pointer_cast<TextField>(screen->outletNamed(phone.focus()))->editing());
+        const auto field = std::dynamic_pointer_cast<TextField>(screen->outletNamed(phone.focus()));
+        ASSERT_NE(field, nullptr) << "no field is in focus";
+        EXPECT_TRUE(field->editing());
         phone.key(Qt::Key_Return);
       }
     }

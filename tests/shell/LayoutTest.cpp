@@ -33,8 +33,8 @@ bool isText(const QQuickItem& item) {
 /// A screen of the library, drawn, and what is wrong with it.
 class Look {
  public:
-  Look(DrawnPhone& phone, const ViewController& screen)
-      : phone_(phone), screen_(screen), items_(seen(*phone.content())) {}
+  Look(DrawnPhone& phone, const ViewController& screen, double textScale)
+      : phone_(phone), screen_(screen), textScale_(textScale), items_(seen(*phone.content())) {}
 
   std::string remarks() {
     texts();
@@ -101,8 +101,14 @@ class Look {
       const QRectF part = seenPart(*one, phone_.window);
       const QRectF whole = inScene(*one);
       const bool isLong = one->height() > window.height() / 3;  // read by scrolling
-      if (!window.contains(whole) ? !isLong : part.height() < std::min(whole.height(), 40.0) - 1) {
+      if (part.height() < whole.height() - 1 && !isLong) {
         remark(nameOf(one) + " is not whole in the window");
+      }
+      const auto view = screen_.outletNamed(nameOf(one));
+      const bool isList = view && (view->kind() == "table" || view->kind() == "web");
+      const double enough = isList ? 80 * textScale_ : std::min(80 * textScale_, whole.height());
+      if ((isLong || isList) && part.height() < enough - 1) {
+        remark(nameOf(one) + " is too low to be read in");
       }
       for (const QQuickItem* other : drawn) {
         const bool apart = one == other || one->isAncestorOf(other) || other->isAncestorOf(one);
@@ -141,6 +147,7 @@ class Look {
 
   DrawnPhone& phone_;
   const ViewController& screen_;
+  const double textScale_;
   const std::vector<QQuickItem*> items_;
   std::string remarks_;
 };
@@ -157,11 +164,11 @@ void expectWholeScreens(QSize window, double textScale) {
   DrawnPhone drawn(window);
   drawn.presenter().setLook({.textScale = textScale});
   drawn.startSession();
-  EXPECT_EQ(Look(drawn, *drawn.phone.host.topController()).remarks(), "");
+  EXPECT_EQ(Look(drawn, *drawn.phone.host.topController(), textScale).remarks(), "");
   for (const char* const identifier : kScreens) {
     const auto screen = drawn.open(identifier);
     ASSERT_NE(drawn.content(), nullptr) << identifier;
-    EXPECT_EQ(Look(drawn, *screen).remarks(), "");
+    EXPECT_EQ(Look(drawn, *screen, textScale).remarks(), "");
   }
   OXUtil::showAlertWithTitle("Warning", std::string(2000, 'x'));
   drawn.settle();

@@ -43,7 +43,8 @@ TEST(DrawnIndicator, AppearsAfterAMomentAndStaysLongEnoughToBeRead) {
     for (const auto& [passes, opacity] : row.drawn) {
       time.pass(phone, passes);
       sinceThen += passes;
-      EXPECT_EQ(phone.plate(), opacity) << "after " << sinceThen.count() << " minutes more";
+      // An animation may get its start a few milliseconds of real time earlier.
+      EXPECT_NEAR(phone.plate(), opacity, 0.01) << sinceThen.count() << " minutes after that";
       EXPECT_EQ(phone.phone.indicator().visible(), sinceThen < 1h) << "the model's fade";
     }
   }
@@ -77,9 +78,12 @@ TEST(DrawnIndicator, IsAsTheModelHasItInAPicture) {
 }
 
 TEST(DrawnIndicator, LeavesTheAmountToBeRead) {
-  for (const QSize window : {QSize(375, 667), QSize(667, 320)}) {
-    SCOPED_TRACE(window.width());
+  const std::pair<QSize, double> rows[] = {
+      {{375, 667}, 1}, {{667, 320}, 1}, {{375, 667}, 2}, {{667, 320}, 2}};
+  for (const auto& [window, textScale] : rows) {
+    SCOPED_TRACE(std::to_string(window.width()) + ", " + std::to_string(textScale));
     DrawnPhone phone(window);
+    phone.presenter().setLook({.textScale = textScale});
     phone.startSession();
     phone.phone.wallet.codeInfo =
         R"({"code":"C-1","merchantName":"Corner Shop","currency":"ZAR","amountString":"149.90"})";
@@ -118,9 +122,7 @@ TEST(ReducedMotion, DrawsWithoutAnimations) {
   phone.settle();
   EXPECT_TRUE(screen->hasAppeared());
   EXPECT_EQ(phone.content()->opacity(), 1);
-  const QImage before = phone.window.grabWindow();
-  time.pass(phone, 1000ms);
-  EXPECT_EQ(phone.window.grabWindow(), before) << "nothing turns";
+  EXPECT_EQ(phone.item("activityIndicator").property("turning"), false);
   phone.phone.indicator().show("Busy");
   phone.phone.indicator().dismiss();
   phone.settle();
@@ -128,6 +130,9 @@ TEST(ReducedMotion, DrawsWithoutAnimations) {
   phone.phone.host.root()->dismiss(true);
   phone.settle();
   EXPECT_EQ(phone.content(), nullptr);
+  phone.presenter().setLook({});
+  phone.open("Waiting");
+  EXPECT_EQ(phone.item("activityIndicator").property("turning"), true);
 }
 
 }  // namespace
