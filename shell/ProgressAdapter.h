@@ -15,20 +15,17 @@ class ProgressAdapter : public QObject {
   Q_PROPERTY(bool shown READ shown NOTIFY changed)
   Q_PROPERTY(QString status READ status NOTIFY changed)
   Q_PROPERTY(bool masked READ masked NOTIFY changed)
-  Q_PROPERTY(bool information READ information NOTIFY changed)
 
  public:
   bool shown() const { return shown_; }
   QString status() const { return status_; }
   /// Whether the screen is dimmed by a gradient and touches are masked.
   bool masked() const { return masked_; }
-  bool information() const { return information_; }
 
   void show(const ProgressIndicator& indicator) {
     shown_ = true;
     status_ = QString::fromStdString(indicator.status());
     masked_ = indicator.blocksInput();
-    information_ = indicator.style() == ProgressStyle::information;
     Q_EMIT changed();
   }
   void hide() {
@@ -43,7 +40,6 @@ class ProgressAdapter : public QObject {
   bool shown_ = false;
   QString status_;
   bool masked_ = false;
-  bool information_ = false;
 };
 
 }  // namespace orlix::shell

@@ -1,10 +1,13 @@
 // SPDX-License-Identifier: Apache-2.0
 
 #include <memory>
+#include <stdexcept>
 #include <string>
+#include <vector>
 
 #include <gtest/gtest.h>
 
+#include "orlixkit/ui/TableView.h"
 #include "orlixkit/ui/TextField.h"
 #include "orlixkit/ui/ViewController.h"
 
@@ -60,6 +63,23 @@ TEST(View, IsInOneSuperviewOrInNone) {
   EXPECT_EQ(view->superview(), nullptr);
   EXPECT_TRUE(hidden->subviews().empty() && shown->subviews().empty());
   EXPECT_FALSE(view->isOutOfSight());
+}
+
+TEST(TableView, RefusesARowThatIsNotThere) {
+  struct OneRow : TableViewDataSource {
+    std::size_t numberOfRows() override { return 1; }
+    TableCell cellForRow(std::size_t) override { return {"", "the row", "", false, nullptr}; }
+    void didSelectRow(std::size_t row) override { selected.push_back(row); }
+    std::vector<std::size_t> selected;
+  } rows;
+  TableView table;
+  EXPECT_THROW(table.cell(0), std::out_of_range);
+  table.setDataSource(&rows);
+  EXPECT_EQ(table.cell(0).text, "the row");
+  EXPECT_THROW(table.cell(1), std::out_of_range);
+  EXPECT_THROW(table.select(1), std::out_of_range);
+  table.select(0);
+  EXPECT_EQ(rows.selected, std::vector<std::size_t>{0});
 }
 
 TEST(View, TellsItsListenerOfEachChangeOnce) {
