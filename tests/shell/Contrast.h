@@ -7,6 +7,10 @@
 #include <algorithm>
 #include <cmath>
 #include <map>
+#include <string>
+
+#include "tests/shell/Focus.h"
+#include "tests/shell/Look.h"
 
 namespace orlix::shell {
 
@@ -44,6 +48,49 @@ inline double textContrast(const QImage& picture, const QRect& part) {
     best = std::max(best, contrast(color, most->first));
   }
   return best;
+}
+
+inline constexpr double kText = 4.5;
+inline constexpr double kLine = 3;
+
+/// Whether the item and all that it is in can be used, and are drawn without transparency.
+inline bool isOpaque(const QQuickItem* item) {
+  for (; item != nullptr; item = item->parentItem()) {
+    if (item->opacity() < 1) {
+      return false;
+    }
+  }
+  return true;
+}
+
+/// Texts of the item, and in it, that can hardly be read.
+inline std::string textsTooFaint(QQuickWindow& window, QQuickItem& root) {
+  std::string faint;
+  const QImage picture = window.grabWindow();
+  for (const QQuickItem* item : seen(root)) {
+    const QString text = item->property("text").toString();
+    const bool isText = item->inherits("QQuickText") || item->inherits("QQuickTextInput");
+    const QRect part = seenPart(*item, window);
+    if (!isText || text.isEmpty() || part.isEmpty() || !isOpaque(item)) {
+      continue;
+    }
+    const double measured = textContrast(picture, part);
+    if (measured < kText) {
+      faint += nameOf(item) + " \"" + text.toStdString() + "\" " + std::to_string(measured) + "\n";
+    }
+  }
+  return faint;
+}
+
+/// Pixels that two pictures of the same size show clearly different.
+inline int clearChanges(const QImage& one, const QImage& other) {
+  int clear = 0;
+  for (int y = 0; y < one.height(); ++y) {
+    for (int x = 0; x < one.width(); ++x) {
+      clear += contrast(one.pixel(x, y), other.pixel(x, y)) >= kLine ? 1 : 0;
+    }
+  }
+  return clear;
 }
 
 }  // namespace orlix::shell

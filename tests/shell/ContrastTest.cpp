@@ -14,37 +14,6 @@
 namespace orlix::shell {
 namespace {
 
-constexpr double kText = 4.5;
-constexpr double kLine = 3;
-
-/// Whether the item and all that it is in can be used, and are drawn without transparency.
-bool isOpaque(const QQuickItem* item) {
-  for (; item != nullptr; item = item->parentItem()) {
-    if (item->opacity() < 1) {
-      return false;
-    }
-  }
-  return true;
-}
-
-std::string textsTooFaint(DrawnPhone& phone, QQuickItem& root) {
-  std::string faint;
-  const QImage picture = phone.window.grabWindow();
-  for (const QQuickItem* item : seen(root)) {
-    const QString text = item->property("text").toString();
-    const bool isText = item->inherits("QQuickText") || item->inherits("QQuickTextInput");
-    const QRect part = seenPart(*item, phone.window);
-    if (!isText || text.isEmpty() || part.isEmpty() || !isOpaque(item)) {
-      continue;
-    }
-    const double measured = textContrast(picture, part);
-    if (measured < kText) {
-      faint += nameOf(item) + " \"" + text.toStdString() + "\" " + std::to_string(measured) + "\n";
-    }
-  }
-  return faint;
-}
-
 /// The line around a field against what is outside and what is inside.
 std::string outlinesTooFaint(DrawnPhone& phone, const ViewController& screen) {
   std::string faint;
@@ -83,12 +52,7 @@ std::string ringsTooFaint(DrawnPhone& phone) {
     phone.dropFocus();
     const QImage without = phone.window.grabWindow();
     focus.forceActiveFocus(Qt::TabFocusReason);
-    int clear = 0;
-    for (int y = 0; y < with.height(); ++y) {
-      for (int x = 0; x < with.width(); ++x) {
-        clear += contrast(with.pixel(x, y), without.pixel(x, y)) >= kLine ? 1 : 0;
-      }
-    }
+    const int clear = clearChanges(with, without);
     if (clear < 2 * seenPart(focus, phone.window).width()) {
       faint += name + " " + std::to_string(clear) + "\n";
     }
@@ -105,14 +69,15 @@ TEST_P(Contrast, TextsLinesAndTheFocusCanBeTold) {
     SCOPED_TRACE(identifier);
     const auto screen = phone.open(identifier);
     phone.dropFocus();
-    EXPECT_EQ(textsTooFaint(phone, *phone.content()), "");
+    EXPECT_EQ(textsTooFaint(phone.window, *phone.content()), "");
     EXPECT_EQ(outlinesTooFaint(phone, *screen), "");
     EXPECT_EQ(ringsTooFaint(phone), "");
     phone.keys("1");  // a field is in focus, or nothing takes it
-    EXPECT_EQ(textsTooFaint(phone, *phone.content()), "") << "in focus";
+    EXPECT_EQ(textsTooFaint(phone.window, *phone.content()), "") << "in focus";
   }
   phone.phone.indicator().show("Making Payment...", ProgressMask::gradient);
-  EXPECT_EQ(textsTooFaint(phone, *findItem(*phone.window.contentItem(), "progressIndicator")), "");
+  EXPECT_EQ(
+      textsTooFaint(phone.window, *findItem(*phone.window.contentItem(), "progressIndicator")), "");
 }
 
 TEST(AlertContrast, OfTheWordsIsTheModels) {
@@ -128,7 +93,7 @@ TEST(AlertContrast, OfTheWordsIsTheModels) {
       }(),
       false);
   phone.settle();
-  const std::string faint = textsTooFaint(phone, *phone.content());
+  const std::string faint = textsTooFaint(phone.window, *phone.content());
   EXPECT_EQ(faint.substr(0, 11), "alert.title");
   EXPECT_NE(faint.find("\nalert.message"), std::string::npos);
   EXPECT_EQ(std::count(faint.begin(), faint.end(), '\n'), 2) << faint;

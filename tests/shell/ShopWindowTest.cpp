@@ -7,6 +7,7 @@
 #include "examples/shop/window/Warnings.h"
 #include "orlixkit/ports/MainQueue.h"
 #include "shell/FindItem.h"
+#include "tests/shell/Contrast.h"
 #include "tests/shell/Focus.h"
 #include "tests/shop/Story.h"
 
@@ -15,7 +16,7 @@ namespace {
 
 class Buyer {
  public:
-  Buyer() { finger.bringUpToDate(); }
+  explicit Buyer(std::optional<bool> darkColors = {}) : dark(darkColors) { finger.bringUpToDate(); }
   void runUntil(const std::function<bool()>& done) {
     Host::current().ports().mainQueue->runUntil(done);
     finger.bringUpToDate();
@@ -41,10 +42,12 @@ class Buyer {
                                                 : "";
   }
 
+  const std::optional<bool> dark;
   test::TemporaryFolder folder;
   Server server{true};
   ShopOptions options = [this] {
     ShopOptions made = optionsOf("", server, folder.path() / "state");
+    made.darkColors = dark;
     made.messages = (folder.path() / "messages").string();
     std::ofstream(*made.messages) << "Your code is 12345\nYour code is 67890\n";
     return made;
@@ -118,6 +121,29 @@ TEST(ShopWindow, SaysWhatIsKnownOfAPaymentAndLeavesAStoppedVersionsWaitingScreen
     buyer.tabTo("pay0");
     buyer.finger.press(Qt::Key_Return);
     buyer.runUntilScreen("Product");
+  }
+}
+
+TEST(ShopWindow, CanBeReadAndShowsTheFocusInBothSchemes) {
+  for (const bool dark : {false, true}) {
+    SCOPED_TRACE(dark);
+    Buyer buyer(dark);
+    QQuickWindow& window = buyer.shop.window();
+    buyer.finger.bringUpToDate();
+    EXPECT_EQ(shell::textsTooFaint(window, *window.contentItem()), "");
+    for (const char* const name : {"systemSwitch", "pay0", "register", "wallet"}) {
+      buyer.tabTo(name);
+      QQuickItem& focus = *window.activeFocusItem();
+      const QImage with = window.grabWindow();
+      focus.setFocus(false);
+      EXPECT_GE(shell::clearChanges(with, window.grabWindow()), 2 * focus.width()) << name;
+      focus.forceActiveFocus(Qt::TabFocusReason);
+    }
+    std::istringstream text(
+        "checkout FIXED-25\nwait screen Product\ntap cancelAction\nwait outcome");
+    WholeScript script(text);
+    buyer.shop.run(script);
+    EXPECT_EQ(shell::textsTooFaint(window, *window.contentItem()), "");
   }
 }
 
