@@ -3,9 +3,12 @@
 // What the tests of the flows take for granted of the phone in memory: each of these, broken, would
 // let them pass for the wrong reason.
 
+#include <exception>
+#include <functional>
 #include <memory>
 #include <set>
 #include <string>
+#include <utility>
 
 #include <gtest/gtest.h>
 
@@ -15,6 +18,16 @@
 namespace orlix {
 
 namespace {
+
+/// Of what is thrown; empty when nothing is.
+std::string messageOf(const std::function<void()>& act) {
+  try {
+    act();
+    return "";
+  } catch (const std::exception& failure) {
+    return failure.what();
+  }
+}
 
 TEST(MemoryHost, AUserIsToldWhatItCannotReach) {
   struct Form : ViewController {
@@ -41,9 +54,31 @@ TEST(MemoryHost, AStoreFindsWhatItHoldsAndARefusalReachesTheCaller) {
   store.setValue("test.data", toBytes("a1234b"));
   store.setValue("test.customerId", "C1");
   store.setFailing(true);
-  EXPECT_THROW(store.setValue("test.customerId", "C2"), std::runtime_error);
+  EXPECT_EQ(messageOf([&] { store.setValue("test.customerId", "C2"); }),
+            "MemoryUserDefaults: the value of test.customerId cannot be kept");
   EXPECT_TRUE(store.holds("C1") && store.holds("1234"));
   EXPECT_FALSE(store.holds("4321"));
+}
+
+TEST(Host, NamesThePortThatIsMissing) {
+  MemoryHost phone;
+  const Ports whole = Host::current().ports();
+  const std::pair<const char*, void (*)(Ports&)> rows[] = {
+      {"log", [](Ports& ports) { ports.log.reset(); }},
+      {"clock", [](Ports& ports) { ports.clock.reset(); }},
+      {"mainQueue", [](Ports& ports) { ports.mainQueue.reset(); }},
+      {"backgroundQueues", [](Ports& ports) { ports.backgroundQueues.reset(); }},
+      {"httpClient", [](Ports& ports) { ports.httpClient.reset(); }},
+      {"userDefaults", [](Ports& ports) { ports.userDefaults.reset(); }},
+      {"device", [](Ports& ports) { ports.device.reset(); }},
+      {"bundle", [](Ports& ports) { ports.bundle.reset(); }},
+  };
+  for (const auto& [name, leaveOut] : rows) {
+    Ports ports = whole;
+    leaveOut(ports);
+    EXPECT_EQ(messageOf([&ports] { const Host host(ports, {}); }),
+              std::string("Host: the port ") + name + " is missing");
+  }
 }
 
 TEST(Interleavings, TryEveryOrderOnce) {
