@@ -54,8 +54,10 @@ set(so ${PROJECT_VERSION_MAJOR})
 # The roots that the wallet server's certificate is checked against.
 set(roots ca-certificates)
 # Loaded by name when something is drawn, so that no linked library asks for them.
-set(drawn qml6-module-qtquick-controls qml6-module-qtquick-layouts qml6-module-qtquick-templates
-  qml6-module-qtquick-window qml6-module-qtqml-workerscript qml6-module-qtwebengine libqt6svg6 fonts-inter)
+set(drawn qml6-module-qtquick-layouts qml6-module-qtquick-templates qml6-module-qtquick-window
+  qml6-module-qtqml-workerscript libqt6svg6 fonts-inter)
+# The web engine is nearly all of the size of what is drawn, and only an issuer's page and the terms need it.
+set(web orlixkit-shell-webengine)
 
 orlix_debian(core liborlixkit${so} libs "mobile-wallet payment library"
   "${about}\nThis package has the shared library." RECOMMENDS ${roots})
@@ -71,11 +73,16 @@ orlix_debian(testing-dev liborlixkit-testing-dev libdevel
 if(TARGET orlixkit-shell)
   orlix_debian(shell liborlixkit-shell${so} libs "mobile-wallet payment screens drawn with Qt Quick"
     "${about}\nThis package has the shared library that draws its screens in an application\nwritten with Qt 6."
-    WITH core DEPENDS ${drawn})
+    WITH core DEPENDS ${drawn} RECOMMENDS ${web})
   orlix_debian(shell-dev liborlixkit-shell-dev libdevel
     "mobile-wallet payment screens drawn with Qt Quick - development files"
     "${about}\nThis package has what an application written with Qt 6 is built with."
     WITH shell core-dev DEPENDS "qt6-declarative-dev (>= 6.4)")
+endif()
+if(TARGET orlixkit-webengine)
+  orlix_debian(webengine ${web} libs "web pages in mobile-wallet payment screens"
+    "${about}\nThis package has the plug-in by which its drawn screens show the pages of card\nissuers, with Qt's web engine."
+    WITH shell DEPENDS qml6-module-qtquick-controls qml6-module-qtwebengine)
 endif()
 if(TARGET orlix-sandbox)
   orlix_debian(sandbox orlixkit-sandbox devel "wallet server for development"
@@ -84,9 +91,10 @@ endif()
 if(TARGET orlix-shop)
   if(NOT TARGET orlix_shop_window)
     set(drawn "")
+    set(web "")
   endif()
   orlix_debian(shop orlixkit-shop devel "shop that takes mobile-wallet payments"
     "${about}\nThis package has a complete host application, operated by hand or by a\nscript: for trying the library and for tests."
-    DEPENDS ${drawn} RECOMMENDS ${roots} orlixkit-sandbox)
+    DEPENDS ${drawn} RECOMMENDS ${roots} ${web} orlixkit-sandbox)
 endif()
 include(CPack)

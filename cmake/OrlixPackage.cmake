@@ -130,13 +130,17 @@ if(TARGET orlix_shell AND ORLIXKIT_SHARED)
   orlix_package(orlixkit-shell QtShell shell.map shell
     OBJECTS orlix_shell ${drawings}
     PUBLIC orlixkit Qt6::Quick
-    PRIVATE Qt6::Positioning Qt6::WebEngineQuick Qt6::WebEngineCore Qt6::Network
-            CURL::libcurl OpenSSL::SSL OpenSSL::Crypto fmt::fmt
+    PRIVATE Qt6::Positioning OpenSSL::SSL OpenSSL::Crypto fmt::fmt ${CMAKE_DL_LIBS}
     PC_REQUIRES "orlixkit, Qt6Quick")
   # "shell" is too common a name to stand in a system's include folder.
   set(below ${CMAKE_INSTALL_INCLUDEDIR}/orlixkit-shell)
   orlix_public_headers(shell-dev ${below} shell/OrlixShell.h)
   target_include_directories(orlixkit-shell INTERFACE $<INSTALL_INTERFACE:${below}>)
+endif()
+# For the programs as well, which contain the shell.
+if(TARGET orlixkit-webengine)
+  install(TARGETS orlixkit-webengine COMPONENT webengine
+    LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR}/${ORLIX_PLUGINS})
 endif()
 
 configure_package_config_file(${package_files}/OrlixKitConfig.cmake.in OrlixKitConfig.cmake

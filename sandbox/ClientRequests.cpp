@@ -47,7 +47,7 @@ HttpAnswer ClientRequests::answer(const HttpRequest& request) {
   if (std::all_of(faults.begin(), faults.end(), std::mem_fn(&Fault::carriesOut))) {
     answer = carryOut(request);
   }
-  const std::string told = answer.body;  // The intended answer, before faults are applied.
+  const std::string intended = answer.body;  // Before faults are applied.
   for (const Fault& fault : faults) {
     Faults::spoil(answer, fault);
     if (fault.kind != Fault::Kind::hold) continue;
@@ -61,7 +61,7 @@ HttpAnswer ClientRequests::answer(const HttpRequest& request) {
 
   MaskedBody masked = maskAnswer(answer);
   const std::lock_guard lock(state_.mutex);
-  if (arrival.purchase) state_.purchases.decided(*arrival.purchase, answer.status, told);
+  if (arrival.purchase) state_.purchases.decided(*arrival.purchase, answer.status, intended);
   state_.seen.decided(arrival.number, {.status = answer.status,
                                        .reason = answer.reason,
                                        .faults = namesOf(faults),

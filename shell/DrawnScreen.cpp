@@ -7,6 +7,7 @@
 #include <algorithm>
 
 #include "orlixkit/ui/PresentationController.h"
+#include "shell/MakeItem.h"
 
 namespace orlix::shell {
 
@@ -18,15 +19,14 @@ constexpr double kSmallest = 0.96;
 QQuickItem* make(QQmlEngine& engine, const QString& address, const QVariantMap& properties,
                  QQuickItem* parent) {
   QQmlComponent component(&engine, QUrl(address));
-  auto* made = qobject_cast<QQuickItem*>(component.createWithInitialProperties(properties));
-  if (made == nullptr) {
+  std::unique_ptr<QQuickItem> made = makeItem(component, properties);
+  if (!made) {
     qWarning("OrlixKit: %s cannot be drawn: %s", qUtf8Printable(address),
-             qUtf8Printable(component.errorString()));
+             reasonOf(component).c_str());
     return nullptr;
   }
-  QQmlEngine::setObjectOwnership(made, QQmlEngine::CppOwnership);
   made->setParentItem(parent);
-  return made;
+  return made.release();
 }
 
 /// Colour that dims the screens below; transparent for a screen that fills the window.

@@ -4,6 +4,7 @@
 
 #include <QQmlEngine>
 #include <QQuickWindow>
+#include <filesystem>
 #include <memory>
 
 #include "orlixkit/OrlixKit.h"
@@ -24,13 +25,19 @@ class ScreenPresenter;
 ///     OXOrlix::make()->checkout({…, .controller = shell.hostScreen(), .delegate = …});
 class OrlixShell {
  public:
-  /// Prepares the web engine; call it before the application object is made. The engine then
-  /// ignores the environment and the command line (see WebEngineSetUp.h), also for the
-  /// application's own views.
-  static void initialize();
+  /// Loads the web engine, if its package is installed, and prepares the process for it; call it
+  /// before the application object is made. The engine then ignores the environment and the
+  /// command line, also for the application's own views; OpenGL contexts are shared, Qt Quick draws
+  /// by OpenGL, and Qt runs its own event loop, not GLib's. Without the engine, or without this
+  /// call, a card whose issuer wants to show a page cannot be used: the user reads so, and the
+  /// checkout ends as after Cancel.
+  ///
+  /// `webEngine` is the folder of the plug-in, when it is not the installed one.
+  static void initialize(const std::filesystem::path& webEngine = {});
 
   /// `engine` and `window` must outlive the shell. Resources of `options` override the library's
-  /// own. Throws std::runtime_error when the state directory or the anchor file cannot be used.
+  /// own. Throws std::runtime_error when the state directory or the anchor file cannot be used, or
+  /// a QML module that the screens import is not installed; its text says which.
   OrlixShell(QQmlEngine& engine, QQuickWindow& window, PosixOptions options, Deployment deployment);
   ~OrlixShell();
   OrlixShell(const OrlixShell&) = delete;

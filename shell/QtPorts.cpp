@@ -3,10 +3,9 @@
 #include "shell/QtPorts.h"
 
 #include "orlixkit/posix/FixedLocationManager.h"
-#include "orlixkit/protocol/OMNetwork.h"
 #include "shell/QtLocationManager.h"
 #include "shell/QtMainQueue.h"
-#include "shell/QtWebViews.h"
+#include "shell/WebEngineLoader.h"
 
 namespace orlix::shell {
 
@@ -19,8 +18,7 @@ Ports makeQtPorts(const PosixOptions& options, QQmlEngine& engine) {
   } else {
     ports.locationManager = std::make_shared<QtLocationManager>();
   }
-  ports.webViews =
-      std::make_shared<QtWebViews>(engine, ports.mainQueue, &OMNetwork::pinnedCertificates);
+  ports.webViews = makeWebViews(engine, ports);
   return ports;
 }
 

@@ -10,8 +10,9 @@
 namespace orlix::shell {
 
 /// The ports for a Qt Quick host: the Linux ports, with the main queue on Qt's event loop,
-/// QtPositioning (unless the options set a fixed position) and web views by QtWebEngine. On the
-/// application's thread; `engine` must outlive the ports.
+/// QtPositioning (unless the options set a fixed position) and web views by the web engine, if
+/// `OrlixShell::initialize` has loaded it. On the application's thread; `engine` must outlive the
+/// ports.
 /// Throws std::runtime_error when the state directory or the anchor file cannot be used.
 Ports makeQtPorts(const PosixOptions& options, QQmlEngine& engine);
 

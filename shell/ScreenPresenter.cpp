@@ -9,12 +9,14 @@
 #include <QQmlContext>
 #include <QTimer>
 #include <algorithm>
+#include <stdexcept>
 #include <utility>
 
 #include "orlixkit/checkout/OXUtil.h"
 #include "orlixkit/host/Host.h"
 #include "orlixkit/ui/PresentationController.h"
 #include "shell/FindItem.h"
+#include "shell/MakeItem.h"
 #include "shell/ResourceImages.h"
 #include "shell/TouchMask.h"
 
@@ -372,6 +374,14 @@ bool ScreenPresenter::eventFilter(QObject* watched, QEvent* event) {
 }
 
 void prepareEngine(QQmlEngine& engine, const std::shared_ptr<const Bundle>& bundle) {
+  for (const char* module : kImportedModules) {
+    QQmlComponent component(&engine);
+    component.setData(QByteArrayLiteral("import ") + module + "\nimport QtQml\nQtObject {}",
+                      QUrl());
+    if (component.isError()) {
+      throw std::runtime_error("OrlixKit: The screens cannot be drawn. " + reasonOf(component));
+    }
+  }
   engine.addImportPath(QStringLiteral("qrc:/orlix/qml"));
   engine.addImageProvider(QStringLiteral("orlix"),
                           std::make_unique<ResourceImages>(bundle).release());

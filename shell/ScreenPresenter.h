@@ -92,8 +92,13 @@ class ScreenPresenter : public QObject, public UiObserver {
   unsigned indicatorShown_ = 0;  ///< counts its changes, to cancel the fade of an earlier one
 };
 
+/// The QML modules that the drawings import.
+inline constexpr const char* kImportedModules[] = {"QtQuick", "QtQuick.Layouts",
+                                                   "QtQuick.Templates"};
+
 /// Registers component paths, images and the brand's fonts with the engine. Call it once per
-/// engine, before a presenter is made.
+/// engine, before a presenter is made. Throws std::runtime_error, whose text says what to install,
+/// when one of these modules is missing.
 void prepareEngine(QQmlEngine& engine, const std::shared_ptr<const Bundle>& bundle);
 
 }  // namespace orlix::shell

@@ -247,7 +247,7 @@ std::string readQuoted(std::string_view line, std::size_t& at) {
     if (line[at] == '\\') {
       ++at;
       if (at == line.size() || (line[at] != '"' && line[at] != '\\')) {
-        throw ScriptError("a backslash in quotes stands before a quote or a backslash only");
+        throw ScriptError("in quotes a backslash may only precede a quote or a backslash");
       }
     }
     text += line[at];
@@ -300,7 +300,7 @@ std::optional<ScriptLine> parseLine(std::string_view line, std::size_t number) {
     return (static_cast<unsigned char>(c) < 0x20 && c != '\t') || c == 0x7F;
   };
   if (std::any_of(line.begin(), line.end(), isControl)) {
-    throw ScriptError("a control character stands in the line");
+    throw ScriptError("the line contains a control character");
   }
   std::vector<Word> words = splitLine(line);
   if (words.empty()) {

@@ -84,7 +84,7 @@ bool ShownScreen::isMoving() {
 void ShownScreen::requireTouchable(const std::string& name) {
   if (const auto above = alert()) {
     throw ScriptError("the alert \"" + above->title() +
-                      "\" stands over the screen: " + above->message());
+                      "\" covers the screen: " + above->message());
   }
   const std::shared_ptr<ViewController> top = content();
   if (!top) {

@@ -64,13 +64,13 @@ bool Waiter::waitFor(Duration limit, const std::function<bool()>& done, const Pr
   const SteadyTime deadline = start + limit;
   const Heartbeat heartbeat(ports_, deadline);
   bool held = false;
-  std::chrono::seconds told{0};
+  std::chrono::seconds reported{0};
   ports_.mainQueue->runUntil([&] {
     held = done();
     const SteadyTime now = ports_.clock->steadyNow();
     const auto elapsed = std::chrono::floor<std::chrono::seconds>(now - start);
-    if (!held && progress && elapsed > told) {
-      told = elapsed;
+    if (!held && progress && elapsed > reported) {
+      reported = elapsed;
       progress(elapsed);
     }
     return held || now >= deadline;

@@ -8,20 +8,20 @@
 
 namespace orlix {
 
-/// Amount entry as on a cash register: digits come in from the right, a deletion takes the last one
-/// away. All in whole cents, so that no amount is rounded.
+/// Amount entry as on a cash register: digits are appended on the right, a deletion removes the
+/// last one. Counts in whole cents, so that no amount is rounded.
 class AmountEntry {
  public:
-  /// The number that the text begins with, in hundredths, rounded half away from zero: white space,
-  /// sign, digits, point, exponent, in this order; 0 when there is none. What does not fit counts
-  /// as the largest value that does.
+  /// The number at the beginning of the text (white space, sign, digits, point, exponent, in this
+  /// order) in hundredths, rounded half away from zero; 0 without a number. Saturates at the limits
+  /// of 64 bits.
   static std::int64_t centsOf(std::string_view text);
 
-  /// Two decimals after a point.
+  /// Formats with a point and two decimals.
   static std::string textOf(std::int64_t cents);
 
-  /// The field's next text: a deletion for an empty replacement, else its digits one by one. A
-  /// digit with which the cents would no longer fit 64 bits is not accepted.
+  /// The field's text after an edit: an empty replacement deletes, any other appends its digits. A
+  /// digit that would overflow 64 bits of cents is ignored.
   static std::string textAfter(std::string_view current, std::string_view replacement);
 };
 

@@ -12,41 +12,42 @@
 
 namespace orlix {
 
-/// What the "Connection problem" alert of one failed request offers.
+/// The choices in the "Connection problem" alert of one failed request.
 struct ConnectionAlert {
   Task retry{};
-  /// "Cancel"; empty when it only closes the alert.
+  /// Runs on "Cancel"; empty: the alert only closes.
   Task cancel{};
-  /// The alert has gone without either of its buttons: the window went, the host removed it. Empty:
-  /// the same as "Cancel".
+  /// Runs when the alert disappears without a button press, because the window or the host removed
+  /// it. Empty: the same as "Cancel".
   Task lost{};
-  /// Asked before the alert is shown and before a button's task runs: false once the screen that
-  /// made the request was left. Empty: as long as the flow lives.
+  /// Checked before the alert is shown and before a button's task runs: false once the user has
+  /// left the screen that made the request. Empty: true as long as the flow is live.
   std::function<bool()> isWanted{};
-  /// A payment is waiting for this answer. Any other alert waits until no payment is in progress.
+  /// True for a request of the payment itself. Other alerts wait until no payment is in progress.
   bool ofPayment = false;
-  /// Names the kind of request. One alert at a time for each source: another failure of the same
-  /// kind offers nothing new. Empty: no other failure is like this one.
+  /// The kind of request. A source has at most one alert at a time, because a second failure of the
+  /// same kind offers the same choices. Empty: always an alert of its own.
   std::string source{};
 };
 
-/// The connection alerts of one flow, one after the other: two requests that fail together must
-/// not put two alerts over one another, and neither may be lost.
+/// The queue of connection alerts of one flow. Requests that fail at the same time must not show
+/// two alerts over each other, and no alert may be lost.
 ///
 /// Main thread. Each alert is shown when the progress indicator is gone.
 class ConnectionAlerts : public std::enable_shared_from_this<ConnectionAlerts> {
  public:
   void add(ConnectionAlert alert);
-  /// Takes away those that are no longer wanted, the shown one included.
+  /// Removes the alerts that are no longer wanted, including the one on screen.
   void dropUnwanted();
-  /// Takes the shown one away and drops the others; no task of theirs runs any more.
+  /// Removes the alert on screen and discards the waiting ones. None of their tasks runs
+  /// afterwards.
   void close();
 
  private:
   void showNext();
   void present(const std::shared_ptr<ConnectionAlert>& alert);
   std::shared_ptr<AlertController> controllerFor(const std::shared_ptr<ConnectionAlert>& alert);
-  /// A task that runs once the alert is over, and lets the next one come.
+  /// Runs `task` of the alert once it has closed, then shows the next alert.
   Task whenOver(const std::shared_ptr<ConnectionAlert>& alert, Task ConnectionAlert::*task);
 
   std::deque<std::shared_ptr<ConnectionAlert>> waiting_;

@@ -19,6 +19,9 @@ void LastUsedCards::set(const std::string& key, std::int64_t cardId) {
   {
     const std::lock_guard lock(lock_);
     chosen_[key] = cardId;
+    if (const auto found = stored_.find(key); found != stored_.end() && found->second == cardId) {
+      return;
+    }
     if (std::find(unwritten_.begin(), unwritten_.end(), key) == unwritten_.end()) {
       unwritten_.push_back(key);
     }
@@ -57,16 +60,22 @@ void LastUsedCards::writeAll() {
       key = unwritten_.front();
       cardId = chosen_[key];
       unwritten_.pop_front();
+      stored_.erase(key);
     }
-    write(key, cardId);
+    if (write(key, cardId)) {
+      const std::lock_guard lock(lock_);
+      stored_[key] = cardId;
+    }
   }
 }
 
-void LastUsedCards::write(const std::string& key, std::int64_t cardId) {
+bool LastUsedCards::write(const std::string& key, std::int64_t cardId) {
   try {
     store_->setValue(key, cardId);
+    return true;
   } catch (const std::exception& failure) {
     log(std::string("OrlixKit: The last used card could not be stored: ") + failure.what());
+    return false;
   }
 }
 

@@ -22,7 +22,7 @@ using OXSystem = std::int64_t;
 inline constexpr OXSystem kLiveSystem = 0;
 inline constexpr OXSystem kTestSystem = 1;
 
-/// The customer, as the host application knows him. Another one than the last wipes the wallet's
+/// The host application's identifier of its customer. A change of customer wipes the wallet's
 /// credentials on this device; see OXOrlix.
 struct CustomerId {
   std::string value;
@@ -36,8 +36,8 @@ struct PreMSISDN {
 /// A checkout with its arguments by name.
 struct CheckoutRequest {
   std::string code{};
-  /// In currency units. 0 or less, and what is no finite number, leaves the amount to code and
-  /// user.
+  /// In currency units. The code or the user sets the amount when this is 0, negative, or not
+  /// finite.
   double amount = 0;
   std::string apiKey{};
   OXSystem system = kLiveSystem;
@@ -60,29 +60,28 @@ struct EntryRequest {
 /// Empty public type, kept for hosts that name it.
 class OXSettings {};
 
-/// The one class that a host application talks to. Make one per flow, keep it until the delegate
-/// has heard the outcome. Main thread only.
+/// The facade for host applications. Create one per flow and keep it until the delegate's callback.
+/// Main thread only.
 ///
-/// An entry call takes the place of a flow that is still on screen: that flow's host hears nothing
-/// more, and nothing more is sent for it. Of entry calls in succession, and of one that is made in
-/// a callback or by an observer of the screens, the last one counts. No callback is made inside an
-/// entry call. A facade that has shown a waiting screen shows none in its later entry calls on the
-/// same controller, unless its flow asked for the activation of the device.
+/// An entry call replaces a flow that is still on screen: the replaced flow makes no callback and
+/// sends no further request. The last entry call takes effect, also when it is made in a callback
+/// or by an observer of the screens. No callback is made inside an entry call. A facade shows its
+/// waiting screen only once per controller, unless its flow asked for the activation of the device.
 ///
-/// Customers. A `customerId` that differs from the one last seen in this process or an earlier one
-/// makes the stored credentials unreadable before the session start, those of the system (live or
-/// test) of the entry call before. The first entry call of a process is an exception: it only
-/// remembers the new customer, and its flow still uses the credentials that are stored. A host that
-/// lets customers change between two runs, or that uses both systems, calls `deregisterUser` when
-/// the former customer leaves: it wipes the system of the last entry call. The last used card is
-/// kept; a wallet that does not hold it shows its first card.
+/// Customers. When `customerId` differs from the last one, also of an earlier process, the stored
+/// credentials of the previous entry call's system (live or test) are made unreadable before the
+/// session starts. The first entry call of a process is an exception: it only stores the new
+/// customer, and its flow still uses the stored credentials. If customers change between two runs,
+/// or if you use both systems, call `deregisterUser` when a customer logs out: it wipes the
+/// credentials of the last entry call's system. The last used card is kept; if the wallet does not
+/// contain it, its first card is shown.
 ///
-/// Entry calls throw NetworkException when the customer has changed and the former one's wallet
-/// could not be wiped, std::runtime_error when the new customer could not be stored, and
-/// std::invalid_argument for a code or an API key that is not UTF-8: nothing has begun then, and a
-/// flow that was there goes on. When memory runs out in an entry call it throws std::bad_alloc, and
-/// when no thread can be had std::system_error: no flow is under way then and no host hears
-/// anything.
+/// Errors. Entry calls throw NetworkException when the customer has changed and the previous
+/// customer's credentials could not be wiped, std::runtime_error when the new customer could not be
+/// stored, and std::invalid_argument for a code or an API key that is not UTF-8; no flow was
+/// started then, and a running one continues. They throw std::bad_alloc when memory runs out and
+/// std::system_error when no thread can be created; no flow is running then, and no callback
+/// follows.
 class OXOrlix : public OMVelloDelegate, public std::enable_shared_from_this<OXOrlix> {
  public:
   static std::shared_ptr<OXOrlix> make();
@@ -91,11 +90,11 @@ class OXOrlix : public OMVelloDelegate, public std::enable_shared_from_this<OXOr
   void preRegister(const EntryRequest& request);
   void walletManagement(const EntryRequest& request);
 
-  /// Whether a purchase was sent in the flow of this facade's last entry call, and what is known of
-  /// it. Ask in the callback or after it, until the next entry call of this facade; also when no
-  /// callback came, because another flow has taken the place of this one or the host has removed
-  /// the screens. `unknown` may later become another state, when an answer arrives after the user
-  /// has left. `none` before the first entry call.
+  /// Whether a purchase was sent in the flow of this facade's last entry call, and its result as
+  /// far as it is known. Valid from the callback until the next entry call of this facade; also
+  /// without a callback, when another flow has replaced this one or the host has removed the
+  /// screens. `unknown` can change later, when an answer arrives after the user has left. `none`
+  /// before the first entry call.
   PurchaseStatus purchaseStatus() const;
 
   using Controller = std::shared_ptr<ViewController>;
@@ -130,31 +129,32 @@ class OXOrlix : public OMVelloDelegate, public std::enable_shared_from_this<OXOr
                         Delegate delegate, std::optional<PreMSISDN> preMSISDN,
                         std::optional<CustomerId> customerId);
 
-  /// "+" and the digits of a South African or international number (E.164), those of any script
-  /// written as 0 to 9; an empty text stays empty.
+  /// Normalises a South African or international number to "+" and ASCII digits (E.164); an empty
+  /// text stays empty.
   static std::string getSuggestedMSISDN(const std::string& number);
   static std::string getLibVelloApiVersion();
-  /// Makes this device unknown to the wallet of the last entry call's system, and says so in an
-  /// alert. Before the first entry call of the process nothing is wiped, and the alert is shown all
-  /// the same. A flow under way keeps its session. Throws NetworkException, without the alert, when
-  /// the store could not be wiped.
+  /// Wipes this device's credentials for the last entry call's system, and confirms it in an alert.
+  /// Before the first entry call of the process nothing is wiped, but the alert is shown. A running
+  /// flow keeps its session. Throws NetworkException, without showing the alert, when the store
+  /// could not be wiped.
   void reset();
-  /// The same without a word.
+  /// The same without the alert.
   void deregisterUser();
-  /// Throws std::runtime_error when it could not be stored.
+  /// Throws std::runtime_error when the customer could not be stored.
   void saveCustomerId(const std::string& customerId);
-  /// Deregisters and stores the customer when it is not the one last seen; does nothing for none.
+  /// Deregisters and stores the customer if it differs from the last one; does nothing without a
+  /// customer.
   void checkCustomerId(const std::optional<CustomerId>& customerId);
 
   void showLoadingDialogFromController(const Controller& controller);
   void showScreen(const std::string& identifier, const Controller& fromController);
   static void hideLoadingDialog(const Controller& controller);
 
-  /// The first screen of the session's flow. `waiting`: the waiting screen, none after a retry. A
-  /// code that stands for nothing ends the flow only when it is given.
+  /// Shows the first screen of the session's flow. `waiting`: the waiting screen, null after a
+  /// retry; a code without a payment ends the flow only when it is given.
   static void loadCodeInfo(const Controller& waiting);
-  /// The same request, for the sake of the data alone: the screens at hand take over what has
-  /// changed, none is shown and nothing ends.
+  /// Repeats the request to refresh the data: screens update themselves, no screen is shown and the
+  /// flow does not end.
   static void reloadData();
   static void loadCards();
   static void loadWallet();

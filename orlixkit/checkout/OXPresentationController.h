@@ -8,7 +8,7 @@
 
 namespace orlix {
 
-/// Stands a screen as a card of fixed size in the middle of the host's screen, which is dimmed.
+/// Presents a screen as a card of fixed size in the middle of the dimmed host screen.
 class OXPresentationController : public PresentationController {
  public:
   OXPresentationController(const std::shared_ptr<ViewController>& presented,

@@ -16,15 +16,15 @@
 
 namespace orlix {
 
-/// The screen that the user pays on: merchant, amount, the card that will be used, CVV and PIN as
-/// the card needs them. Pays with and without PIN itself and ends the flow with the outcome; sends
-/// the user on for cards that have to be unlocked or go through 3-D Secure.
+/// The payment screen: merchant, amount, the selected card, and CVV and PIN if the card needs them.
+/// Pays with and without a PIN and ends the flow with the outcome; opens another screen for cards
+/// that must be unlocked or authenticated by 3-D Secure.
 ///
-/// A payment is in progress from PAY until the flow ends or its connection alert has gone without a
-/// retry. Meanwhile proceed and card do nothing, so that no second payment is sent; cancel ends the
-/// flow, and the answer is dropped.
+/// A payment is in progress from PAY until the flow ends, or until its connection alert is closed
+/// without a retry. Meanwhile PAY and the card area do nothing, so that no second payment is sent;
+/// cancel ends the flow, and the answer is discarded.
 ///
-/// Stands being shown without code information.
+/// May be shown without code information.
 class OXProductViewController : public SessionScreen,
                                 public PurchaseInputs,
                                 public Payment,

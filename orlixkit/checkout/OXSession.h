@@ -25,17 +25,17 @@ namespace orlix {
 
 class SessionScreen;
 
-/// The checkout in progress: what the host asked for, what the screens tell one another, and the
-/// moves that change the screen or end the flow.
+/// The checkout in progress: the host's request, the data that the screens share, and the
+/// operations that change the screen or end the flow.
 ///
-/// There is one current session; every entry call of the facade puts a new one in its place. A
-/// session that was replaced, or that has ended, is over: its show and return operations do nothing
-/// but write a log line, its requests send nothing more, and whatever was still under way can
-/// neither reach the next flow's host nor call its own host a second time. Only the callback of a
-/// return operation that was called before the replacement is still made, from the main queue.
+/// There is one current session; every entry call of the facade replaces it. A session that was
+/// replaced or has ended is over: its show and return operations only write a log line, its
+/// requests send nothing, and no task of it reaches the next flow's host or calls its own host a
+/// second time. The callback of a return operation that was called before the replacement is still
+/// made, from the main queue.
 ///
-/// A payment in progress belongs to the session: there is one at a time, whichever screen sent it,
-/// and until it has ended no screen but the issuer's pages takes its place.
+/// A payment in progress belongs to the session: there is at most one, whichever screen sent it,
+/// and until it has ended only the issuer's pages may replace that screen.
 ///
 /// Without a presenting controller nothing is shown and no callback is made. Ending a flow also
 /// dismisses the progress indicator, because the answers that would have done so are dropped.
@@ -43,16 +43,16 @@ class SessionScreen;
 /// Thread: `currentSession` and `isLive` from any thread; all else on the main thread.
 class OXSession : public std::enable_shared_from_this<OXSession> {
  public:
-  /// Never none while a host is installed.
+  /// Never null while a host is installed.
   static std::shared_ptr<OXSession> currentSession();
-  /// Puts a fresh session in place of the current one, which releases all it held.
+  /// Replaces the current session by a new one; the old one releases its data.
   static void reset();
 
-  /// Current, and not ended by a return operation.
+  /// True while this is the current session and no return operation has ended it.
   bool isLive() const { return flow_->isLive(); }
   /// The same for the floors below. Any thread.
   const std::shared_ptr<Flow>& flow() const { return flow_; }
-  /// The wallet server's client for the requests of this flow; none before the first session start.
+  /// The client for this flow's requests; null before the first session start.
   std::optional<KCVelloConnection> connection() const;
 
   /// True when both the host and the code fix an amount.
@@ -67,50 +67,50 @@ class OXSession : public std::enable_shared_from_this<OXSession> {
   void showCardValidationScreen();
   void showTemsAndConditionChangeScreen();
   void showWalletManagementScreen();
-  /// Counts the show operations that were carried out. A lookup that comes after a further one
-  /// finds the user elsewhere, and updates data only.
+  /// Number of show operations carried out. A lookup that arrives after a further one only updates
+  /// data, because the user is on another screen by then.
   std::uint64_t screenChanges() const { return screenChanges_; }
-  /// `cards` or `codeInfo` have been replaced: the screens that show them take them over.
+  /// Updates the screens that show `cards` or `codeInfo` after these were replaced.
   void dataChanged();
-  /// One of the screens at hand shows them.
+  /// True when a shown screen displays `cards` or `codeInfo`.
   bool isDataShown() const;
-  /// A screen of the library is shown, also while it is being dismissed.
+  /// True while a screen of the library is shown or being dismissed.
   bool hasScreens() const;
 
   void returnUserDidCancel();
   void returnUserRegistered();
   void returnUserDoneWithWallet();
-  /// Not an end: the screen that asked for the authentication goes on with the flow.
+  /// Does not end the flow: the screen that asked for the authentication continues it.
   void returnAuth3DsValidated();
   void returnPaymentSucceededWithTransactionReference(const std::string& reference);
   void returnError(int errorCode);
   void returnPaymentFailedWithTransactionReference(const std::string& reference);
   void returnInvalidCode();
 
-  /// Begins a payment. False, and nothing may be sent, while one is in progress.
+  /// Begins a payment. False while one is in progress: the caller must not send.
   bool beginPayment();
   bool isPaying() const { return paying_; }
   /// What is known of the purchases of this flow. Never null.
   const std::shared_ptr<PurchaseLedger>& purchases() const { return purchases_; }
-  /// The payment was given up without an outcome; what waited for that runs.
+  /// Ends the payment without an outcome and runs the tasks that waited for it.
   void endPayment();
-  /// Runs the task at once, or when the payment in progress has been given up. A later one replaces
-  /// an earlier one of the same source. The session keeps it, so that it must not hold the session.
+  /// Runs the task at once, or when the payment in progress is given up. Replaces a waiting task of
+  /// the same source. The session holds the task, so the task must not hold the session.
   using DataTask = std::function<void(OXSession&)>;
   void whenNotPaying(const std::string& source, DataTask task);
 
   /// The alerts of failed requests.
   ConnectionAlerts& connectionAlerts() { return *connectionAlerts_; }
-  /// An alert of this flow: it goes with the flow, wherever it is shown.
+  /// Registers an alert of this flow, which is removed when the flow ends.
   void keepTrackOf(const std::shared_ptr<AlertController>& alert);
-  /// Takes the flow's alerts away, and shows none any more.
+  /// Removes the flow's alerts and shows no further ones.
   void closeAlerts();
 
-  /// A step found no memory and may be half done: ends the flow with error 2, or makes the callback
-  /// that is still pending. Does nothing once the host has heard. May throw std::bad_alloc, and be
-  /// called again then.
+  /// Call when a step ran out of memory and may be incomplete: ends the flow with error 2, or makes
+  /// the pending callback. Does nothing after the callback. May throw std::bad_alloc; call it again
+  /// then.
   void fail();
-  /// Ends the flow without a callback. The same.
+  /// Ends the flow without a callback. May throw std::bad_alloc; call it again then.
   void abandon();
 
   bool mustValidateCard = false;
@@ -132,8 +132,8 @@ class OXSession : public std::enable_shared_from_this<OXSession> {
   std::optional<std::string> tempAmountInput;
   std::shared_ptr<CardInfoResponse> cardInfoResponse;
   std::shared_ptr<OXTransitioningDelegate> transitioningDelegate;
-  /// Number of the last lookup (or card list) asked for, and of the last one taken over: answers
-  /// take effect in the order of their requests.
+  /// Numbers of the last lookup (or card list) requested and of the last one used: answers take
+  /// effect in the order of their requests.
   std::uint64_t lookupsAsked = 0;
   std::uint64_t lookupTaken = 0;
 

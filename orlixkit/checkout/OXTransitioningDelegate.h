@@ -8,7 +8,7 @@
 
 namespace orlix {
 
-/// Presents every screen of the library as a card over the dimmed host screen.
+/// Presents the library's screens as cards over the dimmed host screen.
 class OXTransitioningDelegate : public TransitioningDelegate {
  public:
   std::shared_ptr<PresentationController> presentationControllerFor(
@@ -17,8 +17,8 @@ class OXTransitioningDelegate : public TransitioningDelegate {
       const std::shared_ptr<ViewController>& source) override;
 };
 
-/// Sets `screen` up to be presented as a card. The caller keeps the result for as long as the
-/// screen is presented; a screen does not hold its delegate.
+/// Configures `screen` to be presented as a card. Keep the result for as long as the screen is
+/// presented: a screen does not own its delegate.
 std::shared_ptr<OXTransitioningDelegate> presentAsCard(ViewController& screen);
 
 }  // namespace orlix

@@ -18,8 +18,8 @@
 
 namespace orlix {
 
-/// What every screen of the library shares: the names of stored values, the server's address, the
-/// last used card, the standard alerts and the look. Main thread, unless stated otherwise.
+/// Functions that the library's screens share: names of stored values, the server's address, the
+/// last used card, standard alerts, appearance. Thread: main, unless stated otherwise.
 class OXUtil {
  public:
   /// "live" or "test", a point, and the item. Any thread.
@@ -33,11 +33,11 @@ class OXUtil {
   static ProgressIndicator& indicator();
   /// An alert with one button "Ok".
   static void showAlertWithTitle(const std::string& title, const std::string& message);
-  /// An alert of the current flow, in the library's look: over the flow's screen, or, while it has
-  /// none, where `AlertWindow` shows it. It goes when the flow is over.
+  /// Shows an alert of the current flow: over the flow's screen, or in `AlertWindow` while there is
+  /// none. It is removed when the flow ends.
   static void showAlert(const std::shared_ptr<AlertController>& alert);
-  /// The "Connection problem" alert of the current flow, shown when the progress indicator is gone.
-  /// It and its tasks are dropped once the flow is over. Any thread.
+  /// Shows the "Connection problem" alert of the current flow when the progress indicator has
+  /// disappeared. The alert and its tasks are discarded when the flow ends. Any thread.
   static void showConnectionAlert(ConnectionAlert alert);
   /// The same: "Retry" runs `retry`, "Cancel" dismisses the indicator and runs `cancel`, if any.
   static void showNetworkErrorRetryObject(Task retry, Task cancel = {});
@@ -48,15 +48,15 @@ class OXUtil {
   static void setLastUsedCardId(std::int64_t cardId);
   /// Throws StoreException when the store cannot be read.
   static std::int64_t getLastUsedCardid();
-  /// The stored card among those of the current session, else the first of them, else none. Throws
-  /// as above.
+  /// The stored card if the current session has it, else the session's first card, else none.
+  /// Throws as above.
   static std::optional<CardOption> getLastUsedCard();
   /// Name of the image resource of a card brand.
   static std::string imageForCardType(const std::optional<std::string>& cardType);
-  /// The last known position; without one, with a log line, a record without any field.
+  /// The last known position; an empty record, and a log line, when there is none.
   static Location getLocation();
 
-  /// Fits a screen that has appeared on a small device in landscape.
+  /// Adapts a screen that has appeared to a small device in landscape.
   static void checkOrientationHeight(ViewController& controller, bool isSecureScreen = false);
   static void styleButtonsForView(const std::shared_ptr<View>& view);
   static void styleButton(Button& button);

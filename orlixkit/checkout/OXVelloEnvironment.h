@@ -9,7 +9,7 @@
 
 namespace orlix {
 
-/// The session driver's way up to the utilities and the current checkout.
+/// Gives the session driver access to the utilities and the current checkout.
 class OXVelloEnvironment : public OMVelloEnvironment {
  public:
   std::string velloUrl() override;

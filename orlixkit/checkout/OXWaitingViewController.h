@@ -8,7 +8,7 @@
 
 namespace orlix {
 
-/// What the user sees while the session is opened.
+/// The screen shown while the session is opened.
 class OXWaitingViewController : public ViewController {
  public:
   void viewDidLoad() override;

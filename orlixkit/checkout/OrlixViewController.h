@@ -9,7 +9,7 @@
 
 namespace orlix {
 
-/// Base of the library's screens: the brand's colours and fonts, and the ribbon at the bottom.
+/// Base class of the library's screens: brand colours, fonts, and the ribbon at the bottom.
 class OrlixViewController : public SessionScreen {
  public:
   void viewDidLoad() override;

@@ -16,13 +16,13 @@
 
 namespace orlix {
 
-/// The part of a screen that pays: sends the purchase, polls for its receipt and ends the flow with
-/// the outcome. A step that fails is offered again in the connection alert.
+/// The payment of a screen: sends the purchase, polls for its receipt and ends the flow with the
+/// outcome. The connection alert offers a retry of a failed step.
 ///
-/// The observer of the progress indicator and the alerts is the host's code and may end the flow;
-/// the session is asked for again after each of them.
+/// The observer of progress indicator and alerts is the host's code and may end the flow, so the
+/// session is looked up again after each call of it.
 ///
-/// Main thread. Requests and alerts under way keep the screen alive.
+/// Main thread. Pending requests and alerts keep the screen alive.
 class Payment {
  public:
   virtual ~Payment() = default;
@@ -30,36 +30,36 @@ class Payment {
   /// Begins a round of polling for the receipt of `pinResponse_`.
   void pollForReceipt();
 
-  /// One round of polling: at once, then after pauses of at most 2 seconds, and no more once 60
-  /// seconds have passed. None at the deadline, with a log line, and when the flow of `connection`
-  /// is over. Blocks. Throws what a request throws.
+  /// One round of polling: at once, then after pauses of at most 2 seconds, until 60 seconds have
+  /// passed. Returns none at the deadline, with a log line, and when the flow of `connection` is
+  /// over. Blocks. Throws what a request throws.
   static std::optional<MTReceipt> receiptOf(std::int64_t transactionId,
                                             const KCVelloConnection& connection);
 
  protected:
   using PurchaseCall = std::function<MTPinResponse(KCVelloConnection&)>;
 
-  /// `screen`: the screen that this is a part of. `status`: of the indicator meanwhile. `queue`:
-  /// where the purchase is sent from.
+  /// `screen`: the owner. `status`: text of the progress indicator. `queue`: where the purchase is
+  /// sent from.
   Payment(SessionScreen& screen, std::string status, RequestQueue queue)
       : screen_(screen), status_(std::move(status)), queue_(queue) {}
 
-  /// Sends the purchase. `again` makes and sends it once more, when the user retries.
+  /// Sends the purchase. `again` builds and sends it again when the user retries.
   void pay(PurchaseCall purchase, Task again);
   /// Hides the indicator and shows the connection alert for a step that has failed.
   void offerRetryOf(Task step);
   /// Dismisses the indicator, then ends the flow.
   void endWith(const std::function<void(OXSession&)>& outcome);
 
-  /// What the alert does besides the retry.
+  /// The alert's choices besides the retry.
   virtual ConnectionAlert failureAlert() = 0;
-  /// The purchase will not be sent again.
+  /// Called when the purchase will not be sent again.
   virtual void purchaseAnswered() {}
-  /// A round of polling has brought no receipt.
+  /// Called when a round of polling has returned no receipt.
   virtual void receiptTimedOut() = 0;
-  /// The receipt says "SUCCESS". The session is live, the indicator gone.
+  /// Called when the receipt says "SUCCESS"; the session is live and the indicator dismissed.
   virtual void succeeded(const std::string& reference);
-  /// What that means for the purchase that was sent.
+  /// The state of the sent purchase that follows from this receipt.
   virtual void noteSuccess(PurchaseAttempt& attempt) const { attempt.succeeded(); }
 
   PurchaseRequest purchaseRequest_;

@@ -12,7 +12,7 @@
 
 namespace orlix {
 
-/// What the session hands to the screen that the user pays on, before it is presented.
+/// What the session passes to the payment screen before it is presented.
 class PurchaseInputs {
  public:
   virtual ~PurchaseInputs() = default;

@@ -14,18 +14,18 @@
 
 namespace orlix {
 
-/// One purchase (or authentication) from before it is sent, and what has become of it.
+/// One purchase (or authentication) and its result, recorded from before it is sent.
 ///
-/// Thread: any. Nothing here allocates but `status`: a note that failed for want of memory would
-/// make an accepted purchase look like one to be sent again.
+/// Thread: any. Only `status` allocates: a record lost for lack of memory would make an accepted
+/// purchase look unsent.
 class PurchaseAttempt {
  public:
-  /// To be marked by the request on its way.
+  /// Marked by the request when it leaves the device.
   const std::shared_ptr<Departure>& departure() const { return departure_; }
   void answered(const MTPinResponse& response);
   void refusedByReceipt() { settle(PurchaseState::refused); }
   void succeeded() { settle(PurchaseState::paid); }
-  /// It was not the purchase itself, and leaves nothing open.
+  /// Call when the request was not the purchase itself and no result is pending.
   void authenticated() { settle(PurchaseState::none); }
 
   PurchaseStatus status() const;
@@ -40,8 +40,8 @@ class PurchaseAttempt {
   bool pinRefused_ = false;
 };
 
-/// The purchases of one flow, in the order in which the user made them. Outlives the flow, so that
-/// the host can ask after the outcome. Main thread.
+/// The purchases of one flow, in order. Outlives the flow, so that the host can query it after the
+/// outcome. Main thread.
 class PurchaseLedger {
  public:
   std::shared_ptr<PurchaseAttempt> begin();

@@ -6,7 +6,7 @@
 
 namespace orlix {
 
-/// A navigation container that stays upright.
+/// A navigation container that does not rotate.
 class RotationAwareNavigationController : public NavigationController {
  public:
   bool shouldAutorotate() const override { return false; }

@@ -9,9 +9,10 @@
 
 namespace orlix {
 
-/// Cuts away whatever `controller` presents, alerts included, then runs `then`, before it returns.
-/// What the end of an earlier dismissal puts up meanwhile is cut away as well. Stops, and does not
-/// run `then`, once the flow is over: what is there now belongs to the next one. Main thread.
+/// Removes everything that `controller` presents, alerts included, then runs `then` synchronously.
+/// Also removes what the completion of an earlier dismissal presents meanwhile. Stops without
+/// running `then` when the flow is over, because what is presented then belongs to the next flow.
+/// Main thread.
 void cutPresented(const std::shared_ptr<OXSession>& session,
                   const std::shared_ptr<ViewController>& controller, const Task& then);
 

@@ -17,34 +17,34 @@
 
 namespace orlix {
 
-/// A screen that belongs to the checkout that was in progress when it was made, and that can do
-/// nothing any more once that checkout is over. Once it was left it changes nothing either: the
-/// answers to its requests are dropped, its alerts are not shown, its progress indicator goes.
+/// A screen of the checkout that was in progress when the screen was made. It is inert once that
+/// checkout is over, and once the user has left it: answers to its requests are discarded, its
+/// alerts are not shown, its progress indicator is dismissed.
 class SessionScreen : public ViewController {
  public:
   SessionScreen() : session_(OXSession::currentSession()) {}
 
-  /// Shows the session's cards or its code information.
+  /// True when the screen shows the session's cards or code information.
   virtual bool showsSessionData() const { return false; }
-  /// These have been replaced while this screen is shown.
+  /// Called when these were replaced while the screen is shown.
   virtual void sessionDataChanged() {}
 
-  /// No longer presented, or being dismissed.
+  /// True when the screen is no longer presented, or is being dismissed.
   bool wasLeft() const { return !presentingViewController() || isBeingDismissed(); }
 
  protected:
   friend class Payment;  // a part of its screen
 
-  /// The screen's session; none when it has been replaced or has ended. The action of a screen, and
-  /// the retry that it offers, find it present.
+  /// The screen's session; null when it was replaced or has ended. Never null in an action or a
+  /// retry of the screen.
   std::shared_ptr<OXSession> session() const {
     const std::shared_ptr<OXSession> held = session_.lock();
     return held && held->isLive() ? held : nullptr;
   }
 
   bool isLive() const { return session() != nullptr; }
-  /// Its flow is live and it has not been left: a host that removes the screens leaves the flow
-  /// live, but they ask nothing any more.
+  /// True when the flow is live and the user has not left the screen. A host that removes the
+  /// screens leaves the flow live, but its screens send nothing.
   bool isInUse() const { return isLive() && !wasLeft(); }
 
   /// Registers an action that runs only while the screen is in use, and receives its session.
@@ -63,14 +63,14 @@ class SessionScreen : public ViewController {
   void showProgress(const std::string& status, ProgressMask mask = ProgressMask::none,
                     ProgressStyle style = ProgressStyle::activity);
   /// Dismisses the progress indicator if this screen shows it. False when the flow is over
-  /// afterwards: the indicator's observer is the host's code, and may have ended or replaced it.
+  /// afterwards: the indicator's observer is the host's code and may end or replace it.
   [[nodiscard]] bool hideProgress();
   /// The connection alert for a request of this screen that has failed.
   void offerRetry(const std::string& kind, Task retry);
   /// Dismisses the indicator, then offers the retry.
   void failed(const std::string& kind, Task retry);
 
-  /// A request that only this screen waits for.
+  /// A request whose answer only this screen uses.
   template <class Answer>
   struct Request {
     std::string kind;  ///< which of the screen's requests it is
@@ -78,14 +78,14 @@ class SessionScreen : public ViewController {
     std::function<Answer(KCVelloConnection&)> ask;
     std::function<void(Answer)> answered;
     Task failed;
-    /// Runs in the place of `answered` once the screen has been left. It may bring the session's
-    /// data up to date; it must not change the screens.
+    /// Runs instead of `answered` once the user has left the screen. May update the session's data;
+    /// must not change screens.
     Task answeredLate = {};
-    /// The answer is dropped when one of the same kind that was asked for later has been taken: a
-    /// lookup, say. Requests that change something count each for itself.
+    /// Discard the answer if a later request of the same kind (a lookup, for example) was answered
+    /// first. Leave it off for requests that change something on the server.
     bool latestCounts = false;
-    /// Not sent while one of this kind is under way: a screen that holds touches back meanwhile may
-    /// still be touched by the host's code.
+    /// Send only if no request of this kind is pending: the host's code can trigger an action
+    /// although touches are masked.
     bool alone = false;
   };
 
@@ -128,7 +128,7 @@ class SessionScreen : public ViewController {
   }
 
  private:
-  /// False when an answer of this kind that was asked for later has been taken already.
+  /// False when a later request of this kind has been answered already.
   bool take(const std::string& kind, std::uint64_t number);
 
   std::weak_ptr<OXSession> session_;

@@ -16,16 +16,16 @@ namespace orlix {
 /// Where a request of a flow runs.
 enum class RequestQueue { newOperationQueue, globalBackground, globalHigh };
 
-/// Runs `work` on that queue of the installed host, then `then` on the main queue. Both are made
-/// before the work is done, so that its result does not get lost for want of memory. What they
-/// share is to be released by `then`: screens die on the main thread. When no thread can be had for
-/// the work, `then` runs without it.
+/// Runs `work` on that queue of the installed host, then `then` on the main queue. Both tasks are
+/// allocated first, so that a result is not lost for lack of memory. `then` releases what they
+/// share, because screens are destroyed on the main thread. When no thread can be created for the
+/// work, only `then` runs.
 void runInBackground(RequestQueue queue, Task work, const Task& then);
 
-/// Writes why a request failed, unless the protocol client has done so.
+/// Logs why a request failed, unless the protocol client has done so.
 void logFailureOfRequest(const std::exception& failure);
 
-/// One request of a flow, passed from the main thread to the background and back.
+/// One request of a flow, which travels from the main thread to the background and back.
 template <class Answer>
 struct WalletRequest {
   std::shared_ptr<OXSession> session;
@@ -35,7 +35,7 @@ struct WalletRequest {
   Task failed;
   std::optional<Answer> answer = std::nullopt;
 
-  /// Off the main thread. What was asked is released at once.
+  /// Background. Releases `ask` at once.
   void run() {
     try {
       if (connection && session->isLive()) {
@@ -52,7 +52,7 @@ struct WalletRequest {
     connection.reset();
   }
 
-  /// Back on the main thread, where the captured screen is released.
+  /// Main thread. Releases the captured screen.
   void finish() {
     const auto whenAnswered = std::exchange(answered, {});
     const auto whenFailed = std::exchange(failed, {});
@@ -67,18 +67,19 @@ struct WalletRequest {
   }
 };
 
-/// One request of the current flow: asked off the main thread, answered on it.
+/// Sends one request of the current flow in the background and delivers the answer on the main
+/// queue.
 ///
-/// `ask` runs in the background with the client of the flow, which sends nothing, first or again,
-/// once the flow is over. Then, on the main queue, either `answered` or, when `ask` threw anything,
-/// there is no client yet, or no thread can be had, `failed` runs: both only while the flow is
-/// live. Capture the screen by `shared_from_this` in those two, never in `ask`.
+/// `ask` runs in the background with the flow's client, which sends nothing once the flow is over.
+/// Then `answered` runs on the main queue; or `failed`, when `ask` threw, there is no client yet,
+/// or no thread can be created. Both run only while the flow is live. Capture the screen by
+/// `shared_from_this` in these two, never in `ask`.
 ///
-/// A screen that has run host code since it looked at its session, the indicator's observer say,
-/// gives the session itself, so that nothing is asked in the name of the next flow.
+/// A screen that has called host code (for example the indicator's observer) since it looked up its
+/// session passes that session, so that no request is made for the next flow by mistake.
 ///
-/// For what belongs to the flow whatever the user does meanwhile: its lookups and its payment. A
-/// request that only its screen waits for goes through `SessionScreen::request`.
+/// For the flow's own requests, its lookups and its payment. A request whose answer only one screen
+/// uses goes through `SessionScreen::request`.
 template <class Answer>
 void requestInBackground(RequestQueue queue, std::function<Answer(KCVelloConnection&)> ask,
                          std::function<void(Answer)> answered, Task failed,

@@ -22,11 +22,12 @@ std::string slice(const std::vector<std::string_view>& characters, std::size_t f
   return joined;
 }
 
-/// The number at the beginning of a text, after white space and a sign; 0 when there is none.
+/// The number at the beginning of two characters, after white space or a sign; 0 when there is
+/// none.
 int leadingInteger(std::string_view text) {
   text.remove_prefix(std::min(text.find_first_not_of(" \t\r\n"), text.size()));
   if (text.starts_with('+')) {
-    text.remove_prefix(text.starts_with("+-") ? text.size() : 1);
+    text.remove_prefix(1);
   }
   int number = 0;
   std::from_chars(text.data(), text.data() + text.size(), number);

@@ -39,9 +39,10 @@ void requirePrivate(const std::filesystem::path& path, const struct stat& status
     refuse(path, "is a symbolic link. Put what it leads to in its place.");
   }
   if (status.st_uid != ::geteuid()) {
-    refuse(path, fmt::format("belongs to the user {}, not to {}, as whom this application runs. "
-                             "Give it to that user, or choose another state folder.",
-                             status.st_uid, ::geteuid()));
+    refuse(path,
+           fmt::format("belongs to the user {}, not to {}, the user that runs this application. "
+                       "Give it to that user, or choose another state folder.",
+                       status.st_uid, ::geteuid()));
   }
   if ((status.st_mode & (S_IWGRP | S_IWOTH)) != 0) {
     refuse(path, fmt::format("can be written by others (mode {:04o}). If its content can be "

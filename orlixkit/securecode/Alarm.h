@@ -9,12 +9,12 @@
 
 namespace orlix {
 
-/// Puts a task on the main queue once a time has passed, unless it is released before. The task may
-/// still run shortly after the release, and not at all after the host's shutdown; it is destroyed
-/// on a background thread or the main thread.
+/// A timer: puts a task on the main queue after a time, unless it is destroyed first. The task may
+/// still run shortly after that, but never after the host's shutdown; it is destroyed on a
+/// background thread or the main thread.
 class Alarm {
  public:
-  /// Throws std::system_error when no thread can be had to wait on.
+  /// Throws std::system_error when no thread can be created to wait on.
   Alarm(Duration after, Task task);
   ~Alarm();
   Alarm(const Alarm&) = delete;

@@ -8,8 +8,8 @@
 
 namespace orlix {
 
-/// Authenticates a card on its issuer's page without paying for the checkout; the payment screen
-/// goes on with the card afterwards.
+/// Authenticates a card on its issuer's page without paying; the payment screen continues with the
+/// card.
 class OX3DAuthSecureCodeViewController : public OXSecureCodeViewController {
  protected:
   PageRequest pageRequest() const override;

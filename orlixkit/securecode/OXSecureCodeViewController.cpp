@@ -68,7 +68,7 @@ void OXSecureCodeViewController::addWebView() {
 }
 
 void OXSecureCodeViewController::loadSecureCodeInfo() {
-  stage_ = Stage::asking;
+  pageState_ = PageState::asking;
   answered_ = false;
   pageShown_ = false;
   const unsigned turn = ++turn_;
@@ -128,7 +128,7 @@ void OXSecureCodeViewController::secureCodeInfoLoaded() {
 }
 
 void OXSecureCodeViewController::endWithWarning(const std::string& message) {
-  stage_ = Stage::over;
+  pageState_ = PageState::over;
   if (!hideProgress()) {
     return;
   }
@@ -142,7 +142,7 @@ void OXSecureCodeViewController::endWithWarning(const std::string& message) {
 }
 
 void OXSecureCodeViewController::loadPage() {
-  stage_ = Stage::showing;
+  pageState_ = PageState::showing;
   const std::shared_ptr<WebView> page = secureCodewebView_->page();
   page->setNavigationDelegate(self());
   const std::string html = IssuerPage::pageFor(*secureCodeInfo_, OXUtil::velloUrl());
@@ -150,7 +150,9 @@ void OXSecureCodeViewController::loadPage() {
   page->loadHtmlString(html);
 }
 
-bool OXSecureCodeViewController::showsPage() const { return stage_ == Stage::showing && isLive(); }
+bool OXSecureCodeViewController::showsPage() const {
+  return pageState_ == PageState::showing && isLive();
+}
 
 // Only a page that has been loaded whole is read. A page whose own script leaves it before is never
 // reported, by no web engine, and so would a termination page be that did so: nothing is paid then,
@@ -183,7 +185,7 @@ void OXSecureCodeViewController::didFinishNavigation() {
 }
 
 void OXSecureCodeViewController::terminationPageSeen(std::string_view markup) {
-  stage_ = Stage::over;
+  pageState_ = PageState::over;
   secureCodeData_.PaRes = IssuerPage::parsePaRes(markup);
   secureCodeData_.secureCodeId = secureCodeInfo_->secureCodeId;
   log(secureCodeData_.PaRes->text());
@@ -201,7 +203,7 @@ void OXSecureCodeViewController::didFailNavigation(const std::string& descriptio
 void OXSecureCodeViewController::webContentProcessDidTerminate() {
   if (showsPage()) {
     log("OrlixKit: The process behind the issuer's page has died.");
-    stage_ = Stage::asking;  // until the user retries
+    pageState_ = PageState::asking;  // until the user retries
     pageShown_ = false;
     secureCodewebView_->setPage(nullptr);
     addWebView();
@@ -219,13 +221,15 @@ ConnectionAlert OXSecureCodeViewController::failureAlert() {
   const auto screen = self();
   return {.cancel =
               [screen] {
-                if (screen->stage_ == Stage::over || !screen->pageShown_) {
+                if (screen->pageState_ == PageState::over || !screen->pageShown_) {
                   screen->cancelTransaction();
                 }
               },
           .lost = [] {},
-          .isWanted = [screen, turn = turn_,
-                       stage = stage_] { return screen->turn_ == turn && screen->stage_ == stage; },
+          .isWanted =
+              [screen, turn = turn_, pageState = pageState_] {
+                return screen->turn_ == turn && screen->pageState_ == pageState;
+              },
           .source = identifier()};
 }
 

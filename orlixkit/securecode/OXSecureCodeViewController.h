@@ -18,13 +18,12 @@
 
 namespace orlix {
 
-/// Pays for the current checkout with a card that its issuer authenticates on a web page of its
-/// own: asks for the page, shows it, reads the PaRes from the page that comes back, sends the
-/// purchase and polls for the receipt.
+/// Pays with a card that its issuer authenticates on a web page: requests the page, shows it, reads
+/// the PaRes from the termination page, sends the purchase and polls for the receipt.
 ///
-/// What is paid is fixed when the screen loads. Only the page information asked for last counts,
-/// and none once the termination page has been seen; so the PaRes is always sent with the
-/// `secureCodeId` of the page that led to it, and a termination page that loads twice pays once.
+/// The purchase is fixed when the screen loads. Only the most recently requested page information
+/// is used, and none once the termination page was loaded, so that the PaRes is always sent with
+/// the `secureCodeId` of its own page, and a termination page that loads twice pays once.
 class OXSecureCodeViewController : public OrlixViewController,
                                    public Payment,
                                    public WebViewDelegate {
@@ -34,51 +33,52 @@ class OXSecureCodeViewController : public OrlixViewController,
   void viewDidLoad() override;
   void viewDidAppear() override;
 
-  /// Stops the page that is shown, and asks for another.
+  /// Stops the shown page and requests a new one.
   void loadSecureCodeInfo();
   void makePayment();
-  /// CANCEL. Ends the checkout as cancelled by the user; as succeeded when the payment has already
-  /// succeeded and only the card's validation is still under way.
+  /// CANCEL. Ends the checkout as cancelled by the user, or as succeeded if the payment has
+  /// succeeded and only the card's validation is pending.
   void cancelTransaction();
 
   void didFinishNavigation() override;
   void didFailNavigation(const std::string& description) override;
   void webContentProcessDidTerminate() override;
 
-  /// Evaluates the script and runs the main loop until its result is there, for 10 seconds at most.
-  /// None after a failure, which is logged, and when the flow has ended meanwhile. Tasks of the
-  /// main queue run meanwhile: the caller checks again all it knew before.
+  /// Evaluates the script and runs the main loop until the result arrives, for at most 10 seconds.
+  /// None after a failure, which is logged, and when the flow has ended. Tasks of the main queue
+  /// run meanwhile: check any state again afterwards.
   std::optional<SecretString> stringByEvaluatingJavaScriptFromString(
       const std::string& script, const std::shared_ptr<WebView>& webView);
 
  protected:
   bool isSecureScreen() const override { return true; }
 
-  /// What differs between paying and authenticating. `page` and `purchase` return what to ask in
-  /// the background, with all it needs copied; main thread.
+  /// The difference between paying and authenticating. `pageRequest` and `purchaseCall` return the
+  /// request to make in the background, with its arguments copied. Main thread.
   using PageRequest = std::function<MTSecureCodeURLResponse(KCVelloConnection&)>;
   virtual PageRequest pageRequest() const;
   virtual PurchaseCall purchaseCall() const;
   void succeeded(const std::string& reference) override;
 
-  /// Marks the card as validated at the server; one of the two tasks runs while the session lives.
+  /// Marks the card as validated on the server; runs one of the two tasks while the session is
+  /// live.
   void validateCard(Task done, Task failed);
 
   VelloSecureCodeData secureCodeData_;
 
  private:
-  /// `asking`: no page counts. `showing`: the page of `secureCodeInfo_` is in the web view. `over`:
-  /// the termination page has been seen, or no page will come; neither pages nor page information
-  /// count any more.
-  enum class Stage { asking, showing, over };
+  /// `asking`: events of pages are ignored. `showing`: the page of `secureCodeInfo_` is in the web
+  /// view. `over`: the termination page was loaded, or no page will be; pages and page information
+  /// are ignored.
+  enum class PageState { asking, showing, over };
 
   void takePaymentOf(OXSession& session);
   void addWebView();
   void pageRequestEnded();
   void secureCodeInfoLoaded();
   void loadPage();
-  /// Tells the user why there is no page. Ends the checkout as cancelled once they know, or when
-  /// the alert is lost.
+  /// Shows an alert that says why there is no page. Ends the checkout as cancelled when the alert
+  /// is closed or lost.
   void endWithWarning(const std::string& message);
   void offerPageRetry();
   ConnectionAlert failureAlert() override;
@@ -86,15 +86,15 @@ class OXSecureCodeViewController : public OrlixViewController,
   void terminationPageSeen(std::string_view markup);
   void purchaseAnswered() override;
   void receiptTimedOut() override;
-  /// The issuer's page is in the web view, and the flow is live.
+  /// True while the issuer's page is in the web view and the flow is live.
   bool showsPage() const;
   std::shared_ptr<OXSecureCodeViewController> self();
 
   std::shared_ptr<WebPageView> secureCodewebView_;
   std::shared_ptr<Button> cancelButton_;
-  Stage stage_ = Stage::asking;
-  /// Counts the requests for a page and the pages that have finished. Whoever waits for something
-  /// compares it to know whether another has come first.
+  PageState pageState_ = PageState::asking;
+  /// Incremented by each page request and each loaded page. A pending task compares it to know
+  /// whether it is outdated.
   unsigned turn_ = 0;
   bool appeared_ = false;
   bool answered_ = false;   ///< a page request has ended and waits for the screen to appear

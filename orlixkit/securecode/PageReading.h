@@ -12,9 +12,9 @@
 
 namespace orlix {
 
-/// Evaluates the script in the page and runs the main queue until its result is there. None when it
-/// has not come within `limit`, and as soon as `abandoned` holds, which is asked after each task of
-/// the main queue. Any of these tasks may have changed what the caller knew before. Main thread.
+/// Evaluates the script in the page and runs the main queue until the result arrives. None after
+/// `limit`, and as soon as `abandoned` holds, which is checked after each task of the main queue.
+/// These tasks may change any state of the caller. Main thread.
 std::optional<ScriptResult> evaluateAndWait(const std::shared_ptr<WebView>& page,
                                             const std::string& script, Duration limit,
                                             const std::function<bool()>& abandoned);

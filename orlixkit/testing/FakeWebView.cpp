@@ -41,14 +41,14 @@ bool isSecure(const std::string& address) {
 FakeWebView::FakeWebView(std::shared_ptr<MainQueue> mainQueue, OnLoad onLoad)
     : mainQueue_(std::move(mainQueue)), onLoad_(std::move(onLoad)) {}
 
-FakeWebView::~FakeWebView() { failOwed("The page view was released."); }
+FakeWebView::~FakeWebView() { failPendingScripts("The page view was released."); }
 
 void FakeWebView::finishNavigation(std::string_view markup) {
   if (!live_) {
     return;
   }
   markup_ = SecretString(markup);
-  failOwed("The page was left before it answered.");
+  failPendingScripts("The page was left before it answered.");
   tell([](WebViewDelegate& delegate) { delegate.didFinishNavigation(); });
 }
 
@@ -64,14 +64,14 @@ void FakeWebView::failNavigation(std::string description) {
 void FakeWebView::killProcess() {
   markup_.reset();
   live_ = false;
-  failOwed("The page's process has ended.");
+  failPendingScripts("The page's process has ended.");
   tell([](WebViewDelegate& delegate) { delegate.webContentProcessDidTerminate(); });
 }
 
 void FakeWebView::releaseScripts() {
   holding_ = false;
-  for (const Owed& owed : std::exchange(owed_, {})) {
-    settle(owed, run(owed.script));
+  for (const PendingScript& pending : std::exchange(pendingScripts_, {})) {
+    settle(pending, run(pending.script));
   }
 }
 
@@ -106,17 +106,17 @@ void FakeWebView::beginLoad(std::string html, std::string address) {
 void FakeWebView::stopLoading() {
   loading_ = std::make_shared<const int>(0);
   live_ = false;
-  failOwed("Loading was stopped.");
+  failPendingScripts("Loading was stopped.");
 }
 
 void FakeWebView::evaluateJavaScript(const std::string& script,
                                      std::function<void(const ScriptResult&)> completion) {
   scripts_.push_back(script);
-  Owed owed{script, std::move(completion)};
+  PendingScript pending{script, std::move(completion)};
   if (holding_) {
-    owed_.push_back(std::move(owed));
+    pendingScripts_.push_back(std::move(pending));
   } else {
-    settle(owed, run(script));
+    settle(pending, run(script));
   }
 }
 
@@ -131,19 +131,19 @@ void FakeWebView::tell(std::function<void(WebViewDelegate&)> callback) {
   });
 }
 
-void FakeWebView::settle(const Owed& owed, ScriptResult result) {
-  if (owed.completion) {
+void FakeWebView::settle(const PendingScript& pending, ScriptResult result) {
+  if (pending.completion) {
     mainQueue_->async(
-        [completion = owed.completion, result = std::move(result)] { completion(result); });
+        [completion = pending.completion, result = std::move(result)] { completion(result); });
   }
 }
 
-void FakeWebView::failOwed(std::string_view reason) {
-  if (owed_.empty()) {
+void FakeWebView::failPendingScripts(std::string_view reason) {
+  if (pendingScripts_.empty()) {
     return;  // without allocating: the destructor calls this
   }
-  for (const Owed& owed : std::exchange(owed_, {})) {
-    settle(owed, {std::nullopt, std::string(reason)});
+  for (const PendingScript& pending : std::exchange(pendingScripts_, {})) {
+    settle(pending, {std::nullopt, std::string(reason)});
   }
 }
 

@@ -54,14 +54,14 @@ class FakeWebView : public WebView {
                           std::function<void(const ScriptResult&)> completion) override;
 
  private:
-  struct Owed {
+  struct PendingScript {
     std::string script;
     std::function<void(const ScriptResult&)> completion;
   };
   void beginLoad(std::string html, std::string address);
   void tell(std::function<void(WebViewDelegate&)> callback);
-  void settle(const Owed& owed, ScriptResult result);
-  void failOwed(std::string_view reason);
+  void settle(const PendingScript& pending, ScriptResult result);
+  void failPendingScripts(std::string_view reason);
   ScriptResult run(const std::string& script) const;
 
   std::shared_ptr<MainQueue> mainQueue_;
@@ -73,7 +73,7 @@ class FakeWebView : public WebView {
   bool live_ = false;                   ///< a page that may navigate is loaded
   int loads_ = 0;
   std::vector<std::string> scripts_;
-  std::deque<Owed> owed_;
+  std::deque<PendingScript> pendingScripts_;
   bool holding_ = false;
   /// Shared with pending callbacks; replaced to cancel them.
   std::shared_ptr<const int> loading_ = std::make_shared<const int>(0);

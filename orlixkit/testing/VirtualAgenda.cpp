@@ -112,7 +112,7 @@ std::string VirtualAgenda::whoWaits() const {
   for (const Waiter* one : waitersOf([](const Waiter&) { return true; })) {
     text += (text.empty() ? "waiting: " : ", ") + one->name + " " + one->doing;
   }
-  return text.empty() ? "nobody waits" : text;
+  return text.empty() ? "nothing waits" : text;
 }
 
 // Choice.

@@ -62,6 +62,17 @@ TEST(CardRoads, TheCardDecidesWhatIsAskedForAndWhereProceedLeads) {
   }
 }
 
+TEST(CardRoads, ALateLookupKeepsWhatWasTypedForTheCardUnlessItIsAnother) {
+  Phone phone;
+  showScreenFor(phone, R"(,"method":"AMT"},{"cardId":9,"cardHint":"0009","method":"AMT")");
+  phone.host.type("pinField", "12");
+  OXSession::currentSession()->dataChanged();
+  EXPECT_EQ(phone.shown("pinField"), "••");
+  OXUtil::setLastUsedCardId(9);
+  OXSession::currentSession()->dataChanged();
+  EXPECT_EQ(phone.shown("pinField"), "");
+}
+
 TEST(CardRoads, TheCardAreaLeadsToTheListAndBackToTheTypedAmountOrToAddingACard) {
   Phone phone;
   phone.wallet.codeInfo = kAmountLeftOpen;

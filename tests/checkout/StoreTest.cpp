@@ -64,6 +64,26 @@ TEST(LastUsedCard, CountsAtOnceAndIsWrittenInTheBackgroundUnderTheSystemOfItsCho
   EXPECT_EQ(stored(phone, "live.lastUsedCard"), 9);
 }
 
+TEST(LastUsedCard, IsWrittenAgainOnlyWhenItIsAnother) {
+  Phone phone;
+  useSystem(kTestSystem);
+  const auto storedAfter = [&](std::int64_t cardId) {
+    phone.host.userDefaults()->setValue(kStoredCard, std::int64_t{0});
+    OXUtil::setLastUsedCardId(cardId);
+    phone.host.runUntilIdle();
+    return stored(phone);
+  };
+  EXPECT_EQ(storedAfter(5), 5);
+  EXPECT_EQ(storedAfter(5), 0) << "it is there already";
+  EXPECT_EQ(storedAfter(6), 6);
+  EXPECT_EQ(storedAfter(5), 5);
+  phone.host.userDefaults()->setFailing(true);
+  OXUtil::setLastUsedCardId(6);
+  phone.host.runUntilIdle();
+  phone.host.userDefaults()->setFailing(false);
+  EXPECT_EQ(storedAfter(6), 6) << "the first attempt failed";
+}
+
 TEST(LastUsedCard, WaitsForALockedStoreWhileThePaymentGoesOn) {
   Phone phone(withLockedStore());
   phone.showPaymentScreen();

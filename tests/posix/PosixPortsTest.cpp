@@ -51,6 +51,8 @@ TEST(PosixSystemLog, AMessageIsOneLineThatDrivesNoTerminal) {
                                                       {"\x1b[31mred\x7f", "\\x1B[31mred\\x7F"},
                                                       {std::string("nul\0", 4), "nul\\x00"},
                                                       {"\u009B31m", "\\x9B31m"},
+                                                      {"\u0080\u009F\u00A0", "\\x80\\x9F\u00A0"},
+                                                      {"cut off\xC2", "cut off\xC2"},
                                                       {"", ""}};
   for (const auto& [message, line] : rows) {
     testing::internal::CaptureStderr();

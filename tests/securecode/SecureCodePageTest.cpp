@@ -51,7 +51,7 @@ TEST(IssuersPage, IsTheOneAskedForLastAndNoneOnceTheTerminationPageHasBeenSeen) 
   }
 }
 
-TEST(IssuersPage, IsStoppedByARetry) {
+TEST(IssuersPage, IsStoppedByARetryAndIgnoredFromThenOn) {
   Issuer phone;
   phone.showPaying();
   phone.page().failNavigation("no route");
@@ -59,6 +59,11 @@ TEST(IssuersPage, IsStoppedByARetry) {
   phone.wallet.next("/card/scUrl", late(5s, pageInfo(32)));
   phone.press("Retry");
   EXPECT_FALSE(phone.page().isLive());
+  phone.secureCodeScreen().didFailNavigation("stopped");
+  phone.page().finishNavigation(kTerminationPage);
+  phone.host.runFor(1s);
+  EXPECT_EQ(phone.alert(), "");
+  EXPECT_EQ(phone.wallet.asked("/purchase"), 0U);
 }
 
 TEST(IssuersPage, FailsWithOneAlertWhoseCancelKeepsAPageThatWasShown) {

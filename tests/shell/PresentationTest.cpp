@@ -4,7 +4,10 @@
 
 #include <QAnimationDriver>
 #include <QClipboard>
+#include <QDirIterator>
+#include <QFile>
 #include <QMetaProperty>
+#include <QRegularExpression>
 #include <set>
 
 #include "examples/shop/Script.h"
@@ -33,6 +36,29 @@ TEST(Presentation, StandsACardInTheMiddleOfTheDimmedHostAndFollowsTheWindow) {
   phone.settle();
   EXPECT_EQ(phone.content(), nullptr);
   EXPECT_EQ(phone.window.grabWindow().pixelColor(3, 3), QColor(Qt::white));
+}
+
+TEST(Presentation, ImportsNoModuleThatIsNotAskedForBeforeTheFirstScreen) {
+  const std::set<QString> asked(std::begin(kImportedModules), std::end(kImportedModules));
+  const QRegularExpression import(QStringLiteral("^import ([\\w.]+)"),
+                                  QRegularExpression::MultilineOption);
+  std::set<QString> imported;
+  for (const char* folder : {":/orlix/presentation", ":/orlix/qml", ":/orlix/storyboard"}) {
+    QDirIterator drawings(QString(folder), {QStringLiteral("*.qml")}, QDir::Files,
+                          QDirIterator::Subdirectories);
+    while (drawings.hasNext()) {
+      QFile file(drawings.next());
+      ASSERT_TRUE(file.open(QIODevice::ReadOnly));
+      auto found = import.globalMatch(QString::fromUtf8(file.readAll()));
+      while (found.hasNext()) {
+        const QString module = found.next().captured(1);
+        if (module != u"OrlixKit.Components") {
+          imported.insert(module);
+        }
+      }
+    }
+  }
+  EXPECT_EQ(imported, asked);
 }
 
 TEST(Presentation, ACheckoutNeedsNoMouse) {

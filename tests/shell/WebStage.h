@@ -13,8 +13,9 @@
 
 #include "orlixkit/testing/MemoryLog.h"
 #include "shell/QtMainQueue.h"
-#include "shell/QtWebView.h"
-#include "shell/QtWebViews.h"
+#include "shell/WebEngineLoader.h"
+#include "shell/webengine/QtWebView.h"
+#include "shell/webengine/QtWebViews.h"
 #include "tests/ports/WebViewContract.h"
 #include "tests/posix/TlsServer.h"
 
@@ -68,7 +69,8 @@ class WebStage : public WebViewUser {
 
   QQmlEngine engine;
   std::shared_ptr<QtMainQueue> queue = std::make_shared<QtMainQueue>(std::make_shared<MemoryLog>());
-  QtWebViews views{engine, queue, [] { return std::vector<Bytes>{testRoot().der()}; }};
+  QtWebViews views{engine,
+                   webEngineServices(queue, [] { return std::vector<Bytes>{testRoot().der()}; })};
   QQuickWindow window;
 
  private:

@@ -118,7 +118,7 @@ TEST_F(ScriptRun, WhatNoFingerCouldDoIsRefusedWithTheReason) {
       {"expect-hidden button", "button is shown"},
       {"snapshot one", "needs the drawn shell"},
       {"page wait form", "needs the drawn shell"},
-      {"tap alertAction\ntap button", "the alert \"Warning\" stands over the screen: Careful"},
+      {"tap alertAction\ntap button", "the alert \"Warning\" covers the screen: Careful"},
       {"button Cancel", "the alert \"Warning\" has no button \"Cancel\"; it has \"Ok\""},
       {"button Ok\ntap maskAction\ntap button",
        "line 3: the progress indicator \"Please wait\" holds touches back"},

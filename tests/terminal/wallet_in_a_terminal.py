@@ -104,6 +104,21 @@ def add_card(terminal, number):
     terminal.choose("AddCard", "proceed")
 
 
+def change_to_new_card(shop, number):
+    shop.choose("Product", "card")
+    shop.choose("Cards", "add card")
+    add_card(shop, number)
+    shop.choose("Product", "card")
+    shop.choose("Cards", f"xxx-{number[-4:]}")
+
+
+def pay(shop, field):
+    shop.fill("Product", field, "1234")
+    shop.choose("Product", "proceed")
+    shop.until(r"Paid. Reference \d+")
+    return shop.end() == 0
+
+
 def expect(holds, what):
     if not holds:
         sys.exit(f"expected: {what}")
@@ -125,39 +140,22 @@ def enrol(run, sandbox):
 
 def pay_by_pin(run):
     shop = run("pay", "FIXED-25")
-    shop.fill("Product", "ATM PIN", "1234")
-    shop.choose("Product", "proceed")
-    shop.until(r"Paid. Reference \d+")
-    expect(shop.end() == 0 and "1234" not in shop.shown, "paid by PIN, which the terminal never showed")
+    expect(pay(shop, "ATM PIN") and "1234" not in shop.shown, "paid by PIN, which the terminal never showed")
 
 
 def pay_by_cvv(run):
     shop = run("pay", "OPEN", "12.50")
-    shop.choose("Product", "card")
-    shop.choose("Cards", "add card")
-    add_card(shop, "3700003000003333")
-    shop.choose("Product", "card")
-    shop.choose("Cards", "xxx-3333")
-    shop.fill("Product", "cvv", "1234")
-    shop.choose("Product", "proceed")
-    shop.until(r"Paid. Reference \d+")
-    expect(shop.end() == 0, "a second card added, and paid by CVV")
+    change_to_new_card(shop, "3700003000003333")
+    expect(pay(shop, "cvv"), "a second card added, and paid by CVV")
 
 
 def validate(run):
     shop = run("pay", "FIXED-25")
-    shop.choose("Product", "card")
-    shop.choose("Cards", "add card")
-    add_card(shop, "4200001000000201")
-    shop.choose("Product", "card")
-    shop.choose("Cards", "xxx-0201")
+    change_to_new_card(shop, "4200001000000201")
     shop.choose("Product", "proceed: UNLOCK")
     shop.fill("CardValidation", "DD/MM/YYYY", "31121990")
     shop.choose("CardValidation", "proceed")
-    shop.fill("Product", "ATM PIN", "1234")
-    shop.choose("Product", "proceed")
-    shop.until(r"Paid. Reference \d+")
-    expect(shop.end() == 0, "a card validated by its owner's date of birth, and paid with")
+    expect(pay(shop, "ATM PIN"), "a card validated by its owner's date of birth, and paid with")
 
 
 def remove(run):
@@ -177,14 +175,10 @@ def remove(run):
 
 def meet_issuers_page(run):
     shop = run("pay", "FIXED-25")
-    shop.choose("Product", "card")
-    shop.choose("Cards", "add card")
-    add_card(shop, "4300001000000301")
-    shop.choose("Product", "card")
-    shop.choose("Cards", "xxx-0301")
+    change_to_new_card(shop, "4300001000000301")
     shop.choose("Product", "proceed")
     said = shop.until(r"--- [^\n]*\n(.*?)Number\? ").group(0)
-    expect("web view" in said or "issuer" in said, f"told of the issuer's page: {' '.join(said.split())}")
+    expect("web view" in said or "issuer" in said, f"says what becomes of the issuer's page: {' '.join(said.split())}")
     os.close(shop.terminal)
 
 

@@ -50,6 +50,10 @@ TEST(View, IsInOneSuperviewOrInNone) {
   shown->addSubview(view);
   EXPECT_TRUE(hidden->subviews().empty());
   EXPECT_EQ(view->superview(), shown);
+  EXPECT_FALSE(shown->isOutOfSight());
+  view->setHidden(true);
+  EXPECT_TRUE(shown->isOutOfSight()) << "a group with nothing to show";
+  view->setHidden(false);
   hidden->addSubview(view);
   view->removeFromSuperview();
   view->removeFromSuperview();

@@ -9,6 +9,7 @@
 
 #include "examples/shop/window/QtDriver.h"
 #include "examples/shop/window/Warnings.h"
+#include "shell/MakeItem.h"
 #include "shell/OrlixShell.h"
 #include "shell/QtPorts.h"
 
@@ -83,10 +84,10 @@ DrawnShop::~DrawnShop() { shop_.drawnBy(nullptr); }
 
 void DrawnShop::drawCounter() {
   QQmlComponent component(&engine_, QUrl(QStringLiteral("qrc:/orlix/shop/Main.qml")));
-  drawn_.reset(qobject_cast<QQuickItem*>(component.createWithInitialProperties(
-      {{QStringLiteral("shop"), QVariant::fromValue<QObject*>(counter_.get())}})));
+  drawn_ = shell::makeItem(
+      component, {{QStringLiteral("shop"), QVariant::fromValue<QObject*>(counter_.get())}});
   if (!drawn_) {
-    throw std::runtime_error("the shop cannot be drawn: " + component.errorString().toStdString());
+    throw std::runtime_error("the shop cannot be drawn: " + shell::reasonOf(component));
   }
   drawn_->setParentItem(window_.contentItem());
   const auto fill = [this] { drawn_->setSize(window_.size()); };

@@ -14,9 +14,8 @@
 #include <string>
 #include <string_view>
 
-#include "orlixkit/ports/MainQueue.h"
 #include "shell/DrawnWebView.h"
-#include "shell/QtWebViews.h"
+#include "shell/WebEngine.h"
 
 namespace orlix::shell {
 
@@ -33,7 +32,7 @@ class QtWebView : public QObject, public DrawnWebView {
   /// The engine loads a page's text as an escaped address, and silently drops longer ones.
   static constexpr qsizetype kLargestAddress = 2 * 1024 * 1024;
 
-  QtWebView(std::shared_ptr<MainQueue> mainQueue, QtWebViews::Anchors anchors);
+  explicit QtWebView(WebEngineServices services);
   ~QtWebView() override;
   QtWebView(const QtWebView&) = delete;
   QtWebView& operator=(const QtWebView&) = delete;
@@ -64,7 +63,7 @@ class QtWebView : public QObject, public DrawnWebView {
   Q_INVOKABLE void scriptAnswered(int ticket, const QVariant& result);
 
  private:
-  struct Owed {
+  struct PendingScript {
     int ticket;
     std::function<void(const ScriptResult&)> completion;
   };
@@ -76,11 +75,10 @@ class QtWebView : public QObject, public DrawnWebView {
   void finished();
   void fail(const std::string& description);
   void tell(std::function<void(WebViewDelegate&)> callback);
-  void settle(const Owed& owed, ScriptResult result);
-  void failOwed(std::string_view reason);
+  void settle(const PendingScript& pending, ScriptResult result);
+  void failPendingScripts(std::string_view reason);
 
-  const std::shared_ptr<MainQueue> mainQueue_;
-  const QtWebViews::Anchors anchors_;
+  const WebEngineServices services_;
   std::unique_ptr<QtWebRequestGuard> guard_;
   std::unique_ptr<QQuickItem> item_;  ///< released before the guard, which its profile uses
   std::weak_ptr<WebViewDelegate> delegate_;
@@ -89,7 +87,7 @@ class QtWebView : public QObject, public DrawnWebView {
   bool reported_ = false;  ///< the page in the view has been reported as finished
   bool refused_ = false;   ///< the load in progress has tried to leave for a refused address
   int lastTicket_ = 0;
-  std::deque<Owed> owed_;
+  std::deque<PendingScript> pendingScripts_;
   /// Shared with pending callbacks; replaced to cancel them.
   std::shared_ptr<const int> load_ = std::make_shared<const int>(0);
 };

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 
-#include "shell/QtWebView.h"
+#include "shell/webengine/QtWebView.h"
 
 #include <QQuickItem>
 #include <QQuickWebEngineProfile>
@@ -9,11 +9,9 @@
 #include <algorithm>
 #include <utility>
 
-#include "orlixkit/host/Host.h"
-#include "orlixkit/posix/SystemTrust.h"
-#include "shell/QtWebRequestGuard.h"
 #include "shell/QtWebScript.h"
 #include "shell/WipedText.h"
+#include "shell/webengine/QtWebRequestGuard.h"
 
 namespace orlix::shell {
 
@@ -34,12 +32,10 @@ std::vector<Bytes> derOf(const QList<QSslCertificate>& chain) {
 
 }  // namespace
 
-QtWebView::QtWebView(std::shared_ptr<MainQueue> mainQueue, QtWebViews::Anchors anchors)
-    : mainQueue_(std::move(mainQueue)),
-      anchors_(std::move(anchors)),
-      guard_(std::make_unique<QtWebRequestGuard>()) {}
+QtWebView::QtWebView(WebEngineServices services)
+    : services_(std::move(services)), guard_(std::make_unique<QtWebRequestGuard>()) {}
 
-QtWebView::~QtWebView() { failOwed("The page view was released."); }
+QtWebView::~QtWebView() { failPendingScripts("The page view was released."); }
 
 void QtWebView::adopt(std::unique_ptr<QQuickItem> item) {
   item_ = std::move(item);
@@ -89,17 +85,17 @@ void QtWebView::stopLoading() {
   load_ = std::make_shared<const int>(0);
   progress_ = Progress::none;
   QMetaObject::invokeMethod(item_.get(), "stop");
-  failOwed("Loading was stopped.");
+  failPendingScripts("Loading was stopped.");
 }
 
 void QtWebView::evaluateJavaScript(const std::string& script,
                                    std::function<void(const ScriptResult&)> completion) {
-  Owed owed{++lastTicket_, std::move(completion)};
+  PendingScript pending{++lastTicket_, std::move(completion)};
   if (!hasPage_) {
-    settle(owed, {std::nullopt, "There is no page."});
+    settle(pending, {std::nullopt, "There is no page."});
     return;
   }
-  owed_.push_back(std::move(owed));
+  pendingScripts_.push_back(std::move(pending));
   // The engine reports no exception, so the script catches its own.
   const std::string guarded = "(function(){try{return [true,String((0,eval)(" +
                               quotedForScript(script) +
@@ -111,17 +107,18 @@ void QtWebView::evaluateJavaScript(const std::string& script,
 void QtWebView::scriptAnswered(int ticket, const QVariant& result) {
   const QVariantList parts = result.toList();
   const QString text = parts.size() == 2 ? parts[1].toString() : QString();
-  const auto found = std::find_if(owed_.begin(), owed_.end(),
-                                  [ticket](const Owed& owed) { return owed.ticket == ticket; });
-  if (found != owed_.end()) {
-    const Owed owed = std::move(*found);
-    owed_.erase(found);
+  const auto found =
+      std::find_if(pendingScripts_.begin(), pendingScripts_.end(),
+                   [ticket](const PendingScript& pending) { return pending.ticket == ticket; });
+  if (found != pendingScripts_.end()) {
+    const PendingScript pending = std::move(*found);
+    pendingScripts_.erase(found);
     if (parts.size() != 2) {
-      settle(owed, {std::nullopt, "The page was left before it answered."});
+      settle(pending, {std::nullopt, "The page was left before it answered."});
     } else if (parts[0].toBool()) {
-      settle(owed, {secretOf(text), {}});
+      settle(pending, {secretOf(text), {}});
     } else {
-      settle(owed, {std::nullopt, text.toStdString()});
+      settle(pending, {std::nullopt, text.toStdString()});
     }
   }
   wipeShared(text);
@@ -131,14 +128,14 @@ void QtWebView::judgeCertificate(QWebEngineCertificateError error) {
   std::string reason = error.description().toStdString();
   // Only an unknown issuer can be remedied by our anchors. All other errors, such as a revoked
   // certificate, remain the engine's decision.
-  const bool trusted = error.type() == QWebEngineCertificateError::CertificateAuthorityInvalid &&
-                       verifyServerChain(derOf(error.certificateChain()),
-                                         certificateHostOf(error.url()), anchors_(), reason);
+  const bool trusted =
+      error.type() == QWebEngineCertificateError::CertificateAuthorityInvalid &&
+      services_.trusts(derOf(error.certificateChain()), certificateHostOf(error.url()), reason);
   if (trusted) {
     error.acceptCertificate();
     return;
   }
-  log("Certificate validation failed: " + reason);
+  services_.log("Certificate validation failed: " + reason);
   error.rejectCertificate();
 }
 
@@ -150,7 +147,7 @@ void QtWebView::judgeNavigation(QWebEngineNavigationRequest* request) {
   }
   request->reject();
   if (progress_ != Progress::none) {
-    log("OrlixKit: A page was kept from leaving. " + refusalOf(address));
+    services_.log("OrlixKit: A page was kept from leaving. " + refusalOf(address));
     refused_ = refused_ || request->isMainFrame();
   }
 }
@@ -177,7 +174,7 @@ void QtWebView::loadingChanged(const QWebEngineLoadingInfo& info) {
     return;
   }
   refused_ = false;
-  failOwed("The page was left before it answered.");
+  failPendingScripts("The page was left before it answered.");
   // A server's error page is a page like any other.
   if (status == QWebEngineLoadingInfo::LoadSucceededStatus ||
       info.errorDomain() == QWebEngineLoadingInfo::HttpStatusCodeDomain) {
@@ -196,8 +193,8 @@ void QtWebView::processTerminated(int exitCode) {
   load_ = std::make_shared<const int>(0);
   progress_ = Progress::none;
   hasPage_ = false;
-  log("OrlixKit: A page's process has ended with " + std::to_string(exitCode) + ".");
-  failOwed("The page's process has ended.");
+  services_.log("OrlixKit: A page's process has ended with " + std::to_string(exitCode) + ".");
+  failPendingScripts("The page's process has ended.");
   tell([](WebViewDelegate& delegate) { delegate.webContentProcessDidTerminate(); });
 }
 
@@ -206,7 +203,7 @@ void QtWebView::fail(const std::string& description) {
 }
 
 void QtWebView::tell(std::function<void(WebViewDelegate&)> callback) {
-  mainQueue_->async([this, alive = std::weak_ptr(load_), callback = std::move(callback)] {
+  services_.mainQueue->async([this, alive = std::weak_ptr(load_), callback = std::move(callback)] {
     if (alive.expired()) {
       return;
     }
@@ -216,19 +213,19 @@ void QtWebView::tell(std::function<void(WebViewDelegate&)> callback) {
   });
 }
 
-void QtWebView::settle(const Owed& owed, ScriptResult result) {
-  if (owed.completion) {
-    mainQueue_->async(
-        [completion = owed.completion, result = std::move(result)] { completion(result); });
+void QtWebView::settle(const PendingScript& pending, ScriptResult result) {
+  if (pending.completion) {
+    services_.mainQueue->async(
+        [completion = pending.completion, result = std::move(result)] { completion(result); });
   }
 }
 
-void QtWebView::failOwed(std::string_view reason) {
-  if (owed_.empty()) {
+void QtWebView::failPendingScripts(std::string_view reason) {
+  if (pendingScripts_.empty()) {
     return;  // without allocating: the destructor calls this
   }
-  for (const Owed& owed : std::exchange(owed_, {})) {
-    settle(owed, {std::nullopt, std::string(reason)});
+  for (const PendingScript& pending : std::exchange(pendingScripts_, {})) {
+    settle(pending, {std::nullopt, std::string(reason)});
   }
 }
 

@@ -1,15 +1,10 @@
 // SPDX-License-Identifier: Apache-2.0
 
-#pragma once
-
-namespace orlix::shell {
-
-/// The QML source of a QtWebView's page; `view` is the QtWebView. It stores nothing on disk and
-/// refuses every request of a page for a window, file, password or permission.
-inline constexpr const char* kWebPage = R"(
 import QtQuick
 import QtWebEngine
 
+// The page of a QtWebView, `view`. It stores nothing on disk and refuses every request of a page for a
+// window, file, password or permission.
 WebEngineView {
   id: page
   required property QtObject view
@@ -81,7 +76,7 @@ WebEngineView {
 
   // An isolated world: the page can neither see nor change what is evaluated.
   function evaluate(ticket, script) {
-    runJavaScript(script, WebEngineScript.ApplicationWorld, function(result) {
+    runJavaScript(script, WebEngineScript.ApplicationWorld, function(result) { // qmllint disable unqualified
       page.view.scriptAnswered(ticket, result)
     })
   }
@@ -126,6 +121,3 @@ WebEngineView {
   onSelectClientCertificate: function(selection) { selection.selectNone() }
   onTooltipRequested: function(request) { request.accepted = true }
 }
-)";
-
-}  // namespace orlix::shell
