@@ -32,7 +32,7 @@ if(PROJECT_IS_TOP_LEVEL)
 
   # Several times as fast as the system's linker, which shows in a build of a dozen test programs.
   find_program(ORLIX_LLD ld.lld)
-  if(ORLIX_LLD)
+  if(ORLIX_LLD AND NOT CMAKE_CROSSCOMPILING)
     add_link_options(-fuse-ld=lld)
   endif()
 endif()
