@@ -124,7 +124,7 @@ FocusScope {
         }
 
         // The text after the caret existed before the edit; differences before it are new.
-        function handOver(): void {
+        function applyEdit(): void {
             const was = root.outlet.text;
             const behind = input.length - input.cursorPosition;
             const head = was.slice(0, Math.max(0, was.length - behind));
@@ -141,7 +141,7 @@ FocusScope {
             root.outlet.watch(input);
             input.showOutlet();
         }
-        onTextEdited: input.handOver()
+        onTextEdited: input.applyEdit()
         onCursorPositionChanged: {
             if (!input.showing && input.text === root.outlet.text) {
                 root.outlet.moveCaret(input.cursorPosition);
