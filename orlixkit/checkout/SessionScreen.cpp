@@ -43,7 +43,9 @@ bool SessionScreen::hideProgress() {
 }
 
 void SessionScreen::warn(const std::string& message) {
-  if (isInUse()) {
+  // Under the next screen the request was made twice, and the other answer has led there.
+  const auto above = presentedViewController();
+  if (isInUse() && (!above || above->isAlert())) {
     OXUtil::showAlertWithTitle("Warning", message);
   }
 }

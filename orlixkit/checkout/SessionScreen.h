@@ -54,8 +54,8 @@ class SessionScreen : public ViewController {
   /// Dismisses the progress indicator if this screen shows it. False when the flow is over
   /// afterwards: the indicator's observer is the host's code and may end or replace it.
   [[nodiscard]] bool hideProgress();
-  /// Shows the alert "Warning", unless the screen has been left: `hideProgress` runs the host's
-  /// code.
+  /// Shows the alert "Warning", unless the user has left the screen, because `hideProgress` runs
+  /// the host's code, or a segue has covered it.
   void warn(const std::string& message);
   /// The connection alert for a request of this screen that has failed.
   void offerRetry(const std::string& kind, Task retry);

@@ -303,6 +303,10 @@ void Walk::notePurchase(const HeldRequest& request, const std::string& how) {
   }
   auto& purchases = flows_[static_cast<std::size_t>(request.flow)].purchases;
   if (request.kind == "purchase" || request.kind == "authenticate") {
+    // Sent again after a lost session, it is the same purchase.
+    std::erase_if(purchases, [&request](const auto& one) {
+      return one.first < request.number && one.second == "403";
+    });
     purchases[request.number] = how;
   } else if (request.kind == "receipt" && !purchases.empty() && (how == "ok" || how == "failed")) {
     purchases.rbegin()->second = "receipt: " + how;

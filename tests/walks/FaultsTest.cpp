@@ -86,6 +86,12 @@ const std::map<std::string, std::string> kOrders{
     {"AWarningOfAValidationThatIsLeftWhileItsIndicatorFades",
      kToPayment + "Product.cardAction, Cards.row 4, Product.proceedAction, "
                   "CardValidation.proceedAction, at animate: cancel, confirm: failed"},
+    {"AWarningOfANumberWhoseCodeIsAskedForAlready",
+     "checkout as B, session: ok, Activation.proceedAction, at dismiss: pay, reset, sms: ok, "
+     "alert: Ok, sms: failed"},
+    {"AnAuthenticationThatIsSentAgain",
+     k3DSecure + "page: ok, page: returns, authenticate: 403, session: ok, authenticate: ok, "
+                 "receipt: ok, confirm: failed, page: error, the host removes the alert"},
     {"ALateDeletionDuringAForm", kToDelete + "Cards.addCardAction, delete: ok, lookup: ok"},
     {"TwoAlertsDuringOneFade",
      kToDelete + "Cards.row 0, Product.proceedAction, hold the next animation, delete: lost, "
