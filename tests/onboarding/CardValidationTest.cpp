@@ -39,6 +39,14 @@ TEST(CardValidation, AsksForNothingAndTakesEverySentenceButOneForARemovedCard) {
   }
 }
 
+TEST(CardValidation, NamesNoCardThatTheServerHasNotNamed) {
+  Phone phone;
+  phone.wallet.cards = {R"({"cardId":7,"validated":false,"validationtype":"SIMPLE"})"};
+  phone.showPaymentScreen();
+  phone.tap("proceedButton");
+  EXPECT_EQ(phone.shown("infoLabel"), "CONFIRM THAT YOU ARE THE OWNER OF THIS CARD ENDING IN ?");
+}
+
 TEST(CardValidation, SendsADateOfBirthYearFirstOnceItIsComplete) {
   Validation phone("DOB");
   phone.host.type("dateOfBirthField", "3112199");
