@@ -15,34 +15,33 @@
 
 namespace orlix::shell {
 
-/// Durations of what is drawn; the screen model does not depend on them.
+/// Durations of drawn effects; the screen model does not depend on them.
 struct DrawingTimes {
   std::chrono::milliseconds fade{220};    ///< of a screen, an alert, the progress indicator
   std::chrono::milliseconds appear{300};  ///< before the progress indicator is drawn
   std::chrono::milliseconds stay{500};    ///< that the progress indicator is drawn at least
 };
 
-/// Draws the progress indicator. A short wait draws none, and one that has been drawn stays long
-/// enough to be read, over whatever is shown next. Times are those of Qt's animation driver. Main
-/// thread.
+/// Draws the progress indicator with a delay, so that a short wait shows none, and for a minimum
+/// time, so that its text can be read. Uses the time of Qt's animation driver. Main thread.
 class DelayedIndicator : public QObject {
   Q_OBJECT
 
  public:
-  /// `layers` is the parent of the drawn item. `beforeDrawing` returns what the indicator must not
-  /// cover, in the coordinates of `layers`.
+  /// `layers`: parent of the drawn item. `beforeDrawing`: returns the area that the indicator must
+  /// not cover, in the coordinates of `layers`.
   DelayedIndicator(QQmlEngine& engine, QQuickItem& layers, DrawingTimes times,
                    std::function<QRectF()> beforeDrawing);
 
-  /// The model shows the indicator: draw it, unless it goes before its time has come.
+  /// Call when the model shows the indicator; draws it after the delay.
   void show(const ProgressIndicator& indicator);
-  /// The model's fade has begun.
+  /// Call when the model's fade has begun.
   void fadeOut();
-  /// It is gone from the model.
+  /// Call when the model has removed the indicator.
   void hide();
-  /// Draws what the model shows, without waiting.
+  /// Draws the model's state at once.
   void endDelays();
-  /// The window has another size, or the screen below is another one.
+  /// Call when the window's size or the screen below has changed.
   void place(QSizeF window);
   void setFade(std::chrono::milliseconds fade) { times_.fade = fade; }
 

@@ -10,12 +10,12 @@ enum class ColorScheme {
   dark,
 };
 
-/// Options of the drawings.
+/// Appearance of the drawn screens.
 struct LookOptions {
   ColorScheme colors = ColorScheme::fromPalette;
-  /// No fades, no sliding, no turning indicator.
+  /// Disables fades, sliding and the turning indicator.
   bool reducedMotion = false;
-  /// Size of texts, from 1 to 3, for a platform whose text size Qt does not know.
+  /// Scale of texts, 1 to 3, for a platform whose text size Qt does not report.
   double textScale = 1;
 };
 

@@ -12,7 +12,7 @@
 
 namespace orlix::shell {
 
-/// Why a component has no object, in words that say what to install.
+/// Why a component cannot be created; names the missing package if there is one.
 inline std::string reasonOf(const QQmlComponent& component) {
   const QString errors = component.errorString().trimmed();
   static const QRegularExpression missing(
@@ -27,8 +27,8 @@ inline std::string reasonOf(const QQmlComponent& component) {
       .toStdString();
 }
 
-/// The component's item, owned by the caller; null when there is none: `reasonOf` says why. (Qt 6.4
-/// crashes when asked for an object of a component with errors.)
+/// Creates the component's item; null on failure, for which see `reasonOf`. (Qt 6.4 crashes when it
+/// creates a component with errors.)
 inline std::unique_ptr<QQuickItem> makeItem(QQmlComponent& component,
                                             const QVariantMap& properties) {
   std::unique_ptr<QObject> made(

@@ -9,9 +9,9 @@
 
 namespace orlix::shell {
 
-/// Look of all screens drawn by an engine; QML reads it as `orlixLook`. It follows the
-/// application's palette and direction, and the screen's text size. Colours set by the screen model
-/// (a sheet's background, buttons, alerts) are the same in both schemes. Main thread.
+/// Appearance of all screens of an engine, `orlixLook` in QML. Follows the application's palette
+/// and layout direction, and the screen's text size. Colours set by the screen model (sheet
+/// background, buttons, alerts) are the same in both schemes. Main thread.
 class ScreenLook : public QObject {
   Q_OBJECT
   Q_PROPERTY(bool dark READ dark NOTIFY changed)
@@ -20,15 +20,16 @@ class ScreenLook : public QObject {
   Q_PROPERTY(bool mirrored READ mirrored NOTIFY changed)
 
  public:
-  /// The engine's look, made on the first call and owned by the engine.
+  /// Returns the engine's look, created on the first call and owned by the engine.
   static ScreenLook& of(QQmlEngine& engine);
 
   void setOptions(const LookOptions& options);
   bool dark() const;
   bool reducedMotion() const { return options_.reducedMotion; }
-  /// The option, times the screen's text size where Qt does not scale the whole window by it.
+  /// `LookOptions::textScale`, multiplied by the screen's text size where Qt does not scale the
+  /// whole window.
   double textScale() const;
-  /// The application is laid out from right to left.
+  /// True for a right-to-left layout.
   bool mirrored() const;
 
  Q_SIGNALS:

@@ -17,30 +17,30 @@ class QQmlEngine;
 
 namespace orlix::shell {
 
-/// What web views need of the library. They get it passed, because the plug-in links nothing of the
-/// library but the ports: in a program that contains the library there is no shared one to link.
+/// Functions of the library that web views use. They are passed in because the plug-in links only
+/// the ports: a program that contains the library statically has no shared one to link.
 struct WebEngineServices {
   std::shared_ptr<MainQueue> mainQueue;
   std::function<void(const std::string& line)> log;
-  /// Whether a server's chain is trusted: `chain` in DER, the server's own certificate first. On
-  /// false, `reason` holds the reason.
+  /// True when a server's chain is trusted. `chain`: DER, leaf certificate first. Sets `reason` on
+  /// false.
   std::function<bool(const std::vector<Bytes>& chain, const std::string& host, std::string& reason)>
       trusts;
 };
 
-/// The web engine, a plug-in: only a device with its package loads Qt's web engine. Main thread.
+/// Interface of the plug-in that contains Qt's web engine. Main thread.
 class WebEngine {
  public:
   virtual ~WebEngine() = default;
-  /// Sets what the engine needs in process and environment. Before the application object is made.
+  /// Prepares process and environment for the engine. Call before creating the application object.
   virtual void prepare() = 0;
-  /// The makers of views belong to `engine`'s thread; `engine` must outlive the views.
+  /// Use the result on `engine`'s thread only; `engine` must outlive the views.
   virtual std::shared_ptr<WebViews> makeWebViews(QQmlEngine& engine,
                                                  WebEngineServices services) = 0;
 };
 
 }  // namespace orlix::shell
 
-// Of this version only: library and plug-in exchange C++ objects.
+// The version must match exactly, because library and plug-in exchange C++ objects.
 #define ORLIX_WEB_ENGINE "orlixkit.WebEngine/" ORLIXKIT_VERSION
 Q_DECLARE_INTERFACE(orlix::shell::WebEngine, ORLIX_WEB_ENGINE)

@@ -28,7 +28,7 @@ fs::path ownFolder() {
   if (dladdr1(reinterpret_cast<const void*>(&ownFolder), &info, &map, RTLD_DL_LINKMAP) == 0) {
     return {};
   }
-  // The linker has no name for the program; what it was called as may name another file.
+  // The loader has no name for the program itself, and argv[0] may name another file.
   const char* const name = static_cast<const link_map*>(map)->l_name;
   std::error_code unknown;
   return fs::canonical(name[0] != '\0' ? name : "/proc/self/exe", unknown).parent_path();

@@ -12,15 +12,15 @@
 
 namespace orlix::shell {
 
-/// Loads the plug-in with the web engine and prepares the process for it, before the application
-/// object is made. An empty `folder` is the installed one, found from where this library, or the
-/// program that contains it, is: no environment variable redirects it. Where the folder has no
-/// plug-in nothing happens; a plug-in that cannot be loaded is reported by a Qt warning. Once
-/// loaded it stays loaded. Main thread.
+/// Loads the web engine plug-in and prepares the process for it. Call before creating the
+/// application object. An empty `folder` means the installed one, relative to this library or the
+/// program that contains it; no environment variable changes it. Does nothing without a plug-in; a
+/// plug-in that cannot be loaded is reported by a Qt warning. The plug-in is never unloaded. Main
+/// thread.
 void loadWebEngine(const std::filesystem::path& folder);
 
-/// Web views by the loaded engine, which trust what the transport trusts; null, with a log line,
-/// when none is loaded. `engine` must outlive the views.
+/// Web views of the loaded engine, with the trusted certificates of the transport; null, with a log
+/// line, when no engine is loaded. `engine` must outlive the views.
 std::shared_ptr<WebViews> makeWebViews(QQmlEngine& engine, const Ports& ports);
 
 /// `anchors` returns the certificates (DER) to trust besides the system's roots; called at each

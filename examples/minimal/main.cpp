@@ -31,7 +31,7 @@ struct Outcome : orlix::OXOrlixDelegate {
   void orlixUserCompletedWallet() override { end("Wallet closed"); }
   void orlixInvalidCode() override { end("Invalid code"); }
 
-  /// After Cancel, an error or a failed payment something may have been taken all the same.
+  /// After Cancel, an error or a failed payment, money may still have been taken.
   void endUnpaid(const std::string& text) {
     const orlix::PurchaseStatus purchase = facade->purchaseStatus();
     const bool unknown = purchase.state == orlix::PurchaseState::unknown;

@@ -15,7 +15,7 @@ Window {
         Qt.quit();
     }
 
-    // After Cancel, an error or a failed payment something may have been taken all the same.
+    // After Cancel, an error or a failed payment, money may still have been taken.
     function endUnpaid(text: string): void {
         if (payment.purchaseState() === OrlixCheckout.PurchaseUnknown) {
             text = "It is not known yet whether this was paid. Ask about "

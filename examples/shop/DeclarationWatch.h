@@ -10,13 +10,13 @@
 
 namespace orlix::shop {
 
-/// Watches that whatever appears while a script runs is declared by its screen, so that the list of
-/// the screens (`--list-screens`) is complete.
+/// Checks during a script run that every alert, segue and hidden outlet is declared by its screen,
+/// so that the output of `--list-screens` is complete.
 class DeclarationWatch : public UiObserver {
  public:
   void didPresent(const std::shared_ptr<ViewController>& controller) override;
-  /// Throws ScriptError for the first thing that has appeared without a declaration, and for a
-  /// hidden outlet of the screen that is shown.
+  /// Throws ScriptError for the first undeclared alert or segue since the last call, and for an
+  /// undeclared hidden outlet of the shown screen.
   void require() const;
 
  private:

@@ -28,7 +28,7 @@ const char* nameOf(Keyboard keyboard) {
   return "text";
 }
 
-/// The outlet that this one is inside of; null for one directly on the screen.
+/// The outlet that contains this one; null for one directly on the screen.
 json::value groupOf(const ViewController& screen, const View& outlet) {
   for (const std::string& name : screen.outletNames()) {
     if (screen.outletNamed(name) == outlet.superview()) {

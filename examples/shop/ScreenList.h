@@ -6,10 +6,10 @@
 
 namespace orlix::shop {
 
-/// Every screen of the library as it describes itself, in one JSON object: outlets with kind,
-/// default text and when they are hidden, actions, segues, alerts; and the alerts that belong to no
-/// screen. Installs the library on a phone in memory meanwhile: no other host may be installed.
-/// Nothing is stored or sent. Main thread.
+/// Lists every screen of the library in one JSON object: outlets with kind, default text and hiding
+/// rule, actions, segues, alerts, and the alerts that belong to no screen. Installs a host in
+/// memory for the duration of the call, so no other host may be installed. Stores and sends
+/// nothing. Main thread.
 std::string screenList();
 
 }  // namespace orlix::shop

@@ -15,7 +15,7 @@ namespace orlix {
 
 namespace {
 
-/// True when the text is the pattern with something in the place of its "<…>".
+/// True when the text matches the pattern, whose "<…>" stands for any text.
 bool matches(std::string_view text, std::string_view pattern) {
   const std::size_t open = pattern.find('<');
   if (open == std::string_view::npos) {
@@ -42,7 +42,7 @@ bool declares(std::span<const AlertText> declared, const AlertController& alert)
   });
 }
 
-/// The screen under this controller and under the alerts that lie between; none for the lowest.
+/// The nearest screen below this controller, alerts skipped; null for the lowest.
 std::shared_ptr<ViewController> screenBelow(const ViewController& controller) {
   std::shared_ptr<ViewController> below = controller.presentingViewController();
   while (below && below->isAlert()) {

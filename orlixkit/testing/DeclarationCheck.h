@@ -10,18 +10,18 @@
 
 namespace orlix {
 
-/// Holds what appears on the screen against what its controllers have declared
-/// (`ViewController::declaration`). A user interface that draws the declared alerts and segues and
-/// hides the declared outlets is complete as long as there is no complaint. Main thread.
+/// Compares what appears on the screen with the declarations of the controllers
+/// (`ViewController::declaration`), so that a user interface built from the declarations is known
+/// to be complete. Main thread.
 class DeclarationCheck {
  public:
-  /// To be called from `UiObserver::didPresent`, and from `animate` before anything is done there
-  /// that replaces screens. What is wrong with this alert, or with the segue
-  /// that has brought this screen; empty when both are declared. An alert that moves on to another
-  /// screen is judged by the one that it first came over.
+  /// Describes an undeclared alert, or the undeclared segue that presented this screen; empty when
+  /// it is declared. Call it from `UiObserver::didPresent`, and in `animate` before replacing
+  /// screens. An alert that moves to another screen is checked against the screen that it first
+  /// covered.
   std::string complaintAbout(const std::shared_ptr<ViewController>& presented);
 
-  /// The first outlet that is out of sight without a rule; empty when there is none.
+  /// Describes the first hidden outlet without a hiding rule; empty when there is none.
   static std::string undeclaredHiding(const ViewController& screen);
 
  private:

@@ -92,7 +92,7 @@ void Orlix::enter(OrlixCheckout& checkout, QQuickWindow& window, OXSystem system
         (system == kLiveSystem ? "Orlix.liveAddress" : "Orlix.testAddress"));
   }
   install(window);
-  ++flow_;  // before the call, which dismisses the screens of the former flow
+  ++flow_;  // before the call, which dismisses the screens of the previous flow
   try {
     call(shell_->hostScreen());
   } catch (const std::bad_alloc&) {
@@ -121,8 +121,8 @@ void Orlix::left(const OrlixCheckout& checkout) {
   }
 }
 
-/// The library makes no callback for a version that the server has stopped, and leaves its waiting
-/// screen to the host: it is dismissed when the user has read the alert that says so.
+/// The library makes no callback when the server has stopped its version, and leaves the waiting
+/// screen to the host. Dismisses it when the user has closed the alert.
 void Orlix::screenDismissed(const std::shared_ptr<ViewController>& controller) {
   const auto alert = std::dynamic_pointer_cast<AlertController>(controller);
   const DrawnScreen* const top = shell_->presenter().top();
@@ -137,8 +137,8 @@ void Orlix::screenDismissed(const std::shared_ptr<ViewController>& controller) {
   });
 }
 
-/// An outcome comes by the main queue once the screens are gone, so only a task that runs after
-/// that knows that none has come.
+/// An outcome is delivered on the main queue after the screens are gone, so that only a later task
+/// knows that there is none.
 void Orlix::emptied() {
   const std::shared_ptr<MainQueue> queue = Host::current().ports().mainQueue;
   queue->async([this, queue, flow = flow_] {

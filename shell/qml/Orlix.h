@@ -16,12 +16,12 @@
 
 namespace orlix::shell {
 
-/// QML singleton `Orlix`: the settings of the library, and the library itself, which is installed
-/// by the first entry call of an OrlixCheckout. Set what is needed before that: later changes are
-/// refused with a warning. One QML engine in a process can use it.
+/// QML singleton `Orlix`: the library's settings. The first entry call of an OrlixCheckout installs
+/// the library with them; later changes are refused with a warning. Only one QML engine of a
+/// process can use it.
 ///
-/// The screens are drawn over the window of the first entry call. When that window is destroyed all
-/// work ends and the library is uninstalled; no window can take its place.
+/// The screens are drawn over the window of the first entry call. When that window is destroyed,
+/// all work ends and the library is uninstalled for the rest of the process.
 class Orlix : public QObject {
   Q_OBJECT
   QML_ELEMENT
@@ -35,8 +35,8 @@ class Orlix : public QObject {
   Q_PROPERTY(QString anchorFile READ anchorFile WRITE setAnchorFile NOTIFY changed)
   /// By default that of the application object.
   Q_PROPERTY(QString applicationName READ applicationName WRITE setApplicationName NOTIFY changed)
-  /// Where the device's data are kept, by default in the user's folder for this application's data
-  /// (QStandardPaths::AppDataLocation). It must belong to this user only.
+  /// Folder of the device's data, QStandardPaths::AppDataLocation by default. Must belong to this
+  /// user only.
   Q_PROPERTY(QString stateDirectory READ stateDirectory WRITE setStateDirectory NOTIFY changed)
 
  public:
@@ -58,18 +58,18 @@ class Orlix : public QObject {
   void setApplicationName(const QString& name) { set(applicationName_, name, "applicationName"); }
   void setStateDirectory(const QString& path) { set(stateDirectory_, path, "stateDirectory"); }
 
-  /// Makes this device unknown to the wallet of the last entry call's system, when a customer
-  /// leaves; see `OXOrlix`. Does nothing before the first entry call. Throws a JavaScript Error
-  /// when the store could not be wiped.
+  /// Wipes this device's credentials for the last entry call's system; call it when a customer logs
+  /// out, see `OXOrlix`. Does nothing before the first entry call. Throws a JavaScript Error when
+  /// the store could not be wiped.
   Q_INVOKABLE void deregisterUser();
 
   using EntryCall = std::function<void(const std::shared_ptr<ViewController>& controller)>;
 
-  /// Installs the library, if it is not, and makes the entry call of a checkout. Throws what the
-  /// call throws, and std::runtime_error when the library cannot be installed or is in use over
-  /// another window.
+  /// Installs the library if necessary and makes the entry call of a checkout. Throws what the call
+  /// throws, and std::runtime_error when the library cannot be installed or is used by another
+  /// window.
   void enter(OrlixCheckout& checkout, QQuickWindow& window, OXSystem system, const EntryCall& call);
-  /// The flow of this checkout has ended.
+  /// Call when the flow of this checkout has ended.
   void left(const OrlixCheckout& checkout);
 
  Q_SIGNALS:

@@ -18,7 +18,7 @@ Orlix* libraryOf(QQmlEngine& engine) {
       qmlTypeId("OrlixKit", ORLIXKIT_VERSION_MAJOR, ORLIXKIT_VERSION_MINOR, "Orlix"));
 }
 
-/// A conversion would replace what is no Unicode by other characters.
+/// A conversion would replace invalid Unicode by other characters.
 std::string utf8(const QString& text, const char* name) {
   if (!text.isValidUtf16()) {
     throw std::invalid_argument("OrlixCheckout: " + std::string(name) + " is not valid Unicode");

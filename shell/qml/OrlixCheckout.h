@@ -15,32 +15,32 @@
 
 namespace orlix::shell {
 
-/// QML type `OrlixCheckout`: a payment, a registration or a visit to the wallet, presented over the
-/// window that it is declared in. Each of the three functions is an entry call and begins a flow,
-/// which ends with one of the signals.
+/// QML type `OrlixCheckout`: a payment, a registration or wallet management, presented over the
+/// window in which it is declared. Each of the three functions is an entry call that starts a flow;
+/// the flow ends with one of the signals.
 ///
-/// One flow at a time: an entry call takes the place of a flow that is still on screen, also of one
-/// of another OrlixCheckout, which then emits nothing. A call that cannot begin a flow throws a
-/// JavaScript Error; nothing has begun then, and a flow that was there goes on. An object that is
-/// destroyed during its flow does not end it; the outcome is then lost.
+/// One flow at a time: an entry call replaces a flow that is still on screen, also one of another
+/// OrlixCheckout, which then emits no signal. A call that cannot start a flow throws a JavaScript
+/// Error; a running flow continues. Destroying the object does not end its flow, but its outcome is
+/// lost.
 class OrlixCheckout : public QObject {
   Q_OBJECT
   QML_ELEMENT
-  /// What is to be paid for; for `checkout` only.
+  /// The code to pay; for `checkout` only.
   Q_PROPERTY(QString code MEMBER code_ NOTIFY requestChanged)
-  /// In currency units; 0 leaves the amount to code and user. For `checkout` only.
+  /// In currency units; with 0 the code or the user sets the amount. For `checkout` only.
   Q_PROPERTY(double amount MEMBER amount_ NOTIFY requestChanged)
   Q_PROPERTY(QString apiKey MEMBER apiKey_ NOTIFY requestChanged)
   Q_PROPERTY(System system MEMBER system_ NOTIFY requestChanged)
-  /// The customer as the application knows him; empty for none. Another one than the last makes the
-  /// stored credentials unreadable, with an exception for the first call of a process: see
-  /// `OXOrlix` and `Orlix.deregisterUser`.
+  /// The application's identifier of its customer; empty for none. A change of customer makes the
+  /// stored credentials unreadable, except in the first call of a process: see `OXOrlix` and
+  /// `Orlix.deregisterUser`.
   Q_PROPERTY(QString customer MEMBER customer_ NOTIFY requestChanged)
   /// A mobile number to suggest when the device is enrolled; empty for none.
   Q_PROPERTY(QString preMSISDN MEMBER preMSISDN_ NOTIFY requestChanged)
   /// By default the window that contains this object.
   Q_PROPERTY(QQuickWindow* window READ window WRITE setWindow NOTIFY requestChanged)
-  /// From an entry call to its end, or until another one has taken its place.
+  /// True from an entry call until its flow has ended or was replaced.
   Q_PROPERTY(bool running READ running NOTIFY runningChanged)
 
  public:
@@ -62,14 +62,13 @@ class OrlixCheckout : public QObject {
   Q_INVOKABLE void preRegister();
   Q_INVOKABLE void walletManagement();
 
-  /// What is known of the purchases of the last flow, in a signal's handler and after it. Only
-  /// `NoPurchase` and `PurchaseRefused` mean that nothing was taken; when it is `PurchaseUnknown`
-  /// the application's server asks the wallet server, by the reference or, without one, by the
-  /// code.
+  /// State of the last flow's purchases, in a signal's handler and after it. Only `NoPurchase` and
+  /// `PurchaseRefused` mean that no money was taken; for `PurchaseUnknown` the application's server
+  /// asks the wallet server, by the reference or else by the code.
   Q_INVOKABLE PurchaseState purchaseState() const;
   /// The server's transaction number; empty when it has sent none.
   Q_INVOKABLE QString purchaseReference() const;
-  /// Of the last refusal: the server did not accept the PIN.
+  /// True when the last refusal was for a wrong PIN.
   Q_INVOKABLE bool pinRefused() const;
 
  Q_SIGNALS:
@@ -83,8 +82,8 @@ class OrlixCheckout : public QObject {
   void registered();
   void walletClosed();
   void invalidCode();
-  /// The flow has ended without any of these: the server has stopped this version of the library,
-  /// which the user has read, or the application has removed the screens.
+  /// The flow ended without an outcome: the server has stopped this version of the library and the
+  /// user has closed the alert, or the application has removed the screens.
   void endedWithoutOutcome();
 
  private:

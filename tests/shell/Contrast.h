@@ -31,8 +31,9 @@ inline double contrast(QRgb one, QRgb other) {
   return std::max(first, second) / std::min(first, second);
 }
 
-/// Contrast of a text with the colour behind it, the most frequent one in this part of the picture.
-/// The text's colour is that of the pixel that differs most: edges of letters are blended.
+/// Contrast of a text with its background. The background is the most frequent colour in this part
+/// of the picture, the text's colour that of the pixel that differs most, because the edges of
+/// letters are blended.
 inline double textContrast(const QImage& picture, const QRect& part) {
   std::map<QRgb, int> counts;
   for (int y = part.top(); y <= part.bottom(); ++y) {
@@ -53,7 +54,7 @@ inline double textContrast(const QImage& picture, const QRect& part) {
 inline constexpr double kText = 4.5;
 inline constexpr double kLine = 3;
 
-/// Whether the item and all that it is in can be used, and are drawn without transparency.
+/// True when the item and its parents are enabled and opaque.
 inline bool isOpaque(const QQuickItem* item) {
   for (; item != nullptr; item = item->parentItem()) {
     if (item->opacity() < 1) {
@@ -63,7 +64,7 @@ inline bool isOpaque(const QQuickItem* item) {
   return true;
 }
 
-/// Texts of the item, and in it, that can hardly be read.
+/// Texts of the item and its children whose contrast is too low.
 inline std::string textsTooFaint(QQuickWindow& window, QQuickItem& root) {
   std::string faint;
   const QImage picture = window.grabWindow();
@@ -82,7 +83,7 @@ inline std::string textsTooFaint(QQuickWindow& window, QQuickItem& root) {
   return faint;
 }
 
-/// Pixels that two pictures of the same size show clearly different.
+/// Number of pixels that clearly differ between two pictures of the same size.
 inline int clearChanges(const QImage& one, const QImage& other) {
   int clear = 0;
   for (int y = 0; y < one.height(); ++y) {

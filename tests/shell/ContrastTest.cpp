@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 
-// What can be told apart, measured in pictures of the screens.
+// Contrast ratios (WCAG 2) of texts, outlines and the focus ring, measured in rendered pictures.
 
 #include <QPalette>
 #include <set>
@@ -14,7 +14,7 @@
 namespace orlix::shell {
 namespace {
 
-/// The line around a field against what is outside and what is inside.
+/// Contrast of a field's outline with the colours outside and inside it.
 std::string outlinesTooFaint(DrawnPhone& phone, const ViewController& screen) {
   std::string faint;
   const QImage picture = phone.window.grabWindow();
@@ -36,8 +36,8 @@ std::string outlinesTooFaint(DrawnPhone& phone, const ViewController& screen) {
   return faint;
 }
 
-/// Goes round by Tab: at each control, pixels that the focus changes enough must be as many as
-/// twice the control is wide, as in a line around it.
+/// Moves the focus through all controls by Tab. At each one the focus must change at least twice as
+/// many pixels as the control is wide, which a ring around it does.
 std::string ringsTooFaint(DrawnPhone& phone) {
   std::string faint;
   std::set<std::string> visited;

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 
-// How a card is recognised on the screens.
+// The brand of a typed card number, and the mark of the selected card.
 
 #include "tests/shell/DrawnPhone.h"
 

@@ -9,21 +9,21 @@
 
 namespace orlix::shell {
 
-/// The time that animations and drawn timers go by, moved on by the test. Make it before the phone.
+/// An animation driver whose time the test advances. Create it before the phone.
 class HandDriver : public QAnimationDriver {
  public:
   HandDriver() { install(); }
   ~HandDriver() override { uninstall(); }
   qint64 elapsed() const override { return elapsed_; }
   void pass(DrawnPhone& phone, std::chrono::milliseconds time) {
-    phone.settle();  // what has begun meanwhile gets its start
+    phone.settle();  // new animations record their start time
     elapsed_ += time.count();
     advanceAnimation();
     phone.settle();
   }
 
  protected:
-  /// Animations begin again after none was running: the time in between is not theirs.
+  /// Called when an animation starts after none was running; the time in between does not count.
   void start() override {
     elapsed_ = 0;
     QAnimationDriver::start();

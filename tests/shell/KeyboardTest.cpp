@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 
-// A checkout by keys alone: where the focus is, and what Enter and Escape do.
+// Keyboard operation: the initial focus, Enter and Escape.
 
 #include "tests/shell/DrawnPhone.h"
 
@@ -10,7 +10,7 @@ namespace {
 TEST(Focus, IsOnTheFirstFieldThatTakesKeysAndEnterMovesOnToTheMainButton) {
   struct Row {
     const char* screen;
-    std::vector<std::string> fields;  ///< that Enter comes to, in this order
+    std::vector<std::string> fields;  ///< in the order in which Enter moves the focus
   };
   const Row rows[] = {{"Product", {"inputAmountField", "cvvField", "pinField"}},
                       {"Activation", {"msisdnField"}},
@@ -74,7 +74,7 @@ TEST(Focus, KeysReachTheFieldAtOnceAlsoAfterAMask) {
   EXPECT_EQ(screen->outletNamed("codeField")->shownText(), "23");
 }
 
-/// How the control of this name is drawn: less than opaque while it can do nothing.
+/// Opacity of the control of this name: below 1 while it is disabled.
 bool looksDisabled(DrawnPhone& phone, const std::string& name) {
   double opacity = 1;
   const QQuickItem* const item = &phone.item(name.c_str());

@@ -14,7 +14,7 @@ inline QRectF inScene(const QQuickItem& item) {
   return item.mapRectToScene({0, 0, item.width(), item.height()});
 }
 
-/// What can be seen of the item, in whole pixels of the window.
+/// The visible rectangle of the item, in whole pixels of the window.
 inline QRect seenPart(const QQuickItem& item, const QQuickWindow& window) {
   QRectF part = item.mapRectToScene({0, 0, item.width(), item.height()});
   for (const QQuickItem* above = item.parentItem(); above != nullptr; above = above->parentItem()) {
@@ -25,7 +25,7 @@ inline QRect seenPart(const QQuickItem& item, const QQuickWindow& window) {
   return part.intersected(QRectF({0, 0}, QSizeF(window.size()))).toAlignedRect();
 }
 
-/// All that can be seen of the item, itself included.
+/// The item and its visible children.
 inline std::vector<QQuickItem*> seen(QQuickItem& root) {
   std::vector<QQuickItem*> found;
   findItem(root, [&found](const QQuickItem& item) {

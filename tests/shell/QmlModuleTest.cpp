@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 
-// Hosts written in QML, over the sandbox.
+// The QML module and examples/qml-host, against the sandbox.
 
 #include <QQmlComponent>
 #include <QQmlEngine>
@@ -18,7 +18,7 @@
 namespace orlix::shop {
 namespace {
 
-/// Two payments, each outcome as a line with what is known of the purchase.
+/// A window with two payments; logs each outcome with the state of the purchase.
 constexpr const char* kHost = R"(
 import QtQuick
 import OrlixKit
@@ -60,7 +60,7 @@ Window {
 }
 )";
 
-/// What a user does on a screen, or on an alert when its title is named.
+/// A user's step on a screen, or on the alert of this title.
 struct Step {
   std::string where;
   std::function<void(HeadlessDriver&, Server&)> act;
@@ -108,7 +108,7 @@ class QmlHost {
     return engine.singletonInstance<QObject*>(qmlTypeId("OrlixKit", 3, 0, "Orlix"));
   }
   QObject* payment(const char* name) const { return window->property(name).value<QObject*>(); }
-  /// What the JavaScript evaluates to, with `window` and `Orlix` in its scope.
+  /// Evaluates JavaScript with `window` and `Orlix` in scope.
   QString evaluate(const QString& script) {
     QQmlComponent component(&engine);
     component.setData(
@@ -273,7 +273,7 @@ TEST(QmlModule, AWindowThatIsDestroyedEndsTheFlow) {
   EXPECT_EQ(host.warnings.texts().join("\n").toStdString(), "");
 }
 
-/// What the example has printed.
+/// The output of the example.
 QStringList& printed() {
   static QStringList texts;
   return texts;

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 
-// What a user sees while the library is busy, by the time that it takes.
+// The waiting screen and the progress indicator, after short and long waits.
 
 #include "tests/shell/Contrast.h"
 #include "tests/shell/HandDriver.h"
@@ -11,7 +11,7 @@ namespace {
 
 using namespace std::chrono_literals;
 
-// Hours, so that it does not matter when exactly an animation got its start.
+// Hours, so that the exact start time of an animation does not matter.
 constexpr DrawingTimes kSlow{.fade = 1h, .appear = 2h, .stay = 4h};
 
 TEST(DrawnIndicator, AppearsAfterAMomentAndStaysLongEnoughToBeRead) {
@@ -20,7 +20,7 @@ TEST(DrawnIndicator, AppearsAfterAMomentAndStaysLongEnoughToBeRead) {
   struct Row {
     const char* name;
     std::chrono::minutes dismissedAfter;
-    std::vector<std::pair<std::chrono::minutes, double>> drawn;  ///< after this more time
+    std::vector<std::pair<std::chrono::minutes, double>> drawn;  ///< after this additional time
   };
   const Row rows[] = {{"a short wait draws none", 115min, {{0min, 0}, {70min, 0}, {600min, 0}}},
                       {"one that has just been drawn stays",
@@ -43,7 +43,7 @@ TEST(DrawnIndicator, AppearsAfterAMomentAndStaysLongEnoughToBeRead) {
     for (const auto& [passes, opacity] : row.drawn) {
       time.pass(phone, passes);
       sinceThen += passes;
-      // An animation may get its start a few milliseconds of real time earlier.
+      // An animation may start a few milliseconds of real time earlier.
       EXPECT_NEAR(phone.plate(), opacity, 0.01) << sinceThen.count() << " minutes after that";
       EXPECT_EQ(phone.phone.indicator().visible(), sinceThen < 1h) << "the model's fade";
     }

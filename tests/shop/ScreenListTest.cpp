@@ -18,7 +18,7 @@ namespace {
 
 namespace json = boost::json;
 
-/// What `orlix-shop --list-screens` prints, and nothing else is asked of it.
+/// The output of `orlix-shop --list-screens`, without any other option.
 json::value printedList() {
   std::ostringstream out;
   std::ostringstream err;

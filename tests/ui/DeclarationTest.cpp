@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 
-// Whatever appears on a screen is declared by it, or the check of the testing kit complains.
+// The testing kit reports alerts, segues and hidden outlets that their screen does not declare.
 
 #include <string>
 #include <vector>

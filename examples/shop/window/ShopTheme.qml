@@ -3,7 +3,7 @@
 pragma Singleton
 import QtQuick
 
-// Colours and text sizes of the shop; light or dark, and as large, as the wallet's screens.
+// Colours and text sizes of the shop, with the colour scheme and text scale of the wallet's screens.
 QtObject {
     id: theme
 

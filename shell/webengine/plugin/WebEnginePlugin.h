@@ -8,7 +8,7 @@
 
 namespace orlix::shell {
 
-/// Qt's web engine, as the shell loads it.
+/// The plug-in class that the shell loads.
 class WebEnginePlugin : public QObject, public WebEngine {
   Q_OBJECT
   Q_PLUGIN_METADATA(IID ORLIX_WEB_ENGINE)

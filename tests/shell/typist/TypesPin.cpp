@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 
-// A Qt plug-in for hosts that are not made for tests: types a PIN and Enter once a field for
-// secrets has the focus. Loaded by QT_QPA_GENERIC_PLUGINS=orlix-types-pin.
+// A Qt plug-in that types a PIN and Enter when a password field gets the focus, to test hosts
+// without changing them. Loaded by QT_QPA_GENERIC_PLUGINS=orlix-types-pin.
 
 #include <QCoreApplication>
 #include <QGenericPlugin>
@@ -15,7 +15,7 @@ namespace {
 
 constexpr const char* kPin = "1234";
 
-/// Of a field whose text is hidden, QQuickTextInput's `Password`.
+/// The echo mode `Password` of QQuickTextInput.
 constexpr int kHiddenText = 2;
 
 QQuickWindow* windowThatAsksForSecret() {
