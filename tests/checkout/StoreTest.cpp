@@ -84,6 +84,18 @@ TEST(LastUsedCard, IsWrittenAgainOnlyWhenItIsAnother) {
   EXPECT_EQ(storedAfter(6), 6) << "the first attempt failed";
 }
 
+TEST(LastUsedCard, ThatIsChosenWhileAnotherIsBeingWrittenIsWrittenAfterIt) {
+  Phone phone(withLockedStore());
+  useSystem(kTestSystem);
+  OXUtil::setLastUsedCardId(5);
+  phone.host.runFor(10s);
+  OXUtil::setLastUsedCardId(7);
+  phone.host.runFor(1s);
+  OXUtil::setLastUsedCardId(5);
+  phone.host.runFor(20s);
+  EXPECT_EQ(stored(phone), 5);
+}
+
 TEST(LastUsedCard, WaitsForALockedStoreWhileThePaymentGoesOn) {
   Phone phone(withLockedStore());
   phone.showPaymentScreen();
